@@ -1,0 +1,68 @@
+// Run-time failures: the exception, the pending error, and running a statement whose failure is to be ignored.
+#pragma once
+
+#include <exception>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <utility>
+
+namespace Ombrey {
+
+/// A run-time failure. what() is a short French description that an operator can read.
+class ErreurExécution : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// The descriptions that come up in more than one place.
+namespace Description {
+inline constexpr const char* IncompatibilitéDeType = "Incompatibilité de type";
+inline constexpr const char* DépassementDeCapacité = "Dépassement de capacité";
+inline constexpr const char* ObjetNonDéfini = "Variable objet non définie";
+inline constexpr const char* UtilisationDeNull = "Utilisation incorrecte de Null";
+inline constexpr const char* IndiceHorsPlage = "L'indice n'appartient pas à la sélection";
+}  // namespace Description
+
+/// The failure that an operation recorded without raising it. One for the plug-in; the latest replaces the former.
+class ErreurEnAttente {
+ public:
+  [[nodiscard]] bool EstPrésente() const { return Présente_; }
+  /// Empty when none is pending.
+  [[nodiscard]] const std::string& Texte() const { return Texte_; }
+  void Noter(const std::exception& Erreur) {
+    Présente_ = true;
+    Texte_ = Erreur.what();
+  }
+  void Effacer() {
+    Présente_ = false;
+    Texte_.clear();
+  }
+
+ private:
+  bool Présente_ = false;
+  std::string Texte_;
+};
+
+/// Runs one statement; a failure that it raises becomes the pending error, and the caller goes on with its next
+/// statement. True when it ran through.
+template <class Instruction>
+bool Ignorer(ErreurEnAttente& Attente, Instruction&& Faire) {
+  try {
+    std::forward<Instruction>(Faire)();
+    return true;
+  } catch (const std::exception& Erreur) {
+    Attente.Noter(Erreur);
+    return false;
+  }
+}
+
+/// The object behind a reference, held for as long as the caller keeps the result. Raises "Variable objet non définie"
+/// when there is none.
+template <class Objet>
+[[nodiscard]] std::shared_ptr<Objet> Exiger(const std::shared_ptr<Objet>& Référence) {
+  if (!Référence) throw ErreurExécution(Description::ObjetNonDéfini);
+  return Référence;
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,58 @@
+// One user of the line at a time: who holds it, and what waits for it.
+#pragma once
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "contracts/platform.h"
+
+namespace Ombrey {
+
+/// What can ask for the line while it is taken, in the order in which it is served afterwards.
+enum class DemandeLigne { Interrogation, Bouton, Menu, Cumuls };
+
+/// Marks the line as taken for a poll, a test, a reply or a transfer. A request that comes meanwhile is kept, once for
+/// each kind, and runs from the loop when the line is free again: never within the holder's own call.
+class UsageLigne {
+ public:
+  /// Holds the line until it is dropped.
+  class Prise {
+   public:
+    explicit Prise(UsageLigne& Usage) : Usage_(&Usage) { Usage.Prise_ = true; }
+    Prise(Prise&& Autre) noexcept : Usage_(std::exchange(Autre.Usage_, nullptr)) {}
+    Prise(const Prise&) = delete;
+    Prise& operator=(const Prise&) = delete;
+    Prise& operator=(Prise&&) = delete;
+    ~Prise() {
+      if (Usage_) Usage_->Rendre();
+    }
+
+   private:
+    UsageLigne* Usage_;
+  };
+
+  explicit UsageLigne(IPlateforme& Plateforme) : Plateforme_(Plateforme) {}
+  UsageLigne(const UsageLigne&) = delete;
+  UsageLigne& operator=(const UsageLigne&) = delete;
+
+  [[nodiscard]] bool EstPrise() const { return Prise_; }
+  /// The line, or nothing when it is taken: Reprise then runs once when it is free.
+  [[nodiscard]] std::optional<Prise> PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise);
+  /// Drops all that waits and lets nothing run any more; the plug-in has ended.
+  void Terminer();
+
+ private:
+  void Rendre();
+  void Reprendre();
+
+  IPlateforme& Plateforme_;
+  bool Prise_ = false;
+  bool Terminée_ = false;
+  std::map<DemandeLigne, std::function<void()>> Reportées_;
+  std::shared_ptr<IRetard> Relance_;
+};
+
+}  // namespace Ombrey

@@ -1,0 +1,20 @@
+// Small helpers for numbers held as text.
+#pragma once
+
+#include <string>
+
+#include "contracts/system.h"
+
+namespace Ombrey {
+
+/// True when Texte is numeric. A text that is numeric once its first wrong decimal separator (point for comma, or comma
+/// for point, by the locale) is put right is rewritten so; else it stays as it came.
+bool NormaliserNombre(std::string& Texte, const Régional& Formes);
+
+/// Drops all zeros at the front; a text of zeros gives the empty text.
+[[nodiscard]] std::string SupprZéroDébut(std::string Texte);
+
+/// Drops zeros at the end while more than one character is left; a text of zeros gives "0".
+[[nodiscard]] std::string SupprZéroFin(std::string Texte);
+
+}  // namespace Ombrey
