@@ -48,7 +48,7 @@ namespace Ombrey {
 
 /// Days since 1899-12-30, the time of day being the fraction.
 [[nodiscard]] double NuméroDeJour(const DateHeure& Moment);
-/// The way back, to the nearest second.
+/// The way back, to the nearest second. Raises "Dépassement de capacité" outside the years 100 to 9999.
 [[nodiscard]] DateHeure DepuisNuméroDeJour(double Jours);
 
 }  // namespace Ombrey
