@@ -1,0 +1,21 @@
+// Today's loads: the query and its rows as texts.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "contracts/database.h"
+#include "contracts/system.h"
+
+namespace Ombrey {
+
+/// Each row has as many texts as there are headings; a Null is the empty text.
+struct TableauChargements {
+  std::vector<std::string> Entêtes;
+  std::vector<std::vector<std::string>> Lignes;
+};
+
+/// Newest load first. Raises ErreurExécution when the query can't be run or read.
+[[nodiscard]] TableauChargements LireChargementsDuJour(IDatabase& Base, const Régional& Formes);
+
+}  // namespace Ombrey

@@ -1,0 +1,192 @@
+// The monitoring window: today's loads, the messages of the link and the errors.
+#include "monitor/monitoring_window.h"
+
+#include <algorithm>
+#include <array>
+#include <utility>
+
+#include "monitor/error_printout.h"
+#include "monitor/load_list.h"
+#include "monitor/window_placement.h"
+
+namespace Ombrey {
+namespace {
+
+constexpr std::size_t MessagesAuPlus = 64;
+/// An equal text among so many of the newest lines is replaced.
+constexpr std::size_t LignesComparées = 2;
+constexpr const char* SéparateurHorodatage = " : ";
+
+/// What stands on a tab shows on that tab only.
+constexpr std::array<std::pair<ContrôleSuivi, Onglet>, 5> ContrôlesDesOnglets{{
+    {ContrôleSuivi::ListeSuivis, Onglet::Suivis},
+    {ContrôleSuivi::BtnInterroger, Onglet::Suivis},
+    {ContrôleSuivi::BtnForcerCumulsRG80, Onglet::Suivis},
+    {ContrôleSuivi::ListeErreurs, Onglet::Erreurs},
+    {ContrôleSuivi::BtnImprimer, Onglet::Erreurs},
+}};
+
+}  // namespace
+
+FSuiviChargnt::FSuiviChargnt(ÉtatPlugIn& État, IServicesLiaison& Services)
+    : État_(État),
+      Services_(Services),
+      Vie_(std::make_shared<int>()),
+      Vue_(État.Plateforme.Fenêtres().CréerVueSuivi(*this, "Liste des chargements", IntérieurSuivi, DessinSuivi())) {
+  Form_Load();
+}
+
+FSuiviChargnt::~FSuiviChargnt() { Form_Unload(); }
+
+void FSuiviChargnt::Form_Load() {
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { Vue_->OffrirOnglet(Onglet::Erreurs, !Erreurs_.empty()); });
+  Ignorer(Ignorée, [this] {
+    Rectangle Place = Vue_->PlaceContrôle(ContrôleSuivi::BtnMasquer);
+    Place.Gauche = -Place.Largeur;  // out of sight, yet Esc still presses it
+    Vue_->PlacerContrôle(ContrôleSuivi::BtnMasquer, Place);
+  });
+}
+
+void FSuiviChargnt::Form_Unload() {
+  ErreurEnAttente Ignorée;  // nobody is left to be told
+  Ignorer(Ignorée, [this] { SauverPlacement(); });
+}
+
+std::string FSuiviChargnt::Horodatage() const {
+  return TexteHeure(État_.Plateforme.Système().Maintenant()) + SéparateurHorodatage;
+}
+
+void FSuiviChargnt::AjouterMessage(const std::string& Texte, bool Coché) {
+  const std::string Heure = Horodatage();
+  const std::size_t Comparées = std::min(LignesComparées, Messages_.size());
+  for (std::size_t Rang = 0; Rang < Comparées; ++Rang) {
+    if (Messages_[Rang].compare(Heure.size(), std::string::npos, Texte) != 0) continue;
+    Messages_.erase(Messages_.begin() + static_cast<std::ptrdiff_t>(Rang));
+    Vue_->RetirerLigne(Onglet::Suivis, Rang);
+    break;
+  }
+  Messages_.push_front(Heure + Texte);
+  Vue_->InsérerLigne(Onglet::Suivis, 0, Messages_.front(), Coché);
+  Vue_->ChoisirLigne(Onglet::Suivis, 0);
+  while (Messages_.size() > MessagesAuPlus) {
+    Messages_.pop_back();
+    Vue_->RetirerLigne(Onglet::Suivis, Messages_.size());
+  }
+  if (Vue_->EstVisible()) Vue_->Repeindre();
+}
+
+void FSuiviChargnt::AjouterErreur(const std::string& Texte) {
+  Erreurs_.push_front(Horodatage() + Texte);
+  Vue_->InsérerLigne(Onglet::Erreurs, 0, Erreurs_.front(), false);
+  Vue_->ChoisirLigne(Onglet::Erreurs, 0);
+  AjouterMessage(Texte, false);
+  Vue_->OffrirOnglet(Onglet::Erreurs, true);
+  Vue_->ChoisirOnglet(Onglet::Erreurs);
+  Onglets_Click();
+}
+
+void FSuiviChargnt::Rafraîchir() {
+  // A pending error here would be told to the operator as one of the dialogue that asked for the list.
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { RemplirGrille(); });
+  Ignorer(Ignorée, [this] {
+    const RéglagesPlacement Placement(État_.Plateforme.Réglages(), État_.Formes());
+    const std::size_t Colonnes = Vue_->NombreColonnes();
+    for (std::size_t Colonne = 0; Colonne < Colonnes; ++Colonne) {
+      const int Largeur = Placement.LireLargeur(Colonne);
+      if (Largeur > 0) Vue_->FixerLargeurColonne(Colonne, Largeur);
+    }
+  });
+}
+
+void FSuiviChargnt::RemplirGrille() {
+  const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
+  auto Tableau = LireChargementsDuJour(*Base, État_.Formes());
+  Vue_->RemplirGrille(std::move(Tableau.Entêtes), std::move(Tableau.Lignes));
+  GrilleRemplie_ = true;
+}
+
+void FSuiviChargnt::Afficher() {
+  Onglets_Click();
+  Vue_->MontrerModale();
+  // The window may be gone.
+}
+
+bool FSuiviChargnt::EstVisible() const { return Vue_->EstVisible(); }
+
+void FSuiviChargnt::BtnInterroger_Click() {
+  Services_.Retard_FinTempo("");
+  // The window may be gone.
+}
+
+void FSuiviChargnt::BtnForcerCumulsRG80_Click() {
+  const auto PlugIn = État_.PlugInCourant;  // the line belongs to it and is given back at the end
+  const std::weak_ptr<const void> Vie = Vie_;
+  const auto Prise = État_.Ligne.PrendreOuReporter(DemandeLigne::Cumuls, [this, Vie] {
+    if (!Vie.expired()) BtnForcerCumulsRG80_Click();
+  });
+  if (!Prise) return;
+  std::string DernierChargement;
+  ErreurEnAttente Erreur;
+  const bool Faite = Ignorer(Erreur, [&] { Services_.MettreAJourCumuls(DernierChargement); });
+  if (!Faite && !Vie.expired()) AjouterErreur(Erreur.Texte());
+}
+
+void FSuiviChargnt::BtnImprimer_Click() {
+  if (Erreurs_.empty()) return;
+  ErreurEnAttente Erreur;
+  const bool Imprimée = Ignorer(Erreur, [this] {
+    const auto Imprimante = État_.Plateforme.Fenêtres().OuvrirImprimante();
+    ImprimerErreurs(*Imprimante, État_.Plateforme.Système().Maintenant(), Erreurs_);
+  });
+  if (!Imprimée) État_.Avertir(Erreur.Texte());
+}
+
+void FSuiviChargnt::BtnMasquer_Click() { Vue_->Cacher(); }
+
+void FSuiviChargnt::Onglets_Click() {
+  const Onglet Courant = Vue_->OngletCourant();
+  for (const auto& [Contrôle, Sien] : ContrôlesDesOnglets) Vue_->MontrerContrôle(Contrôle, Sien == Courant);
+}
+
+void FSuiviChargnt::ListeMessages_DblClick(Onglet Liste) {
+  const auto& Lignes = Liste == Onglet::Suivis ? Messages_ : Erreurs_;
+  const std::size_t Courante = Vue_->LigneCourante(Liste);
+  if (Courante >= Lignes.size()) return;
+  const std::string Texte = Lignes[Courante];  // the list may change while the box is open
+  État_.Avertir(Texte);
+}
+
+void FSuiviChargnt::Form_Activate() {
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] {
+    const Rectangle Présente = Vue_->PlaceFenêtre();
+    const Rectangle Réglée = RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LirePlace(Présente);
+    if (Réglée != Présente) Vue_->PlacerFenêtre(Réglée);
+  });
+  Rafraîchir();
+  Ignorer(Ignorée, [this] { Vue_->MettreDevant(); });
+}
+
+void FSuiviChargnt::Form_Resize() { DisposerContrôles(*Vue_); }
+
+bool FSuiviChargnt::Form_QueryUnload(bool ParUtilisateur) {
+  if (!ParUtilisateur) return false;
+  ErreurEnAttente Erreur;
+  const bool Sauvé = Ignorer(Erreur, [this] { SauverPlacement(); });
+  Vue_->Cacher();
+  if (!Sauvé) AjouterMessage("La place de la fenêtre n'a pas pu être enregistrée : " + Erreur.Texte(), false);
+  return true;
+}
+
+void FSuiviChargnt::SauverPlacement() {
+  const RéglagesPlacement Placement(État_.Plateforme.Réglages(), État_.Formes());
+  Placement.EcrirePlace(Vue_->PlaceFenêtre());
+  if (!GrilleRemplie_) return;
+  const std::size_t Colonnes = Vue_->NombreColonnes();
+  for (std::size_t Colonne = 0; Colonne < Colonnes; ++Colonne)
+    Placement.EcrireLargeur(Colonne, Vue_->LargeurColonne(Colonne));
+}
+
+}  // namespace Ombrey
