@@ -50,7 +50,7 @@ class UsageLigne {
 
   IPlateforme& Plateforme_;
   bool Prise_ = false;
-  bool Terminée_ = false;
+  std::shared_ptr<bool> Terminée_ = std::make_shared<bool>(false);  ///< outlives the object in a call that ends it
   std::map<DemandeLigne, std::function<void()>> Reportées_;
   std::shared_ptr<IRetard> Relance_;
 };

@@ -1,0 +1,25 @@
+// Writing whole files with every step checked, and paths from UTF-8 text.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace Ombrey {
+
+/// The path that a UTF-8 text names.
+[[nodiscard]] std::filesystem::path Chemin(std::string_view Texte);
+/// The path as UTF-8 text.
+[[nodiscard]] std::string TexteChemin(const std::filesystem::path& Fichier);
+
+/// Creates the folder, for its owner alone, when it is missing. Raises ErreurExécution.
+void CréerDossier(const std::filesystem::path& Dossier);
+
+/// Writes a new file of just these bytes, replacing an old one. Raises ErreurExécution when a byte can't be written;
+/// what there is of the file then stays.
+void EcrireFichier(const std::filesystem::path& Fichier, std::string_view Octets);
+
+/// Moves a file to a place where none may stand yet. Raises ErreurExécution.
+void DéplacerFichier(const std::filesystem::path& De, const std::filesystem::path& Vers);
+
+}  // namespace Ombrey

@@ -1,0 +1,258 @@
+// The collection dialogue, read from top to bottom as it runs on the line.
+#include "link/collection.h"
+
+#include <filesystem>
+#include <optional>
+#include <system_error>
+
+#include "common/ansi_text.h"
+#include "common/files.h"
+#include "common/regional_forms.h"
+#include "link/checksum.h"
+#include "link/daily_error_file.h"
+
+namespace Ombrey {
+namespace {
+
+/// Asks for a load.
+constexpr std::string_view CodeDemande = "A";
+/// The host's layout for the import.
+constexpr const char* TitreImport = "Synchronisation des chargements";
+constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
+
+/// The progress counter jumps at the import: from 105 on the import failed, from 205 on it worked.
+constexpr int SautImportRefusé = 101;
+constexpr int SautImportFait = 201;
+
+/// The working values of one dialogue and its steps.
+class Dialogue {
+ public:
+  Dialogue(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
+      : État_(État), Échange_(LÉchange), Traitement_(Traitement), Système_(État.Plateforme.Système()) {}
+
+  std::string Tenir();
+
+ private:
+  enum class Import { Refusé, Erreur, Fait };
+
+  void SuivreLeCours();
+  void OuvrirFichierErreurs();
+  bool DemanderChargement();
+  bool AttendreTrame();
+  bool EcrireFichierImport();
+  void Importer();
+  void RefuserImport(bool AvecBoîte);
+  void RépondreAuTerminal();
+  void EnvoyerCumuls();
+  void Finir();
+  void VérifierErreurEnAttente();
+  std::filesystem::path FichierConservé() const;
+  void Clore();
+  Attente AttendreAccord(std::size_t LongMin) const;
+
+  ÉtatPlugIn& État_;
+  Échange& Échange_;
+  ITraitementChargement& Traitement_;
+  ISystème& Système_;
+
+  int Etape_ = 0;
+  std::string Résultat_;
+  std::optional<FichierErreurs> Erreurs_;
+  std::filesystem::path FichierImport_;
+  Octets RéponseRG80_;
+  std::string NoChargement_;
+  std::string TexteImport_;
+  std::shared_ptr<IEtatBdD> EtatBdD_;
+};
+
+std::string Dialogue::Tenir() {
+  try {
+    SuivreLeCours();
+  } catch (const std::exception& Échec) {
+    État_.Erreur.Noter(Échec);
+  }
+  std::string Rendu = Résultat_;
+  Clore();
+  return Rendu;
+}
+
+void Dialogue::SuivreLeCours() {
+  Exiger(État_.Retard)->Arrêter();
+  OuvrirFichierErreurs();
+  Etape_ = 2;
+  État_.Erreur.Effacer();
+  EtatBdD_ = État_.EtatBdD;
+  if (!EtatBdD_) return;
+
+  std::string Dossier;
+  std::string Nom;
+  EtatBdD_->ObtenirFichierImport(Dossier, Nom);
+  FichierImport_ = Chemin(Dossier + "RG80 " + Nom);
+
+  if (!DemanderChargement() || !AttendreTrame()) return;
+  Erreurs_->Ajouter("");
+  TexteImport_ = Traitement_.TraiterDonnéesReçues(État_.TamponRéception, RéponseRG80_, NoChargement_);
+  if (État_.Abandon) return;
+  if (EcrireFichierImport()) {
+    Importer();
+  } else {
+    Résultat_ = "Aucun chargement importé";
+    // An ACK stays unsent: a load that wasn't imported is never acknowledged.
+    if (RéponseRG80_ == Octets(1, NAK)) Exiger(État_.PortComm)->Ecrire(RéponseRG80_);
+  }
+  if (!État_.Abandon) Finir();
+}
+
+void Dialogue::OuvrirFichierErreurs() {
+  CréerDossier(DossierErreurs(Système_));
+  Etape_ = 1;
+  Erreurs_.emplace(FichierErreursDuJour(Système_));
+}
+
+Attente Dialogue::AttendreAccord(std::size_t LongMin) const {
+  const Octets Code(CodeDemande);
+  return {.LongMin = LongMin, .Motif3 = Octets(1, ACK) + Code, .Motif4 = Octets(1, NAK) + Code};
+}
+
+bool Dialogue::DemanderChargement() {
+  État_.TamponRéception.Vider();
+  Attente Demande = AttendreAccord(2);
+  Demande.Texte = Requête(Octets(CodeDemande));
+  switch (Échange_.AttendreRéponse(Demande, RéponseRG80_)) {
+    case CodeÉchange::Silence:
+      Résultat_ = std::string(TexteÉchecLecture) + TexteSilence;
+      return false;
+    case CodeÉchange::Motif4:
+      Résultat_ = "Aucun chargement à récupérer.";
+      return false;
+    case CodeÉchange::ErreurPort:
+      Résultat_ = std::string(TexteÉchecLecture) + TexteErreurPort;
+      return false;
+    default:
+      return true;
+  }
+}
+
+bool Dialogue::AttendreTrame() {
+  // The answer to the request stays at the head of the buffer and counts.
+  const auto LongTrame = static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
+  switch (Échange_.AttendreRéponse(AttendreAccord(LongTrame), RéponseRG80_)) {
+    case CodeÉchange::Silence:
+      Résultat_ = std::string(TexteÉchecLecture) + TexteSilence;
+      return false;
+    case CodeÉchange::Motif4:
+      Résultat_ = std::string(TexteÉchecLecture) + TextePasPrêt;
+      return false;
+    case CodeÉchange::ErreurPort:
+      Résultat_ = std::string(TexteÉchecLecture) + TexteErreurPort;
+      return false;
+    default:
+      return true;
+  }
+}
+
+bool Dialogue::EcrireFichierImport() {
+  const Octets Texte = VersAnsi(TexteImport_);
+  if (Texte.Taille() > 1) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
+  Etape_ = 3;
+  return !NoChargement_.empty() && std::filesystem::exists(FichierImport_);
+}
+
+void Dialogue::Importer() {
+  État_.DernierNoChargement = NoChargement_;
+  Etape_ = 4;
+  bool Drapeau = false;
+  if (!EtatBdD_->TableImporter(TitreImport, TexteChemin(FichierImport_), Drapeau)) {
+    Etape_ += SautImportRefusé;
+    RefuserImport(true);
+    return;
+  }
+  Etape_ += SautImportFait;
+  if (!EtatBdD_->DernièreErreur().empty()) {
+    RefuserImport(false);
+    return;
+  }
+  RépondreAuTerminal();
+  État_.Erreur.Effacer();
+  Système_.Pomper(std::chrono::milliseconds(0));
+  if (!État_.Abandon) EnvoyerCumuls();
+}
+
+std::filesystem::path Dialogue::FichierConservé() const {
+  return Système_.DossierImportsConservés() /
+         Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
+}
+
+/// Keeps the file for the operator and refuses the load. AvecBoîte: the engine gave up; else it left an error text.
+void Dialogue::RefuserImport(bool AvecBoîte) {
+  const auto EcrireLigne = [this] {
+    Erreurs_->Ajouter(TexteHeure(Système_.Maintenant()) + " : TableImporter = TRUE : " + EtatBdD_->DernièreErreur() +
+                      " - voir " + TexteChemin(FichierConservé()));
+  };
+  if (AvecBoîte) {
+    DéplacerFichier(FichierImport_, FichierConservé());
+    constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
+    État_.Avertir(Échec);
+    État_.Canal.AjouterMessage(Échec, true);
+    EcrireLigne();
+  } else {
+    EcrireLigne();
+    État_.Canal.AjouterMessage(EtatBdD_->DernièreErreur(), true);
+    DéplacerFichier(FichierImport_, FichierConservé());
+  }
+  if (!État_.Abandon) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
+}
+
+void Dialogue::RépondreAuTerminal() {
+  if (RéponseRG80_.EstVide()) {
+    État_.Canal.AjouterMessage("Rien à répondre au RG80 !!?", true);
+  } else {
+    Exiger(État_.PortComm)->Ecrire(RéponseRG80_);
+  }
+}
+
+void Dialogue::EnvoyerCumuls() {
+  Etape_ = 206;
+  Traitement_.MettreAJourCumuls(NoChargement_);
+  VérifierErreurEnAttente();
+  Etape_ = 207;
+  if (État_.Abandon) return;
+  Exiger(État_.BaseDeD)->Actualiser();
+  VérifierErreurEnAttente();
+  Etape_ = 208;
+  Traitement_.SignalerAuHôte("ChargementAjouté:" + NoChargement_);
+  État_.Erreur.Effacer();
+}
+
+void Dialogue::Finir() {
+  VérifierErreurEnAttente();
+  ++Etape_;
+  if (État_.Canal.EstVisible()) État_.Canal.Rafraîchir();
+  VérifierErreurEnAttente();
+  ++Etape_;
+}
+
+/// A called operation can leave a failure recorded without raising it. It stays recorded.
+void Dialogue::VérifierErreurEnAttente() {
+  if (État_.Erreur.EstPrésente()) État_.Avertir(État_.Erreur.Texte(), "Erreur etape " + std::to_string(Etape_));
+}
+
+void Dialogue::Clore() {
+  // What fails because the plug-in was ended in the middle is no failure for the operator.
+  if (État_.Erreur.EstPrésente() && Résultat_.empty() && !État_.Abandon) {
+    Résultat_ = TexteÉchecLecture + État_.Erreur.Texte() + " - Etape " + std::to_string(Etape_) + " - " + NoChargement_;
+    ErreurEnAttente Ignorée;
+    Ignorer(Ignorée, [this] { État_.Avertir("LireDonnéesDeRG80 : " + Résultat_); });
+  }
+  ErreurEnAttente Ignorée;
+  if (!Résultat_.empty()) Ignorer(Ignorée, [this] { État_.Canal.AjouterMessage(Résultat_, false); });
+  Erreurs_.reset();
+  std::error_code Code;
+  if (!FichierImport_.empty()) std::filesystem::remove(FichierImport_, Code);
+}
+
+}  // namespace
+
+std::string Collecte::LireDonnéesDeRG80() { return Dialogue(État_, Échange_, Traitement_).Tenir(); }
+
+}  // namespace Ombrey

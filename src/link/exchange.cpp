@@ -1,0 +1,106 @@
+// The waiting primitive and the link test.
+#include "link/exchange.h"
+
+#include "link/checksum.h"
+
+namespace Ombrey {
+namespace {
+
+/// Request code of the link test; the cumul reply is announced by the same.
+constexpr std::string_view CodeTest = "8";
+
+/// The four patterns in the order of their priority, the first two for the start of the buffer.
+bool EstEnTête(const Octets& Tampon, const Octets& Motif) { return !Motif.EstVide() && Tampon.CommencePar(Motif); }
+
+bool Assez(const Octets& Tampon, std::size_t LongMin) { return LongMin == 0 || Tampon.Taille() >= LongMin; }
+
+}  // namespace
+
+Octets Requête(const Octets& Code) { return Octets(1, ENQ) + Code; }
+
+bool Échange::Envoyer(const Octets& Texte) {
+  const auto Port = Exiger(État_.PortComm);
+  if (Port->Ecrire(Texte)) return true;
+  // A port closed under the writing by the end of the plug-in is no failure of the port.
+  if (!État_.Abandon) État_.Avertir(Port->DernièreErreurPort(), "Erreur du port");
+  return false;
+}
+
+CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse) {
+  if (!Demande.Texte.EstVide() && !Envoyer(Demande.Texte)) {
+    return État_.Abandon ? CodeÉchange::Silence : CodeÉchange::ErreurPort;
+  }
+  ISystème& Système = État_.Plateforme.Système();
+  const std::uint32_t Début = Système.Tics();
+  const auto Délai = static_cast<std::int32_t>(Demande.Délai.count());
+  std::int32_t Écoulé = 0;
+  for (;;) {
+    if (État_.Abandon) return CodeÉchange::Silence;
+    // One millisecond beyond the time-out, so that an idle wait ends in one pump.
+    Système.Pomper(std::chrono::milliseconds(Délai - Écoulé + 1));
+    if (État_.Abandon) return CodeÉchange::Silence;
+
+    Octets Arrivé;
+    Exiger(État_.PortComm)->Lire(Arrivé);
+    État_.TamponRéception += Arrivé;
+
+    // The tick count wraps: only the difference, taken as signed, tells the time that has passed.
+    Écoulé = static_cast<std::int32_t>(Système.Tics() - Début);
+    if (Écoulé > Délai) return CodeÉchange::Silence;
+    if (const auto Code = Reconnaître(Demande, Réponse)) return *Code;
+  }
+}
+
+std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octets& Réponse) {
+  Octets& Tampon = État_.TamponRéception;
+  if (!Assez(Tampon, Demande.LongMin)) return std::nullopt;
+
+  const auto EnTête = [&](const Octets& Motif, CodeÉchange Code) -> std::optional<CodeÉchange> {
+    if (!EstEnTête(Tampon, Motif)) return std::nullopt;
+    Réponse = Tampon;
+    if (Demande.Consommer) Tampon.RetirerTête(Motif.Taille());
+    return Code;
+  };
+  const auto Partout = [&](const Octets& Motif, CodeÉchange Code) -> std::optional<CodeÉchange> {
+    if (Motif.EstVide() || !Demande.Resynchroniser) return std::nullopt;
+    const std::size_t Place = Tampon.Chercher(Motif);
+    if (Place == Octets::Introuvable) return std::nullopt;
+    Tampon.RetirerTête(Place);
+    if (!Assez(Tampon, Demande.LongMin)) return std::nullopt;
+    Réponse = Tampon;
+    return Code;
+  };
+  if (const auto Code = EnTête(Demande.Motif1, CodeÉchange::Motif1)) return Code;
+  if (const auto Code = EnTête(Demande.Motif2, CodeÉchange::Motif2)) return Code;
+  if (const auto Code = Partout(Demande.Motif3, CodeÉchange::Motif3)) return Code;
+  return Partout(Demande.Motif4, CodeÉchange::Motif4);
+}
+
+bool Échange::RéponseÀLaRequêteDeTest() {
+  if (!État_.PortComm) return false;
+  État_.TamponRéception.Vider();
+  const Octets Code(CodeTest);
+  const Attente Test{.Texte = Requête(Code),
+                     .LongMin = 2,
+                     .Motif1 = Octets(1, ACK) + Code,
+                     .Motif2 = Octets(1, NAK) + Code,
+                     .Resynchroniser = false};
+  Octets Réponse;
+  const CodeÉchange Obtenu = AttendreRéponse(Test, Réponse);
+  // A NAK comes from a terminal, too.
+  if (Obtenu != CodeÉchange::Motif1 && Obtenu != CodeÉchange::Motif2) return false;
+  État_.Canal.AjouterMessage("Communication établie avec le RG80.", true);
+  return true;
+}
+
+bool Échange::TesterConnexion() {
+  // Failures stay inside: one of them makes the test fail, and the pointer comes back whatever happens.
+  ErreurEnAttente Échec;
+  bool Répond = false;
+  Ignorer(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(true); });
+  Ignorer(Échec, [&] { Répond = RéponseÀLaRequêteDeTest(); });
+  Ignorer(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(false); });
+  return Répond && !Échec.EstPrésente();
+}
+
+}  // namespace Ombrey

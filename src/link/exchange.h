@@ -1,0 +1,68 @@
+// The one waiting primitive of the line, and the link test.
+#pragma once
+
+#include <chrono>
+
+#include "common/plugin_state.h"
+#include "contracts/octets.h"
+
+namespace Ombrey {
+
+/// How long the terminal may take for an answer, counted from the end of the sending.
+inline constexpr std::chrono::milliseconds DélaiRéponse{2000};
+
+/// How a wait ended.
+enum class CodeÉchange {
+  Silence = 0,     ///< nothing matched in time, or the plug-in is ending
+  Motif1 = 1,      ///< match at the start of the buffer
+  Motif2 = 2,      ///< the same for the second pattern
+  Motif3 = 3,      ///< found anywhere in the buffer
+  Motif4 = 4,      ///< the same for the fourth pattern
+  ErreurPort = 5,  ///< the port refused the sending; the operator has seen why
+};
+
+/// The operator's words for an exchange that failed.
+inline constexpr const char* TexteSilence = "Aucune réponse du RG80.";
+inline constexpr const char* TextePasPrêt = "Le RG80 n'est pas prêt (NACK).";
+inline constexpr const char* TexteErreurPort = "Erreur du port de communication au RG80.";
+
+/// What to send and what to wait for. An empty text or pattern isn't used.
+struct Attente {
+  Octets Texte{};  ///< sent first; the wait starts when it has left
+  std::chrono::milliseconds Délai = DélaiRéponse;
+  std::size_t LongMin = 0;  ///< characters that the buffer must hold before a pattern counts
+  Octets Motif1{};
+  Octets Motif2{};
+  Octets Motif3{};
+  Octets Motif4{};
+  bool Consommer = true;       ///< on a match of the first two: drop the pattern from the buffer
+  bool Resynchroniser = true;  ///< whether the last two count; what precedes them is dropped
+};
+
+/// The request that opens an exchange: ENQ and its code.
+[[nodiscard]] Octets Requête(const Octets& Code);
+
+class Échange {
+ public:
+  explicit Échange(ÉtatPlugIn& État) : État_(État) {}
+
+  /// Sends, then watches the reception buffer for the patterns, in their order, until one matches or the time is up.
+  /// Réponse receives the whole buffer on a match and is untouched otherwise. Pumps: anything may happen meanwhile.
+  /// Raises "Variable objet non définie" without a port.
+  CodeÉchange AttendreRéponse(const Attente& Demande, Octets& Réponse);
+
+  /// The event of the port: characters arrive.
+  void EventPortComRG80_Lecture(const Octets& Texte) { État_.TamponRéception += Texte; }
+
+  /// Asks whether the terminal is there; any answer will do. Raises nothing.
+  bool TesterConnexion();
+
+ private:
+  bool Envoyer(const Octets& Texte);
+  std::optional<CodeÉchange> Reconnaître(const Attente& Demande, Octets& Réponse);
+  bool RéponseÀLaRequêteDeTest();
+
+  ÉtatPlugIn& État_;
+};
+
+}  // namespace Ombrey

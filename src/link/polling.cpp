@@ -1,0 +1,30 @@
+// The polling loop.
+#include "link/polling.h"
+
+namespace Ombrey {
+
+void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
+  const auto Tenu = État_.PlugInCourant;
+  const auto Ligne =
+      État_.Ligne.PrendreOuReporter(DemandeLigne::Interrogation, [this, CodeRetour] { Retard_FinTempo(CodeRetour); });
+  if (!Ligne) return;
+
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
+  if (État_.Abandon) return;
+  std::string Erreur = Collecte_.LireDonnéesDeRG80();
+  if (État_.Erreur.EstPrésente()) Erreur = "Erreur " + État_.Erreur.Texte() + " - " + Erreur;
+  État_.Erreur.Effacer();
+  Ignorer(Ignorée, [&] {
+    État_.Canal.AjouterMessage("Vérification de nouveaux chargements sur le RG80. " + Erreur, Erreur.empty());
+  });
+  if (État_.Abandon) return;
+  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, ""); });
+}
+
+void Interrogation::SignalerAuHôte(const std::string& Texte) {
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [&] { Exiger(État_.EventPlugin)->Signaler(Texte); });
+}
+
+}  // namespace Ombrey
