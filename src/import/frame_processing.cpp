@@ -1,0 +1,130 @@
+// Finding, checking and taking apart the terminal's data frame.
+#include "import/frame_processing.h"
+
+#include "common/ansi_text.h"
+#include "common/delimited_list.h"
+#include "common/regional_forms.h"
+#include "common/text_helpers.h"
+#include "link/checksum.h"
+
+namespace Ombrey {
+namespace {
+
+constexpr double DixièmesParDegré = 10;
+
+/// The last four digits of the two codes: what the message about an unknown holding shows of them.
+constexpr Position FinPropriétaire{21, 4};
+constexpr Position FinRécoltant{27, 4};
+
+std::string Lire(const Octets& Enregistrement, Position Place) { return DepuisAnsi(Place.Dans(Enregistrement)); }
+
+}  // namespace
+
+std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) {
+  try {
+    std::string TexteImport;
+    if (!CouperAuSTX(Tampon)) {
+      État_.Erreur.Effacer();
+      return {};
+    }
+    const Octets Trame = Tampon.Extrait(0, LongueurTrame());
+    if (CheckSumJuste(Trame)) {
+      Réponse = Octets(1, ACK);
+      const auto Ligne = TraiterEnregistrement(Trame.Extrait(1, LongueurTrame() - EnrobageTrame), NoChargement);
+      if (!Ligne) return {};
+      TexteImport = *Ligne;
+    } else {
+      État_.Avertir("Erreur de check-sum");
+      if (État_.Abandon) return {};
+      Réponse = Octets(1, NAK);
+    }
+    Tampon.RetirerTête(LongueurTrame());
+    État_.Erreur.Effacer();
+    return TexteImport;
+  } catch (const std::exception& Erreur) {
+    if (!État_.Abandon) État_.Avertir(std::string("TraiterDonnéesReçues : ") + Erreur.what());
+    return {};
+  }
+}
+
+std::size_t TraitementTrame::LongueurTrame() const {
+  return static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
+}
+
+/// Drops what stands ahead of the first STX; true when a whole frame follows.
+bool TraitementTrame::CouperAuSTX(Octets& Tampon) {
+  const std::size_t Place = Tampon.Chercher(Octets(1, STX));
+  if (Place == Octets::Introuvable) return false;
+  Tampon.RetirerTête(Place);
+  if (Tampon.Taille() >= LongueurTrame()) return true;
+  État_.Avertir("Données trop courtes");
+  return false;
+}
+
+/// The checksum is worked out over a true ETX, whatever was received in its place.
+bool TraitementTrame::CheckSumJuste(const Octets& Trame) const {
+  const std::size_t PlaceETX = LongueurTrame() - 3;
+  return VérifierCheckSum(Trame.Extrait(0, PlaceETX) + ETX, Trame.Extrait(PlaceETX + 1, 1),
+                          Trame.Extrait(PlaceETX + 2, 1));
+}
+
+std::optional<std::string> TraitementTrame::TraiterEnregistrement(const Octets& Enregistrement,
+                                                                  std::string& NoChargement) {
+  std::vector<std::string> DonnéesReçues = Découper(Enregistrement);
+  const std::string CodeExploitation = TrouverExploitation(Enregistrement);
+  if (CodeExploitation.empty() || État_.Abandon) return std::nullopt;
+
+  DonnéesReçues[Élément::Métayage] = CodeExploitation;
+  DonnéesReçues[Élément::DateCh] = TexteDate(Enregistrement, PositionFixe::Heure, PositionFixe::Minute);
+  DonnéesReçues[Élément::DateSortie] = TexteDate(Enregistrement, PositionFixe::HeureSortie, PositionFixe::MinuteSortie);
+  DonnéesReçues[Élément::NoChargement] = SupprZéroDébut(DonnéesReçues[Élément::NoChargement]);
+  NoChargement = DonnéesReçues[Élément::NoChargement];
+  MettreAuPropre(DonnéesReçues);
+  return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
+}
+
+std::vector<std::string> TraitementTrame::Découper(const Octets& Enregistrement) const {
+  const Régional Formes = État_.Formes();
+  const auto Éléments = ListeChamps(";").Décomposer(État_.ChampsChargement);
+  const auto Nombre = [&](std::size_t Rang) { return static_cast<std::size_t>(EnEntier16(Éléments.at(Rang), Formes)); };
+  std::vector<std::string> Champs;
+  for (std::size_t Rang = 0; Rang < Éléments.size(); Rang += ÉlémentsParChamp) {
+    Champs.push_back(Lire(Enregistrement, {Nombre(Rang + 1), Nombre(Rang + 2)}));
+  }
+  return Champs;
+}
+
+/// The IdMétayage of the load's holding; empty, and reported, when there is none.
+std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
+  std::string Propriétaire = Lire(Enregistrement, PositionFixe::Propriétaire);
+  std::string Récoltant = Lire(Enregistrement, PositionFixe::Récoltant);
+  std::string Part =
+      Lire(Enregistrement, PositionFixe::PartEntière) + "." + Lire(Enregistrement, PositionFixe::PartDécimale);
+  std::string Groupe = Lire(Enregistrement, PositionFixe::Groupe);
+  const std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
+  if (Code.empty() && !État_.Abandon) {
+    const std::string Texte = "Code exploitation introuvable : /" + Lire(Enregistrement, FinPropriétaire) + "/" +
+                              Lire(Enregistrement, FinRécoltant) + "/" + Part + "/" + Groupe;
+    État_.Canal.AjouterErreur(Texte);
+    État_.Canal.AjouterMessage(Texte, false);
+  }
+  return Code;
+}
+
+std::string TraitementTrame::TexteDate(const Octets& Enregistrement, Position Heure, Position Minute) const {
+  const std::string Texte = Lire(Enregistrement, PositionFixe::Jour) + "/" + Lire(Enregistrement, PositionFixe::Mois) +
+                            "/" + Lire(Enregistrement, PositionFixe::Année) + " " + Lire(Enregistrement, Heure) + ":" +
+                            Lire(Enregistrement, Minute);
+  return EstDate(Texte) ? Texte : TexteDateHeure(État_.Plateforme.Système().Maintenant());
+}
+
+void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) const {
+  const Régional Formes = État_.Formes();
+  std::string& Degré = DonnéesReçues[Élément::Degré];
+  Degré = TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes);
+  for (const std::size_t Place : {Élément::NoQuai, Élément::Cuve}) {
+    DonnéesReçues[Place] = SupprZéroDébut(DonnéesReçues[Place]);
+  }
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,117 @@
+// Looking up and creating cooperators and holdings.
+#include "import/holding_checks.h"
+
+#include "common/regional_forms.h"
+#include "common/text_helpers.h"
+
+namespace Ombrey {
+namespace {
+
+constexpr const char* TitreBoîte = "Vérification d'exploitation";
+constexpr const char* CodeInconnu = "0";
+
+}  // namespace
+
+std::string VérificationExploitation::VérifierExploitation(std::string& Propriétaire, std::string& Récoltant,
+                                                           std::string& Part, std::string& Groupe) {
+  const Régional Formes = État_.Formes();
+  if (!EstNumérique(Propriétaire, Formes) || !EstNumérique(Récoltant, Formes)) return {};
+  if (EnRéel(Propriétaire, Formes) == 0) Propriétaire = Récoltant;
+  try {
+    VérifierCoopérateur(Propriétaire);
+    if (État_.Abandon) return {};
+    VérifierCoopérateur(Récoltant);
+    if (État_.Abandon) return {};
+    std::string Code;
+    if (ChercherExploitation(Propriétaire, Récoltant, Part, Groupe, Code)) return Code;
+    return CréerExploitation(Propriétaire, Récoltant, Part, Groupe);
+  } catch (const std::exception& Erreur) {
+    if (!État_.Abandon) État_.Avertir(Erreur.what(), TitreBoîte);
+    return {};
+  }
+}
+
+void VérificationExploitation::VérifierCoopérateur(std::string& Code) {
+  const std::string Numéro = Nombre(Code);
+  if (ChercherCoopérateur(Numéro, Code)) return;
+
+  const auto Base = Exiger(État_.BaseDeD);
+  NouveauCoopérateur Nouveau{Numéro, Numéro + "-Crée par le RG80",
+                             TexteDateHeure(État_.Plateforme.Système().Maintenant())};
+  const std::int16_t Résultat = Base->AjouterCoopérateur(Nouveau);
+  if (Résultat < 0) {
+    État_.Avertir("Ajout d'un coopérateur inconnu : " + Numéro + "\r" + Base->TexteErreurBase(Résultat));
+  }
+  État_.Canal.AjouterErreur("Création d'un coopérateur inconnu : " + Code);
+}
+
+bool VérificationExploitation::ChercherCoopérateur(const std::string& Numéro, std::string& Code) {
+  const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
+  const auto Lignes = BaseDAO->OpenRecordset("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '" + Numéro + "'");
+  if (Lignes->Eof()) return false;
+  Code = TexteValeur(Lignes->FieldsNommé("IdCoopérateur"), État_.Formes());
+  return true;
+}
+
+bool VérificationExploitation::ChercherExploitation(const std::string& Propriétaire, const std::string& Récoltant,
+                                                    std::string& Part, const std::string& Groupe, std::string& Code) {
+  const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
+  const auto Lignes = BaseDAO->OpenRecordset(
+      "SELECT IdMétayage,* FROM Métayage"
+      " WHERE Clng(Propriétaire) = '" +
+      Nombre(Propriétaire) + "' AND Clng(Récoltant) = '" + Nombre(Récoltant) + "'");
+  if (Lignes->Eof()) return false;
+  Lignes->MoveLast();
+  if (Lignes->RecordCount() > 1) ChoisirLigne(*Lignes, Part, Groupe);
+  Code = TexteValeur(Lignes->Fields(0), État_.Formes());
+  return true;
+}
+
+void VérificationExploitation::ChoisirLigne(IRecordset& Lignes, std::string& Part, const std::string& Groupe) {
+  for (Lignes.MoveFirst(); !Lignes.Eof(); Lignes.MoveNext()) {
+    if (MêmePart(Lignes, Part)) return;
+  }
+  for (Lignes.MoveFirst(); !Lignes.Eof(); Lignes.MoveNext()) {
+    if (MêmeGroupe(Lignes, Groupe)) return;
+  }
+  Lignes.MoveFirst();
+}
+
+/// Shares are compared as whole numbers. A share of the load that can't be read fits every holding, and a share of the
+/// database that can't be read fits only such a load.
+bool VérificationExploitation::MêmePart(const IRecordset& Lignes, std::string& Part) {
+  const Régional Formes = État_.Formes();
+  std::string PartLigne = TexteValeur(Lignes.FieldsNommé("Part"), Formes);
+  const bool LigneLisible = NormaliserNombre(PartLigne, Formes);
+  const bool ChargementLisible = NormaliserNombre(Part, Formes);
+  if (!ChargementLisible) return true;
+  return LigneLisible && EnEntier32(PartLigne, Formes) == EnEntier32(Part, Formes);
+}
+
+bool VérificationExploitation::MêmeGroupe(const IRecordset& Lignes, const std::string& Groupe) {
+  const ValeurChamp IdGrp = Lignes.FieldsNommé("IdGrp");
+  if (EstNull(IdGrp)) return false;
+  const Régional Formes = État_.Formes();
+  return EnRéel(Groupe, Formes) == EnEntier32(TexteValeur(IdGrp, Formes), Formes);
+}
+
+std::string VérificationExploitation::CréerExploitation(const std::string& Propriétaire, const std::string& Récoltant,
+                                                        const std::string& Part, const std::string& Groupe) {
+  const auto Base = Exiger(État_.BaseDeD);
+  std::string Code = CodeInconnu;
+  const std::int16_t Résultat = Base->AjouterMétayage(Nombre(Propriétaire), Récoltant, Code, Part, Nombre(Groupe), "");
+  const bool Échec = Résultat < 0;
+  if (Échec) Code = CodeInconnu;
+
+  std::string Ligne = "Création d'une exploitation inconnue : Code = " + Code + ", Proprio:" + Propriétaire +
+                      ", Exploit:" + Récoltant + ", Part:" + Part + ", Groupe:" + Groupe;
+  if (Échec) Ligne += ", " + Base->TexteErreurBase(Résultat);
+  État_.Canal.AjouterErreur(Ligne);
+  return Code;
+}
+
+std::string VérificationExploitation::Nombre(const std::string& Code) const {
+  return std::to_string(EnEntier32(Code, État_.Formes()));
+}
+
+}  // namespace Ombrey

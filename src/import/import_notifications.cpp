@@ -1,0 +1,37 @@
+// What the host tells about loads.
+#include "import/import_notifications.h"
+
+#include "common/regional_forms.h"
+
+namespace Ombrey {
+namespace {
+
+/// The host names a load's row by the layout that brought it or by its table.
+bool ConcerneChargements(const std::string& Table) {
+  return Table == "Synchronisation des chargements" || Table == "Chargement";
+}
+
+}  // namespace
+
+void NotificationsImport::ChargementAjouté() { État_.Canal.Rafraîchir(); }
+
+void NotificationsImport::KVSynchro_DonnéesImportées(const std::string& SiteSource) {
+  État_.Canal.AjouterMessage("Importation d'un nouveau chargement de " + SiteSource, false);
+  État_.Canal.Rafraîchir();
+}
+
+void NotificationsImport::EtatBdD_EnregistrementImporté(const std::string& Table, IRecordset& RecSet) {
+  if (!ConcerneChargements(Table)) return;
+  const Régional Formes = État_.Formes();
+  État_.Canal.AjouterMessage("Importation d'un nouveau chargement : Site " +
+                                 TexteOuVide(RecSet.FieldsNommé("CodeSite"), Formes) + ", n° " +
+                                 TexteOuVide(RecSet.FieldsNommé("NoChargement"), Formes),
+                             false);
+  État_.Canal.Rafraîchir();
+}
+
+void NotificationsImport::EtatBdD_EnregistrementMisAJour(const std::string& Table, IRecordset& /*RecSet*/) {
+  if (ConcerneChargements(Table)) État_.Canal.Rafraîchir();
+}
+
+}  // namespace Ombrey
