@@ -1,0 +1,158 @@
+// The window that sends the cooperative's reference data to the terminal.
+#include "transfer/transfer_window.h"
+
+#include <array>
+
+#include "common/ansi_text.h"
+
+namespace Ombrey {
+namespace {
+
+constexpr const char* TitreOuverture = "Chargement des données vers le RG80";
+constexpr const char* TitreTransmission = "Transmission des données";
+constexpr Rectangle Intérieur{0, 0, 4260, 2115};
+constexpr std::size_t CaractèresDeTrameMontrés = 80;
+constexpr char DébutDeTrame = '\x02';
+
+std::span<const DessinContrôle> Dessin() {
+  using enum GenreContrôle;
+  static const std::array<DessinContrôle, 8> Contrôles{{
+      {"Label1", Libellé, "Le RG80 doit être en attente de fichiers (F6).", {120, 120, 3975, 255}, 7},
+      {"ChkAppelations", CaseÀCocher, "Appelations", {120, 480, 2475, 300}, 0},
+      {"ChkCoop", CaseÀCocher, "Coopérateurs", {120, 780, 2475, 300}, 1},
+      {"ChkBadges", CaseÀCocher, "Badges", {120, 1080, 2475, 300}, 2},
+      {"ChkGroupnts", CaseÀCocher, "Groupements", {120, 1380, 2475, 300}, 3},
+      {"ChkObserv", CaseÀCocher, "Observations", {120, 1680, 2475, 300}, 4},
+      {"BtnTransférer", Bouton, "&Transférer", {2880, 480, 1215, 855}, 5},
+      {"BtnFermer", Bouton, "&Fermer", {2880, 1500, 1215, 495}, 6},
+  }};
+  return Contrôles;
+}
+
+/// A byte as a character that a box can show: Unicode has a sign for each of the first 32.
+std::string SigneVisible(const Octets& Octet) {
+  constexpr unsigned char PremierVisible = 0x20;
+  constexpr unsigned char Suppression = 0x7F;
+  constexpr const char* PremierAprèsContrôles = "\u00A0";
+  const unsigned char Code = Octet[0];
+  if (Code == Suppression) return "␡";
+  if (Code >= PremierVisible) {
+    const std::string Signe = DepuisAnsi(Octet);
+    const bool SansPlace = Signe.size() == 2 && Signe < PremierAprèsContrôles;
+    return SansPlace ? "�" : Signe;
+  }
+  return std::string("\xE2\x90") + static_cast<char>(0x80 + Code);
+}
+
+/// A refused frame comes back whole behind the reason: a file that no box can hold.
+std::string TrameAbrégée(const std::string& Raison) {
+  const std::size_t Début = Raison.find(DébutDeTrame);
+  if (Début == std::string::npos) return Raison;
+  std::string Abrégée = Raison.substr(0, Début);
+  const Octets Trame = VersAnsi(std::string_view(Raison).substr(Début)).Extrait(0, CaractèresDeTrameMontrés);
+  for (std::size_t Rang = 0; Rang < Trame.Taille(); ++Rang) Abrégée += SigneVisible(Trame.Extrait(Rang, 1));
+  return Abrégée;
+}
+
+}  // namespace
+
+void FChargntDonnées::Afficher(IServicesLiaison& PlugIn, const std::shared_ptr<IRetard>& Retard) {
+  const auto Tempo = Exiger(Retard);
+  PlugIn_ = &PlugIn;
+  Tempo->Arrêter();
+  ErreurEnAttente Levée;
+  Ignorer(Levée, [this] { MontrerSiConnecté(); });
+  Vue_.reset();
+  PlugIn_ = nullptr;
+  if (État_.Abandon) return;
+  Tempo->Démarrer(État_.PériodeInterrogation, "");
+  if (Levée.EstPrésente()) throw ErreurExécution(Levée.Texte());
+}
+
+void FChargntDonnées::MontrerSiConnecté() {
+  const bool Connecté = PlugIn_->TesterConnexion();
+  if (État_.Abandon) return;
+  if (!Connecté) {
+    État_.Avertir("Il n'y a aucune communication avec le RG80", "Transfert de données");
+    return;
+  }
+  Vue_ = État_.Plateforme.Fenêtres().CréerVueChargntDonnées(*this, TitreOuverture, Intérieur, Dessin());
+  Vue_->MontrerModale();
+}
+
+void FChargntDonnées::Décharger() {
+  if (Vue_) Vue_->Cacher();
+}
+
+void FChargntDonnées::BtnFermer_Click() { Vue_->Cacher(); }
+
+void FChargntDonnées::BtnTransférer_Click() {
+  auto& Fenêtres = État_.Plateforme.Fenêtres();
+  bool Recommencer = true;
+  while (Recommencer) {
+    Fenêtres.FixerSablier(true);
+    Vue_->Activer(false);
+    const std::string Erreur = TransférerCochées();
+    Recommencer =
+        !Erreur.empty() && !État_.Abandon &&
+        Fenêtres.Boîte(Erreur, TitreTransmission, BoutonsBoîte::RecommencerAnnuler) == RéponseBoîte::Recommencer &&
+        !État_.Abandon;
+  }
+  if (!État_.Abandon) {
+    Vue_->Activer(true);
+    Vue_->FixerTitre(TitreTransmission);
+  }
+  Fenêtres.FixerSablier(false);
+}
+
+/// Empty when all went well or the plug-in has ended.
+std::string FChargntDonnées::TransférerCochées() {
+  std::vector<Octets> Lignes;
+  std::string Erreur;
+  for (const auto& Jeu : JeuxDeDonnées()) {
+    if (!Vue_->EstCochée(Jeu.Case)) continue;
+    Vue_->MettreEnGras(Jeu.Case, true);
+    const auto Raison = Transférer(Jeu, Lignes);
+    if (État_.Abandon) return {};
+    if (Raison) {
+      Erreur = std::string(Jeu.Nom) + "\r\n" + *Raison;
+    } else {
+      Vue_->Cocher(Jeu.Case, false);
+    }
+    Vue_->MettreEnGras(Jeu.Case, false);
+    if (Raison) break;
+  }
+  return Erreur;
+}
+
+/// The reason why the set hasn't reached the terminal, or none.
+std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Jeu, std::vector<Octets>& Lignes) {
+  const auto Titrer = [this](const std::string& Titre) {
+    Vue_->FixerTitre(Titre);
+    Vue_->Repeindre();
+  };
+  std::string Raison;
+  ErreurEnAttente Levée;
+  const bool Mené = Ignorer(Levée, [&] {
+    Jeu.Construire(État_, Titrer, Lignes);
+    Attendre(Jeu.Pause);
+    if (État_.Abandon) return;
+    État_.Erreur.Effacer();  // what failed in an earlier dialogue is no failure of this file
+    Raison = PlugIn_->TransmettreLignes(Jeu.NumFichier, Lignes);
+  });
+  if (!Mené) return Levée.Texte();
+  if (Raison.empty()) return std::nullopt;
+  return TrameAbrégée(Raison);
+}
+
+void FChargntDonnées::Attendre(std::chrono::milliseconds Pause) {
+  auto& Système = État_.Plateforme.Système();
+  const std::uint32_t Début = Système.Tics();
+  std::chrono::milliseconds Écoulé{0};
+  while (Écoulé < Pause && !État_.Abandon) {
+    Système.Pomper(Pause - Écoulé);
+    Écoulé = std::chrono::milliseconds(Système.Tics() - Début);  // unsigned: right across the wrap
+  }
+}
+
+}  // namespace Ombrey
