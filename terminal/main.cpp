@@ -1,0 +1,86 @@
+// The weighing terminal's stand-in: options, line, loads, service, summary.
+#include <time.h>
+
+#include <chrono>
+#include <fstream>
+#include <iostream>
+#include <iterator>
+#include <vector>
+
+#include "terminal/device.h"
+#include "terminal/engine.h"
+#include "terminal/loads.h"
+#include "terminal/options.h"
+#include "terminal/recorder.h"
+#include "terminal/service.h"
+
+namespace {
+
+using namespace Rg80;
+
+constexpr unsigned BaudsDuPort = 9600;
+constexpr int CodeErreur = 1;
+constexpr int CodeMauvaiseDemande = 2;
+
+std::chrono::year_month_day Aujourdhui() {
+  const std::time_t Maintenant = std::chrono::system_clock::to_time_t(std::chrono::system_clock::now());
+  std::tm Local{};
+  localtime_r(&Maintenant, &Local);
+  constexpr int PremièreAnnée = 1900;
+  return std::chrono::year(Local.tm_year + PremièreAnnée) / (Local.tm_mon + 1) / Local.tm_mday;
+}
+
+std::vector<Chargement> PréparerChargements(const Options& Demande, Hasard& Dés) {
+  std::vector<Chargement> Tous;
+  if (!Demande.Chargements.empty()) {
+    std::ifstream Flux(Demande.Chargements, std::ios::binary);
+    if (!Flux) throw ErreurDemande("Chargements " + Demande.Chargements + " : lecture impossible.");
+    Tous = LireChargements(Flux, Demande.Chargements);
+  }
+  auto Tirés = ChargementsAuHasard(Demande.AuHasard, NuméroSuivant(Tous), Aujourdhui(), Dés);
+  Tous.insert(Tous.end(), std::make_move_iterator(Tirés.begin()), std::make_move_iterator(Tirés.end()));
+  return Tous;
+}
+
+int Exécuter(const Options& Demande) {
+  Hasard Dés(Demande.Graine, Demande.Taux);
+  auto Chargements = PréparerChargements(Demande, Dés);
+  Greffier Témoin(Demande.Journal, Demande.Sortie);
+  PréparerSignaux();
+  const bool Réel = !Demande.Port.empty();
+  Ligne Fil = Réel ? Ligne::SurPort(Demande.Port, Demande.Bauds.value_or(BaudsDuPort)) : Ligne::SurLien(Demande.Lien);
+  Témoin.Annoncer("ligne : " + Fil.Description());
+  Témoin.Annoncer("chargements en attente : " + std::to_string(Chargements.size()));
+  Terminal Engin(std::move(Chargements), Demande.EnFichiers, Dés, Témoin);
+  int Code = 0;
+  try {
+    // A real line keeps its pace by itself.
+    Servir(Fil, Engin, Témoin.ÀÉmettre(), Réel ? std::nullopt : Demande.Bauds, Demande.JusquÀVide);
+  } catch (const std::runtime_error& Erreur) {
+    std::cerr << "rg80 : " << Erreur.what() << '\n';
+    Code = CodeErreur;
+  }
+  Témoin.Annoncer(Engin.Terminer().Texte());
+  return Code;
+}
+
+}  // namespace
+
+int main(int Nombre, char** Arguments) try {
+  const Options Demande = LireOptions({Arguments + 1, Arguments + Nombre});
+  if (Demande.Aide) {
+    std::cout << TexteAide();
+    return 0;
+  }
+  if (Demande.Version) {
+    std::cout << "rg80 2.0\n";
+    return 0;
+  }
+  return Exécuter(Demande);
+} catch (const Rg80::ErreurDemande& Erreur) {
+  std::cerr << "rg80 : " << Erreur.what() << " (rg80 --help)\n";
+  return CodeMauvaiseDemande;
+} catch (const std::exception& Erreur) {
+  std::cerr << "rg80 : " << Erreur.what() << '\n';
+  return CodeErreur;
+}
