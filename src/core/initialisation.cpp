@@ -1,0 +1,159 @@
+// Start of the link: settings, port, polling period, first tick.
+#include "common/regional_forms.h"
+#include "core/plugin.h"
+
+namespace Ombrey {
+namespace {
+
+/// From the start of the link to the first poll, whatever the period.
+constexpr std::int32_t DélaiPremierRelevé = 10000;
+/// The port asked for while none is configured: only its configuration is used.
+constexpr const char* PortParDéfaut = "COM1:";
+constexpr const char* DossierPort = "c:\\temp";
+constexpr std::int16_t ModePort = 0;
+
+constexpr const char* CléPort = "Port";
+constexpr const char* CléPériode = "Période interrogation";
+
+/// The settings file, opened on the plug-in's section.
+class Section {
+ public:
+  explicit Section(const ÉtatPlugIn& État) : Lecteur_(État.Plateforme.CréerLecteurIni()) {
+    Lecteur_->FixerFichier(État.FichierIni);
+    Lecteur_->FixerSection(SectionIni);
+  }
+  [[nodiscard]] std::string Lire(const std::string& Clé) {
+    bool Drapeau = false;
+    Lecteur_->FixerClé(Clé);
+    Lecteur_->LireValeur(Drapeau);
+    return Lecteur_->Valeur();
+  }
+  void Ecrire(const std::string& Clé, const std::string& Valeur) {
+    bool Drapeau = false;
+    Lecteur_->FixerClé(Clé);
+    Lecteur_->FixerValeur(Valeur);
+    Lecteur_->EcrireValeur(Drapeau);
+  }
+
+ private:
+  std::unique_ptr<ILecteurIni> Lecteur_;
+};
+
+/// The setting as a 16-bit number; a failure names the key and what stands there.
+std::int16_t EntierDuRéglage(Section& Réglages, const char* Clé, const Régional& Formes) {
+  const std::string Valeur = Réglages.Lire(Clé);
+  try {
+    return EnEntier16(Valeur, Formes);
+  } catch (const ErreurExécution& Échec) {
+    throw ErreurExécution(std::string(Échec.what()) + " : réglage du port " + Clé + " = « " + Valeur + " »");
+  }
+}
+
+}  // namespace
+
+std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> EventPlugin) {
+  const auto Tenu = État_.PlugInCourant;
+  État_.EventPlugin = std::move(EventPlugin);
+  InitConstantes();
+  std::string NomPort = Section(État_).Lire(CléPort);
+  if (NomPort.empty()) {
+    DemanderRéglages();
+    if (État_.Abandon) return "";
+    NomPort = Section(État_).Lire(CléPort);
+  }
+  const std::string Erreur =
+      NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
+  LirePériode();
+  if (Erreur.empty()) {
+    Canal_.AjouterMessage("Module initialisé.", true);
+  } else {
+    Canal_.AjouterMessage("Echec d'initialisation : " + Erreur, false);
+  }
+  return Erreur;
+}
+
+std::shared_ptr<IClientPortComm> PlugIn::NouvelEventPort(const std::string& NomPort) {
+  auto Client = État_.Plateforme.CréerClientPortComm([Faible = weak_from_this()](const Octets& Texte) {
+    if (const auto Vivant = Faible.lock()) Vivant->Échange_.EventPortComRG80_Lecture(Texte);
+  });
+  Exiger(Client)->FixerNomPort(NomPort);
+  return Client;
+}
+
+void PlugIn::ObtenirPort(const std::string& NomPort, const std::string& NomClient) {
+  if (!État_.ServeurPortComm) État_.ServeurPortComm = État_.Plateforme.CréerServeurPortComm();
+  État_.EventPortComRG80 = NouvelEventPort(NomClient);
+  État_.PortComm = Exiger(État_.ServeurPortComm)->ObtenirPort(NomPort, État_.EventPortComRG80);
+}
+
+/// No port was ever configured: the operator is asked.
+void PlugIn::DemanderRéglages() {
+  ObtenirPort(PortParDéfaut, "");
+  const auto Port = Exiger(État_.PortComm);
+  Port->Configurer(État_.FichierIni, SectionIni);
+  État_.PortComm.reset();
+}
+
+/// A port that can't be opened now is no failure: the exchanges try again and report it.
+std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
+  ObtenirPort(NomPort, NomPort);
+  if (!État_.PortComm) {
+    return "Impossible d'initialiser le port de communication.\r" + État_.ServeurPortComm->ErreurServeur();
+  }
+  if (!DefParamPort()) return "Erreur des paramètres du port.";
+  if (!État_.PortComm->Ouvrir()) return "";
+  bool Drapeau = false;
+  Exiger(État_.BaseDeD)->ActiverBase(Drapeau);
+  return "";
+}
+
+bool PlugIn::DefParamPort() {
+  const auto Port = Exiger(État_.PortComm);
+  const Régional Formes = État_.Formes();
+  Section Réglages(État_);
+  Port->FixerNomPort(Réglages.Lire(CléPort));
+  Port->FixerBauds(EntierDuRéglage(Réglages, "Bauds", Formes));
+  Port->FixerParité(Réglages.Lire("Parité"));
+  Port->FixerBitsStop(EntierDuRéglage(Réglages, "BitsStop", Formes));
+  Port->FixerTailleMots(EntierDuRéglage(Réglages, "TailleMots", Formes));
+  Port->FixerMode(ModePort);
+  Port->Activer(true);
+  Port->FixerDossierB(DossierPort);
+  Port->FixerDossierA(DossierPort);
+  return true;
+}
+
+void PlugIn::LirePériode() {
+  const Régional Formes = État_.Formes();
+  Section Réglages(État_);
+  const std::string Valeur = Réglages.Lire(CléPériode);
+  if (EstNumérique(Valeur, Formes)) {
+    État_.PériodeInterrogation = EnEntier32(Valeur, Formes);
+  } else {
+    Réglages.Ecrire(CléPériode, std::to_string(État_.PériodeInterrogation));
+  }
+}
+
+void PlugIn::IPlugInTarvel_Afficher() {
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { Exiger(État_.PortComm)->Activer(true); });
+  if (État_.Abandon) return;
+  Ignorer(Ignorée, [this] {
+    if (État_.Retard) return;
+    État_.Retard = État_.Plateforme.CréerRetard([Faible = weak_from_this()](const std::string& CodeRetour) {
+      if (const auto Vivant = Faible.lock()) Vivant->Retard_FinTempo(CodeRetour);
+    });
+  });
+  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Démarrer(DélaiPremierRelevé, ""); });
+}
+
+void PlugIn::IPlugInTarvel_Configurer() {
+  const auto Tenu = État_.PlugInCourant;
+  if (const auto Port = État_.PortComm) {
+    Port->Configurer(État_.FichierIni, SectionIni);
+  } else {
+    NouvelEventPort("")->Configurer(État_.FichierIni, SectionIni);
+  }
+}
+
+}  // namespace Ombrey

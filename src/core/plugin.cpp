@@ -1,0 +1,163 @@
+// The plug-in towards its host: name, button, menu, database, and the calls that lead into the rooms.
+#include "core/plugin.h"
+
+#include "common/text_helpers.h"
+#include "core/button_picture.h"
+#include "import/load_record.h"
+#include "transfer/transfer_window.h"
+
+namespace Ombrey {
+
+PlugIn::PlugIn(IPlateforme& Plateforme)
+    : État_(Plateforme, Canal_),
+      Échange_(État_),
+      Transmission_(État_, Échange_),
+      Exploitations_(État_),
+      MiseEnForme_(État_),
+      Trames_(État_, Exploitations_, MiseEnForme_),
+      Notifications_(État_),
+      Cumuls_(État_, *this),
+      Collecte_(État_, Échange_, *this),
+      Interrogation_(État_, Collecte_) {}
+
+std::shared_ptr<PlugIn> PlugIn::Créer(IPlateforme& Plateforme) {
+  const std::shared_ptr<PlugIn> Nouveau(new PlugIn(Plateforme));
+  Nouveau->Class_Initialize();
+  return Nouveau;
+}
+
+void PlugIn::Class_Initialize() {
+  État_.PlugInCourant = shared_from_this();
+  Canal_.Créer = [this] { return std::make_unique<FSuiviChargnt>(État_, *this); };
+  État_.AccèsDistant = État_.Plateforme.CréerAccèsDistant();
+  Exiger(État_.AccèsDistant)->Paramétrer("2");
+}
+
+PlugIn::~PlugIn() { IPlugInTarvel_Terminer(); }
+
+void PlugIn::InitConstantes() { Ombrey::InitConstantes(État_); }
+
+std::string PlugIn::MiseEnFormePourImport(std::vector<std::string>& DonnéesReçues) {
+  return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
+}
+
+std::string PlugIn::SupprZéroDébut(std::string Texte) const { return Ombrey::SupprZéroDébut(std::move(Texte)); }
+std::string PlugIn::SupprZéroFin(std::string Texte) const { return Ombrey::SupprZéroFin(std::move(Texte)); }
+
+std::string PlugIn::IPlugInTarvel_Nom() const { return NomPlugIn; }
+std::string PlugIn::IPlugInTarvel_Version() const { return "2.00"; }
+
+namespace {
+
+/// Keeps the first number offered that isn't 0; true for that number alone.
+bool Retenir(std::uint8_t& Retenu, std::uint8_t Offert) {
+  if (Retenu == 0) Retenu = Offert;
+  return Offert != 0 && Offert == Retenu;
+}
+
+}  // namespace
+
+bool PlugIn::IPlugInTarvel_AjouterBouton(std::uint8_t NumBouton, std::int16_t&, std::string& ToolTipText) {
+  if (!Retenir(État_.NumBouton, NumBouton)) return false;
+  État_.Plateforme.Fenêtres().PoserImages(ImagesBouton());
+  ToolTipText = "Comm. au RG80";
+  return true;
+}
+
+bool PlugIn::IPlugInTarvel_AjouterMenu(std::uint8_t NumMenu, std::string& Texte) {
+  if (!Retenir(État_.NumMenu, NumMenu)) return false;
+  Texte = "&Charger les données vers le RG80";
+  return true;
+}
+
+/// A call that was put off runs from the loop, where no caller waits for its failure: the operator gets it.
+template <class Geste>
+void PlugIn::Reporter(Geste Faire) {
+  const auto Tenu = État_.PlugInCourant;
+  try {
+    Faire();
+  } catch (const std::exception& Échec) {
+    Canal_.AjouterErreur(Échec.what());
+  }
+}
+
+void PlugIn::IPlugInTarvel_BoutonBarreOutilsAppelé(std::int16_t Num, const std::string&) {
+  if (Num == État_.NumBouton && Num != 0) TesterEtMontrer();
+}
+
+void PlugIn::TesterEtMontrer() {
+  const auto Tenu = État_.PlugInCourant;
+  {
+    const auto Ligne =
+        État_.Ligne.PrendreOuReporter(DemandeLigne::Bouton, [this] { Reporter([this] { TesterEtMontrer(); }); });
+    if (!Ligne) return;
+    Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, "");
+    Canal_.Rafraîchir();
+    const bool Connecté = TesterConnexion();
+    Canal_.AjouterMessage(
+        Connecté ? "Connexion établie avec le RG80." : "Impossible d'établir la connexion avec le RG80.", true);
+  }
+  Canal_.Afficher();
+}
+
+void PlugIn::IPlugInTarvel_MenuAppelé(std::int16_t Num, const std::string&) {
+  if (Num == État_.NumMenu && Num != 0) TransférerDonnées();
+}
+
+void PlugIn::TransférerDonnées() {
+  const auto Tenu = État_.PlugInCourant;
+  const auto Ligne =
+      État_.Ligne.PrendreOuReporter(DemandeLigne::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });
+  if (!Ligne) return;
+  const auto Fenêtre = std::make_shared<FChargntDonnées>(État_);
+  Fenêtre->Afficher(*this, État_.Retard);
+}
+
+std::shared_ptr<IBaseDeD> PlugIn::IPlugInTarvel_BaseDeD() const { return État_.BaseDeD; }
+
+void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
+  ErreurEnAttente Ignorée;
+  DéconnecterÉvénements();
+  État_.BaseDeD = std::move(Objet);
+  Ignorer(Ignorée, [this] {
+    État_.EtatBdD = Exiger(État_.BaseDeD)->EtatBdD();
+    Exiger(État_.EtatBdD)->Connecter(&Notifications_);
+  });
+  Ignorer(Ignorée, [this] {
+    État_.KVSynchro = Exiger(État_.EtatBdD)->KVSynchro();
+    Exiger(État_.KVSynchro)->Connecter(&Notifications_);
+  });
+}
+
+void PlugIn::DéconnecterÉvénements() {
+  if (État_.KVSynchro) État_.KVSynchro->Connecter(nullptr);
+  if (État_.EtatBdD) État_.EtatBdD->Connecter(nullptr);
+  État_.KVSynchro.reset();
+  État_.EtatBdD.reset();
+}
+
+std::shared_ptr<IServeurPortComm> PlugIn::IPlugInTarvel_ServeurPortComm() const { return nullptr; }
+void PlugIn::IPlugInTarvel_FixerServeurPortComm(std::shared_ptr<IServeurPortComm> Objet) {
+  État_.ServeurPortComm = std::move(Objet);
+}
+std::shared_ptr<void> PlugIn::IPlugInTarvel_EntreesSorties() const { return nullptr; }
+void PlugIn::IPlugInTarvel_FixerEntreesSorties(std::shared_ptr<void>) {}
+void PlugIn::IPlugInTarvel_FixerFichierTarvelIni(const std::string& Chemin) { État_.FichierIni = Chemin; }
+void PlugIn::IPlugInTarvel_Information(std::string&) {}
+
+void PlugIn::IPlugInTarvel_ChargementAjouté(const std::string&, const std::string&) {
+  Notifications_.ChargementAjouté();
+}
+
+void PlugIn::Retard_FinTempo(const std::string& CodeRetour) { Interrogation_.Retard_FinTempo(CodeRetour); }
+void PlugIn::MettreAJourCumuls(std::string& NoChargement) { Cumuls_.MettreAJourCumuls(NoChargement); }
+bool PlugIn::TesterConnexion() { return Échange_.TesterConnexion(); }
+std::string PlugIn::TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) {
+  return Transmission_.TransmettreLignes(NumFichier, Lignes);
+}
+std::string PlugIn::TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) {
+  return Trames_.TraiterDonnéesReçues(Tampon, Réponse, NoChargement);
+}
+void PlugIn::SignalerAuHôte(const std::string& Texte) { Interrogation_.SignalerAuHôte(Texte); }
+
+}  // namespace Ombrey

@@ -1,0 +1,110 @@
+// The class that the host creates: owns the state and the rooms' objects, and passes the host's calls on.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/plugin_state.h"
+#include "contracts/host.h"
+#include "core/operator_window.h"
+#include "import/frame_processing.h"
+#include "import/holding_checks.h"
+#include "import/import_notifications.h"
+#include "import/import_staging.h"
+#include "link/collection.h"
+#include "link/exchange.h"
+#include "link/polling.h"
+#include "link/transmission.h"
+#include "quotas/cumuls.h"
+
+namespace Ombrey {
+
+/// The plug-in. Life: Créer, the host's property calls, Initialiser, Afficher (polling), Terminer. It keeps itself
+/// alive until Terminer.
+class PlugIn final : public IPlugInTarvel,
+                     public IServicesLiaison,
+                     public ITraitementChargement,
+                     public std::enable_shared_from_this<PlugIn> {
+ public:
+  /// Plateforme must outlive the plug-in.
+  [[nodiscard]] static std::shared_ptr<PlugIn> Créer(IPlateforme& Plateforme);
+  ~PlugIn() override;
+  PlugIn(const PlugIn&) = delete;
+  PlugIn& operator=(const PlugIn&) = delete;
+
+  // The plug-in's own public operations
+
+  /// Sets the port from the settings file; true when all is set. Raises ErreurExécution on a setting that is no number
+  /// of its type, without a port, or when the file can't be read.
+  bool DefParamPort();
+  /// Sets the load record's constants.
+  void InitConstantes();
+  /// One import line from a cut load record, without line end; empty when the host has no layout for it.
+  [[nodiscard]] std::string MiseEnFormePourImport(std::vector<std::string>& DonnéesReçues);
+  [[nodiscard]] std::string SupprZéroDébut(std::string Texte) const;
+  [[nodiscard]] std::string SupprZéroFin(std::string Texte) const;
+
+  // IPlugInTarvel
+
+  [[nodiscard]] std::string IPlugInTarvel_Nom() const override;
+  [[nodiscard]] std::string IPlugInTarvel_Version() const override;
+  bool IPlugInTarvel_AjouterBouton(std::uint8_t NumBouton, std::int16_t& Style, std::string& ToolTipText) override;
+  bool IPlugInTarvel_AjouterMenu(std::uint8_t NumMenu, std::string& Texte) override;
+  void IPlugInTarvel_BoutonBarreOutilsAppelé(std::int16_t Num, const std::string& Inutilisé) override;
+  void IPlugInTarvel_MenuAppelé(std::int16_t Num, const std::string& Inutilisé) override;
+  [[nodiscard]] std::shared_ptr<IBaseDeD> IPlugInTarvel_BaseDeD() const override;
+  void IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) override;
+  [[nodiscard]] std::shared_ptr<IServeurPortComm> IPlugInTarvel_ServeurPortComm() const override;
+  void IPlugInTarvel_FixerServeurPortComm(std::shared_ptr<IServeurPortComm> Objet) override;
+  [[nodiscard]] std::shared_ptr<void> IPlugInTarvel_EntreesSorties() const override;
+  void IPlugInTarvel_FixerEntreesSorties(std::shared_ptr<void> Objet) override;
+  void IPlugInTarvel_FixerFichierTarvelIni(const std::string& Chemin) override;
+  std::string IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> EventPlugin) override;
+  void IPlugInTarvel_Afficher() override;
+  void IPlugInTarvel_Configurer() override;
+  std::string IPlugInTarvel_Terminer() override;
+  void IPlugInTarvel_Information(std::string& Texte) override;
+  void IPlugInTarvel_ChargementAjouté(const std::string& CodeSite, const std::string& NumCharg) override;
+
+  // What the rooms and the windows have done by the plug-in
+
+  void Retard_FinTempo(const std::string& CodeRetour) override;
+  void MettreAJourCumuls(std::string& NoChargement) override;
+  bool TesterConnexion() override;
+  std::string TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) override;
+  std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) override;
+  void SignalerAuHôte(const std::string& Texte) override;
+
+ private:
+  explicit PlugIn(IPlateforme& Plateforme);
+
+  void Class_Initialize();
+  /// A new client port object of this name, whose event feeds the reception buffer.
+  [[nodiscard]] std::shared_ptr<IClientPortComm> NouvelEventPort(const std::string& NomPort);
+  void ObtenirPort(const std::string& NomPort, const std::string& NomClient);
+  void DemanderRéglages();
+  std::string OuvrirLiaison(const std::string& NomPort);
+  void LirePériode();
+  void NettoyerFichiersImport();
+  void DéconnecterÉvénements();
+  void TesterEtMontrer();
+  void TransférerDonnées();
+  template <class Geste>
+  void Reporter(Geste Faire);
+
+  CanalFenêtre Canal_;
+  ÉtatPlugIn État_;
+  Échange Échange_;
+  Transmission Transmission_;
+  VérificationExploitation Exploitations_;
+  MiseEnFormeImport MiseEnForme_;
+  TraitementTrame Trames_;
+  NotificationsImport Notifications_;
+  RéponseCumuls Cumuls_;
+  Collecte Collecte_;
+  Interrogation Interrogation_;
+};
+
+}  // namespace Ombrey

@@ -1,0 +1,58 @@
+// End of the plug-in: files cleaned, window, port and host released, each step on its own.
+#include <filesystem>
+#include <system_error>
+#include <vector>
+
+#include "common/files.h"
+#include "core/plugin.h"
+#include "link/daily_error_file.h"
+
+namespace Ombrey {
+namespace {
+
+/// At most so many left-over import files are deleted in one go.
+constexpr int MaxFichiersNettoyés = 10000;
+constexpr std::string_view DébutFichierImport = "RG80 ";
+
+}  // namespace
+
+std::string PlugIn::IPlugInTarvel_Terminer() {
+  // Releasing PlugInCourant may drop the last reference in the middle of the steps.
+  const auto Tenu = weak_from_this().lock();
+  ErreurEnAttente Ignorée;
+  État_.Abandon = true;
+  État_.Ligne.Terminer();
+  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
+  État_.Retard.reset();
+  Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });
+  // Only the plug-in's last hour is the day's: a second call finds no host and leaves the files alone.
+  if (État_.PlugInCourant) Ignorer(Ignorée, [this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
+  Ignorer(Ignorée, [this] { Canal_.Décharger(); });
+  État_.PlugInCourant.reset();
+  État_.EventPortComRG80.reset();
+  Ignorer(Ignorée, [this] { Exiger(État_.PortComm)->Fermer(); });
+  État_.PortComm.reset();
+  État_.ServeurPortComm.reset();
+  Ignorer(Ignorée, [this] { Exiger(État_.AccèsDistant)->Fermer(); });
+  État_.AccèsDistant.reset();
+  Ignorer(Ignorée, [this] { DéconnecterÉvénements(); });
+  État_.EventPlugin.reset();
+  État_.BaseDeD.reset();
+  return "";
+}
+
+void PlugIn::NettoyerFichiersImport() {
+  std::string Dossier;
+  std::string Nom;
+  Exiger(État_.EtatBdD)->ObtenirFichierImport(Dossier, Nom);
+  std::vector<std::filesystem::path> Restes;
+  for (const auto& Entrée : std::filesystem::directory_iterator(Chemin(Dossier))) {
+    const bool EstImport = TexteChemin(Entrée.path().filename()).starts_with(DébutFichierImport);
+    if (EstImport && !Entrée.is_directory()) Restes.push_back(Entrée.path());
+    if (Restes.size() == MaxFichiersNettoyés) break;
+  }
+  std::error_code Code;
+  for (const auto& Reste : Restes) std::filesystem::remove(Reste, Code);
+}
+
+}  // namespace Ombrey
