@@ -1,0 +1,108 @@
+// SQLite's C interface with owners: the connection, its statements with bound values, and the transaction.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "contracts/database.h"
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace Ombrey {
+
+/// How long a statement waits for a database that another program has locked.
+inline constexpr std::chrono::milliseconds AttenteVerrou{10'000};
+
+/// One prepared statement. Values are numbered ?1, ?2, … and never part of its text. Every operation raises
+/// ErreurExécution in French when the engine refuses.
+class Instruction {
+ public:
+  /// Prepares the first statement of Sql. What stands behind it goes to Reste; without Reste, it is a failure.
+  Instruction(sqlite3* Base, std::string_view Sql, std::string_view* Reste = nullptr);
+
+  /// Starts the statement over with these values.
+  Instruction& Lier(const std::vector<ValeurChamp>& Valeurs);
+  /// True while there is a row.
+  bool Avancer();
+  /// Runs it to its end.
+  void Exécuter();
+
+  /// Value of the current row's column, counted from 0.
+  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const;
+  [[nodiscard]] std::vector<std::string> Colonnes() const;
+  [[nodiscard]] bool NeFaitQueLire() const;
+  [[nodiscard]] sqlite3_stmt* Brute() const { return Brute_.get(); }
+
+ private:
+  struct Finir {
+    void operator()(sqlite3_stmt* Brute) const;
+  };
+  std::unique_ptr<sqlite3_stmt, Finir> Brute_;
+};
+
+/// An open database file, for the one thread of the system. Commits are on the disk when they return (write-ahead log,
+/// full synchronisation). Foreign keys aren't enforced: a load is kept even when its holding is unknown.
+class ConnexionSqlite {
+ public:
+  /// Gives the present moment in days since 1899-12-30; the clock on the wall when left out.
+  using Horloge = std::function<double()>;
+
+  /// Opens a file that is there; when it may only be read, only reading works. Raises ErreurExécution when it is
+  /// missing, locked, or no database.
+  [[nodiscard]] static std::shared_ptr<ConnexionSqlite> Ouvrir(const std::filesystem::path& Fichier,
+                                                               Horloge Maintenant = {});
+  /// Makes a new, empty database. Raises ErreurExécution when a file of that name is there already, which stays as it
+  /// is, or when none can be made.
+  [[nodiscard]] static std::shared_ptr<ConnexionSqlite> Créer(const std::filesystem::path& Fichier,
+                                                              Horloge Maintenant = {});
+
+  ConnexionSqlite(const ConnexionSqlite&) = delete;
+  ConnexionSqlite& operator=(const ConnexionSqlite&) = delete;
+
+  [[nodiscard]] const std::filesystem::path& Fichier() const { return Fichier_; }
+  [[nodiscard]] bool EstEnLectureSeule() const;
+
+  /// The statements below are the host's own, in SQLite's language.
+  [[nodiscard]] Instruction Préparer(std::string_view Sql) { return Instruction(Base_.get(), Sql); }
+  [[nodiscard]] sqlite3* Brute() const { return Base_.get(); }
+  void Exécuter(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs = {});
+  /// Runs several statements that bind nothing.
+  void ExécuterTout(std::string_view Script);
+  /// First column of the first row; Null when there is no row.
+  [[nodiscard]] ValeurChamp Lire(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs = {});
+  /// Row number of the row inserted last.
+  [[nodiscard]] std::int64_t DernièreLigne() const;
+
+ private:
+  struct Fermer {
+    void operator()(sqlite3* Base) const;
+  };
+  ConnexionSqlite(const std::filesystem::path& Fichier, Horloge Maintenant);
+
+  std::filesystem::path Fichier_;
+  std::unique_ptr<sqlite3, Fermer> Base_;
+};
+
+/// All or nothing: what was done since the start is undone unless Valider was reached. Waits for other writers at its
+/// start, so that nothing inside can fail on a lock.
+class Transaction {
+ public:
+  explicit Transaction(ConnexionSqlite& Connexion);
+  ~Transaction();
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void Valider();
+
+ private:
+  ConnexionSqlite& Connexion_;
+  bool Ouverte_ = true;
+};
+
+}  // namespace Ombrey
