@@ -1,0 +1,178 @@
+// The operator's commands.
+#include "platform/console/commands.h"
+
+#include <algorithm>
+#include <exception>
+#include <memory>
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/console/input.h"
+#include "platform/console/monitoring_view.h"
+#include "platform/console/transfer_view.h"
+#include "platform/console/visible_text.h"
+
+namespace Ombrey {
+namespace {
+
+constexpr const char* Blancs = " \t";
+
+std::string SansBlancs(const std::string& Texte) {
+  const std::size_t Début = Texte.find_first_not_of(Blancs);
+  if (Début == std::string::npos) return "";
+  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
+}
+
+std::string Usage(const CommandeConsole& Commande) {
+  return Commande.Argument.empty() ? Commande.Nom : Commande.Nom + " " + Commande.Argument;
+}
+
+VueSuiviConsole& Suivi(const FenêtresConsole& Fenêtres) {
+  if (Fenêtres.VueSuivi() == nullptr) throw ErreurExécution("il n'y a pas encore de fenêtre des chargements.");
+  return *Fenêtres.VueSuivi();
+}
+
+}  // namespace
+
+CommandesConsole::CommandesConsole(FenêtresConsole& Fenêtres) : Fenêtres_(Fenêtres) {
+  AjouterSuivi();
+  AjouterTransfert();
+  AjouterRéponse("ok", "répond OK à la boîte ouverte", RéponseBoîte::Ok);
+  AjouterRéponse("recommencer", "répond Recommencer à la boîte ouverte", RéponseBoîte::Recommencer);
+  AjouterRéponse("annuler", "répond Annuler à la boîte ouverte", RéponseBoîte::Annuler);
+  Ajouter({"aide", "", "cette liste", Moment::Toujours, [this](const std::string&) { Aider(); }});
+}
+
+bool CommandesConsole::Exécuter(const std::string& Ligne) {
+  const std::string Texte = SansBlancs(Ligne);
+  const std::size_t FinMot = std::min(Texte.find_first_of(Blancs), Texte.size());
+  const CommandeConsole* Commande = Trouver(FormeComparable(Texte.substr(0, FinMot)));
+  const bool Urgente = Commande != nullptr && Commande->Quand == Moment::Toujours;
+  if (Fenêtres_.Occupée() && !Urgente) return false;
+  if (Ligne.size() > EntréeConsole::LongueurMax) {
+    Indiquer("ligne trop longue, ignorée.");
+  } else if (Question_ && !Fenêtres_.BoîteOuverte() && !Urgente) {
+    std::exchange(Question_, nullptr)(Texte);
+  } else if (Commande != nullptr) {
+    Lancer(*Commande, SansBlancs(Texte.substr(FinMot)));
+  } else if (!Texte.empty()) {
+    Indiquer("commande inconnue : «" + Texte + "». «aide» donne la liste des commandes.");
+  }
+  return true;
+}
+
+const CommandeConsole* CommandesConsole::Trouver(const std::string& Mot) const {
+  const auto Trouvée =
+      std::find_if(Commandes_.begin(), Commandes_.end(), [&](const auto& Commande) { return Commande.Nom == Mot; });
+  return Trouvée == Commandes_.end() ? nullptr : &*Trouvée;
+}
+
+std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::string& Argument) const {
+  if (Argument.empty() != Commande.Argument.empty()) return "la commande s'écrit «" + Usage(Commande) + "».";
+  if (Commande.Quand == Moment::Toujours || Commande.Quand == Moment::EntreDeux) return "";
+  if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
+  if (Commande.Quand == Moment::HorsBoîte) return "";
+  const VueChargntConsole* Vue = Fenêtres_.VueChargnt();
+  if (Vue == nullptr || !Vue->EstVisible()) return "la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.";
+  return Vue->EstActive() ? "" : "un transfert est en cours.";
+}
+
+void CommandesConsole::Lancer(const CommandeConsole& Commande, const std::string& Argument) {
+  const FenêtresConsole::Occupation Occupation(Fenêtres_);
+  // A failure must not unwind the dialogue of the plug-in whose wait this command came in.
+  try {
+    const std::string Raison = Refus(Commande, Argument);
+    if (Raison.empty()) {
+      Commande.Faire(Argument);
+    } else {
+      Indiquer(Raison);
+    }
+  } catch (const std::exception& Erreur) {
+    Indiquer(Erreur.what());
+  }
+}
+
+std::optional<std::string> CommandesConsole::Questionner(const std::string& Question) {
+  if (!Fenêtres_.OpérateurPrésent()) return std::nullopt;
+  Fenêtres_.Ligne("question : " + Question);
+  std::optional<std::string> Réponse;
+  auto Dehors = std::exchange(Question_, [&](const std::string& Texte) { Réponse = Texte; });
+  Fenêtres_.PomperTantQue([&] { return !Réponse && Fenêtres_.OpérateurPrésent(); });
+  Question_ = std::move(Dehors);
+  return Réponse;
+}
+
+void CommandesConsole::AjouterRéponse(const char* Nom, const char* Aide, RéponseBoîte Réponse) {
+  Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Réponse](const std::string&) {
+             const bool Ouverte = Fenêtres_.BoîteOuverte();
+             if (Fenêtres_.Répondre(Réponse)) return;
+             Indiquer(Ouverte ? "la boîte n'a pas ce bouton." : "aucune boîte n'attend de réponse.");
+           }});
+}
+
+void CommandesConsole::AjouterSuivi() {
+  AjouterGeste("interroger", "interroge le RG80 maintenant", &IGestesSuivi::BtnInterroger_Click);
+  AjouterGeste("quotas", "renvoie au RG80 les quotas du dernier chargement", &IGestesSuivi::BtnForcerCumulsRG80_Click);
+  AjouterGeste("masquer", "masque la fenêtre des chargements", &IGestesSuivi::BtnMasquer_Click);
+  Ajouter({"liste", "", "les chargements du jour", Moment::EntreDeux, [this](const std::string&) { Lister(); }});
+  AjouterListe("messages", "la liste des messages", Onglet::Suivis);
+  AjouterListe("erreurs", "la liste des erreurs", Onglet::Erreurs);
+  Ajouter({"imprimer", "FICHIER", "écrit la liste des erreurs, en pages, dans un fichier", Moment::HorsBoîte,
+           [this](const std::string& Fichier) { Imprimer(Fichier); }});
+}
+
+void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, void (IGestesSuivi::*Geste)()) {
+  Ajouter(
+      {Nom, "", Aide, Moment::HorsBoîte, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
+}
+
+void CommandesConsole::AjouterTransfert() {
+  AjouterCase("cocher", "coche une case de la fenêtre de transfert", true);
+  AjouterCase("decocher", "décoche une case de la fenêtre de transfert", false);
+  Ajouter({"transferer", "", "transfère les données cochées", Moment::EnTransfert,
+           [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnTransférer_Click(); }});
+  Ajouter({"fermer", "", "ferme la fenêtre de transfert", Moment::EnTransfert,
+           [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnFermer_Click(); }});
+}
+
+void CommandesConsole::AjouterCase(const char* Nom, const char* Aide, bool Cochée) {
+  Ajouter({Nom, "NOM", Aide, Moment::EnTransfert, [this, Cochée](const std::string& Case) {
+             if (!Fenêtres_.VueChargnt()->CocherParNom(Case, Cochée)) Indiquer("il n'y a pas de case «" + Case + "».");
+           }});
+}
+
+void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Liste) {
+  Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Nom, Liste](const std::string&) {
+             const std::vector<std::string> Lignes = Suivi(Fenêtres_).Lignes(Liste);
+             Fenêtres_.Ligne(std::string(Nom) + " : " + std::to_string(Lignes.size()));
+             for (const std::string& Ligne : Lignes) Fenêtres_.Ligne("  " + Ligne);
+           }});
+}
+
+void CommandesConsole::Lister() {
+  Suivi(Fenêtres_).Gestes().Form_Activate();  // reads the loads again
+  const std::vector<std::string> Lignes = Suivi(Fenêtres_).Tableau();
+  Fenêtres_.Ligne("liste : " + std::to_string(Lignes.empty() ? 0 : Lignes.size() - 1));
+  for (const std::string& Ligne : Lignes) Fenêtres_.Ligne("  " + Ligne);
+}
+
+void CommandesConsole::Imprimer(const std::string& Fichier) {
+  if (Suivi(Fenêtres_).Lignes(Onglet::Erreurs).empty()) {
+    Indiquer("la liste des erreurs est vide, rien n'est imprimé.");
+    return;
+  }
+  Fenêtres_.FixerFichierImpression(Fichier);
+  Suivi(Fenêtres_).Gestes().BtnImprimer_Click();
+}
+
+void CommandesConsole::Aider() {
+  std::size_t Largeur = 0;
+  for (const CommandeConsole& Commande : Commandes_) Largeur = std::max(Largeur, NombreCaractères(Usage(Commande)));
+  Fenêtres_.Ligne("aide : les commandes passent l'une après l'autre.");
+  for (const CommandeConsole& Commande : Commandes_) {
+    const std::string Début = Usage(Commande);
+    Fenêtres_.Ligne("  " + Début + std::string(Largeur - NombreCaractères(Début) + 2, ' ') + Commande.Aide);
+  }
+}
+
+}  // namespace Ombrey

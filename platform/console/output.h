@@ -1,0 +1,21 @@
+// The console's way out: whole lines, each on its way at once.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Ombrey {
+
+/// Writes lines to a file descriptor that stays its owner's. SIGPIPE must be ignored. A reader that has gone away, or
+/// that takes nothing for a second, loses lines and never stops the station.
+class SortieConsole {
+ public:
+  explicit SortieConsole(int Descripteur) : Descripteur_(Descripteur) {}
+  /// Texte is made visible and goes out as one line.
+  void Ligne(std::string_view Texte);
+
+ private:
+  int Descripteur_;
+};
+
+}  // namespace Ombrey

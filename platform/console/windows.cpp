@@ -1,0 +1,94 @@
+// The windowing toolkit on a console.
+#include "platform/console/windows.h"
+
+#include <chrono>
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/console/monitoring_view.h"
+#include "platform/console/printer.h"
+#include "platform/console/transfer_view.h"
+
+namespace Ombrey {
+namespace {
+
+/// An end of the wait that nothing announces is noticed at this pace at the latest.
+constexpr std::chrono::hours PatienceParPompe(1);
+
+/// Puts a value back when the scope ends, however it ends.
+class Rétablir {
+ public:
+  Rétablir(int& Valeur, int Pendant) : Valeur_(Valeur), Avant_(std::exchange(Valeur, Pendant)) {}
+  Rétablir(const Rétablir&) = delete;
+  Rétablir& operator=(const Rétablir&) = delete;
+  ~Rétablir() { Valeur_ = Avant_; }
+
+ private:
+  int& Valeur_;
+  int Avant_;
+};
+
+bool Offre(BoutonsBoîte Boutons, RéponseBoîte Réponse) {
+  return (Boutons == BoutonsBoîte::Ok) == (Réponse == RéponseBoîte::Ok);
+}
+
+}  // namespace
+
+RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
+  const bool Seul = Boutons == BoutonsBoîte::Ok;
+  Ligne("boîte «" + Titre + "» (" + (Seul ? "OK" : "Recommencer, Annuler") + ") : " + Texte);
+  const RéponseBoîte Défaut = Seul ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  if (!OpérateurPrésent()) return Défaut;
+  const auto Ouverte = std::make_shared<BoîteEnCours>(BoîteEnCours{Boutons, std::nullopt});
+  Boîtes_.push_back(Ouverte);
+  PomperTantQue([&] { return !Ouverte->Réponse && OpérateurPrésent(); });
+  std::erase(Boîtes_, Ouverte);
+  return Ouverte->Réponse.value_or(Défaut);
+}
+
+bool FenêtresConsole::Répondre(RéponseBoîte Réponse) {
+  if (Boîtes_.empty() || !Offre(Boîtes_.back()->Boutons, Réponse)) return false;
+  Boîtes_.back()->Réponse = Réponse;
+  Boîtes_.pop_back();
+  return true;
+}
+
+std::unique_ptr<IImprimante> FenêtresConsole::OuvrirImprimante() {
+  if (!FichierImpression_) throw ErreurExécution("Aucune imprimante : la commande est «imprimer FICHIER».");
+  const std::string Fichier = *std::exchange(FichierImpression_, std::nullopt);
+  return std::make_unique<ImprimanteTexte>(Fichier, [this, Fichier] { Ligne("imprimé : " + Fichier); });
+}
+
+std::unique_ptr<IVueSuiviChargnt> FenêtresConsole::CréerVueSuivi(IGestesSuivi& Gestes, const std::string& Légende,
+                                                                 const Rectangle& Intérieur,
+                                                                 std::span<const DessinContrôleSuivi> Dessin) {
+  auto Vue = std::make_unique<VueSuiviConsole>(*this, Gestes, Légende, Intérieur, Dessin);
+  VueSuivi_ = Vue.get();
+  return Vue;
+}
+
+std::unique_ptr<IVueChargntDonnées> FenêtresConsole::CréerVueChargntDonnées(IGestesChargntDonnées& Gestes,
+                                                                            const std::string& Titre,
+                                                                            const Rectangle& /*Intérieur*/,
+                                                                            std::span<const DessinContrôle> Dessin) {
+  auto Vue = std::make_unique<VueChargntConsole>(*this, Gestes, Titre, Dessin);
+  VueChargnt_ = Vue.get();
+  return Vue;
+}
+
+void FenêtresConsole::PomperTantQue(const std::function<bool()>& Dure) {
+  const Rétablir Libre(Occupée_, 0);
+  SignalerDisponibilité();
+  while (!EnFin_ && Dure()) Boucle_.Pomper(PatienceParPompe);
+}
+
+FenêtresConsole::Occupation::~Occupation() {
+  --Fenêtres_.Occupée_;
+  Fenêtres_.SignalerDisponibilité();
+}
+
+void FenêtresConsole::SignalerDisponibilité() const {
+  if (Occupée_ == 0 && DireDisponible_) DireDisponible_();
+}
+
+}  // namespace Ombrey
