@@ -1,0 +1,57 @@
+// The signals that ask the program to end, as events of the loop.
+#include "platform/loop/signals.h"
+
+#include <fcntl.h>
+
+#include <atomic>
+#include <cerrno>
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/loop/system_error.h"
+
+namespace Ombrey {
+
+namespace {
+
+/// Where the signal handler writes. A handler can reach nothing but a global.
+std::atomic<int> EntréeTube{-1};
+static_assert(std::atomic<int>::is_always_lock_free);
+
+extern "C" void OmbreySignalReçu(int) {
+  const int Ancien = errno;
+  const char Octet = 0;
+  // A full pipe means that enough requests to end are waiting already.
+  [[maybe_unused]] const auto Écrits = write(EntréeTube.load(), &Octet, 1);
+  errno = Ancien;
+}
+
+}  // namespace
+
+SignauxFin::SignauxFin(IBoucle& Boucle, std::function<void()> Demandée) {
+  int Tube[2] = {-1, -1};
+  if (pipe2(Tube, O_CLOEXEC | O_NONBLOCK) != 0)
+    throw ErreurExécution("Signaux de fin indisponibles : " + TexteErreurSystème(errno));
+  Sortie_ = Descripteur(Tube[0]);
+  Entrée_ = Descripteur(Tube[1]);
+  EntréeTube = Entrée_.Numéro();
+  struct sigaction Nouveau {};
+  Nouveau.sa_handler = OmbreySignalReçu;
+  Nouveau.sa_flags = SA_RESTART;
+  sigemptyset(&Nouveau.sa_mask);
+  sigaction(SIGINT, &Nouveau, &AncienInt_);
+  sigaction(SIGTERM, &Nouveau, &AncienTerm_);
+  Veille_ = Boucle.Surveiller(Sortie_.Numéro(), IBoucle::Attente::Lecture,
+                              [Lecture = Sortie_.Numéro(), Faire = std::move(Demandée)] {
+                                char Octet = 0;
+                                if (read(Lecture, &Octet, 1) == 1) Faire();
+                              });
+}
+
+SignauxFin::~SignauxFin() {
+  sigaction(SIGINT, &AncienInt_, nullptr);
+  sigaction(SIGTERM, &AncienTerm_, nullptr);
+  EntréeTube = -1;
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,29 @@
+// The signals that ask the program to end, as events of the loop.
+#pragma once
+
+#include <csignal>
+#include <functional>
+
+#include "platform/loop/descriptor.h"
+#include "platform/loop/loop.h"
+
+namespace Ombrey {
+
+/// From its making to its end, SIGINT and SIGTERM call Demandée from within a pump, once for each signal, instead of
+/// killing the program. One at a time. Raises ErreurExécution when the system refuses.
+class SignauxFin {
+ public:
+  SignauxFin(IBoucle& Boucle, std::function<void()> Demandée);
+  SignauxFin(const SignauxFin&) = delete;
+  SignauxFin& operator=(const SignauxFin&) = delete;
+  ~SignauxFin();
+
+ private:
+  Descripteur Sortie_;
+  Descripteur Entrée_;
+  struct sigaction AncienInt_ {};
+  struct sigaction AncienTerm_ {};
+  IBoucle::Jeton Veille_;
+};
+
+}  // namespace Ombrey

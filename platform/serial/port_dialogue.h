@@ -1,0 +1,17 @@
+// Asking the operator for a port's settings and keeping them in the settings file.
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "platform/serial/serial_port.h"
+
+namespace Ombrey {
+
+/// Shows the settings of the file's section, and writes the keys that the operator changed. False when it was
+/// cancelled or nobody can be asked; the file is then as it was. DéjàOuvert says of a device path that the caller holds
+/// it open itself, so that its trial needs no opening. Raises ErreurExécution when the file can't be read or written.
+bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni, const std::string& Section,
+                    const std::function<bool(const std::string&)>& DéjàOuvert);
+
+}  // namespace Ombrey

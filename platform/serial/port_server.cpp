@@ -1,0 +1,39 @@
+// The port server, and the client object by which a port reports.
+#include "platform/serial/port_server.h"
+
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/serial/port_dialogue.h"
+
+namespace Ombrey {
+
+std::shared_ptr<IPortComm> ServeurPortComm::ObtenirPort(const std::string& Nom,
+                                                        std::shared_ptr<IClientPortComm> Client) {
+  Erreur_.clear();
+  try {
+    static_cast<void>(CheminDuPort(Nom));
+  } catch (const ErreurExécution& Erreur) {
+    Erreur_ = Erreur.what();
+    return nullptr;
+  }
+  if (!Client) {
+    Erreur_ = "Le port " + Nom + " n'a pas de destinataire pour les caractères reçus.";
+    return nullptr;
+  }
+  return std::make_shared<PortSérie>(Contexte_, Nom, std::move(Client));
+}
+
+ClientPortComm::ClientPortComm(ContextePort Contexte, Gestionnaire Lecture)
+    : Contexte_(std::move(Contexte)), Lecture_(std::make_shared<const Gestionnaire>(std::move(Lecture))) {}
+
+void ClientPortComm::Lecture(const Octets& Texte) {
+  const auto Tenu = Lecture_;
+  (*Tenu)(Texte);
+}
+
+bool ClientPortComm::Configurer(const std::string& FichierIni, const std::string& Section) {
+  return ConfigurerPort(Contexte_, FichierIni, Section, [](const std::string&) { return false; });
+}
+
+}  // namespace Ombrey

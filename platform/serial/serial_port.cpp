@@ -1,0 +1,123 @@
+// The port on a serial device: settings, opening, receiving.
+#include "platform/serial/serial_port.h"
+
+#include <array>
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/loop/system_error.h"
+#include "platform/serial/port_dialogue.h"
+
+namespace Ombrey {
+
+PortSérie::PortSérie(ContextePort Contexte, std::string Nom, std::shared_ptr<IClientPortComm> Client)
+    : Contexte_(std::move(Contexte)), Nom_(std::move(Nom)), Client_(std::move(Client)) {}
+
+/// Keeps the text as the last error. Always false, the result of the operation that failed.
+bool PortSérie::Échouer(const std::string& Texte) {
+  Erreur_ = Texte;
+  return false;
+}
+
+bool PortSérie::Ouvrir() {
+  Libérer();
+  Voulu_ = true;
+  try {
+    const RéglagesLigne Réglages = VérifierRéglages(Nom_, Demandés_);
+    Appareil_ = std::make_unique<AppareilLigne>(Nom_, Réglages);
+    TempsCaractère_ = Réglages.TempsCaractère();
+  } catch (const ErreurExécution& Erreur) {
+    return Échouer(Erreur.what());
+  }
+  Rafale_ = Rafale(TempsCaractère_);
+  Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Attente::Lecture, [Faible = weak_from_this()] {
+    if (const auto Moi = Faible.lock()) Moi->Recevoir();
+  });
+  Erreur_.clear();
+  return true;
+}
+
+void PortSérie::Fermer() {
+  Voulu_ = false;
+  Libérer();
+  Closes_.clear();
+  Erreur_.clear();
+}
+
+void PortSérie::Libérer() {
+  Veille_.reset();
+  Silence_.reset();
+  static_cast<void>(Rafale_.Clore());
+  if (!Appareil_) return;
+  Appareil_.reset();
+  FinDeLigne_ = {};
+  ++Session_;
+}
+
+/// The device is gone: what it gave before still goes up, and the next Ecrire opens it again.
+void PortSérie::Perdre(int Numéro) {
+  if (Octets Reste = Rafale_.Clore(); !Reste.EstVide()) Closes_.push_back(std::move(Reste));
+  Libérer();
+  Échouer("Le port " + Nom_ + " a été perdu" + (Numéro == 0 ? "." : " : " + TexteErreurSystème(Numéro) + "."));
+}
+
+bool PortSérie::Lire(Octets& Texte) {
+  Texte.Vider();
+  return Appareil_ != nullptr;
+}
+
+void PortSérie::Recevoir() {
+  if (LireAppareil()) ArmerSilence();
+  Livrer();
+}
+
+/// Takes in what the device has. True when characters came.
+bool PortSérie::LireAppareil() {
+  if (!Appareil_) return false;
+  std::array<char, 4096> Place;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+  const Passage Lu = Appareil_->Lire(Place.data(), Place.size());
+  if (Lu.Perdu) {
+    Perdre(Lu.Erreur);
+    return false;
+  }
+  for (Octets& Close : Rafale_.Ajouter({Place.data(), Lu.Nombre})) Closes_.push_back(std::move(Close));
+  return Lu.Nombre > 0;
+}
+
+void PortSérie::ArmerSilence() {
+  Silence_.reset();
+  const auto Attente = Rafale_.SilenceAttendu();
+  if (!Attente) return;
+  Silence_ = Contexte_.Boucle.Après(*Attente, [Faible = weak_from_this()] {
+    if (const auto Moi = Faible.lock()) Moi->FinSilence();
+  });
+}
+
+/// The time is over, but a program that was kept waiting itself may find characters that came in time.
+void PortSérie::FinSilence() {
+  if (LireAppareil()) {
+    ArmerSilence();
+  } else if (Octets Close = Rafale_.Clore(); !Close.EstVide()) {
+    Closes_.push_back(std::move(Close));
+  }
+  Livrer();
+}
+
+/// Hands the closed bursts up in their order, also when the client pumps or closes the port meanwhile.
+void PortSérie::Livrer() {
+  const auto Client = Client_;
+  while (!Closes_.empty()) {
+    const Octets Texte = std::move(Closes_.front());
+    Closes_.pop_front();
+    Client->Lecture(Texte);
+  }
+}
+
+bool PortSérie::Configurer(const std::string& FichierIni, const std::string& Section) {
+  const auto Moi = shared_from_this();
+  return ConfigurerPort(Contexte_, FichierIni, Section, [Moi](const std::string& Chemin) {
+    return Moi->Appareil_ && Moi->Appareil_->Identité() == IdentitéAppareil(Chemin);
+  });
+}
+
+}  // namespace Ombrey
