@@ -1,0 +1,43 @@
+// Everything that the plug-in needs of this machine, composed.
+#pragma once
+
+#include <filesystem>
+
+#include "contracts/platform.h"
+#include "platform/loop/loop.h"
+#include "platform/serial/serial_port.h"
+#include "platform/system/machine_system.h"
+#include "platform/system/settings_files.h"
+
+namespace Ombrey {
+
+class PlateformeMachine final : public IPlateforme {
+ public:
+  /// Boucle, Fenêtres and Questionnaire (which may be none) must outlive the platform. Dossier is the working folder,
+  /// made when it is missing. Raises ErreurExécution when it can't be.
+  PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQuestionnairePort* Questionnaire,
+                    const std::filesystem::path& Dossier,
+                    const std::filesystem::path& FichierRéglages = FichierRéglagesUtilisateur());
+
+  [[nodiscard]] ISystème& Système() override { return Système_; }
+  [[nodiscard]] IFenêtres& Fenêtres() override { return Fenêtres_; }
+  [[nodiscard]] IRéglages& Réglages() override { return Réglages_; }
+  [[nodiscard]] std::unique_ptr<ILecteurIni> CréerLecteurIni() override;
+  [[nodiscard]] std::shared_ptr<IRetard> CréerRetard(std::function<void(const std::string&)> FinTempo) override;
+  [[nodiscard]] std::shared_ptr<IServeurPortComm> CréerServeurPortComm() override;
+  [[nodiscard]] std::shared_ptr<IClientPortComm> CréerClientPortComm(
+      std::function<void(const Octets&)> Lecture) override;
+  /// This machine needs no remote access: the object does nothing.
+  [[nodiscard]] std::shared_ptr<IAccèsDistant> CréerAccèsDistant() override;
+
+ private:
+  [[nodiscard]] ContextePort Contexte() const;
+
+  IBoucle& Boucle_;
+  IFenêtres& Fenêtres_;
+  IQuestionnairePort* Questionnaire_;
+  SystèmeMachine Système_;
+  RéglagesFichier Réglages_;
+};
+
+}  // namespace Ombrey

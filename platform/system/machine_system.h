@@ -1,0 +1,32 @@
+// Time, waiting, places and regional forms of this machine.
+#pragma once
+
+#include <filesystem>
+
+#include "contracts/system.h"
+#include "platform/loop/loop.h"
+
+namespace Ombrey {
+
+class SystèmeMachine final : public ISystème {
+ public:
+  /// Boucle must outlive the object. Dossier is the working folder; it is made when it is missing, for its owner alone.
+  /// Raises ErreurExécution when it can't be.
+  SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier);
+  [[nodiscard]] std::uint32_t Tics() const override;
+  [[nodiscard]] DateHeure Maintenant() const override;
+  [[nodiscard]] Régional FormesRégionales() const override { return Formes_; }
+  [[nodiscard]] std::filesystem::path CheminApplication() const override { return Dossier_; }
+  [[nodiscard]] std::filesystem::path DossierImportsConservés() const override;
+  bool Pomper(std::chrono::milliseconds AttenteMax) override { return Boucle_.Pomper(AttenteMax); }
+
+ private:
+  IBoucle& Boucle_;
+  std::filesystem::path Dossier_;
+  Régional Formes_;
+};
+
+/// The forms that the environment's locale gives; French ones where it names none, or none that this machine knows.
+[[nodiscard]] Régional FormesDeLEnvironnement();
+
+}  // namespace Ombrey

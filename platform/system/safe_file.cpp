@@ -1,0 +1,142 @@
+// Small files read whole and replaced whole; folders for their owner alone.
+#include "platform/system/safe_file.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <utility>
+
+#include "common/failures.h"
+#include "platform/loop/descriptor.h"
+#include "platform/loop/system_error.h"
+
+namespace Ombrey {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr std::size_t TailleMax = 16 * std::size_t{1024} * 1024;
+constexpr int LiensMax = 40;
+constexpr mode_t DroitsDossier = 0700;
+constexpr mode_t MasqueDroits = 07777;
+
+[[noreturn]] void Refuser(const fs::path& Chemin, const std::string& Action, int Numéro) {
+  throw ErreurExécution(Chemin.string() + " ne peut pas être " + Action + " : " + TexteErreurSystème(Numéro) + ".");
+}
+
+/// The file at the end of a chain of links; it needn't exist.
+fs::path Cible(fs::path Chemin) {
+  std::error_code Erreur;
+  for (int Lien = 0; fs::is_symlink(Chemin, Erreur); ++Lien) {
+    if (Lien == LiensMax) Refuser(Chemin, "écrit", ELOOP);
+    const fs::path Suite = fs::read_symlink(Chemin, Erreur);
+    if (Erreur) Refuser(Chemin, "écrit", Erreur.value());
+    Chemin = Chemin.parent_path() / Suite;
+  }
+  return Chemin;
+}
+
+fs::path DossierDe(const fs::path& Chemin) { return Chemin.has_parent_path() ? Chemin.parent_path() : fs::path("."); }
+
+/// A new file beside another, removed again unless it was kept.
+class Provisoire {
+ public:
+  explicit Provisoire(const fs::path& Final)
+      : Final_(Final), Nom_((DossierDe(Final) / ("." + Final.filename().string() + ".XXXXXX")).string()) {
+    Fichier_ = Descripteur(mkostemp(Nom_.data(), O_CLOEXEC));
+    if (!Fichier_.EstOuvert()) Refuser(Final_, "écrit", errno);
+  }
+  Provisoire(const Provisoire&) = delete;
+  Provisoire& operator=(const Provisoire&) = delete;
+  ~Provisoire() {
+    if (!Gardé_) unlink(Nom_.c_str());
+  }
+
+  /// The owner is kept where the system lets us: without that the file would still be the right one.
+  void Imiter(const struct stat& Modèle) const {
+    if (fchown(Fichier_.Numéro(), Modèle.st_uid, Modèle.st_gid) != 0 && errno != EPERM) Refuser(Final_, "écrit", errno);
+    if (fchmod(Fichier_.Numéro(), Modèle.st_mode & MasqueDroits) != 0) Refuser(Final_, "écrit", errno);
+  }
+
+  void Ecrire(std::string_view Contenu) const {
+    while (!Contenu.empty()) {
+      const ssize_t Écrits = write(Fichier_.Numéro(), Contenu.data(), Contenu.size());
+      if (Écrits < 0 && errno == EINTR) continue;
+      if (Écrits < 0) Refuser(Final_, "écrit", errno);
+      Contenu.remove_prefix(static_cast<std::size_t>(Écrits));
+    }
+    if (fsync(Fichier_.Numéro()) != 0) Refuser(Final_, "écrit", errno);
+  }
+
+  void Garder() {
+    if (std::rename(Nom_.c_str(), Final_.c_str()) != 0) Refuser(Final_, "écrit", errno);
+    Gardé_ = true;
+    const Descripteur Dossier(open(DossierDe(Final_).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    // A file system that can't do this for folders has done it with the rename.
+    if (Dossier.EstOuvert() && fsync(Dossier.Numéro()) != 0 && errno != EINVAL) Refuser(Final_, "écrit", errno);
+  }
+
+ private:
+  fs::path Final_;
+  std::string Nom_;
+  Descripteur Fichier_;
+  bool Gardé_ = false;
+};
+
+}  // namespace
+
+std::optional<std::string> LireFichier(const fs::path& Chemin) {
+  const Descripteur Fichier(open(Chemin.c_str(), O_RDONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!Fichier.EstOuvert()) {
+    if (errno == ENOENT) return std::nullopt;
+    Refuser(Chemin, "lu", errno);
+  }
+  struct stat État {};
+  if (fstat(Fichier.Numéro(), &État) != 0) Refuser(Chemin, "lu", errno);
+  if (S_ISDIR(État.st_mode)) Refuser(Chemin, "lu", EISDIR);
+  if (!S_ISREG(État.st_mode)) throw ErreurExécution(Chemin.string() + " n'est pas un fichier.");
+  std::string Contenu;
+  std::array<char, 16384> Bloc;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
+  for (;;) {
+    const ssize_t Lus = read(Fichier.Numéro(), Bloc.data(), Bloc.size());
+    if (Lus == 0) return Contenu;
+    if (Lus < 0 && errno == EINTR) continue;
+    if (Lus < 0) Refuser(Chemin, "lu", errno);
+    Contenu.append(Bloc.data(), static_cast<std::size_t>(Lus));
+    if (Contenu.size() > TailleMax) Refuser(Chemin, "lu", EFBIG);
+  }
+}
+
+void RemplacerFichier(const fs::path& Chemin, std::string_view Contenu) {
+  const fs::path Final = Cible(Chemin);
+  struct stat Ancien {};
+  const bool Présent = stat(Final.c_str(), &Ancien) == 0;
+  if (!Présent && errno != ENOENT) Refuser(Final, "écrit", errno);
+  // Renaming asks for no right to the file itself: one that was made read-only must stay as it is.
+  if (Présent && access(Final.c_str(), W_OK) != 0) Refuser(Final, "écrit", errno);
+  Provisoire Nouveau(Final);
+  if (Présent) Nouveau.Imiter(Ancien);
+  Nouveau.Ecrire(Contenu);
+  Nouveau.Garder();
+}
+
+void CréerDossierPrivé(const fs::path& Dossier) {
+  fs::path Fait;
+  for (const fs::path& Élément : Dossier) {
+    Fait /= Élément;
+    if (Fait.empty() || mkdir(Fait.c_str(), DroitsDossier) == 0) continue;
+    const int Numéro = errno;
+    std::error_code Erreur;
+    if (!fs::is_directory(Fait, Erreur))
+      throw ErreurExécution("Le dossier " + Fait.string() + " ne peut pas être créé : " + TexteErreurSystème(Numéro) +
+                            ".");
+  }
+}
+
+}  // namespace Ombrey

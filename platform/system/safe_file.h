@@ -1,0 +1,22 @@
+// Small files read whole, and replaced so that they reach the disk whole or not at all; folders for their owner alone.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace Ombrey {
+
+/// The file's bytes, or none when there is no such file. Raises ErreurExécution when it is there and can't be read, is
+/// no ordinary file, or is far too big for a settings file.
+[[nodiscard]] std::optional<std::string> LireFichier(const std::filesystem::path& Chemin);
+
+/// Replaces the file's contents, or makes the file for its owner alone. A link stays and its target is replaced; mode
+/// and owner stay as far as the system allows. Raises ErreurExécution, and the former file is then untouched.
+void RemplacerFichier(const std::filesystem::path& Chemin, std::string_view Contenu);
+
+/// Makes the folder and those above it that are missing, for their owner alone. Raises ErreurExécution.
+void CréerDossierPrivé(const std::filesystem::path& Dossier);
+
+}  // namespace Ombrey
