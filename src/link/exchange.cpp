@@ -33,11 +33,11 @@ CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse
   ISystème& Système = État_.Plateforme.Système();
   const std::uint32_t Début = Système.Tics();
   const auto Délai = static_cast<std::int32_t>(Demande.Délai.count());
-  std::int32_t Écoulé = 0;
+  // What already stands in the buffer counts at once: the first pump doesn't wait.
+  std::chrono::milliseconds AttenteMax{0};
   for (;;) {
     if (État_.Abandon) return CodeÉchange::Silence;
-    // One millisecond beyond the time-out, so that an idle wait ends in one pump.
-    Système.Pomper(std::chrono::milliseconds(Délai - Écoulé + 1));
+    Système.Pomper(AttenteMax);
     if (État_.Abandon) return CodeÉchange::Silence;
 
     Octets Arrivé;
@@ -45,9 +45,11 @@ CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse
     État_.TamponRéception += Arrivé;
 
     // The tick count wraps: only the difference, taken as signed, tells the time that has passed.
-    Écoulé = static_cast<std::int32_t>(Système.Tics() - Début);
+    const auto Écoulé = static_cast<std::int32_t>(Système.Tics() - Début);
     if (Écoulé > Délai) return CodeÉchange::Silence;
     if (const auto Code = Reconnaître(Demande, Réponse)) return *Code;
+    // One millisecond beyond the time-out, so that an idle wait ends in one pump.
+    AttenteMax = std::chrono::milliseconds(Délai - Écoulé + 1);
   }
 }
 

@@ -45,7 +45,9 @@ void FausseVueSuivi::MontrerModale() {
   if (Visible) return;
   Visible = true;
   Gestes.Form_Activate();
-  while (Visible) Système.Pomper(milliseconds(1000));
+  const std::weak_ptr<const void> Vie = Vie_;  // the view may be dropped in any pump
+  FauxSystème& Horloge = Système;
+  while (!Vie.expired() && Visible) Horloge.Pomper(milliseconds(1000));
 }
 
 void FausseVueSuivi::InsérerLigne(Onglet Liste, std::size_t Rang, const std::string& Texte, bool Coché) {

@@ -113,6 +113,9 @@ class FausseVueSuivi : public IVueSuiviChargnt {
   void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) override { Places[Contrôle] = Place; }
   Rectangle PlaceFenêtre() const override { return Fenêtre; }
   void PlacerFenêtre(const Rectangle& Place) override { Fenêtre = Place; }
+
+ private:
+  std::shared_ptr<const void> Vie_ = std::make_shared<int>();
 };
 
 class FausseVueChargntDonnées : public IVueChargntDonnées {
