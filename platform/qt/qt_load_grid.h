@@ -1,0 +1,40 @@
+// The grid of today's loads: a table that takes new contents without losing its place.
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QTableView>
+#include <string>
+#include <vector>
+
+namespace Ombrey {
+
+/// Texts in rows and columns, nothing to be edited.
+class ModèleGrille : public QAbstractTableModel {
+ public:
+  using QAbstractTableModel::QAbstractTableModel;
+  /// As long as the number of columns stays, views keep scroll position, widths and selection.
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
+
+  [[nodiscard]] int rowCount(const QModelIndex& Parent = {}) const override;
+  [[nodiscard]] int columnCount(const QModelIndex& Parent = {}) const override;
+  [[nodiscard]] QVariant data(const QModelIndex& Place, int Rôle) const override;
+  [[nodiscard]] QVariant headerData(int Section, Qt::Orientation Sens, int Rôle) const override;
+
+ private:
+  std::vector<std::string> Entêtes_;
+  std::vector<std::vector<std::string>> Lignes_;
+};
+
+class GrilleChargements : public QTableView {
+ public:
+  explicit GrilleChargements(QWidget* Parent);
+  /// The first rows to come set the columns' widths by what stands in them.
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
+  [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
+
+ private:
+  ModèleGrille Modèle_;
+  bool LargeursAjustées_ = false;
+};
+
+}  // namespace Ombrey

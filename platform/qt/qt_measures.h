@@ -1,0 +1,35 @@
+// Between the plug-in's measures and Qt's: twips and pixels, UTF-8 and QString, a text that must fit its control.
+#pragma once
+
+#include <QRect>
+#include <QString>
+#include <QWidget>
+#include <string>
+
+#include "contracts/toolkit.h"
+
+namespace Ombrey {
+
+/// PointsParPouce is the screen's logical resolution, 96 as a rule. Rounded to the nearest, bounded to what a window
+/// system can hold.
+[[nodiscard]] int EnPixels(int Twips, int PointsParPouce);
+[[nodiscard]] int EnTwips(int Pixels, int PointsParPouce);
+[[nodiscard]] QRect EnPixels(const Rectangle& Place, int PointsParPouce);
+
+/// The size that a window of the inner area Intérieur (pixels) is said to have, and back. The frame counts as wide as
+/// the layout's margins were made for, whatever the window manager draws: so nothing is cut off under a thick title.
+struct CadreNominal {
+  static constexpr int Largeur = 120;  ///< both borders, twips
+  static constexpr int Hauteur = 405;  ///< title and both borders, twips
+};
+
+/// The nearest place at which Fenêtre (outer edges, pixels) can be seen and seized by its title: unchanged where it
+/// is on a screen already.
+[[nodiscard]] QRect RamenéeSurÉcran(const QRect& Fenêtre);
+
+[[nodiscard]] inline QString Texte(const std::string& Utf8) { return QString::fromStdString(Utf8); }
+
+/// Makes the control's letters smaller, as far as they can be read, until Libellé fits into its present size.
+void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale);
+
+}  // namespace Ombrey

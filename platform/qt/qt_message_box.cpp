@@ -1,0 +1,119 @@
+// Message boxes on a screen.
+#include "platform/qt/qt_message_box.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QGridLayout>
+#include <QLabel>
+#include <QPointer>
+#include <QScreen>
+#include <QStyle>
+#include <QTextEdit>
+#include <algorithm>
+#include <optional>
+
+#include "platform/qt/qt_measures.h"
+
+namespace Ombrey {
+
+namespace {
+constexpr std::chrono::hours PatienceParPompe(1);
+/// The text's room at most, in parts of the screen.
+constexpr int PartLargeur = 3;
+constexpr int PartHauteur = 2;
+
+/// A text that can be read and copied, as large as it needs to be, with a scroll bar where that is too much.
+QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
+  auto* const Zone = new QTextEdit(Parent);
+  Zone->setReadOnly(true);
+  Zone->setAcceptRichText(false);
+  Zone->setPlainText(Message);
+  Zone->setFrameShape(QFrame::NoFrame);
+  Zone->setTabChangesFocus(true);
+  Zone->setFocusPolicy(Qt::ClickFocus);
+  Zone->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  Zone->viewport()->setAutoFillBackground(false);
+  const QSize Écran = Parent->screen()->availableSize();
+  QTextDocument* const Document = Zone->document();
+  const int LargeurMax = Écran.width() / PartLargeur;
+  const int HauteurMax = Écran.height() / PartHauteur;
+  Document->setTextWidth(-1);
+  Document->setTextWidth(std::min<qreal>(Document->idealWidth() + 1, LargeurMax));
+  const int Hauteur = static_cast<int>(Document->size().height()) + 1;
+  const int Largeur = static_cast<int>(Document->textWidth()) + 1;
+  const int Ascenseur = Hauteur > HauteurMax ? Zone->style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
+  Zone->setFixedSize(Largeur + Ascenseur, std::min(Hauteur, HauteurMax));
+  return Zone;
+}
+
+class BoîteQt : public QDialog {
+ public:
+  BoîteQt(QWidget* Parent, const QString& Message, BoutonsBoîte Boutons) : QDialog(Parent) {
+    const bool Seul = Boutons == BoutonsBoîte::Ok;
+    const auto Signe = Seul ? QStyle::SP_MessageBoxInformation : QStyle::SP_MessageBoxWarning;
+    const int Côté = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
+    auto* const Icône = new QLabel(this);
+    Icône->setPixmap(style()->standardIcon(Signe).pixmap(Côté, Côté));
+    auto* const Rangée = new QDialogButtonBox(this);
+    Ajouter(*Rangée, Seul ? QStringLiteral("OK") : QStringLiteral("&Recommencer"), QDialogButtonBox::AcceptRole,
+            Seul ? RéponseBoîte::Ok : RéponseBoîte::Recommencer)
+        ->setFocus();
+    if (!Seul) Ajouter(*Rangée, QStringLiteral("&Annuler"), QDialogButtonBox::RejectRole, RéponseBoîte::Annuler);
+    auto* const Plan = new QGridLayout(this);
+    Plan->addWidget(Icône, 0, 0, Qt::AlignTop);
+    Plan->addWidget(FaireTexte(this, Message), 0, 1);
+    Plan->addWidget(Rangée, 1, 0, 1, 2);
+    Plan->setSizeConstraint(QLayout::SetFixedSize);
+    setWindowModality(Qt::ApplicationModal);
+    setAttribute(Qt::WA_QuitOnClose, false);
+  }
+  std::optional<RéponseBoîte> Réponse;
+
+ private:
+  QPushButton* Ajouter(QDialogButtonBox& Rangée, const QString& Libellé, QDialogButtonBox::ButtonRole Rôle,
+                       RéponseBoîte Valeur) {
+    QPushButton* const Bouton = Rangée.addButton(Libellé, Rôle);
+    connect(Bouton, &QPushButton::clicked, this, [this, Valeur] {
+      Réponse = Valeur;
+      hide();
+    });
+    return Bouton;
+  }
+};
+
+/// The window below may go while the box waits, and takes the box with it.
+class BoîteTenue {
+ public:
+  explicit BoîteTenue(BoîteQt* Boîte) : Boîte_(Boîte) {}
+  BoîteTenue(const BoîteTenue&) = delete;
+  BoîteTenue& operator=(const BoîteTenue&) = delete;
+  ~BoîteTenue() {
+    if (!Boîte_) return;
+    Boîte_->hide();
+    Boîte_->deleteLater();
+  }
+  BoîteQt* operator->() const { return Boîte_; }
+  [[nodiscard]] bool EnVue() const { return Boîte_ && Boîte_->isVisible(); }
+  [[nodiscard]] std::optional<RéponseBoîte> Réponse() const { return Boîte_ ? Boîte_->Réponse : std::nullopt; }
+
+ private:
+  QPointer<BoîteQt> Boîte_;
+};
+}  // namespace
+
+RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
+                              BoutonsBoîte Boutons) {
+  const RéponseBoîte Défaut = Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  if (Contexte.EnFin) return Défaut;
+  QWidget* const Dessous =
+      QApplication::activeModalWidget() != nullptr ? QApplication::activeModalWidget() : QApplication::activeWindow();
+  const BoîteTenue Boîte(new BoîteQt(Dessous, Texte(Message), Boutons));
+  Boîte->setWindowTitle(Texte(Titre));
+  Boîte->show();
+  Boîte->activateWindow();
+  while (Boîte.EnVue() && !Contexte.EnFin) Contexte.Boucle.Pomper(PatienceParPompe);
+  return Boîte.Réponse().value_or(Défaut);
+}
+
+}  // namespace Ombrey

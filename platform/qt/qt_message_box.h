@@ -1,0 +1,16 @@
+// Message boxes on a screen.
+#pragma once
+
+#include <string>
+
+#include "contracts/toolkit.h"
+#include "platform/qt/qt_window.h"
+
+namespace Ombrey {
+
+/// Shows the box above the active window and runs the loop until it is answered. The text stands as it is, never read
+/// as markup; a long one is scrolled. Esc and the frame's closing answer OK, or Annuler, and so does the station's end.
+RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
+                              BoutonsBoîte Boutons);
+
+}  // namespace Ombrey

@@ -1,0 +1,240 @@
+// The monitoring window on a screen.
+#include "platform/qt/qt_monitoring_view.h"
+
+#include <QHeaderView>
+#include <QScreen>
+#include <QStyle>
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "platform/qt/qt_measures.h"
+
+namespace Ombrey {
+
+namespace {
+constexpr int LargeurÉtiquettes = 360;  ///< twips beside the lists for the tabs' labels
+constexpr int MargeBouton = 4;          ///< pixels around a button's text
+
+/// Tabs along the left edge, as wide as the room beside the lists.
+class BarreOnglets : public QTabBar {
+ public:
+  explicit BarreOnglets(QWidget* Parent) : QTabBar(Parent) {
+    setShape(RoundedWest);
+    setExpanding(false);
+    setDrawBase(false);
+    setUsesScrollButtons(false);
+  }
+
+ protected:
+  [[nodiscard]] QSize tabSizeHint(int Rang) const override {
+    return {EnPixels(LargeurÉtiquettes, logicalDpiX()), QTabBar::tabSizeHint(Rang).height()};
+  }
+};
+
+/// A list that keeps the room of the buttons free: they stand on its lower edge.
+class ListeSousBoutons : public QListWidget {
+ public:
+  using QListWidget::QListWidget;
+  void RéserverBas(int Pixels) { setViewportMargins(0, 0, 0, Pixels); }
+};
+
+/// A list shows a line's breaks as blanks; the box of a double click shows them as they are.
+QString SurUneLigne(const std::string& Ligne) {
+  QString Plate = Texte(Ligne);
+  Plate.replace(QLatin1String("\r\n"), QLatin1String(" "));
+  return Plate.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+}
+
+int Rang(std::size_t Ligne) { return static_cast<int>(std::min<std::size_t>(Ligne, 1U << 30U)); }
+
+bool SurLaBande(ContrôleSuivi Contrôle) {
+  return Contrôle != ContrôleSuivi::Grille && Contrôle != ContrôleSuivi::Onglets &&
+         Contrôle != ContrôleSuivi::BtnMasquer;
+}
+
+bool EstBouton(ContrôleSuivi Contrôle) { return Contrôle >= ContrôleSuivi::BtnInterroger; }
+}  // namespace
+
+VueSuiviChargntQt::VueSuiviChargntQt(const ContexteQt& Contexte, IGestesSuivi& Gestes, const std::string& Légende,
+                                     const Rectangle& Intérieur, std::span<const DessinContrôleSuivi> Dessin)
+    : Gestes_(Gestes), Fenêtre_(Contexte, Qt::Window) {
+  Fenêtre_->setWindowTitle(Texte(Légende));
+  Fenêtre_->resize(EnPixels(Intérieur, Résolution()).size());
+  QRect Place = Fenêtre_->geometry();
+  Place.moveCenter(Fenêtre_->screen()->availableGeometry().center());
+  Fenêtre_->move(RamenéeSurÉcran(Place).topLeft());
+  CréerBande();
+  for (const DessinContrôleSuivi& Contrôle : Dessin) Créer(Contrôle);
+  for (const auto& [Contrôle, Élément] : Contrôles_) {
+    if (EstBouton(Contrôle)) Élément->raise();
+  }
+  Onglets_->setTabVisible(static_cast<int>(Onglet::Erreurs), false);
+  Brancher();
+}
+
+void VueSuiviChargntQt::CréerBande() {
+  Bande_ = new QWidget(&*Fenêtre_);
+  Onglets_ = new BarreOnglets(Bande_);
+  Onglets_->addTab(QString());
+  Onglets_->addTab(QString());
+}
+
+void VueSuiviChargntQt::Créer(const DessinContrôleSuivi& Dessin) {
+  using enum ContrôleSuivi;
+  QWidget* Contrôle = nullptr;
+  switch (Dessin.Contrôle) {
+    case Grille:
+      Contrôle = Grille_ = new GrilleChargements(&*Fenêtre_);
+      break;
+    case Onglets:
+      Contrôle = Bande_;
+      break;
+    case ListeSuivis:
+    case ListeErreurs: {
+      const Onglet Lequel = Dessin.Contrôle == ListeSuivis ? Onglet::Suivis : Onglet::Erreurs;
+      Onglets_->setTabText(static_cast<int>(Lequel), Texte(Dessin.Texte));
+      Contrôle = CréerListe(Lequel);
+      break;
+    }
+    default:
+      Contrôle = CréerBouton(Dessin);
+  }
+  Contrôles_[Dessin.Contrôle] = Contrôle;
+  PlacerContrôle(Dessin.Contrôle, Dessin.Place);
+  if (EstBouton(Dessin.Contrôle)) FaireTenir(*Contrôle, Texte(Dessin.Texte), MargeBouton, MargeBouton);
+}
+
+QListWidget* VueSuiviChargntQt::CréerListe(Onglet Lequel) {
+  auto* const LaListe = new ListeSousBoutons(Bande_);
+  LaListe->setUniformItemSizes(true);
+  LaListe->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  LaListe->setVisible(Lequel == Onglet::Suivis);
+  Listes_[static_cast<std::size_t>(Lequel)] = LaListe;
+  return LaListe;
+}
+
+QPushButton* VueSuiviChargntQt::CréerBouton(const DessinContrôleSuivi& Dessin) {
+  auto* const Bouton = new BoutonQt(Texte(Dessin.Texte), SurLaBande(Dessin.Contrôle) ? Bande_ : &*Fenêtre_);
+  Bouton->setAutoDefault(true);  // so that Enter presses it too when it has the focus
+  void (IGestesSuivi::*Geste)() = nullptr;
+  switch (Dessin.Contrôle) {
+    case ContrôleSuivi::BtnInterroger:
+      Geste = &IGestesSuivi::BtnInterroger_Click;
+      break;
+    case ContrôleSuivi::BtnForcerCumulsRG80:
+      Geste = &IGestesSuivi::BtnForcerCumulsRG80_Click;
+      break;
+    case ContrôleSuivi::BtnImprimer:
+      Geste = &IGestesSuivi::BtnImprimer_Click;
+      Bouton->hide();
+      break;
+    default:
+      Geste = &IGestesSuivi::BtnMasquer_Click;
+      Bouton->setFocusPolicy(Qt::NoFocus);  // out of sight
+  }
+  QObject::connect(Bouton, &QPushButton::clicked, Fenêtre_.EnSaisie([&G = Gestes_, Geste] { (G.*Geste)(); }));
+  return Bouton;
+}
+
+void VueSuiviChargntQt::Brancher() {
+  IGestesSuivi& G = Gestes_;
+  Fenêtre_->SurEchap = Fenêtre_.EnSaisie([&G] { G.BtnMasquer_Click(); });
+  Fenêtre_->SurFermeture = Fenêtre_.EnSaisie([this, &G] {
+    const auto Vie = Fenêtre_.Vie();
+    if (!G.Form_QueryUnload(true) && !Vie.expired()) Cacher();
+  });
+  Fenêtre_->SurActivation = Fenêtre_.EnÉvénement([&G] { G.Form_Activate(); });
+  Fenêtre_->SurTaille = Fenêtre_.SurPlace([&G] { G.Form_Resize(); });
+  QObject::connect(Onglets_, &QTabBar::currentChanged, Fenêtre_.EnÉvénement([&G] { G.Onglets_Click(); }));
+  for (const Onglet Lequel : {Onglet::Suivis, Onglet::Erreurs}) {
+    QObject::connect(&Liste(Lequel), &QListWidget::itemDoubleClicked,
+                     Fenêtre_.EnSaisie([&G, Lequel] { G.ListeMessages_DblClick(Lequel); }));
+  }
+}
+
+void VueSuiviChargntQt::Repeindre() { Fenêtre_->repaint(); }
+
+void VueSuiviChargntQt::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
+  Grille_->Remplir(std::move(Entêtes), std::move(Lignes));
+}
+
+std::size_t VueSuiviChargntQt::NombreColonnes() const { return static_cast<std::size_t>(Grille_->NombreColonnes()); }
+
+int VueSuiviChargntQt::LargeurColonne(std::size_t Colonne) const {
+  return EnTwips(Grille_->columnWidth(Rang(Colonne)), Résolution());
+}
+
+void VueSuiviChargntQt::FixerLargeurColonne(std::size_t Colonne, int Twips) {
+  if (Colonne < NombreColonnes()) Grille_->setColumnWidth(Rang(Colonne), EnPixels(Twips, Résolution()));
+}
+
+void VueSuiviChargntQt::InsérerLigne(Onglet LaListe, std::size_t Place, const std::string& Ligne, bool Coché) {
+  auto Élément = std::make_unique<QListWidgetItem>(SurUneLigne(Ligne));
+  // The tick is the plug-in's word on the line: shown, but no click changes it.
+  Élément->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+  if (LaListe == Onglet::Suivis) Élément->setCheckState(Coché ? Qt::Checked : Qt::Unchecked);
+  Liste(LaListe).insertItem(Rang(Place), Élément.release());
+}
+
+void VueSuiviChargntQt::RetirerLigne(Onglet LaListe, std::size_t Ligne) { delete Liste(LaListe).takeItem(Rang(Ligne)); }
+
+void VueSuiviChargntQt::ChoisirLigne(Onglet LaListe, std::size_t Ligne) {
+  const QListWidget& Cible = Liste(LaListe);
+  if (Rang(Ligne) >= Cible.count()) return;
+  Cible.selectionModel()->setCurrentIndex(
+      Cible.model()->index(Rang(Ligne), 0),
+      LaListe == Onglet::Erreurs ? QItemSelectionModel::ClearAndSelect : QItemSelectionModel::Clear);
+  Liste(LaListe).scrollToItem(Cible.item(Rang(Ligne)));
+}
+
+std::size_t VueSuiviChargntQt::LigneCourante(Onglet LaListe) const {
+  return static_cast<std::size_t>(Liste(LaListe).currentRow());  // -1 becomes the greatest number
+}
+
+void VueSuiviChargntQt::OffrirOnglet(Onglet Lequel, bool Offert) {
+  Onglets_->setTabVisible(static_cast<int>(Lequel), Offert);
+}
+
+void VueSuiviChargntQt::ChoisirOnglet(Onglet Lequel) { Onglets_->setCurrentIndex(static_cast<int>(Lequel)); }
+
+Onglet VueSuiviChargntQt::OngletCourant() const {
+  return Onglets_->currentIndex() == static_cast<int>(Onglet::Erreurs) ? Onglet::Erreurs : Onglet::Suivis;
+}
+
+void VueSuiviChargntQt::MontrerContrôle(ContrôleSuivi Contrôle, bool Visible) {
+  Contrôles_.at(Contrôle)->setVisible(Visible);
+}
+
+Rectangle VueSuiviChargntQt::PlaceContrôle(ContrôleSuivi Contrôle) const { return Places_.at(Contrôle); }
+
+void VueSuiviChargntQt::PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) {
+  Places_[Contrôle] = Place;
+  const QRect Pixels = EnPixels(Place, Résolution());
+  Contrôles_.at(Contrôle)->setGeometry(Pixels);
+  if (Contrôle == ContrôleSuivi::Onglets)
+    Onglets_->setGeometry(0, 0, EnPixels(LargeurÉtiquettes, Résolution()), Pixels.height());
+  if (Contrôle == ContrôleSuivi::BtnInterroger || Contrôle == ContrôleSuivi::BtnImprimer) {
+    const Onglet Lequel = Contrôle == ContrôleSuivi::BtnImprimer ? Onglet::Erreurs : Onglet::Suivis;
+    auto& LaListe = static_cast<ListeSousBoutons&>(Liste(Lequel));
+    LaListe.RéserverBas(std::max(0, LaListe.geometry().bottom() - Pixels.top() + MargeBouton));
+  }
+}
+
+Rectangle VueSuiviChargntQt::PlaceFenêtre() const {
+  return {EnTwips(Fenêtre_->x(), Résolution()), EnTwips(Fenêtre_->y(), Résolution()),
+          EnTwips(Fenêtre_->width(), Résolution()) + CadreNominal::Largeur,
+          EnTwips(Fenêtre_->height(), Résolution()) + CadreNominal::Hauteur};
+}
+
+void VueSuiviChargntQt::PlacerFenêtre(const Rectangle& Place) {
+  if (Fenêtre_->isMaximized() || Fenêtre_->isFullScreen() || Fenêtre_->isMinimized()) return;
+  Rectangle Intérieur = Place;
+  Intérieur.Largeur = std::max(0, Place.Largeur - CadreNominal::Largeur);
+  Intérieur.Hauteur = std::max(0, Place.Hauteur - CadreNominal::Hauteur);
+  const QRect Voulue = RamenéeSurÉcran(EnPixels(Intérieur, Résolution()));
+  Fenêtre_->resize(Voulue.size());
+  Fenêtre_->move(Voulue.topLeft());
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,38 @@
+// The transfer window on a screen.
+#pragma once
+
+#include <map>
+#include <span>
+#include <string>
+
+#include "contracts/toolkit.h"
+#include "platform/qt/qt_window.h"
+
+namespace Ombrey {
+
+/// A fixed dialog made from its table of controls.
+class VueChargntDonnéesQt : public IVueChargntDonnées {
+ public:
+  VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesChargntDonnées& Gestes, const std::string& Titre,
+                      const Rectangle& Intérieur, std::span<const DessinContrôle> Dessin);
+
+  void MontrerModale() override;
+  void Cacher() override { Fenêtre_->hide(); }
+  void FixerTitre(const std::string& Titre) override;
+  void Repeindre() override { Fenêtre_->repaint(); }
+  void Activer(bool Active) override;
+  /// These three raise ErreurExécution for a name that no check box bears.
+  [[nodiscard]] bool EstCochée(const std::string& Case) const override;
+  void Cocher(const std::string& Case, bool Cochée) override;
+  void MettreEnGras(const std::string& Case, bool Gras) override;
+
+ private:
+  [[nodiscard]] QWidget* Créer(const DessinContrôle& Dessin);
+  [[nodiscard]] QAbstractButton& LaCase(const std::string& Nom) const;
+
+  IGestesChargntDonnées& Gestes_;
+  TenueFenêtre Fenêtre_;
+  std::map<std::string, QAbstractButton*> Cases_;
+};
+
+}  // namespace Ombrey

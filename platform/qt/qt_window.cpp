@@ -1,0 +1,120 @@
+// What the plug-in's two windows have in common on Qt.
+#include "platform/qt/qt_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QShortcut>
+#include <QStyleOptionButton>
+#include <QStylePainter>
+#include <utility>
+
+namespace Ombrey {
+
+namespace {
+/// Nothing but an event ends a modal wait; the pump comes up for air at this pace.
+constexpr std::chrono::hours PatienceParPompe(1);
+/// Between a button's edge and its text, pixels.
+constexpr int MargeTexte = 3;
+}  // namespace
+
+FenêtreQt::FenêtreQt(Qt::WindowFlags Drapeaux) : QWidget(nullptr, Drapeaux) {
+  setAttribute(Qt::WA_QuitOnClose, false);
+  auto* const Echap = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+  connect(Echap, &QShortcut::activated, this, [this] {
+    if (SurEchap) SurEchap();
+  });
+}
+
+void FenêtreQt::closeEvent(QCloseEvent* Événement) {
+  Événement->ignore();
+  if (SurFermeture) SurFermeture();
+}
+
+void FenêtreQt::resizeEvent(QResizeEvent* Événement) {
+  QWidget::resizeEvent(Événement);
+  if (SurTaille) SurTaille();
+}
+
+bool FenêtreQt::event(QEvent* Événement) {
+  const bool Traité = QWidget::event(Événement);
+  if (Événement->type() == QEvent::WindowActivate && SurActivation) SurActivation();
+  return Traité;
+}
+
+void BoutonQt::paintEvent(QPaintEvent* /*Événement*/) {
+  QStylePainter Peintre(this);
+  QStyleOptionButton Option;
+  initStyleOption(&Option);
+  const QString Libellé = std::exchange(Option.text, QString());
+  Peintre.drawControl(QStyle::CE_PushButton, Option);
+  Peintre.drawItemText(rect().adjusted(MargeTexte, MargeTexte, -MargeTexte, -MargeTexte),
+                       Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic, Option.palette, isEnabled(), Libellé,
+                       QPalette::ButtonText);
+}
+
+namespace {
+void Enterrer(FenêtreQt* Fenêtre) {
+  Fenêtre->SurFermeture = nullptr;
+  Fenêtre->SurEchap = nullptr;
+  Fenêtre->SurActivation = nullptr;
+  Fenêtre->SurTaille = nullptr;
+  Fenêtre->hide();
+  Fenêtre->deleteLater();
+}
+
+bool EnVue(const std::weak_ptr<FenêtreQt>& Fenêtre) {
+  const auto Là = Fenêtre.lock();
+  return Là && Là->isVisible();
+}
+}  // namespace
+
+TenueFenêtre::TenueFenêtre(const ContexteQt& Contexte, Qt::WindowFlags Drapeaux)
+    : Contexte_(Contexte), Fenêtre_(new FenêtreQt(Drapeaux), Enterrer) {
+  Fenêtre_->setWindowModality(Qt::ApplicationModal);
+}
+
+std::function<void()> TenueFenêtre::EnSaisie(std::function<void()> Faire) const {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    Boucle.Poser([Fenêtre, Faire] {
+      if (AccepteSaisie(Fenêtre)) Faire();
+    });
+  };
+}
+
+std::function<void()> TenueFenêtre::EnÉvénement(std::function<void()> Faire) const {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    Boucle.Poser([Fenêtre, Faire] {
+      if (!Fenêtre.expired()) Faire();
+    });
+  };
+}
+
+std::function<void()> TenueFenêtre::SurPlace(std::function<void()> Faire) const {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    if (!Fenêtre.expired()) Boucle.Garder(Faire);
+  };
+}
+
+void TenueFenêtre::MontrerModale() const {
+  if (Fenêtre_->isVisible()) return MettreDevant();
+  const std::weak_ptr<FenêtreQt> Fenêtre = Fenêtre_;
+  const ContexteQt& Contexte = Contexte_;
+  Fenêtre_->show();
+  MettreDevant();
+  while (EnVue(Fenêtre) && !Contexte.EnFin) Contexte.Boucle.Pomper(PatienceParPompe);
+}
+
+void TenueFenêtre::MettreDevant() const {
+  if (Fenêtre_->isMinimized()) Fenêtre_->showNormal();
+  Fenêtre_->raise();
+  Fenêtre_->activateWindow();
+}
+
+bool TenueFenêtre::AccepteSaisie(const std::weak_ptr<FenêtreQt>& Fenêtre) {
+  const auto Là = Fenêtre.lock();
+  if (!Là || !Là->isEnabled() || !Là->isVisible()) return false;
+  const QWidget* const Modale = QApplication::activeModalWidget();
+  return Modale == nullptr || Modale == Là.get();
+}
+
+}  // namespace Ombrey

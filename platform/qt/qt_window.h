@@ -1,0 +1,75 @@
+// What the plug-in's two windows have in common on Qt: their events, their gestures, the wait until they are hidden.
+#pragma once
+
+#include <QPushButton>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "platform/qt/qt_loop.h"
+
+namespace Ombrey {
+
+/// A window that reports what happens to it and never closes by itself.
+class FenêtreQt : public QWidget {
+ public:
+  std::function<void()> SurFermeture;   ///< by its frame
+  std::function<void()> SurEchap;       ///< the Esc key, wherever the focus is
+  std::function<void()> SurActivation;  ///< it became the active window
+  std::function<void()> SurTaille;      ///< shown for the first time, or resized
+
+  explicit FenêtreQt(Qt::WindowFlags Drapeaux);
+
+ protected:
+  void closeEvent(QCloseEvent* Événement) override;
+  void resizeEvent(QResizeEvent* Événement) override;
+  bool event(QEvent* Événement) override;
+};
+
+/// A button whose text breaks into lines where it is too long for one.
+class BoutonQt : public QPushButton {
+ public:
+  using QPushButton::QPushButton;
+
+ protected:
+  void paintEvent(QPaintEvent* Événement) override;
+};
+
+/// What all windows of the station share; outlives them.
+struct ContexteQt {
+  BoucleQt& Boucle;
+  bool EnFin = false;  ///< the station is ending: no window or box holds anybody up any more
+};
+
+/// A window and its way to the loop. Dropping it cuts off every gesture at once; the widget itself goes when Qt has
+/// let go of it.
+class TenueFenêtre {
+ public:
+  TenueFenêtre(const ContexteQt& Contexte, Qt::WindowFlags Drapeaux);
+
+  [[nodiscard]] FenêtreQt& operator*() const { return *Fenêtre_; }
+  [[nodiscard]] FenêtreQt* operator->() const { return Fenêtre_.get(); }
+
+  /// These make a handler that may be called as long as Qt likes. What the operator did runs in the pump, if the
+  /// window then lives, is enabled and not behind a modal one.
+  [[nodiscard]] std::function<void()> EnSaisie(std::function<void()> Faire) const;
+  /// What happened to the window runs in the pump, if the window then lives.
+  [[nodiscard]] std::function<void()> EnÉvénement(std::function<void()> Faire) const;
+  /// Runs at once; what it raises leaves the next pump.
+  [[nodiscard]] std::function<void()> SurPlace(std::function<void()> Faire) const;
+  /// Expires with this object.
+  [[nodiscard]] std::weak_ptr<const void> Vie() const { return Fenêtre_; }
+
+  /// Shows the window modally and runs the loop until it is hidden or dropped, or the station ends. May outlive this
+  /// object. On a window in sight: brings it to the front and returns.
+  void MontrerModale() const;
+  void MettreDevant() const;
+
+ private:
+  [[nodiscard]] static bool AccepteSaisie(const std::weak_ptr<FenêtreQt>& Fenêtre);
+
+  const ContexteQt& Contexte_;
+  std::shared_ptr<FenêtreQt> Fenêtre_;
+};
+
+}  // namespace Ombrey

@@ -1,0 +1,52 @@
+// The windowing toolkit on a screen: boxes, pointer, toolbar pictures, printer and the two windows.
+#pragma once
+
+#include <QIcon>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "contracts/system.h"
+#include "contracts/toolkit.h"
+#include "platform/qt/qt_window.h"
+
+namespace Ombrey {
+
+/// Made after the QApplication. Outlives the views that it makes.
+class FenêtresQt : public IFenêtres {
+ public:
+  /// A printed document without a printer goes to the user's documents, or else to DossierTravail.
+  FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail);
+  FenêtresQt(const FenêtresQt&) = delete;
+  FenêtresQt& operator=(const FenêtresQt&) = delete;
+  ~FenêtresQt() override { FixerSablier(false); }
+
+  RéponseBoîte Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) override;
+  /// A state, not a count: one call with false puts the pointer back. An open box shows the normal pointer.
+  void FixerSablier(bool Sablier) override;
+  void PoserImages(const std::vector<Image>& Tailles) override;
+  [[nodiscard]] std::unique_ptr<IImprimante> OuvrirImprimante() override;
+  [[nodiscard]] std::unique_ptr<IVueSuiviChargnt> CréerVueSuivi(IGestesSuivi& Gestes, const std::string& Légende,
+                                                                const Rectangle& Intérieur,
+                                                                std::span<const DessinContrôleSuivi> Dessin) override;
+  [[nodiscard]] std::unique_ptr<IVueChargntDonnées> CréerVueChargntDonnées(
+      IGestesChargntDonnées& Gestes, const std::string& Titre, const Rectangle& Intérieur,
+      std::span<const DessinContrôle> Dessin) override;
+
+  /// The station is ending: open boxes answer themselves, and so do later ones; no window holds anybody up any more.
+  void Finir() { Contexte_.EnFin = true; }
+  [[nodiscard]] const ContexteQt& Contexte() const { return Contexte_; }
+  /// The pictures put on the clipboard last, for a toolbar.
+  [[nodiscard]] const QIcon& DernièreImage() const { return Image_; }
+
+ private:
+  ContexteQt Contexte_;
+  std::filesystem::path DossierTravail_;
+  bool Sablier_ = false;
+  QIcon Image_;
+};
+
+}  // namespace Ombrey
