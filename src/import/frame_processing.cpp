@@ -101,7 +101,7 @@ std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
   std::string Part =
       Lire(Enregistrement, PositionFixe::PartEntière) + "." + Lire(Enregistrement, PositionFixe::PartDécimale);
   std::string Groupe = Lire(Enregistrement, PositionFixe::Groupe);
-  const std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
+  std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
   if (Code.empty() && !État_.Abandon) {
     const std::string Texte = "Code exploitation introuvable : /" + Lire(Enregistrement, FinPropriétaire) + "/" +
                               Lire(Enregistrement, FinRécoltant) + "/" + Part + "/" + Groupe;
