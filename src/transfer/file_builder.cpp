@@ -74,10 +74,11 @@ class Construction {
     }
   }
 
-  /// From left to right: a number too wide for its field is covered by the next field, so its leftmost digits stay.
+  /// A number too wide for its field keeps its leftmost digits.
   void EcrireChamps(const IRecordset& Source, std::span<const ChampEnregistrement> Champs, std::size_t Début) {
     for (const auto& Champ : Champs) {
-      Fichier_.Recouvrir(Début + Champ.Décalage, Champ.Encoder(Source.Fields(Champ.Colonne), Champ.Largeur, Formes_));
+      const Octets Encodé = Champ.Encoder(Source.Fields(Champ.Colonne), Champ.Largeur, Formes_);
+      Fichier_.Recouvrir(Début + Champ.Décalage, Encodé.Extrait(0, Champ.Largeur));
     }
   }
 
