@@ -73,7 +73,9 @@ std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::
   if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
   if (Commande.Quand == Moment::HorsBoîte) return "";
   const VueChargntConsole* Vue = Fenêtres_.VueChargnt();
-  if (Vue == nullptr || !Vue->EstVisible()) return "la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.";
+  const bool Ouverte = Vue != nullptr && Vue->EstVisible();
+  if (Commande.Quand == Moment::HorsDialogue) return Ouverte ? "fermez d'abord la fenêtre de transfert." : "";
+  if (!Ouverte) return "la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.";
   return Vue->EstActive() ? "" : "un transfert est en cours.";
 }
 
@@ -111,9 +113,10 @@ void CommandesConsole::AjouterRéponse(const char* Nom, const char* Aide, Répon
 }
 
 void CommandesConsole::AjouterSuivi() {
-  AjouterGeste("interroger", "interroge le RG80 maintenant", &IGestesSuivi::BtnInterroger_Click);
-  AjouterGeste("quotas", "renvoie au RG80 les quotas du dernier chargement", &IGestesSuivi::BtnForcerCumulsRG80_Click);
-  AjouterGeste("masquer", "masque la fenêtre des chargements", &IGestesSuivi::BtnMasquer_Click);
+  AjouterGeste("interroger", "interroge le RG80 maintenant", Moment::HorsDialogue, &IGestesSuivi::BtnInterroger_Click);
+  AjouterGeste("quotas", "renvoie au RG80 les quotas du dernier chargement", Moment::HorsDialogue,
+               &IGestesSuivi::BtnForcerCumulsRG80_Click);
+  AjouterGeste("masquer", "masque la fenêtre des chargements", Moment::HorsBoîte, &IGestesSuivi::BtnMasquer_Click);
   Ajouter({"liste", "", "les chargements du jour", Moment::EntreDeux, [this](const std::string&) { Lister(); }});
   AjouterListe("messages", "la liste des messages", Onglet::Suivis);
   AjouterListe("erreurs", "la liste des erreurs", Onglet::Erreurs);
@@ -121,9 +124,9 @@ void CommandesConsole::AjouterSuivi() {
            [this](const std::string& Fichier) { Imprimer(Fichier); }});
 }
 
-void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, void (IGestesSuivi::*Geste)()) {
+void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)()) {
   Ajouter(
-      {Nom, "", Aide, Moment::HorsBoîte, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
+      {Nom, "", Aide, Quand, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
 }
 
 void CommandesConsole::AjouterTransfert() {

@@ -13,10 +13,11 @@ namespace Ombrey {
 /// When a command may run. One that isn't for every moment also waits until the one before it has ended or has come
 /// to wait for the operator: so a prepared list of commands can be piped in.
 enum class Moment {
-  Toujours,     ///< even while another command is busy
-  EntreDeux,    ///< also while a box is open
-  HorsBoîte,    ///< an open box must be answered first
-  EnTransfert,  ///< as HorsBoîte, and the transfer window must be open and idle
+  Toujours,      ///< even while another command is busy
+  EntreDeux,     ///< also while a box is open
+  HorsBoîte,     ///< an open box must be answered first
+  HorsDialogue,  ///< as HorsBoîte, and an open transfer window must be closed first
+  EnTransfert,   ///< as HorsBoîte, and the transfer window must be open and idle
 };
 
 struct CommandeConsole {
@@ -51,7 +52,7 @@ class CommandesConsole {
   void AjouterRéponse(const char* Nom, const char* Aide, RéponseBoîte Réponse);
   void AjouterSuivi();
   void AjouterTransfert();
-  void AjouterGeste(const char* Nom, const char* Aide, void (IGestesSuivi::*Geste)());
+  void AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)());
   void AjouterCase(const char* Nom, const char* Aide, bool Cochée);
   void AjouterListe(const char* Nom, const char* Aide, Onglet Liste);
   void Lister();

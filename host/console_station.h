@@ -1,0 +1,47 @@
+// The station without a screen: lines out, commands in.
+#pragma once
+
+#include <optional>
+#include <string>
+
+#include "host/edition.h"
+#include "host/options.h"
+#include "platform/console/commands.h"
+#include "platform/console/input.h"
+#include "platform/console/output.h"
+#include "platform/console/port_questions.h"
+#include "platform/console/windows.h"
+#include "platform/loop/poll_loop.h"
+
+namespace Tarvel {
+
+class ÉditionConsole final : public IÉdition {
+ public:
+  /// The descriptors stay their owner's.
+  ÉditionConsole(const Options& Choisies, int Entrée, int Sortie);
+
+  [[nodiscard]] Ombrey::IBoucle& Boucle() override { return Boucle_; }
+  [[nodiscard]] Ombrey::IFenêtres& Fenêtres() override { return Fenêtres_; }
+  [[nodiscard]] Ombrey::IQuestionnairePort& Questionnaire() override { return Questions_; }
+  /// Beside the file of the real windows, whose places a console has no right to overwrite.
+  [[nodiscard]] std::filesystem::path FichierRéglages() const override;
+  void Raccorder(IGestesStation& Gestes) override;
+  void OffrirBouton(const std::string& Infobulle) override;
+  void OffrirMenu(const std::string& Texte) override;
+  void Dire(const std::string& Texte) override { Sortie_.Ligne("hôte : " + Texte); }
+  void Finir() override { Fenêtres_.Finir(); }
+
+ private:
+  [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
+
+  bool FinAvecEntrée_;
+  IGestesStation* Gestes_ = nullptr;
+  Ombrey::BouclePoll Boucle_;
+  Ombrey::SortieConsole Sortie_;
+  Ombrey::FenêtresConsole Fenêtres_;
+  Ombrey::CommandesConsole Commandes_;
+  Ombrey::QuestionsPort Questions_;
+  Ombrey::EntréeConsole Entrée_;
+};
+
+}  // namespace Tarvel

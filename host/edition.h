@@ -1,0 +1,45 @@
+// The seam between the station and what it looks like: a console, or windows.
+#pragma once
+
+#include <filesystem>
+#include <string>
+
+#include "contracts/toolkit.h"
+#include "platform/loop/loop.h"
+#include "platform/serial/port_settings.h"
+
+namespace Tarvel {
+
+/// What the operator asks of the station. None of these raises anything.
+class IGestesStation {
+ public:
+  virtual ~IGestesStation() = default;
+  virtual void Bouton() = 0;  ///< the plug-in's toolbar button
+  virtual void Menu() = 0;    ///< the plug-in's menu entry
+  virtual void Configurer() = 0;
+  /// Ends the station, from any depth of waiting: the plug-in ends at once, and whatever waits comes back.
+  virtual void Finir() = 0;
+};
+
+/// One way for the station to appear. Outlives the station and its plug-in.
+class IÉdition {
+ public:
+  virtual ~IÉdition() = default;
+  [[nodiscard]] virtual Ombrey::IBoucle& Boucle() = 0;
+  [[nodiscard]] virtual Ombrey::IFenêtres& Fenêtres() = 0;
+  [[nodiscard]] virtual Ombrey::IQuestionnairePort& Questionnaire() = 0;
+  /// Where the places and widths of its windows are kept.
+  [[nodiscard]] virtual std::filesystem::path FichierRéglages() const = 0;
+  /// From now on the operator's gestures reach the station. Called once, ahead of the first pump.
+  virtual void Raccorder(IGestesStation& Gestes) = 0;
+  /// The plug-in took the toolbar button: its picture stands on the clipboard.
+  virtual void OffrirBouton(const std::string& Infobulle) = 0;
+  /// The plug-in took the menu entry; "&" stands ahead of the mnemonic letter.
+  virtual void OffrirMenu(const std::string& Texte) = 0;
+  /// Shows what the host was told, or what went wrong in it.
+  virtual void Dire(const std::string& Texte) = 0;
+  /// The station is ending: boxes and questions answer themselves, and windows hold nobody up.
+  virtual void Finir() = 0;
+};
+
+}  // namespace Tarvel

@@ -1,0 +1,50 @@
+// Finds a plug-in's library and makes the plug-in.
+#include "host/plugin_loader.h"
+
+#include <dlfcn.h>
+
+#include <string>
+#include <system_error>
+
+#include "common/failures.h"
+#include "common/files.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ErreurExécution;
+
+/// The loader's own words on what went wrong last.
+std::string MotifChargement() {
+  const char* Motif = dlerror();
+  return Motif == nullptr ? "" : std::string(" (") + Motif + ")";
+}
+
+}  // namespace
+
+std::filesystem::path GreffonHabituel() {
+  std::error_code Erreur;
+  const std::filesystem::path Programme = std::filesystem::read_symlink("/proc/self/exe", Erreur);
+  return Programme.parent_path() / "PlgInOmbrey.so";
+}
+
+std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::path& Fichier,
+                                                      Ombrey::IPlateforme& Plateforme) {
+  const std::string Nom = "Le greffon «" + Ombrey::TexteChemin(Fichier) + "»";
+  std::error_code Erreur;
+  if (!std::filesystem::is_regular_file(Fichier, Erreur)) throw ErreurExécution(Nom + " est introuvable.");
+  // A bare name would be looked for in the system's folders.
+  const std::filesystem::path Chemin = std::filesystem::absolute(Fichier);
+  void* Bibliothèque = dlopen(Chemin.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  if (Bibliothèque == nullptr) throw ErreurExécution(Nom + " ne se charge pas." + MotifChargement());
+  const auto Fabrique = reinterpret_cast<Ombrey::FabriquePlugIn>(dlsym(Bibliothèque, Ombrey::NomFabrique));
+  if (Fabrique == nullptr) {
+    throw ErreurExécution(Nom + " n'est pas un greffon de Tarvel : il n'offre pas " + Ombrey::NomFabrique + ".");
+  }
+  std::shared_ptr<Ombrey::IPlugInTarvel> PlugIn;
+  Fabrique(Plateforme, PlugIn);
+  if (!PlugIn) throw ErreurExécution(Nom + " n'a rien créé.");
+  return PlugIn;
+}
+
+}  // namespace Tarvel

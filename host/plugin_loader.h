@@ -1,0 +1,21 @@
+// Finds a plug-in's library and makes the plug-in.
+#pragma once
+
+#include <filesystem>
+#include <memory>
+
+#include "contracts/host.h"
+#include "contracts/platform.h"
+
+namespace Tarvel {
+
+/// The plug-in's library where it stands unless the command line says otherwise: beside the program.
+[[nodiscard]] std::filesystem::path GreffonHabituel();
+
+/// Loads the library and has it make a plug-in that works on Plateforme, which must outlive it. The library stays
+/// loaded to the program's end: whatever the plug-in handed out may be dropped at any time. Raises ErreurExécution
+/// when there is no such file, it can't be loaded, or it is no plug-in.
+[[nodiscard]] std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::path& Fichier,
+                                                                    Ombrey::IPlateforme& Plateforme);
+
+}  // namespace Tarvel

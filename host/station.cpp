@@ -1,0 +1,115 @@
+// The station: drives the plug-in by the host's rules, and ends it properly.
+#include "host/station.h"
+
+#include <chrono>
+#include <exception>
+#include <functional>
+#include <thread>
+#include <utility>
+
+#include "common/files.h"
+#include "host/plugin_loader.h"
+#include "platform/loop/signals.h"
+#include "platform/system/machine_platform.h"
+
+namespace Tarvel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr std::uint8_t NumBouton = 1;
+constexpr std::uint8_t NumMenu = 1;
+constexpr auto AttenteParPompe = 1h;
+/// Between two tries of a loop that fails by itself, so that it can't eat the machine.
+constexpr auto RepitAprèsPanne = 100ms;
+
+class ÉchoHôte final : public Ombrey::IEventPlugin {
+ public:
+  explicit ÉchoHôte(IÉdition& Édition) : Édition_(Édition) {}
+  void Signaler(const std::string& Texte) override { Édition_.Dire(Texte); }
+
+ private:
+  IÉdition& Édition_;
+};
+
+}  // namespace
+
+Station::Station(const Options& Choisies, IÉdition& Édition)
+    : Options_(Choisies),
+      Édition_(Édition),
+      Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
+
+void Station::Exécuter(std::shared_ptr<Ombrey::IBaseDeD> Base) {
+  Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), &Édition_.Questionnaire(), Options_.Dossier,
+                                       Édition_.FichierRéglages());
+  const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
+  PlugIn_ = ChargerGreffon(Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon, Plateforme);
+  const Ombrey::IBoucle::Jeton Échéance =
+      Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
+  Édition_.Raccorder(*this);
+  Démarrer(std::move(Base));
+  while (!EnFin_) Pomper();
+  PlugIn_.reset();
+}
+
+void Station::Démarrer(std::shared_ptr<Ombrey::IBaseDeD> Base) {
+  Tenter([&] {
+    PlugIn_->IPlugInTarvel_FixerFichierTarvelIni(Ombrey::TexteChemin(Options_.Ini));
+    PlugIn_->IPlugInTarvel_FixerBaseDeD(std::move(Base));
+    const std::string Raison = PlugIn_->IPlugInTarvel_Initialiser(std::make_shared<ÉchoHôte>(Édition_));
+    if (!Raison.empty()) Édition_.Dire("Le greffon n'est pas initialisé. " + Raison);
+  });
+  // A failed start leaves a plug-in that the operator can still configure, and that polls.
+  Tenter([this] {
+    std::int16_t Style = 0;
+    std::string Texte;
+    if (PlugIn_->IPlugInTarvel_AjouterBouton(NumBouton, Style, Texte)) Édition_.OffrirBouton(Texte);
+    if (PlugIn_->IPlugInTarvel_AjouterMenu(NumMenu, Texte)) Édition_.OffrirMenu(Texte);
+    PlugIn_->IPlugInTarvel_Afficher();
+  });
+}
+
+void Station::Bouton() {
+  Tenter([this] { PlugIn_->IPlugInTarvel_BoutonBarreOutilsAppelé(NumBouton, ""); });
+}
+
+void Station::Menu() {
+  Tenter([this] { PlugIn_->IPlugInTarvel_MenuAppelé(NumMenu, ""); });
+}
+
+void Station::Configurer() {
+  Tenter([this] { PlugIn_->IPlugInTarvel_Configurer(); });
+}
+
+void Station::Finir() {
+  if (EnFin_) return;
+  EnFin_ = true;
+  Édition_.Finir();
+  try {
+    PlugIn_->IPlugInTarvel_Terminer();
+  } catch (const std::exception& Erreur) {
+    Édition_.Dire(Erreur.what());
+  }
+}
+
+/// Calls the plug-in for the operator. Its failure is the operator's to know and nobody else's.
+template <class Appel>
+void Station::Tenter(Appel Faire) {
+  if (EnFin_) return;
+  try {
+    Faire();
+  } catch (const std::exception& Erreur) {
+    Édition_.Dire(std::string("Le greffon a échoué : ") + Erreur.what());
+  }
+}
+
+void Station::Pomper() {
+  try {
+    Boucle_.Pomper(AttenteParPompe);
+  } catch (const std::exception& Erreur) {
+    Édition_.Dire(Erreur.what());
+    std::this_thread::sleep_for(RepitAprèsPanne);
+  }
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,44 @@
+// The station: drives the plug-in by the host's rules, and ends it properly.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "contracts/host.h"
+#include "host/edition.h"
+#include "host/guarded_loop.h"
+#include "host/options.h"
+
+namespace Tarvel {
+
+class Station final : public IGestesStation {
+ public:
+  /// Both outlive the station.
+  Station(const Options& Choisies, IÉdition& Édition);
+  Station(const Station&) = delete;
+  Station& operator=(const Station&) = delete;
+  ~Station() override = default;
+
+  /// Runs on the open database until the operator, a signal or the time limit ends it. Once. Raises ErreurExécution
+  /// when the work can't begin: no working folder, no plug-in.
+  void Exécuter(std::shared_ptr<Ombrey::IBaseDeD> Base);
+
+  void Bouton() override;
+  void Menu() override;
+  void Configurer() override;
+  void Finir() override;
+
+ private:
+  void Démarrer(std::shared_ptr<Ombrey::IBaseDeD> Base);
+  void Pomper();
+  template <class Appel>
+  void Tenter(Appel Faire);
+
+  const Options& Options_;
+  IÉdition& Édition_;
+  BoucleGardée Boucle_;
+  std::shared_ptr<Ombrey::IPlugInTarvel> PlugIn_;
+  bool EnFin_ = false;
+};
+
+}  // namespace Tarvel
