@@ -1,0 +1,240 @@
+// The host's database object on the cooperative's SQLite file.
+#include "host/cooperative_database.h"
+
+#include <array>
+#include <exception>
+#include <iostream>
+#include <utility>
+
+#include "common/failures.h"
+#include "common/files.h"
+#include "common/regional_forms.h"
+#include "common/text_helpers.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ConnexionSqlite;
+using Ombrey::ErreurExécution;
+using Ombrey::EstNull;
+using Ombrey::ValeurChamp;
+
+constexpr const char* DossierImport = "import";
+constexpr const char* NomFichierImport = "import.txt";
+constexpr std::int64_t CodeLePlusHaut = 999'999;  // six digits at the terminal
+constexpr double PartLaPlusHaute = 999.9999;      // three digits and four decimals at the terminal
+
+constexpr const char* CoopérateurParCode =
+    "SELECT IdCoopérateur FROM Coopérateur WHERE CAST(IdCoopérateur AS INTEGER) = ?1";
+constexpr const char* GroupeParCode = "SELECT IdGrp FROM Groupement WHERE CAST(IdGrp AS INTEGER) = ?1";
+
+std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
+
+struct TexteErreur {
+  ErreurBase Erreur;
+  const char* Texte;
+};
+
+constexpr std::array<TexteErreur, 6> Textes = {{
+    {ErreurBase::CodeInvalide, "le code n'est pas un nombre de six chiffres au plus"},
+    {ErreurBase::CodeExistant, "ce code existe déjà"},
+    {ErreurBase::CoopérateurInconnu, "le propriétaire ou le récoltant est inconnu"},
+    {ErreurBase::PartInvalide, "la part n'est pas un nombre entre 0 et 999,9999"},
+    {ErreurBase::CodesEpuisés, "il n'y a plus de code d'exploitation libre"},
+    {ErreurBase::Echec, "échec de la base de données"},
+}};
+
+}  // namespace
+
+std::string KVSynchroTarvel::CodeSiteCourant() {
+  return TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'"));
+}
+
+void KVSynchroTarvel::Mémoriser() {
+  const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(IdChargement) FROM Chargement");
+  if (const auto* Id = std::get_if<std::int64_t>(&Dernier)) DernierConnu_ = *Id;
+}
+
+void KVSynchroTarvel::AnnoncerNouveautés() {
+  std::vector<std::string> Sites;
+  Ombrey::Instruction Requête =
+      Connexion_->Préparer("SELECT DISTINCT CodeSite FROM Chargement WHERE IdChargement > ?1 AND CodeSite <> ?2");
+  Requête.Lier({DernierConnu_, CodeSiteCourant()});
+  while (Requête.Avancer()) Sites.push_back(TexteDe(Requête.Valeur(0)));
+  Mémoriser();
+  for (const std::string& Site : Sites)
+    if (Écouteur_) Écouteur_->KVSynchro_DonnéesImportées(Site);
+}
+
+EtatBdDTarvel::EtatBdDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+                             std::shared_ptr<Ombrey::IKVSynchro> KVSynchro)
+    : Connexion_(std::move(Connexion)),
+      Système_(Système),
+      KVSynchro_(std::move(KVSynchro)),
+      Moteur_(*Connexion_, Système) {}
+
+bool EtatBdDTarvel::TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) {
+  DernièreErreur_.clear();
+  Drapeau = false;
+  std::vector<ChargementImporté> Importés;
+  try {
+    Importés = Moteur_.Importer(Titre, Fichier);
+    Drapeau = true;
+  } catch (const ErreurContenu& Erreur) {
+    DernièreErreur_ = Erreur.what();
+    Drapeau = true;
+  } catch (const std::exception& Erreur) {
+    DernièreErreur_ = Erreur.what();
+  }
+  for (const ChargementImporté& Chargement : Importés) {
+    // The load is on the disk: what a listener meets afterwards is no failure of the import.
+    Ombrey::ErreurEnAttente DeLÉcouteur;
+    if (!Ignorer(DeLÉcouteur, [&] { Annoncer(Chargement); }))
+      std::cerr << "tarvel : annonce d'un chargement importé : " << DeLÉcouteur.Texte() << std::endl;
+  }
+  return Drapeau;
+}
+
+void EtatBdDTarvel::Annoncer(const ChargementImporté& Chargement) {
+  if (!Écouteur_) return;
+  Ombrey::Instruction Requête = Connexion_->Préparer("SELECT * FROM Chargement WHERE IdChargement = ?1");
+  Requête.Lier({Chargement.IdChargement});
+  const auto Ligne = Instantané(std::move(Requête));
+  if (Chargement.EstNouveau)
+    Écouteur_->EtatBdD_EnregistrementImporté(TableChargements, *Ligne);
+  else
+    Écouteur_->EtatBdD_EnregistrementMisAJour(TableChargements, *Ligne);
+}
+
+std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::string& Nom) {
+  const std::filesystem::path Chemin = Système_.CheminApplication() / DossierImport;
+  Ombrey::CréerDossier(Chemin);
+  Dossier = Ombrey::TexteChemin(Chemin / "");
+  Nom = NomFichierImport;
+  return Dossier + Nom;
+}
+
+BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système)
+    : Connexion_(std::move(Connexion)),
+      Système_(Système),
+      KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_)),
+      EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_)),
+      BaseDAO_(std::make_shared<Ombrey::BaseSqlite>(Connexion_)),
+      Figures_(*Connexion_, Système) {}
+
+void BaseDeDTarvel::ActiverBase(bool& Drapeau) {
+  KVSynchro_->Mémoriser();
+  Drapeau = true;
+}
+
+void BaseDeDTarvel::Actualiser() { KVSynchro_->AnnoncerNouveautés(); }
+
+std::string BaseDeDTarvel::ListeCépages(std::optional<std::string> Filtre, std::string& Sélection, bool PremierSeul) {
+  Ombrey::Instruction Requête = Connexion_->Préparer(
+      "SELECT Désignation FROM Cépage WHERE Sélection = ?1 AND substr(Désignation, 1, length(?2)) = ?2 ORDER BY Rang");
+  Requête.Lier({Sélection, Filtre.value_or("")});
+  std::string Liste;
+  while (Requête.Avancer()) {
+    if (!Liste.empty()) Liste += '\r';
+    Liste += TexteDe(Requête.Valeur(0));
+    if (PremierSeul) break;
+  }
+  return Liste;
+}
+
+template <class Création>
+std::int16_t BaseDeDTarvel::Créer(Création&& Faire) {
+  ErreurBase Résultat = ErreurBase::Echec;
+  try {
+    Ombrey::Transaction Tout(*Connexion_);
+    Résultat = Faire();
+    if (Résultat == ErreurBase::Aucune) Tout.Valider();
+  } catch (const ErreurExécution& Erreur) {
+    DernierEchec_ = Erreur.what();
+    Résultat = ErreurBase::Echec;
+  }
+  return static_cast<std::int16_t>(Résultat);
+}
+
+std::optional<std::int64_t> BaseDeDTarvel::CodeNumérique(const std::string& Texte) const {
+  const Ombrey::Régional Formes = Système_.FormesRégionales();
+  if (!EstNumérique(Texte, Formes)) return std::nullopt;
+  const double Code = EnRéel(Texte, Formes);
+  if (Code < 0 || Code > CodeLePlusHaut) return std::nullopt;
+  return Ombrey::ArrondirEntier32(Code);
+}
+
+ValeurChamp BaseDeDTarvel::CodeEcrit(const char* Sql, const std::string& Code) const {
+  const auto Nombre = CodeNumérique(Code);
+  return Nombre ? Connexion_->Lire(Sql, {*Nombre}) : ValeurChamp{};
+}
+
+std::int16_t BaseDeDTarvel::AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) {
+  return Créer([&] {
+    const auto Code = CodeNumérique(Nouveau.IdCoopérateur);
+    if (!Code) return ErreurBase::CodeInvalide;
+    if (!EstNull(CodeEcrit(CoopérateurParCode, Nouveau.IdCoopérateur))) return ErreurBase::CodeExistant;
+    const auto Création = Ombrey::LireDate(Nouveau.Horodatage);
+    Connexion_->Exécuter(
+        "INSERT INTO Coopérateur (IdCoopérateur, Nom, Prénom, DateCréation) VALUES (?1, ?2, '', ?3)",
+        {std::to_string(*Code), Nouveau.Nom, Création ? ValeurChamp{NuméroDeJour(*Création)} : ValeurChamp{}});
+    return ErreurBase::Aucune;
+  });
+}
+
+std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant,
+                                            std::string& Code, const std::string& Part, const std::string& Groupe,
+                                            const std::string& Badge) {
+  std::string Nouveau;
+  const std::int16_t Résultat = Créer([&] {
+    const Ombrey::Régional Formes = Système_.FormesRégionales();
+    std::string TextePart = Part;
+    if (!NormaliserNombre(TextePart, Formes)) return ErreurBase::PartInvalide;
+    const double NombrePart = EnRéel(TextePart, Formes);
+    if (NombrePart < 0 || NombrePart > PartLaPlusHaute) return ErreurBase::PartInvalide;
+    const ValeurChamp CodePropriétaire = CodeEcrit(CoopérateurParCode, Propriétaire);
+    const ValeurChamp CodeRécoltant = CodeEcrit(CoopérateurParCode, Récoltant);
+    if (EstNull(CodePropriétaire) || EstNull(CodeRécoltant)) return ErreurBase::CoopérateurInconnu;
+    const auto NombreBadge = CodeNumérique(Badge);
+
+    const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(CAST(IdMétayage AS INTEGER)) FROM Métayage");
+    const std::int64_t Suivant = EstNull(Dernier) ? 1 : std::get<std::int64_t>(Dernier) + 1;
+    if (Suivant > CodeLePlusHaut) return ErreurBase::CodesEpuisés;
+    Nouveau = std::to_string(Suivant);
+    Connexion_->Exécuter(
+        "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp)"
+        " VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
+        {Nouveau, CodePropriétaire, CodeRécoltant, NombrePart, NombreBadge ? ValeurChamp{*NombreBadge} : ValeurChamp{},
+         CodeEcrit(GroupeParCode, Groupe)});
+    return ErreurBase::Aucune;
+  });
+  if (Résultat == static_cast<std::int16_t>(ErreurBase::Aucune)) Code = Nouveau;
+  return Résultat;
+}
+
+std::string BaseDeDTarvel::TexteErreurBase(std::int16_t Erreur) {
+  for (const TexteErreur& T : Textes) {
+    if (static_cast<std::int16_t>(T.Erreur) != Erreur) continue;
+    return T.Erreur == ErreurBase::Echec ? T.Texte + std::string(" : ") + DernierEchec_ : T.Texte;
+  }
+  return Erreur < 0 ? "erreur inconnue n° " + std::to_string(Erreur) : "";
+}
+
+std::int32_t BaseDeDTarvel::CalculerRestantExploit(std::string& IdMétayage, std::string& Cépage, std::string& Sélection,
+                                                   std::string& Qualité, std::optional<double> Du,
+                                                   std::optional<double> Au) {
+  return Figures_.RestantExploit({"", IdMétayage, Cépage, Sélection, Qualité, Du, Au});
+}
+
+std::int32_t BaseDeDTarvel::CalculerCumulGroupe(std::string Groupe, std::string Métayage, std::string Cépage,
+                                                std::string Sélection) {
+  return Figures_.CumulGroupe({Groupe, Métayage, Cépage, Sélection, "", std::nullopt, std::nullopt});
+}
+
+std::int32_t BaseDeDTarvel::CalculerRestantGroupe(std::string& Groupe, std::string& Cépage, std::string& Sélection,
+                                                  std::string& Qualité, std::optional<double> Jour,
+                                                  std::optional<double> Au) {
+  return Figures_.RestantGroupe({Groupe, "", Cépage, Sélection, Qualité, Jour, Au});
+}
+
+}  // namespace Tarvel

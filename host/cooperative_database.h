@@ -1,0 +1,120 @@
+// The host's database object on the cooperative's SQLite file.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "contracts/host.h"
+#include "contracts/system.h"
+#include "host/figures.h"
+#include "host/import_engine.h"
+#include "platform/database/sqlite_engine.h"
+
+namespace Tarvel {
+
+/// Why a creation failed; TexteErreurBase words it.
+enum class ErreurBase : std::int16_t {
+  Aucune = 0,
+  CodeInvalide = -1,
+  CodeExistant = -2,
+  CoopérateurInconnu = -3,
+  PartInvalide = -4,
+  CodesEpuisés = -5,
+  Echec = -6,  ///< the database refused; the text carries its reason
+};
+
+class KVSynchroTarvel : public Ombrey::IKVSynchro {
+ public:
+  explicit KVSynchroTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion) : Connexion_(std::move(Connexion)) {}
+  /// The setting "CodeSite" of the table Paramètre.
+  [[nodiscard]] std::string CodeSiteCourant() override;
+  void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
+
+  /// Loads that are there now aren't news any more.
+  void Mémoriser();
+  /// Tells the listener of the other sites whose loads have come into the database since the last call.
+  void AnnoncerNouveautés();
+
+ private:
+  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  Ombrey::IÉcouteurKVSynchro* Écouteur_ = nullptr;
+  std::int64_t DernierConnu_ = 0;
+};
+
+class EtatBdDTarvel : public Ombrey::IEtatBdD {
+ public:
+  EtatBdDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+                std::shared_ptr<Ombrey::IKVSynchro> KVSynchro);
+  [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
+  [[nodiscard]] std::string DernièreErreur() override { return DernièreErreur_; }
+  /// A value that can't be used gives true with an error text: the file was dealt with, and nothing of it is in the
+  /// database. All other failures give false, with their text. Drapeau comes back as the result.
+  bool TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) override;
+  /// Dossier is the folder "import" of the working folder, created for its owner alone. The result is the path of both.
+  std::string ObtenirFichierImport(std::string& Dossier, std::string& Nom) override;
+  void Connecter(Ombrey::IÉcouteurEtatBdD* Écouteur) override { Écouteur_ = Écouteur; }
+
+ private:
+  void Annoncer(const ChargementImporté& Chargement);
+
+  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  Ombrey::ISystème& Système_;
+  std::shared_ptr<Ombrey::IKVSynchro> KVSynchro_;
+  MoteurImport Moteur_;
+  Ombrey::IÉcouteurEtatBdD* Écouteur_ = nullptr;
+  std::string DernièreErreur_;
+};
+
+/// Works on an open connection; Système must outlive it.
+class BaseDeDTarvel : public Ombrey::IBaseDeD {
+ public:
+  BaseDeDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système);
+
+  [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
+  [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
+  [[nodiscard]] std::shared_ptr<Ombrey::IDatabase> BaseDAO() override { return BaseDAO_; }
+  /// From here on, loads of other sites are news. Drapeau becomes true.
+  void ActiverBase(bool& Drapeau) override;
+  /// Announces loads of other sites that came in meanwhile.
+  void Actualiser() override;
+
+  /// Varieties of the appellation in the order of their rank, only the first when PremierSeul is set. Filtre, when it
+  /// is there, is how a name must begin.
+  [[nodiscard]] std::string ListeCépages(std::optional<std::string> Filtre, std::string& Sélection,
+                                         bool PremierSeul) override;
+
+  std::int16_t AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) override;
+  /// The new code is the highest so far and one more. Both members must exist, and are written as their own rows write
+  /// them, so that the tables join; so is the group, and one that doesn't exist is left out. Part is a percentage.
+  std::int16_t AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant, std::string& Code,
+                               const std::string& Part, const std::string& Groupe, const std::string& Badge) override;
+  [[nodiscard]] std::string TexteErreurBase(std::int16_t Erreur) override;
+
+  [[nodiscard]] std::int32_t CalculerRestantExploit(std::string& IdMétayage, std::string& Cépage,
+                                                    std::string& Sélection, std::string& Qualité,
+                                                    std::optional<double> Du, std::optional<double> Au) override;
+  [[nodiscard]] std::int32_t CalculerCumulGroupe(std::string Groupe, std::string Métayage, std::string Cépage,
+                                                 std::string Sélection) override;
+  [[nodiscard]] std::int32_t CalculerRestantGroupe(std::string& Groupe, std::string& Cépage, std::string& Sélection,
+                                                   std::string& Qualité, std::optional<double> Jour,
+                                                   std::optional<double> Au) override;
+
+ private:
+  template <class Création>
+  std::int16_t Créer(Création&& Faire);
+  [[nodiscard]] std::optional<std::int64_t> CodeNumérique(const std::string& Texte) const;
+  /// Code as its own row writes it; Null when there is no such row.
+  [[nodiscard]] Ombrey::ValeurChamp CodeEcrit(const char* Sql, const std::string& Code) const;
+
+  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  Ombrey::ISystème& Système_;
+  std::shared_ptr<KVSynchroTarvel> KVSynchro_;
+  std::shared_ptr<EtatBdDTarvel> EtatBdD_;
+  std::shared_ptr<Ombrey::BaseSqlite> BaseDAO_;
+  Figures Figures_;
+  std::string DernierEchec_;
+};
+
+}  // namespace Tarvel

@@ -1,0 +1,53 @@
+// The running figures: what a holding or a group has brought in, and what it may still bring.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "contracts/system.h"
+#include "platform/database/sqlite_connection.h"
+
+namespace Tarvel {
+
+/// The figure that says that there is no quota.
+inline constexpr std::int32_t SansQuota = 999999;
+
+/// Which loads count. An empty text or a missing day doesn't narrow the choice. Days are numbers since 1899-12-30, both
+/// included.
+struct FiltreChargements {
+  std::string Groupe;
+  std::string Métayage;
+  std::string Cépage;
+  std::string Sélection;
+  std::string Qualité;
+  std::optional<double> Du;
+  std::optional<double> Au;
+};
+
+/// Figures in kilograms, rounded to whole numbers and kept within 32 bits. All sites count, and loads whose number
+/// another load has taken over do so too. Where no period is given, it is the season: the present calendar year.
+class Figures {
+ public:
+  Figures(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système)
+      : Connexion_(Connexion), Système_(Système) {}
+
+  /// Weight of the group's loads; 0 without a group.
+  [[nodiscard]] std::int32_t CumulGroupe(FiltreChargements Filtre) const;
+  /// The holding's quota, which is surface × quota by surface of the appellation × share in percent, less what it has
+  /// brought in. Negative once it is exceeded.
+  [[nodiscard]] std::int32_t RestantExploit(FiltreChargements Filtre) const;
+  /// The group's quota of the day for the appellation, less what it has brought in on that day; today when no day is
+  /// given. Negative once it is exceeded.
+  [[nodiscard]] std::int32_t RestantGroupe(FiltreChargements Filtre) const;
+
+ private:
+  [[nodiscard]] double Masse(const FiltreChargements& Filtre) const;
+  void BornerALaSaison(FiltreChargements& Filtre) const;
+
+  Ombrey::ConnexionSqlite& Connexion_;
+  const Ombrey::ISystème& Système_;
+};
+
+}  // namespace Tarvel

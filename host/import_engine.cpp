@@ -1,0 +1,136 @@
+// From an import file to rows of the table of loads.
+#include "host/import_engine.h"
+
+#include <fstream>
+#include <iterator>
+#include <optional>
+
+#include "common/ansi_text.h"
+#include "common/files.h"
+#include "common/regional_forms.h"
+#include "host/import_layout.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ConnexionSqlite;
+using Ombrey::ErreurExécution;
+using Ombrey::EstNull;
+using Ombrey::Instruction;
+using Ombrey::ValeurChamp;
+
+constexpr std::string_view FinDeLigne = "\r\n";
+constexpr std::size_t TailleMaximale = 16UL * 1024 * 1024;  // some 150,000 loads
+constexpr const char* DemiSeconde = "(0.5 / 86400)";
+
+std::string LireFichier(const std::string& Nom) {
+  std::ifstream Fichier(Ombrey::Chemin(Nom), std::ios::binary);
+  std::string Contenu;
+  if (Fichier) {
+    Contenu.resize(TailleMaximale + 1);
+    Fichier.read(Contenu.data(), static_cast<std::streamsize>(Contenu.size()));
+    Contenu.resize(static_cast<std::size_t>(Fichier.gcount()));
+  }
+  if (Fichier.bad() || !Fichier.eof()) {
+    const char* Cause =
+        Contenu.size() > TailleMaximale ? "Fichier d'import trop long : " : "Fichier d'import illisible : ";
+    throw ErreurExécution(Cause + Nom);
+  }
+  return DepuisAnsi(Ombrey::Octets(Contenu));
+}
+
+std::vector<std::string> Lignes(std::string_view Contenu) {
+  std::vector<std::string> Toutes;
+  while (!Contenu.empty()) {
+    const std::size_t Fin = Contenu.find(FinDeLigne);
+    if (Fin == std::string_view::npos) throw ErreurContenu("Fichier d'import incomplet : la dernière ligne est coupée");
+    if (Fin > 0) Toutes.emplace_back(Contenu.substr(0, Fin));
+    Contenu.remove_prefix(Fin + FinDeLigne.size());
+  }
+  if (Toutes.empty()) throw ErreurContenu("Fichier d'import vide");
+  return Toutes;
+}
+
+std::string EntreGuillemets(const std::string& Nom) {
+  std::string Texte = "\"";
+  for (const char C : Nom) Texte.append(C == '"' ? 2 : 1, C);
+  return Texte + '"';
+}
+
+/// Writes loads into the table, inside a transaction of the caller's.
+class Ecriture {
+ public:
+  Ecriture(ConnexionSqlite& Connexion, const DéfinitionImport& Définition)
+      : Connexion_(Connexion), Définition_(Définition) {}
+
+  ChargementImporté Ecrire(const std::vector<ValeurChamp>& Valeurs) {
+    const std::vector<ValeurChamp> Identité = {
+        Valeurs[Définition_.Place("CodeSite")], Valeurs[Définition_.Place("NoChargement")],
+        Valeurs[Définition_.Place("DateCh")], Valeurs[Définition_.Place("Métayage")]};
+    const ValeurChamp Même = Connexion_.Lire("SELECT IdChargement FROM Chargement WHERE " + MêmeChargement(), Identité);
+    if (const auto* Id = std::get_if<std::int64_t>(&Même)) {
+      Modifier(*Id, Valeurs);
+      return {*Id, false};
+    }
+    // A load whose number was taken over, and that the terminal now sends again, comes back from the archive.
+    Connexion_.Exécuter("DELETE FROM ChargementArchive WHERE " + MêmeChargement(), Identité);
+    Archiver({Identité[0], Identité[1]});
+    Insérer(Valeurs);
+    return {Connexion_.DernièreLigne(), true};
+  }
+
+ private:
+  static std::string MêmeChargement() {
+    return std::string("CodeSite = ?1 AND NoChargement = ?2 AND abs(DateCh - ?3) < ") + DemiSeconde +
+           " AND Métayage = ?4";
+  }
+
+  void Modifier(std::int64_t Id, std::vector<ValeurChamp> Valeurs) {
+    std::string Sql = "UPDATE Chargement SET ";
+    for (const ColonneImport& C : Définition_.Colonnes) Sql += EntreGuillemets(C.Nom) + " = ?, ";
+    Valeurs.emplace_back(Id);
+    Connexion_.Exécuter(Sql + "IdChargement = IdChargement WHERE IdChargement = ?", Valeurs);
+  }
+
+  void Insérer(const std::vector<ValeurChamp>& Valeurs) {
+    std::string Noms;
+    std::string Places;
+    for (const ColonneImport& C : Définition_.Colonnes) {
+      Noms += (Noms.empty() ? "" : ", ") + EntreGuillemets(C.Nom);
+      Places += Places.empty() ? "?" : ", ?";
+    }
+    Connexion_.Exécuter("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ")", Valeurs);
+  }
+
+  void Archiver(const std::vector<ValeurChamp>& SiteEtNuméro) {
+    const std::string Choix = " FROM Chargement WHERE CodeSite = ?1 AND NoChargement = ?2";
+    if (EstNull(Connexion_.Lire("SELECT 1" + Choix, SiteEtNuméro))) return;
+    std::string Noms;
+    Instruction Colonnes = Connexion_.Préparer("SELECT name FROM pragma_table_info('Chargement')");
+    while (Colonnes.Avancer())
+      Noms += (Noms.empty() ? "" : ", ") + EntreGuillemets(std::get<std::string>(Colonnes.Valeur(0)));
+    Connexion_.Exécuter("INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + Choix, SiteEtNuméro);
+    Connexion_.Exécuter("DELETE" + Choix, SiteEtNuméro);
+  }
+
+  ConnexionSqlite& Connexion_;
+  const DéfinitionImport& Définition_;
+};
+
+}  // namespace
+
+std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre, const std::string& Fichier) {
+  const DéfinitionImport Définition = LireDéfinition(Connexion_, Titre);
+  std::vector<std::vector<ValeurChamp>> Chargements;
+  for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
+    Chargements.push_back(LireLigne(Définition, Ligne, Système_.FormesRégionales()));
+
+  std::vector<ChargementImporté> Importés;
+  Ombrey::Transaction Tout(Connexion_);
+  Ecriture Table(Connexion_, Définition);
+  for (const auto& Valeurs : Chargements) Importés.push_back(Table.Ecrire(Valeurs));
+  Tout.Valider();
+  return Importés;
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,162 @@
+// The layout of an import file, and its lines cut into checked values.
+#include "host/import_layout.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <optional>
+#include <utility>
+
+#include "common/delimited_list.h"
+#include "common/regional_forms.h"
+#include "host/import_engine.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ErreurExécution;
+using Ombrey::EstNull;
+using Ombrey::ListeChamps;
+using Ombrey::Régional;
+using Ombrey::ValeurChamp;
+
+constexpr std::array<std::pair<std::string_view, GenreValeur>, 5> Genres = {{{"texte", GenreValeur::Texte},
+                                                                             {"entier", GenreValeur::Entier},
+                                                                             {"nombre", GenreValeur::Nombre},
+                                                                             {"date", GenreValeur::Date},
+                                                                             {"booléen", GenreValeur::Booléen}}};
+constexpr std::array<std::string_view, 4> Identité = {"CodeSite", "NoChargement", "DateCh", "Métayage"};
+constexpr std::array<std::pair<std::string_view, std::int64_t>, 5> Booléens = {
+    {{"Vrai", -1}, {"-1", -1}, {"1", -1}, {"Faux", 0}, {"0", 0}}};
+
+template <class Table>
+auto Chercher(const Table& Choix, std::string_view Texte) -> std::optional<decltype(Choix[0].second)> {
+  const auto Trouvé = std::find_if(Choix.begin(), Choix.end(), [&](const auto& C) { return C.first == Texte; });
+  if (Trouvé == Choix.end()) return std::nullopt;
+  return Trouvé->second;
+}
+
+template <class Entier>
+std::optional<Entier> EntierSimple(std::string_view Texte) {
+  Entier Valeur = 0;
+  const char* const Fin = Texte.data() + Texte.size();
+  const auto Lu = std::from_chars(Texte.data(), Fin, Valeur);
+  if (Texte.starts_with('-') || Lu.ec != std::errc{} || Lu.ptr != Fin) return std::nullopt;
+  return Valeur;
+}
+
+ColonneImport LireColonne(const std::string& Texte) {
+  const ListeChamps Items("\t");
+  const std::string Nom = Items.Champ(Texte, 1);
+  const auto Genre = Chercher(Genres, Items.Champ(Texte, 2));
+  const std::string Largeur = Items.Champ(Texte, 3);
+  const auto Nombre = EntierSimple<std::size_t>(Largeur.empty() ? "0" : Largeur);
+  if (!Genre) throw ErreurExécution("Définition d'import : genre inconnu pour la colonne " + Nom);
+  if (!Nombre) throw ErreurExécution("Définition d'import : largeur illisible pour la colonne " + Nom);
+  return {Nom, *Genre, *Nombre};
+}
+
+std::size_t NombreCaractères(std::string_view Texte) {
+  constexpr unsigned MasqueSuite = 0xC0;
+  constexpr unsigned OctetDeSuite = 0x80;
+  return static_cast<std::size_t>(std::count_if(Texte.begin(), Texte.end(), [](char C) {
+    return (static_cast<unsigned char>(C) & MasqueSuite) != OctetDeSuite;
+  }));
+}
+
+bool EstCommande(char C) {
+  constexpr unsigned char PremierImprimable = 0x20;
+  constexpr char Effacement = 0x7F;
+  return (static_cast<unsigned char>(C) < PremierImprimable && C != '\t') || C == Effacement;
+}
+
+/// The value as the database keeps it; none when the text isn't of the kind.
+std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Texte, const Régional& Formes) {
+  switch (Genre) {
+    case GenreValeur::Texte:
+      if (std::any_of(Texte.begin(), Texte.end(), EstCommande)) return std::nullopt;
+      return Texte;
+    case GenreValeur::Entier:
+      return EntierSimple<std::int64_t>(Texte);
+    case GenreValeur::Nombre:
+      // No figure of a load is negative, and "9E99" is a fault of the line rather than a weight.
+      if (Texte.find_first_of("+-eE") != std::string::npos || !EstNumérique(Texte, Formes)) return std::nullopt;
+      return EnRéel(Texte, Formes);
+    case GenreValeur::Date:
+      if (const auto Moment = Ombrey::LireDate(Texte)) return NuméroDeJour(*Moment);
+      return std::nullopt;
+    case GenreValeur::Booléen:
+      return Chercher(Booléens, Texte);
+  }
+  return std::nullopt;
+}
+
+/// What stands ahead of each separator. Every value is followed by one, the last too.
+std::vector<std::string> Découper(std::string_view Ligne, const std::string& Séparateur) {
+  std::vector<std::string> Valeurs;
+  while (!Ligne.empty()) {
+    const std::size_t Place = Ligne.find(Séparateur);
+    if (Place == std::string_view::npos) throw ErreurContenu("Le séparateur manque derrière la dernière valeur");
+    Valeurs.emplace_back(Ligne.substr(0, Place));
+    Ligne.remove_prefix(Place + Séparateur.size());
+  }
+  return Valeurs;
+}
+
+std::string TexteOuVide(const ValeurChamp& Valeur) {
+  const auto* Texte = std::get_if<std::string>(&Valeur);
+  return Texte ? *Texte : "";
+}
+
+}  // namespace
+
+std::size_t DéfinitionImport::Place(std::string_view Nom) const {
+  const auto Trouvée = std::find_if(Colonnes.begin(), Colonnes.end(), [&](const auto& C) { return C.Nom == Nom; });
+  if (Trouvée == Colonnes.end())
+    throw ErreurExécution("Définition d'import : il manque la colonne " + std::string(Nom));
+  return static_cast<std::size_t>(Trouvée - Colonnes.begin());
+}
+
+DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std::string& Titre) {
+  Ombrey::Instruction Requête =
+      Connexion.Préparer("SELECT LongChps, Format FROM MSysEtats WHERE Titre = ?1 AND Exportation = 0");
+  if (!Requête.Lier({Titre}).Avancer()) throw ErreurExécution("Définition d'import inconnue : " + Titre);
+
+  DéfinitionImport Définition{{}, TexteOuVide(Requête.Valeur(1))};
+  if (Définition.Séparateur.empty()) throw ErreurExécution("Définition d'import sans séparateur : " + Titre);
+  for (const std::string& Texte : ListeChamps("\r").Décomposer(TexteOuVide(Requête.Valeur(0)))) {
+    Définition.Colonnes.push_back(LireColonne(Texte));
+    const std::string& Nom = Définition.Colonnes.back().Nom;
+    if (EstNull(Connexion.Lire("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2", {TableChargements, Nom})))
+      throw ErreurExécution("Définition d'import : colonne inconnue : " + Nom);
+  }
+  for (const std::string_view Nom : Identité) static_cast<void>(Définition.Place(Nom));
+  return Définition;
+}
+
+std::vector<ValeurChamp> LireLigne(const DéfinitionImport& Définition, std::string_view Ligne, const Régional& Formes) {
+  const std::vector<std::string> Textes = Découper(Ligne, Définition.Séparateur);
+  if (Textes.size() != Définition.Colonnes.size())
+    throw ErreurContenu("Nombre de valeurs incorrect : " + std::to_string(Définition.Colonnes.size()) + " attendues, " +
+                        std::to_string(Textes.size()) + " lues");
+  std::vector<ValeurChamp> Valeurs;
+  for (std::size_t Rang = 0; Rang < Textes.size(); ++Rang) {
+    const ColonneImport& Colonne = Définition.Colonnes[Rang];
+    const std::string& Texte = Textes[Rang];
+    const std::string Où = "Colonne " + Colonne.Nom + " : ";
+    if (Texte.empty()) {
+      const bool EstRequise = std::find(Identité.begin(), Identité.end(), Colonne.Nom) != Identité.end();
+      if (EstRequise) throw ErreurContenu(Où + "la valeur manque");
+      Valeurs.push_back(Colonne.Genre == GenreValeur::Booléen ? ValeurChamp{std::int64_t{0}} : ValeurChamp{});
+      continue;
+    }
+    if (Colonne.Largeur > 0 && NombreCaractères(Texte) > Colonne.Largeur)
+      throw ErreurContenu(Où + "valeur trop longue : « " + Texte + " »");
+    auto Valeur = Interpréter(Colonne.Genre, Texte, Formes);
+    if (!Valeur) throw ErreurContenu(Où + "valeur illisible : « " + Texte + " »");
+    Valeurs.push_back(std::move(*Valeur));
+  }
+  return Valeurs;
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,148 @@
+// The cooperative's tables: a new database, and a look at whether a database has them.
+#include "host/schema.h"
+
+#include <array>
+#include <system_error>
+
+#include "common/failures.h"
+#include "host/sample.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ConnexionSqlite;
+using Ombrey::ErreurExécution;
+using Ombrey::EstNull;
+using Ombrey::Transaction;
+
+constexpr std::array<const char*, 11> Tables = {"Coopérateur", "Métayage",          "Sélection", "Qualité",
+                                                "Groupement",  "QuotasGrp",         "MSysEtats", "Chargement",
+                                                "Cépage",      "ChargementArchive", "Paramètre"};
+
+/// Columns of a load, the same for the loads of the day and for those whose number another load has taken over.
+constexpr const char* ColonnesChargement = R"(
+  CodeSite TEXT NOT NULL, NoChargement INTEGER NOT NULL, DateCh REAL NOT NULL, DateSortie REAL,
+  Métayage TEXT NOT NULL, Sélection TEXT, Cépage TEXT, Qualité TEXT, Degré NUMERIC, NoQuai INTEGER, Masse NUMERIC,
+  Cuve TEXT, Operateur TEXT, Ramassage TEXT,
+  InfoChargnt1 TEXT, InfoChargnt2 TEXT, InfoChargnt3 TEXT, InfoChargnt4 TEXT,
+  Synchronisé INTEGER NOT NULL DEFAULT 0)";
+
+// Codes are texts that are looked up as numbers: each look-up has an index on the number.
+constexpr const char* TablesDeRéférence = R"(
+CREATE TABLE Coopérateur (IdCoopérateur TEXT NOT NULL PRIMARY KEY, Nom TEXT NOT NULL DEFAULT '',
+  Prénom TEXT NOT NULL DEFAULT '', DateCréation REAL);
+CREATE UNIQUE INDEX CoopérateurParNuméro ON Coopérateur (CAST(IdCoopérateur AS INTEGER));
+
+CREATE TABLE Groupement (IdGrp TEXT NOT NULL PRIMARY KEY, Nom TEXT NOT NULL DEFAULT '');
+CREATE UNIQUE INDEX GroupementParNuméro ON Groupement (CAST(IdGrp AS INTEGER));
+
+CREATE TABLE Métayage (IdMétayage TEXT NOT NULL PRIMARY KEY, Propriétaire TEXT NOT NULL, Récoltant TEXT NOT NULL,
+  Part NUMERIC, CodeBadge INTEGER, IdGrp TEXT, Surface NUMERIC);
+CREATE UNIQUE INDEX MétayageParNuméro ON Métayage (CAST(IdMétayage AS INTEGER));
+CREATE INDEX MétayageParPaire ON Métayage (CAST(Propriétaire AS INTEGER), CAST(Récoltant AS INTEGER));
+CREATE INDEX MétayageParGroupe ON Métayage (IdGrp);
+CREATE INDEX MétayageParBadge ON Métayage (CodeBadge);
+
+CREATE TABLE Sélection (IdSélection TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '',
+  QuotasSurface NUMERIC);
+CREATE TABLE Cépage (Sélection TEXT NOT NULL, Rang INTEGER NOT NULL, Désignation TEXT NOT NULL,
+  PRIMARY KEY (Sélection, Rang));
+CREATE TABLE Qualité (IdQualité TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '');
+CREATE TABLE QuotasGrp (IdGrp TEXT NOT NULL, Sélection TEXT NOT NULL, QuotaJournalier NUMERIC,
+  PRIMARY KEY (IdGrp, Sélection));
+CREATE UNIQUE INDEX QuotasGrpParNuméro ON QuotasGrp (CAST(IdGrp AS INTEGER), Sélection);
+
+CREATE TABLE MSysEtats (Titre TEXT NOT NULL, Exportation INTEGER NOT NULL DEFAULT 0, LongChps TEXT, Format TEXT,
+  PRIMARY KEY (Titre, Exportation));
+CREATE TABLE Paramètre (Nom TEXT NOT NULL PRIMARY KEY, Valeur TEXT NOT NULL DEFAULT '');
+)";
+
+constexpr const char* IndexEtVue = R"(
+CREATE UNIQUE INDEX ChargementParNuméro ON Chargement (CodeSite, NoChargement);
+CREATE INDEX ChargementParDate ON Chargement (DateCh);
+CREATE INDEX ChargementParAppellation ON Chargement (Sélection, DateCh, Métayage, Masse);
+CREATE INDEX ChargementParExploitation ON Chargement (Métayage, Sélection, DateCh, Masse);
+CREATE INDEX ArchiveParNuméro ON ChargementArchive (CodeSite, NoChargement);
+CREATE INDEX ArchiveParAppellation ON ChargementArchive (Sélection, DateCh, Métayage, Masse);
+CREATE INDEX ArchiveParExploitation ON ChargementArchive (Métayage, Sélection, DateCh, Masse);
+
+CREATE VIEW ChargementLisible AS
+  SELECT CodeSite, NoChargement, strftime('%d/%m/%Y %H:%M', DateCh + 2415018.5) AS Arrivée,
+    strftime('%d/%m/%Y %H:%M', DateSortie + 2415018.5) AS Sortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai,
+    Masse, Cuve, Synchronisé
+  FROM Chargement ORDER BY DateCh;
+)";
+
+/// One column of the import file: its name in Chargement, the kind of its values and their greatest width.
+struct ColonneImport {
+  const char* Nom;
+  const char* Genre;
+  int Largeur;
+};
+
+constexpr std::array<ColonneImport, 18> Colonnes = {{{"CodeSite", "texte", 10},
+                                                     {"NoChargement", "entier", 4},
+                                                     {"DateCh", "date", 19},
+                                                     {"DateSortie", "date", 19},
+                                                     {"Métayage", "texte", 6},
+                                                     {"Sélection", "texte", 2},
+                                                     {"Cépage", "texte", 30},
+                                                     {"Qualité", "texte", 2},
+                                                     {"Degré", "nombre", 5},
+                                                     {"NoQuai", "entier", 1},
+                                                     {"Masse", "entier", 4},
+                                                     {"Cuve", "texte", 3},
+                                                     {"Operateur", "texte", 10},
+                                                     {"Ramassage", "texte", 10},
+                                                     {"InfoChargnt1", "texte", 10},
+                                                     {"InfoChargnt2", "texte", 10},
+                                                     {"InfoChargnt3", "texte", 10},
+                                                     {"InfoChargnt4", "texte", 10}}};
+
+std::string LongChps() {
+  std::string Texte;
+  for (const ColonneImport& C : Colonnes) {
+    if (!Texte.empty()) Texte += '\r';
+    Texte.append(C.Nom).append("\t").append(C.Genre).append("\t").append(std::to_string(C.Largeur));
+  }
+  return Texte;
+}
+
+void CréerTables(ConnexionSqlite& Connexion) {
+  Connexion.ExécuterTout(TablesDeRéférence);
+  // A load's own number never comes back, so that a station can tell what is new to it.
+  Connexion.ExécuterTout(std::string("CREATE TABLE Chargement (IdChargement INTEGER PRIMARY KEY AUTOINCREMENT,") +
+                         ColonnesChargement);
+  Connexion.ExécuterTout(std::string("CREATE TABLE ChargementArchive (IdChargement INTEGER PRIMARY KEY,") +
+                         ColonnesChargement);
+  Connexion.ExécuterTout(IndexEtVue);
+  Connexion.Exécuter("INSERT INTO MSysEtats (Titre, Exportation, LongChps, Format) VALUES (?1, 0, ?2, ';')",
+                     {TitreImport, LongChps()});
+  Connexion.Exécuter("INSERT INTO Paramètre (Nom, Valeur) VALUES ('CodeSite', '1')");
+}
+
+}  // namespace
+
+void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple) {
+  const auto Connexion = ConnexionSqlite::Créer(Fichier);
+  try {
+    Transaction Tout(*Connexion);
+    CréerTables(*Connexion);
+    if (AvecExemple) InsérerExemple(*Connexion);
+    Tout.Valider();
+  } catch (const ErreurExécution&) {
+    std::error_code Sans;
+    for (const char* Suffixe : {"", "-wal", "-shm"}) std::filesystem::remove(Fichier.string() + Suffixe, Sans);
+    throw;
+  }
+}
+
+std::vector<std::string> TablesManquantes(ConnexionSqlite& Connexion) {
+  std::vector<std::string> Manquantes;
+  for (const char* Table : Tables)
+    if (EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1", {Table})))
+      Manquantes.emplace_back(Table);
+  return Manquantes;
+}
+
+}  // namespace Tarvel

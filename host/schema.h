@@ -1,0 +1,23 @@
+// The cooperative's tables: a new database, and a look at whether a database has them.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "platform/database/sqlite_connection.h"
+
+namespace Tarvel {
+
+/// Title of the layout by which loads come in.
+inline constexpr const char* TitreImport = "Synchronisation des chargements";
+
+/// Makes a new database file with all tables, indexes, the import layout and the site's code; with AvecExemple also a
+/// small cooperative to try things out on. Raises ErreurExécution, and leaves no file behind, when it can't; a file
+/// that is there already stays as it is.
+void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple);
+
+/// The tables that a station needs and this database lacks.
+[[nodiscard]] std::vector<std::string> TablesManquantes(Ombrey::ConnexionSqlite& Connexion);
+
+}  // namespace Tarvel
