@@ -39,9 +39,10 @@ Station::Station(const Options& Choisies, IÉdition& Édition)
       Édition_(Édition),
       Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
 
-void Station::Exécuter(std::shared_ptr<Ombrey::IBaseDeD> Base) {
+void Station::Exécuter(const OuvrirBase& Ouvrir) {
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), &Édition_.Questionnaire(), Options_.Dossier,
                                        Édition_.FichierRéglages());
+  std::shared_ptr<Ombrey::IBaseDeD> Base = Ouvrir(Plateforme.Système());
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
   PlugIn_ = ChargerGreffon(Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon, Plateforme);
   const Ombrey::IBoucle::Jeton Échéance =

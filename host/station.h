@@ -1,10 +1,12 @@
 // The station: drives the plug-in by the host's rules, and ends it properly.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <string>
 
 #include "contracts/host.h"
+#include "contracts/system.h"
 #include "host/edition.h"
 #include "host/guarded_loop.h"
 #include "host/options.h"
@@ -19,9 +21,11 @@ class Station final : public IGestesStation {
   Station& operator=(const Station&) = delete;
   ~Station() override = default;
 
-  /// Runs on the open database until the operator, a signal or the time limit ends it. Once. Raises ErreurExécution
-  /// when the work can't begin: no working folder, no plug-in.
-  void Exécuter(std::shared_ptr<Ombrey::IBaseDeD> Base);
+  using OuvrirBase = std::function<std::shared_ptr<Ombrey::IBaseDeD>(Ombrey::ISystème&)>;
+
+  /// Runs on the database that Ouvrir gives until the operator, a signal or the time limit ends it. Once. Raises
+  /// ErreurExécution when the work can't begin: no database, no working folder, no plug-in.
+  void Exécuter(const OuvrirBase& Ouvrir);
 
   void Bouton() override;
   void Menu() override;

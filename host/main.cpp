@@ -1,0 +1,93 @@
+// tarvel: the reception station.
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/failures.h"
+#include "common/files.h"
+#include "host/console_station.h"
+#include "host/cooperative_database.h"
+#include "host/options.h"
+#include "host/schema.h"
+#include "host/station.h"
+#include "platform/database/sqlite_connection.h"
+
+namespace {
+
+constexpr int Réussite = 0;
+constexpr int Échec = 1;
+constexpr int MauvaisesOptions = 2;
+
+/// A file that is opened later must not take the place of a standard stream that the caller closed.
+void OccuperFluxStandard() {
+  int Descripteur = 0;
+  do {
+    Descripteur = open("/dev/null", O_RDWR);
+  } while (Descripteur >= 0 && Descripteur <= STDERR_FILENO);
+  if (Descripteur > STDERR_FILENO) close(Descripteur);
+}
+
+/// The one place that chooses what the station looks like.
+std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisies) {
+  return std::make_unique<Tarvel::ÉditionConsole>(Choisies, STDIN_FILENO, STDOUT_FILENO);
+}
+
+/// A database without its tables isn't one of a cooperative; one that can't be written can still be looked at.
+std::shared_ptr<Ombrey::IBaseDeD> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
+                                             Tarvel::IÉdition& Édition) {
+  const auto Connexion = Ombrey::ConnexionSqlite::Ouvrir(Choisies.Base);
+  std::string Absentes;
+  for (const std::string& Table : Tarvel::TablesManquantes(*Connexion)) Absentes += " " + Table;
+  const std::string Nom = "La base «" + Ombrey::TexteChemin(Choisies.Base) + "»";
+  if (!Absentes.empty())
+    throw Ombrey::ErreurExécution(Nom + " n'est pas celle d'une coopérative. Il manque :" + Absentes);
+  if (Connexion->EstEnLectureSeule()) Édition.Dire(Nom + " est en lecture seule : rien n'y sera enregistré.");
+  return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système);
+}
+
+void Travailler(const Tarvel::Options& Choisies) {
+  const auto Édition = CréerÉdition(Choisies);
+  Tarvel::Station Station(Choisies, *Édition);
+  Station.Exécuter([&](Ombrey::ISystème& Système) { return OuvrirBase(Choisies, Système, *Édition); });
+}
+
+void Accomplir(const Tarvel::Options& Choisies) {
+  switch (Choisies.QueFaire) {
+    case Tarvel::Tâche::Aide:
+      std::fputs(Tarvel::TexteAide().c_str(), stdout);
+      break;
+    case Tarvel::Tâche::Version:
+      std::puts(Tarvel::TexteVersion().c_str());
+      break;
+    case Tarvel::Tâche::CréerBase:
+      Tarvel::CréerBase(Choisies.Base, Choisies.Exemple);
+      break;
+    case Tarvel::Tâche::Station:
+      Travailler(Choisies);
+      break;
+  }
+}
+
+}  // namespace
+
+int main(int Nombre, char** Textes) {
+  OccuperFluxStandard();
+  std::signal(SIGPIPE, SIG_IGN);
+  try {
+    const std::vector<std::string> Arguments(Textes + 1, Textes + Nombre);
+    Accomplir(Tarvel::LireOptions(Arguments));
+    return Réussite;
+  } catch (const Tarvel::ErreurOptions& Erreur) {
+    std::fprintf(stderr, "tarvel : %s\nL'aide : tarvel --help\n", Erreur.what());
+    return MauvaisesOptions;
+  } catch (const std::exception& Erreur) {
+    std::fprintf(stderr, "tarvel : %s\n", Erreur.what());
+    return Échec;
+  }
+}
