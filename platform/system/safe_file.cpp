@@ -118,6 +118,7 @@ void RemplacerFichier(const fs::path& Chemin, std::string_view Contenu) {
   struct stat Ancien {};
   const bool Présent = stat(Final.c_str(), &Ancien) == 0;
   if (!Présent && errno != ENOENT) Refuser(Final, "écrit", errno);
+  if (Présent && !S_ISREG(Ancien.st_mode)) throw ErreurExécution(Final.string() + " n'est pas un fichier.");
   // Renaming asks for no right to the file itself: one that was made read-only must stay as it is.
   if (Présent && access(Final.c_str(), W_OK) != 0) Refuser(Final, "écrit", errno);
   Provisoire Nouveau(Final);
