@@ -12,29 +12,29 @@ namespace {
 
 TEST(RecordEncoders, Numbers) {
   struct Cas {
-    char Séparateur;
     const char* Texte;
-    std::uint8_t Longueur;
     const char* Attendu;
+    std::uint8_t Longueur;
+    char Séparateur = ',';
   };
   const Cas Table[] = {
-      {',', "12", 6, "000012"},
-      {',', "000345", 6, "000345"},
-      {',', " 7 ", 2, "07"},
-      {',', "", 3, "000"},
-      {',', "abc", 3, "000"},
-      {',', "2,5", 4, "0002"},
-      {',', "3,5", 4, "0004"},
-      {',', "2.5", 4, "0000"},
-      {'.', "3.5", 4, "0004"},
-      {',', "1234567", 6, "1234567"},
-      {',', "-5", 3, "-005"},
-      {',', "-0,2", 3, "000"},
-      {',', "1e3", 5, "01000"},
-      {',', "1,5,2", 2, "00"},
-      {',', "2147483647", 8, "2147483647"},
+      {"12", "000012", 6},
+      {"000345", "000345", 6},
+      {" 7 ", "07", 2},
+      {"", "000", 3},
+      {"abc", "000", 3},
+      {"2,5", "0002", 4},
+      {"3,5", "0004", 4},
+      {"2.5", "0000", 4},
+      {"3.5", "0004", 4, '.'},
+      {"1234567", "1234567", 6},
+      {"-5", "-005", 3},
+      {"-0,2", "000", 3},
+      {"1e3", "01000", 5},
+      {"1,5,2", "00", 2},
+      {"2147483647", "2147483647", 8},
   };
-  for (const auto& [Séparateur, Texte, Longueur, Attendu] : Table)
+  for (const auto& [Texte, Attendu, Longueur, Séparateur] : Table)
     EXPECT_EQ(CadrerNombre(Texte, Longueur, Régional{Séparateur}), Octets(Attendu)) << Texte;
   EXPECT_THROW((void)CadrerNombre("2147483647,6", 8, {}), ErreurExécution);
 }
