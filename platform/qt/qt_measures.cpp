@@ -21,7 +21,7 @@ constexpr double PasPoints = 0.25;
 }  // namespace
 
 int EnPixels(int Twips, int PointsParPouce) {
-  const double Valeur = std::round(Twips * PointsParPouce / TwipsParPouce);
+  const double Valeur = std::round(static_cast<double>(Twips) * PointsParPouce / TwipsParPouce);
   return static_cast<int>(std::clamp<double>(Valeur, -PixelsMax, PixelsMax));
 }
 

@@ -6,6 +6,7 @@
 #include <QShortcut>
 #include <QStyleOptionButton>
 #include <QStylePainter>
+#include <exception>
 #include <utility>
 
 namespace Ombrey {
@@ -73,8 +74,20 @@ TenueFenêtre::TenueFenêtre(const ContexteQt& Contexte, Qt::WindowFlags Drapeau
   Fenêtre_->setWindowModality(Qt::ApplicationModal);
 }
 
+/// Gestures come while something else waits: a failure of theirs must not unwind that.
+std::function<void()> TenueFenêtre::Rapportée(std::function<void()> Faire) const {
+  return [&Contexte = Contexte_, Faire = std::move(Faire)] {
+    try {
+      Faire();
+    } catch (const std::exception& Erreur) {
+      if (!Contexte.SurÉchec) throw;
+      Contexte.SurÉchec(Erreur.what());
+    }
+  };
+}
+
 std::function<void()> TenueFenêtre::EnSaisie(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
     Boucle.Poser([Fenêtre, Faire] {
       if (AccepteSaisie(Fenêtre)) Faire();
     });
@@ -82,7 +95,7 @@ std::function<void()> TenueFenêtre::EnSaisie(std::function<void()> Faire) const
 }
 
 std::function<void()> TenueFenêtre::EnÉvénement(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
     Boucle.Poser([Fenêtre, Faire] {
       if (!Fenêtre.expired()) Faire();
     });
@@ -90,7 +103,7 @@ std::function<void()> TenueFenêtre::EnÉvénement(std::function<void()> Faire) 
 }
 
 std::function<void()> TenueFenêtre::SurPlace(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
     if (!Fenêtre.expired()) Boucle.Garder(Faire);
   };
 }

@@ -5,6 +5,7 @@
 #include <QWidget>
 #include <functional>
 #include <memory>
+#include <string>
 
 #include "platform/qt/qt_loop.h"
 
@@ -39,6 +40,8 @@ class BoutonQt : public QPushButton {
 struct ContexteQt {
   BoucleQt& Boucle;
   bool EnFin = false;  ///< the station is ending: no window or box holds anybody up any more
+  /// Told of a gesture that raised. Where nobody takes it, the failure leaves the pump.
+  std::function<void(const std::string& Description)> SurÉchec = nullptr;
 };
 
 /// A window and its way to the loop. Dropping it cuts off every gesture at once; the widget itself goes when Qt has
@@ -66,6 +69,7 @@ class TenueFenêtre {
   void MettreDevant() const;
 
  private:
+  [[nodiscard]] std::function<void()> Rapportée(std::function<void()> Faire) const;
   [[nodiscard]] static bool AccepteSaisie(const std::weak_ptr<FenêtreQt>& Fenêtre);
 
   const ContexteQt& Contexte_;

@@ -38,6 +38,8 @@ class FenêtresQt : public IFenêtres {
 
   /// The station is ending: open boxes answer themselves, and so do later ones; no window holds anybody up any more.
   void Finir() { Contexte_.EnFin = true; }
+  /// Told of what a gesture raised.
+  void SurÉchec(std::function<void(const std::string&)> Dire) { Contexte_.SurÉchec = std::move(Dire); }
   [[nodiscard]] const ContexteQt& Contexte() const { return Contexte_; }
   /// The pictures put on the clipboard last, for a toolbar.
   [[nodiscard]] const QIcon& DernièreImage() const { return Image_; }
