@@ -147,7 +147,11 @@ std::vector<ValeurChamp> LireLigne(const DéfinitionImport& Définition, std::st
     if (Texte.empty()) {
       const bool EstRequise = std::find(Identité.begin(), Identité.end(), Colonne.Nom) != Identité.end();
       if (EstRequise) throw ErreurContenu(Où + "la valeur manque");
-      Valeurs.push_back(Colonne.Genre == GenreValeur::Booléen ? ValeurChamp{std::int64_t{0}} : ValeurChamp{});
+      if (Colonne.Genre == GenreValeur::Booléen) {
+        Valeurs.emplace_back(std::int64_t{0});
+      } else {
+        Valeurs.emplace_back();
+      }
       continue;
     }
     if (Colonne.Largeur > 0 && NombreCaractères(Texte) > Colonne.Largeur)

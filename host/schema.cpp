@@ -25,7 +25,7 @@ constexpr const char* ColonnesChargement = R"(
   Métayage TEXT NOT NULL, Sélection TEXT, Cépage TEXT, Qualité TEXT, Degré NUMERIC, NoQuai INTEGER, Masse NUMERIC,
   Cuve TEXT, Operateur TEXT, Ramassage TEXT,
   InfoChargnt1 TEXT, InfoChargnt2 TEXT, InfoChargnt3 TEXT, InfoChargnt4 TEXT,
-  Synchronisé INTEGER NOT NULL DEFAULT 0)";
+  Synchronisé INTEGER NOT NULL DEFAULT 0))";
 
 // Codes are texts that are looked up as numbers: each look-up has an index on the number.
 constexpr const char* TablesDeRéférence = R"(

@@ -140,7 +140,7 @@ class Traducteur {
   }
 
   std::string Suite(std::size_t& Place, std::size_t Fin) {
-    std::string Texte = JointureRetournée(Place).value_or("");
+    std::string Texte;
     while (Place < Fin) {
       const bool EstFrom = EstMotcléLà(Place, "FROM");
       if (OuvreOpérande(Place) || EstSigne(Place, "+-"))
@@ -201,7 +201,8 @@ class Traducteur {
   /// What stands between two parentheses; Place then stands behind the closing one.
   std::string Intérieur(std::size_t& Place, std::size_t Fermante) {
     ++Place;
-    std::string Texte = Suite(Place, Fermante);
+    std::string Texte = JointureRetournée(Place).value_or("");
+    Texte += Suite(Place, Fermante);
     Place = Fermante + 1;
     return Texte;
   }

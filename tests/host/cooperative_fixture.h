@@ -1,0 +1,81 @@
+// A sample cooperative in a folder of its own, with a clock that stands still.
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "common/ansi_text.h"
+#include "common/failures.h"
+#include "common/regional_forms.h"
+#include "host/cooperative_database.h"
+#include "host/schema.h"
+#include "tests/support/fake_platform.h"
+
+namespace Tarvel {
+
+class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
+ protected:
+  Coopérative() {
+    std::string Modèle = (std::filesystem::temp_directory_path() / "tarvel-XXXXXX").string();
+    Dossier_ = mkdtemp(Modèle.data());
+    Système_.Dossier = Dossier_;
+    CréerBase(Dossier_ / "coopé.db", true);
+    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db", [this] { return NuméroDeJour(Système_.Mur); });
+    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    Base_->EtatBdD()->Connecter(this);
+  }
+  ~Coopérative() override { std::filesystem::remove_all(Dossier_); }
+
+  void EtatBdD_EnregistrementImporté(const std::string& Table, Ombrey::IRecordset& RecSet) override {
+    Noter("importé", Table, RecSet);
+  }
+  void EtatBdD_EnregistrementMisAJour(const std::string& Table, Ombrey::IRecordset& RecSet) override {
+    Noter("mis à jour", Table, RecSet);
+  }
+
+  /// Imports a file of these contents; an error text, "faux : " ahead of it when the call gave false.
+  std::string Importer(const std::string& Contenu) {
+    Annonces_.clear();
+    std::string Dossier;
+    std::string Nom;
+    const std::string Fichier = Base_->EtatBdD()->ObtenirFichierImport(Dossier, Nom);
+    std::ofstream(Fichier, std::ios::binary) << Ombrey::VersAnsi(Contenu).Bruts();
+    bool Drapeau = false;
+    const bool Fait = Base_->EtatBdD()->TableImporter(TitreImport, Fichier, Drapeau);
+    return (Fait ? "" : "faux : ") + Base_->EtatBdD()->DernièreErreur();
+  }
+
+  /// The line of a load that can be imported as it stands.
+  static std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
+                           const std::string& Métayage = "4", const std::string& Sélection = "05",
+                           const std::string& Masse = "1234") {
+    return "1;" + Numéro + ";" + Date + ";22/09/26 09:15;" + Métayage + ";" + Sélection + ";Syrah;01;12,5;2;" + Masse +
+           ";7;0;0;0;0;01;0;\r\n";
+  }
+
+  std::string Lire(const std::string& Sql) { return TexteOuVide(Connexion_->Lire(Sql), Ombrey::Régional{}); }
+
+  std::filesystem::path Dossier_;
+  Ombrey::Essais::FauxSystème Système_;
+  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::shared_ptr<BaseDeDTarvel> Base_;
+  std::string Annonces_;
+  bool ÉcouteurEnPanne_ = false;
+
+ private:
+  void Noter(const char* Quoi, const std::string& Table, Ombrey::IRecordset& RecSet) {
+    const Ombrey::Régional Formes;
+    Annonces_ += std::string(Quoi) + " " + Table + " " + TexteValeur(RecSet.FieldsNommé("CodeSite"), Formes) + "/" +
+                 TexteValeur(RecSet.FieldsNommé("NoChargement"), Formes) + "\n";
+    if (ÉcouteurEnPanne_) throw Ombrey::ErreurExécution("panne de l'écouteur");
+  }
+};
+
+}  // namespace Tarvel

@@ -1,0 +1,213 @@
+// The tables, the queries of the plug-in on the sample, creations and figures.
+#include "platform/database/dialect.h"
+#include "tests/host/cooperative_fixture.h"
+
+namespace Tarvel {
+namespace {
+
+using Base = Coopérative;
+using Ombrey::TypeRecordset;
+
+constexpr const char* ListeDuJour =
+    "SELECT Chargement.CodeSite AS [Chai], Chargement.NoChargement AS [N°Pesée]"
+    ", Format([DateCh],'dd/mm hh:nn') AS [Heure]"
+    ", Chargement.Masse AS [Pesée], Chargement.Degré AS [%Vol]"
+    ", Sélection.Désignation AS [Appellation]"
+    ", Qualité.Désignation AS [Classe sanitaire]"
+    ", Propriétaire.Nom & ' ' & Propriétaire.Prénom AS [Propriétaire], Récoltant.Nom & ' ' & Récoltant.Prénom AS "
+    "[Récoltant]"
+    ", Métayage.Part, [Groupement].[IdGrp] & ' ' & [Groupement].[Nom] AS Groupe"
+    ", Chargement.Synchronisé*-1 AS [Synchro]"
+    " FROM Sélection RIGHT JOIN (Qualité RIGHT JOIN ((((Métayage INNER JOIN Chargement ON Métayage.IdMétayage = "
+    "Chargement.Métayage) INNER JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur) INNER "
+    "JOIN "
+    "Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur) LEFT JOIN Groupement ON "
+    "Métayage.IdGrp = Groupement.IdGrp) ON Qualité.IdQualité = Chargement.Qualité) ON Sélection.IdSélection = "
+    "Chargement.Sélection"
+    " WHERE DateCh BETWEEN Date() AND Date()+1"
+    " ORDER BY Chargement.DateCh DESC;";
+
+TEST_F(Base, RunsEveryQueryOfThePlugIn) {
+  ASSERT_EQ(Importer(Ligne()), "");
+  const struct {
+    const char* Sql;
+    int Lignes;
+    const char* Premier;
+  } Cas[] = {
+      {"SELECT * FROM MSysEtats WHERE Titre = 'Synchronisation des chargements' AND Exportation = FALSE", 1,
+       TitreImport},
+      {"SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'", 1, "123"},
+      {"SELECT IdMétayage,* FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'", 2, "6"},
+      {"SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage WHERE NoChargement = "
+       "12"
+       " AND CodeSite = '1'",
+       1, "1"},
+      {"SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur INNER JOIN Métayage ON "
+       "Coopérateur.IdCoopérateur = "
+       "Métayage.Propriétaire UNION SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur INNER JOIN "
+       "Métayage ON "
+       "Coopérateur.IdCoopérateur = Métayage.Récoltant ORDER BY IdCoopérateur",
+       12, "101"},
+      {"SELECT Count(IdMétayage) FROM Métayage", 1, "15"},
+      {"SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge", 15, "1001"},
+      {"SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection WHERE IdSélection <> '60' AND IdSélection <> "
+       "'70' "
+       "AND IdSélection <> '90' ORDER BY IdSélection",
+       5, "05"},
+      {"SELECT Count(IdQualité) FROM Qualité", 1, "4"},
+      {"SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité", 4, "01"},
+      {"SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp", 5, ""},
+      {"SELECT IdSélection, QuotaJournalier FROM Sélection LEFT JOIN QuotasGrp ON "
+       "Sélection.IdSélection=QuotasGrp.Sélection "
+       "WHERE IdGrp = '7' AND IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
+       5, "05"},
+      {ListeDuJour, 1, "1"},
+  };
+  for (const auto& C : Cas) {
+    const auto Lignes = Base_->BaseDAO()->OpenRecordset(C.Sql, TypeRecordset::Instantané);
+    EXPECT_EQ(Lignes->RecordCount(), C.Lignes) << C.Sql;
+    EXPECT_EQ(Ombrey::TexteOuVide(Lignes->Fields(0), {}), C.Premier) << C.Sql;
+  }
+}
+
+TEST_F(Base, ListsTodaysLoadsNewestFirstWithWhatIsUnknownLeftEmpty) {
+  ASSERT_EQ(Importer(Ligne("1", "21/09/26 23:59") + Ligne("2", "22/09/26 00:00", "13", "77") + Ligne("3") +
+                     Ligne("4", "23/09/26 00:01") + Ligne("5", "22/09/26 12:00", "0")),
+            "");
+  const auto Lignes = Base_->BaseDAO()->OpenRecordset(ListeDuJour, TypeRecordset::Défaut);
+  std::vector<std::string> Textes;
+  for (; !Lignes->Eof(); Lignes->MoveNext()) {
+    Textes.emplace_back();
+    for (std::size_t C = 0; C < Lignes->Colonnes().size(); ++C)
+      Textes.back() += Ombrey::TexteOuVide(Lignes->Fields(C), {}) + "|";
+  }
+  EXPECT_EQ(Textes,
+            (std::vector<std::string>{
+                "1|3|22/09 08:30|1234|12,5|Côteaux rouges|Saine|Delmas François|Maurin Solène|100|7 Garrigue|0|",
+                "1|2|22/09 00:00|1234|12,5||Saine|Rouquié Clément|Gély Zoé|33,3333| |0|"}));
+}
+
+TEST_F(Base, LooksUpByIndexSoThatGrowthCostsNothing) {
+  const auto Plan = [&](const std::string& Sql) {
+    std::string Texte;
+    auto Étapes = Connexion_->Préparer("EXPLAIN QUERY PLAN " + Ombrey::TraduireEnSqlite(Sql));
+    while (Étapes.Avancer()) Texte += std::get<std::string>(Étapes.Valeur(3)) + "\n";
+    return Texte;
+  };
+  for (const char* Sql :
+       {"SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
+        "SELECT IdMétayage,* FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'", ListeDuJour,
+        "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage WHERE NoChargement "
+        "= 12"
+        " AND CodeSite = '1'"})
+    EXPECT_EQ(Plan(Sql).find("SCAN"), std::string::npos) << Sql << "\n" << Plan(Sql);
+}
+
+TEST_F(Base, LeavesAnExistingFileAlone) {
+  EXPECT_THROW(CréerBase(Dossier_ / "coopé.db", false), Ombrey::ErreurExécution);
+  EXPECT_EQ(Lire("SELECT count(*) FROM Coopérateur"), "12");
+  EXPECT_THROW(CréerBase(Dossier_ / "absent" / "b.db", false), Ombrey::ErreurExécution);
+
+  EXPECT_TRUE(TablesManquantes(*Connexion_).empty());
+  Connexion_->Exécuter("DROP TABLE QuotasGrp");
+  EXPECT_EQ(TablesManquantes(*Connexion_), std::vector<std::string>{"QuotasGrp"});
+}
+
+TEST_F(Base, CreatesMembersAndHoldingsThatTheQueriesFind) {
+  const auto Membre = [&](const char* Code) {
+    Ombrey::NouveauCoopérateur Nouveau{Code, "900-Crée par le RG80", "22/09/2026 08:30:00"};
+    return Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau));
+  };
+  EXPECT_EQ(Membre("900"), "");
+  EXPECT_EQ(Membre("000900"), "ce code existe déjà");
+  for (const char* Code : {"12A", "", "-1", "1000000", "1e9", "';--"})
+    EXPECT_EQ(Membre(Code), "le code n'est pas un nombre de six chiffres au plus") << Code;
+  EXPECT_EQ(Lire("SELECT Nom || Prénom || DateCréation FROM Coopérateur WHERE IdCoopérateur = '900'"),
+            "900-Crée par le RG8046287.3541666667");
+
+  const auto Exploitation = [&](const char* Propriétaire, const char* Récoltant, const char* Part, const char* Groupe) {
+    std::string Code = "0";
+    const std::int16_t Résultat = Base_->AjouterMétayage(Propriétaire, Récoltant, Code, Part, Groupe, "");
+    return Code + Base_->TexteErreurBase(Résultat);
+  };
+  EXPECT_EQ(Exploitation("000900", "123", "033.5000", "7"), "16");
+  EXPECT_EQ(
+      Lire("SELECT Propriétaire || '/' || Récoltant || '/' || Part || '/' || IdGrp || ifnull(CodeBadge, ' sans') FROM "
+           "Métayage WHERE IdMétayage = '16'"),
+      "900/123/33.5/7 sans");
+  EXPECT_EQ(Exploitation("900", "900", "100.0000", "0"), "17");
+  EXPECT_EQ(Lire("SELECT IdGrp IS NULL FROM Métayage WHERE IdMétayage = '17'"), "1");
+  EXPECT_EQ(Exploitation("900", "901", "100", "7"), "0le propriétaire ou le récoltant est inconnu");
+  EXPECT_EQ(Exploitation("900", "123", "ABC.DEFG", "7"), "0la part n'est pas un nombre entre 0 et 999,9999");
+  Connexion_->Exécuter("UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'");
+  EXPECT_EQ(Exploitation("900", "123", "100", "7"), "0il n'y a plus de code d'exploitation libre");
+}
+
+TEST_F(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
+  std::string Vide;
+  std::string Rouge = "05";
+  const auto Exploit = [&](std::string Métayage, std::string Sélection) {
+    return Base_->CalculerRestantExploit(Métayage, Vide, Sélection, Vide, {}, {});
+  };
+  const auto CumulGroupe = [&](const char* Groupe) { return Base_->CalculerCumulGroupe(Groupe, "", "", "05"); };
+  const auto RestantGroupe = [&](std::string Groupe, std::string Sélection) {
+    const double Aujourdhui = Ombrey::NuméroDeJour({2026, 9, 22, 0, 0, 0});
+    return Base_->CalculerRestantGroupe(Groupe, Vide, Sélection, Vide, Aujourdhui, {});
+  };
+  EXPECT_EQ(CumulGroupe("7"), 0);
+  EXPECT_EQ(Exploit("4", "05"), 60'000);  // 8 ha × 7500 kg × 100 %
+  EXPECT_EQ(RestantGroupe("7", "05"), 25'000);
+
+  ASSERT_EQ(Importer(Ligne("1", "22/09/26 08:30", "4", "05", "1000") + Ligne("2", "21/09/26 08:30", "5", "05", "500") +
+                     Ligne("3", "22/09/26 09:00", "4", "10", "70") + Ligne("4", "31/12/25 23:59", "4", "05", "9000") +
+                     Ligne("5", "22/09/26 10:00", "1", "05", "800")),
+            "");
+  ASSERT_EQ(Importer(Ligne("1", "22/09/26 11:00", "5", "05", "30")), "");  // its former bearer is archived, and counts
+  EXPECT_EQ(CumulGroupe("7"), 1530);
+  EXPECT_EQ(CumulGroupe("007"), 1530);
+  EXPECT_EQ(CumulGroupe("1"), 800);
+  EXPECT_EQ(CumulGroupe(""), 0);
+  EXPECT_EQ(Exploit("4", "05"), 59'000);
+  EXPECT_EQ(RestantGroupe("7", "05"), 23'970);
+  EXPECT_EQ(RestantGroupe("7", "10"), 12'430);  // 12500.5 less 70, a half to the even number
+
+  for (const auto& [Métayage, Sélection] : {std::pair{"4", "60"}, {"15", "05"}, {"4", "99"}, {"0", "05"}})
+    EXPECT_EQ(Exploit(Métayage, Sélection), SansQuota) << Métayage << "/" << Sélection;
+  for (const auto& [Groupe, Sélection] : {std::pair{"5", "20"}, {"3", "05"}, {"", "05"}, {"1", "' OR 1=1"}})
+    EXPECT_EQ(RestantGroupe(Groupe, Sélection), SansQuota) << Groupe << "/" << Sélection;
+  Connexion_->Exécuter("UPDATE Chargement SET Masse = 1e12");
+  EXPECT_EQ(CumulGroupe("7"), INT32_MAX);
+  EXPECT_EQ(Exploit("4", "05"), 59'000);
+  EXPECT_EQ(RestantGroupe("7", "05"), INT32_MIN);
+}
+
+class Nouvelles : public Ombrey::IÉcouteurKVSynchro {
+ public:
+  void KVSynchro_DonnéesImportées(const std::string& Site) override { Sites += Site + " "; }
+  std::string Sites;
+};
+
+TEST_F(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
+  EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), "1");
+  std::string Rouge = "05";
+  std::string Inconnue = "'";
+  EXPECT_EQ(Base_->ListeCépages({}, Rouge, true), "Syrah");
+  EXPECT_EQ(Base_->ListeCépages({}, Rouge, false), "Syrah\rGrenache noir\rMourvèdre");
+  EXPECT_EQ(Base_->ListeCépages("M", Rouge, true), "Mourvèdre");
+  EXPECT_EQ(Base_->ListeCépages({}, Inconnue, true), "");
+
+  Nouvelles Écouteur;
+  Base_->KVSynchro()->Connecter(&Écouteur);
+  bool Drapeau = false;
+  Base_->ActiverBase(Drapeau);
+  ASSERT_EQ(Importer(Ligne()), "");
+  Base_->Actualiser();
+  EXPECT_EQ(Écouteur.Sites, "");
+  ASSERT_EQ(Importer("2" + Ligne("9").substr(1)), "");
+  Base_->Actualiser();
+  Base_->Actualiser();
+  EXPECT_EQ(Écouteur.Sites, "2 ");
+}
+
+}  // namespace
+}  // namespace Tarvel

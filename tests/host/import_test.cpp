@@ -1,0 +1,150 @@
+// Import files of every kind, and what becomes of the table of loads.
+#include <sys/wait.h>
+
+#include "tests/host/cooperative_fixture.h"
+
+namespace Tarvel {
+namespace {
+
+using Import = Coopérative;
+namespace fs = std::filesystem;
+
+TEST_F(Import, WritesTheLoadAndAnnouncesIt) {
+  EXPECT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Annonces_, "importé Chargement 1/12\n");
+  EXPECT_EQ(
+      Lire("SELECT Arrivée || ' ' || Sortie || ' ' || Métayage || Sélection || Cépage || Qualité || ' ' || Degré || ' '"
+           " || Masse || ' ' || Cuve || Synchronisé FROM ChargementLisible"),
+      "22/09/2026 08:30 22/09/2026 09:15 405Syrah01 12.5 1234 70");
+}
+
+TEST_F(Import, KeepsEachLoadOnce) {
+  ASSERT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Importer(Ligne("12", "22/09/2026 08:30:00", "4", "05", "1300")), "");
+  EXPECT_EQ(Annonces_, "mis à jour Chargement 1/12\n");
+  EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM Chargement"), "1300/1");
+  EXPECT_EQ(Lire("SELECT count(*) FROM ChargementArchive"), "0");
+
+  // The terminal's counter comes round: another load bears the number.
+  EXPECT_EQ(Importer(Ligne("12", "22/09/26 10:00")), "");
+  EXPECT_EQ(Annonces_, "importé Chargement 1/12\n");
+  EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM Chargement"), "1234/1");
+  EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM ChargementArchive"), "1300/1");
+
+  // And the first one once more.
+  EXPECT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
+  EXPECT_EQ(Lire("SELECT group_concat(Arrivée) FROM ChargementLisible"), "22/09/2026 08:30");
+  EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM ChargementArchive"), "1234/1");
+}
+
+TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
+  const struct {
+    std::string Contenu;
+    const char* Attendu;
+  } Cas[] = {
+      {Ligne("AB12"), "Colonne NoChargement : valeur illisible : « AB12 »"},
+      {Ligne("-12"), "Colonne NoChargement : valeur illisible : « -12 »"},
+      {Ligne(""), "Colonne NoChargement : la valeur manque"},
+      {Ligne("12345"), "Colonne NoChargement : valeur trop longue : « 12345 »"},
+      {Ligne("12", "32/09/26 08:30"), "Colonne DateCh : valeur illisible : « 32/09/26 08:30 »"},
+      {Ligne("12", "22/09/26 08:30", ""), "Colonne Métayage : la valeur manque"},
+      {Ligne("12", "22/09/26 08:30", "4", "ABC"), "Colonne Sélection : valeur trop longue : « ABC »"},
+      {Ligne("12", "22/09/26 08:30", "4",
+             "\x01"
+             "5"),
+       "Colonne Sélection : valeur illisible : « \x01"
+       "5 »"},
+      {Ligne("12", "22/09/26 08:30", "4", "0;"), "Nombre de valeurs incorrect : 18 attendues, 19 lues"},
+      {Ligne("12", "22/09/26 08:30", "4", "\r\n"), "Nombre de valeurs incorrect : 18 attendues, 5 lues"},
+      {Ligne("12", "22/09/26 08:30", "4", "05", "9E99"), "Colonne Masse : valeur illisible : « 9E99 »"},
+      {"1;12;\r\n", "Nombre de valeurs incorrect : 18 attendues, 2 lues"},
+      {"1;12", "Fichier d'import incomplet : la dernière ligne est coupée"},
+      {Ligne().substr(0, Ligne().size() - 2), "Fichier d'import incomplet : la dernière ligne est coupée"},
+      {"", "Fichier d'import vide"},
+      {std::string(600, '\x01') + "\r\n", "Le séparateur manque derrière la dernière valeur"},
+      {Ligne("13") + Ligne("14", "hier"), "Colonne DateCh : valeur illisible : « hier »"},
+  };
+  for (const auto& C : Cas) {
+    EXPECT_EQ(Importer(C.Contenu), C.Attendu);
+    EXPECT_EQ(Annonces_, "");
+    EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "0");
+  }
+}
+
+TEST_F(Import, TakesQuotesForOrdinaryText) {
+  EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "4", "'\"", "") + Ligne("13", "22/09/26 08:31", "')--")), "");
+  EXPECT_EQ(Lire("SELECT Sélection || ifnull(Masse, ' sans masse') FROM Chargement WHERE NoChargement = 12"),
+            "'\" sans masse");
+  EXPECT_EQ(Lire("SELECT Métayage FROM Chargement WHERE NoChargement = 13"), "')--");
+}
+
+TEST_F(Import, StaysDoneWhenAListenerFails) {
+  ÉcouteurEnPanne_ = true;
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(Importer(Ligne("12") + Ligne("13")), "");
+  EXPECT_NE(testing::internal::GetCapturedStderr().find("panne de l'écouteur"), std::string::npos);
+  EXPECT_EQ(Annonces_, "importé Chargement 1/12\nimporté Chargement 1/13\n");
+}
+
+TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
+  bool Drapeau = false;
+  const auto Etat = Base_->EtatBdD();
+  EXPECT_FALSE(Etat->TableImporter(TitreImport, (Dossier_ / "absent.txt").string(), Drapeau));
+  EXPECT_EQ(Etat->DernièreErreur(), "Fichier d'import illisible : " + (Dossier_ / "absent.txt").string());
+  EXPECT_FALSE(Etat->TableImporter("Autre titre", "x", Drapeau));
+  EXPECT_EQ(Etat->DernièreErreur(), "Définition d'import inconnue : Autre titre");
+
+  const struct {
+    const char* Changement;
+    const char* Attendu;
+  } Cas[] = {
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'texte', 'mémo')",
+       "faux : Définition d'import : genre inconnu pour la colonne CodeSite"},
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'Cuve', 'Cuvier')",
+       "faux : Définition d'import : colonne inconnue : Cuvier"},
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')",
+       "faux : Définition d'import : il manque la colonne DateCh"},
+      {"UPDATE MSysEtats SET Format = NULL",
+       "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
+      {"DROP TABLE ChargementArchive",
+       "faux : Table introuvable : ChargementArchive (no such table: ChargementArchive)"},
+      {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats (no such table: MSysEtats)"},
+  };
+  for (const auto& C : Cas) {
+    Connexion_->Exécuter("SAVEPOINT Avant");
+    Connexion_->Exécuter(C.Changement);
+    Connexion_->Exécuter("RELEASE Avant");
+    EXPECT_EQ(Importer(Ligne()), C.Attendu);
+    Connexion_.reset();
+    Base_.reset();
+    fs::remove_all(Dossier_ / "coopé.db");
+    CréerBase(Dossier_ / "coopé.db", true);
+    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db");
+    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+  }
+}
+
+TEST_F(Import, SaysThatTheFileIsReadOnly) {
+  fs::permissions(Dossier_ / "coopé.db", fs::perms{0444});
+  fs::permissions(Dossier_, fs::perms{0777});
+  Base_.reset();
+  Connexion_.reset();
+  const pid_t Enfant = fork();
+  if (Enfant == 0) {
+    constexpr uid_t Personne = 65534;
+    if (geteuid() == 0 && setuid(Personne) != 0) _exit(2);
+    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db");
+    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    Ombrey::NouveauCoopérateur Nouveau{"900", "Nom", ""};
+    const bool EstDit =
+        Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau)).find("en lecture seule") != std::string::npos;
+    _exit(EstDit && Importer(Ligne()).starts_with("faux : La base de données est en lecture seule") ? 0 : 3);
+  }
+  int Etat = 0;
+  ASSERT_EQ(waitpid(Enfant, &Etat, 0), Enfant);
+  EXPECT_EQ(WEXITSTATUS(Etat), 0);
+}
+
+}  // namespace
+}  // namespace Tarvel
