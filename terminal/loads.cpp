@@ -32,17 +32,21 @@ std::string Chiffres(unsigned Valeur, std::size_t Largeur) {
   return Texte.size() >= Largeur ? Texte : std::string(Largeur - Texte.size(), '0') + Texte;
 }
 
-struct CoopérateurPlausible {
-  unsigned Propriétaire, Récoltant, Groupe, Part;
+struct ExploitationPlausible {
+  unsigned Propriétaire, Récoltant, Groupe;
+  unsigned Part;  // in ten-thousandths of a percent
 };
-constexpr std::array<CoopérateurPlausible, 6> CoopérateursPlausibles{{{101, 101, 1, 100},
-                                                                      {102, 102, 1, 100},
-                                                                      {103, 103, 2, 100},
-                                                                      {104, 105, 2, 50},
-                                                                      {105, 105, 3, 100},
-                                                                      {106, 101, 3, 75}}};
-constexpr std::array<unsigned, 3> AppellationsPlausibles{10, 20, 30};
-constexpr std::array<unsigned, 3> QualitésPlausibles{1, 2, 3};
+constexpr std::array<ExploitationPlausible, 9> ExploitationsPlausibles{{{101, 101, 1, 1000000},
+                                                                        {102, 102, 1, 1000000},
+                                                                        {103, 102, 1, 500000},
+                                                                        {123, 456, 7, 1000000},
+                                                                        {210, 305, 2, 666667},
+                                                                        {305, 305, 2, 1000000},
+                                                                        {318, 318, 2, 1000000},
+                                                                        {402, 511, 5, 500000},
+                                                                        {730, 624, 5, 500000}}};
+constexpr std::array<unsigned, 5> AppellationsPlausibles{5, 10, 20, 30, 40};
+constexpr std::array<unsigned, 4> QualitésPlausibles{1, 2, 3, 4};
 
 }  // namespace
 
@@ -77,14 +81,15 @@ std::vector<Chargement> ChargementsAuHasard(unsigned Nombre, unsigned PremierNum
   };
   std::vector<Chargement> Faits(Nombre);
   for (unsigned Rang = 0; Rang < Nombre; ++Rang) {
-    const CoopérateurPlausible& Qui = UnDe(CoopérateursPlausibles);
+    const ExploitationPlausible& Qui = UnDe(ExploitationsPlausibles);
     const std::string Heure = Chiffres(Dés.Entre(7, 18), 2);
     const unsigned Arrivée = Dés.Entre(0, 40);
     std::string& Texte = Faits[Rang].Enregistrement;
     Texte = Chiffres((PremierNuméro + Rang) % FinDesNuméros, LongueurNuméro) + Date;
-    Texte += Heure + Chiffres(Arrivée, 2) + Heure + Chiffres(Arrivée + Dés.Entre(3, 19), 2);
+    Texte.append(Heure).append(Chiffres(Arrivée, 2));
+    Texte.append(Heure).append(Chiffres(Arrivée + Dés.Entre(3, 19), 2));
     Texte += Chiffres(Qui.Propriétaire, 6) + Chiffres(Qui.Récoltant, 6) + Chiffres(Qui.Groupe, 3);
-    Texte += Chiffres(Qui.Part, 3) + "0000";
+    Texte += Chiffres(Qui.Part, 7);
     Texte += Chiffres(UnDe(AppellationsPlausibles), 2) + Chiffres(UnDe(QualitésPlausibles), 2);
     Texte += Chiffres(Dés.Entre(95, 148), 3) + Chiffres(Dés.Entre(1, 3), 1);
     Texte += Chiffres(Dés.Entre(400, 9800), 4) + Chiffres(Dés.Entre(1, 24), 3);

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <chrono>
 #include <map>
 #include <sstream>
@@ -81,165 +82,108 @@ struct Bench {
   Terminal Engine;
 };
 
-// A step is "in <bytes>", "out <bytes>" (all that came out since the last look) or "wait <milliseconds>".
+// A step is "in <bytes>", "out <bytes>" (all that came out since the last look) or "wait <milliseconds>"; several
+// in one text are divided by " | ". "f6" ahead of all: file reception is on.
 struct Dialogue {
   const char* Name;
-  std::string Lines;
-  bool Files;
+  std::string Lines;  // the loads file
   std::vector<std::string> Steps;
-  std::string Summary;  // envoyés, acquittés, refusés, sans réponse, réponses, fichiers
+  std::string Figures;  // envoyés, acquittés, refusés, sans réponse, réponses, fichiers
 };
 
-void PrintTo(const Dialogue& Case, std::ostream* Stream) { *Stream << Case.Name; }
-
-class DialogueTest : public testing::TestWithParam<Dialogue> {};
-
-TEST_P(DialogueTest, RunsAsWritten) {
-  const Dialogue& Case = GetParam();
-  Bench Table(Case.Lines, Case.Files);
-  for (const std::string& Step : Case.Steps) {
+void Do(Bench& Table, const std::string& Steps) {
+  const std::string Divider = " | ";
+  for (std::size_t At = 0, End = 0; At < Steps.size(); At = End + Divider.size()) {
+    End = std::min(Steps.find(Divider, At), Steps.size());
+    const std::string Step = Steps.substr(At, End - At);
     const std::string Rest = Step.substr(Step.find(' ') + 1);
     if (Step.starts_with("in ")) Table.In(Rest);
     if (Step.starts_with("wait ")) Table.Wait(std::chrono::milliseconds(std::stoi(Rest)));
     if (Step.starts_with("out ")) {
-      ASSERT_EQ(Table.TakeOut(), Rest) << Table.World.Said;
+      EXPECT_EQ(Table.TakeOut(), Rest) << Table.World.Said;
     }
   }
+}
+
+void Play(const Dialogue& Case) {
+  SCOPED_TRACE(Case.Name);
+  Bench Table(Case.Lines, Case.Steps.front() == "f6");
+  for (const std::string& Steps : Case.Steps) Do(Table, Steps);
   EXPECT_EQ(Table.TakeOut(), "");
   const Bilan Sum = Table.Engine.Terminer();
   std::ostringstream Figures;
   Figures << Sum.Envoyés << Sum.Acquittés << Sum.Refusés << Sum.SansRéponse << Sum.Réponses << Sum.Fichiers;
-  EXPECT_EQ(Figures.str(), Case.Summary) << Table.World.Said;
+  EXPECT_EQ(Figures.str(), Case.Figures) << Table.World.Said;
 }
 
-const std::string Group83 = "007" + std::string(80, 'x');
+const std::string Offer12 = "in <ENQ>A | " + Answer12;
+const std::string Taken12 = Offer12 + " | in <ACK>";
+const std::string Empty = "in <ENQ>A | out <NAK>A";
+const std::string Wrong12 = "out <ACK>A<STX>" + Load12 + "<ETX><0";
 
-INSTANTIATE_TEST_SUITE_P(
-    Queue, DialogueTest,
-    testing::Values(
-        Dialogue{"no load", "", false, {"in <ENQ>A", "out <NAK>A"}, "000000"},
-        Dialogue{"an acknowledged load leaves the queue",
-                 Load12 + "\n" + Load13,
-                 false,
-                 {"in <ENQ>A", Answer12, "in <ACK>", "in <ENQ>A", Answer13, "in <ACK>", "in <ENQ>A", "out <NAK>A"},
-                 "220000"},
-        Dialogue{"a refused load is offered again",
-                 Load12,
-                 false,
-                 {"in <ENQ>A", Answer12, "in <NAK>", "in <ENQ>A", Answer12, "in <ACK>"},
-                 "211000"},
-        Dialogue{"silence is given up after ten seconds and a late ACK then means nothing",
-                 Load12,
-                 false,
-                 {"in <ENQ>A", Answer12, "wait 10000", "in <ACK>", "wait 1000", "in <ENQ>A", Answer12, "in <ACK>"},
-                 "210100"},
-        Dialogue{"a request in place of an answer counts as none",
-                 Load12,
-                 false,
-                 {"in <ENQ>A", Answer12, "in <ENQ>A", Answer12, "in <ENQ>8", "out <ACK>8"},
-                 "200200"},
-        Dialogue{"noise ahead of ACK is passed over",
-                 Load12,
-                 false,
-                 {"in <ENQ>A", Answer12, "in xy<EOT><ACK>", "in <ENQ>A", "out <NAK>A"},
-                 "110000"},
-        Dialogue{"a load that still waits at the end is unanswered", Load12, false, {"in <ENQ>A", Answer12}, "100100"},
-        Dialogue{"a lost code is forgotten", Load12, false, {"in <ENQ>", "wait 2000", "in A"}, "000000"},
-        Dialogue{"a doubled ENQ opens one request", "", false, {"in <ENQ><ENQ>A", "out <NAK>A"}, "000000"},
-        Dialogue{"an unknown request is refused", "", false, {"in <ENQ>Z", "out <NAK>Z"}, "000000"}));
+TEST(Queue, IsEmptiedByAcknowledgementsAlone) {
+  const std::vector<Dialogue> Cases{
+      {"no load", "", {"in <ENQ>A | out <NAK>A"}, "000000"},
+      {"acknowledged", Load12 + "\n" + Load13, {Taken12, "in <ENQ>A", Answer13, "in <ACK>", Empty}, "220000"},
+      {"refused", Load12, {Offer12, "in <NAK>", Taken12, Empty}, "211000"},
+      {"ten seconds of silence, then a late ACK",
+       Load12,
+       {Offer12, "wait 10000 | in <ACK> | wait 1000", Taken12},
+       "210100"},
+      {"a request in place of an answer", Load12, {Offer12, Offer12, "in <ENQ>8 | out <ACK>8"}, "200200"},
+      {"noise ahead of ACK", Load12, {Offer12, "in xy<EOT><ACK>", Empty}, "110000"},
+      {"still waiting at the end", Load12, {Offer12}, "100100"},
+      {"a lost code", Load12, {"in <ENQ> | wait 2000 | in A"}, "000000"},
+      {"a doubled ENQ", "", {"in <ENQ>", Empty}, "000000"},
+      {"an unknown request", "", {"in <ENQ>Z | out <NAK>Z"}, "000000"}};
+  for (const Dialogue& Case : Cases) Play(Case);
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    FirstOffering, DialogueTest,
-    testing::Values(
-        Dialogue{"silence",
-                 "!silence " + Load12,
-                 false,
-                 {"in <ENQ>A", "wait 9000", "in <ENQ>A", Answer12, "in <ACK>"},
-                 "110000"},
-        Dialogue{"nak", "!nak " + Load12, false, {"in <ENQ>A", "out <NAK>A", "in <ENQ>A", Answer12}, "100100"},
-        Dialogue{"checksum",
-                 "!checksum " + Load12,
-                 false,
-                 {"in <ENQ>A", "out <ACK>A<STX>" + Load12 + "<ETX><0", "in <NAK>", "in <ENQ>A", Answer12, "in <ACK>"},
-                 "211000"},
-        Dialogue{"retard",
-                 "!retard " + Load12,
-                 false,
-                 {"in <ENQ>A", "wait 2499", "out ", "wait 1", Answer12, "in <ACK>"},
-                 "110000"},
-        Dialogue{"a late answer is dropped for the next request",
-                 "!retard " + Load12,
-                 false,
-                 {"in <ENQ>A", "wait 2000", "in <ENQ>8", "out <ACK>8", "wait 3000"},
-                 "000000"},
-        Dialogue{"ack-perdu",
-                 "!ack-perdu " + Load12,
-                 false,
-                 {"in <ENQ>A", Answer12, "in <ACK>", "in <ENQ>A", Answer12, "in <ACK>", "in <ENQ>A", "out <NAK>A"},
-                 "210100"},
-        Dialogue{"two faults",
-                 "!retard !checksum " + Load12,
-                 false,
-                 {"in <ENQ>A", "wait 2500", "out <ACK>A<STX>" + Load12 + "<ETX><0"},
-                 "100100"}));
+TEST(Faults, OfALoadsFileShowAtTheFirstOfferingOnly) {
+  const std::vector<Dialogue> Cases{
+      {"silence", "!silence " + Load12, {"in <ENQ>A | wait 9000", Taken12}, "110000"},
+      {"nak", "!nak " + Load12, {Empty, Taken12}, "110000"},
+      {"checksum", "!checksum " + Load12, {"in <ENQ>A", Wrong12, "in <NAK>", Taken12}, "211000"},
+      {"retard", "!retard " + Load12, {"in <ENQ>A | wait 2499 | out  | wait 1", Answer12, "in <ACK>"}, "110000"},
+      {"a late answer is dropped for the next request",
+       "!retard " + Load12,
+       {"in <ENQ>A | wait 2000 | in <ENQ>8 | out <ACK>8 | wait 3000"},
+       "000000"},
+      {"ack-perdu", "!ack-perdu " + Load12, {Taken12, Taken12, Empty}, "210100"},
+      {"two", "!retard !checksum " + Load12, {"in <ENQ>A | wait 2500", Wrong12}, "100100"}};
+  for (const Dialogue& Case : Cases) Play(Case);
+}
 
-INSTANTIATE_TEST_SUITE_P(
-    Frames, DialogueTest,
-    testing::Values(
-        Dialogue{"a link test leaves the terminal ready",
-                 Load12,
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in <ENQ>A", Answer12, "in <ACK>"},
-                 "110000"},
-        Dialogue{"a reply",
-                 "",
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in " + ReplyFrame, "out <ACK>", "in <EOT>", "in <ENQ>A", "out <NAK>A"},
-                 "000010"},
-        Dialogue{"noise ahead of the frame",
-                 "",
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in ??" + ReplyFrame, "out <ACK>"},
-                 "000010"},
-        Dialogue{"a wrong checksum is refused once the frame falls silent",
-                 "",
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in <STX>" + Reply + "<ETX>;3", "wait 999", "out ", "wait 1", "out <NAK>"},
-                 "000000"},
-        Dialogue{"a frame cut short is refused",
-                 "",
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in <STX>", "wait 1000", "out <NAK>", "in <ENQ>8", "out <ACK>8"},
-                 "000000"},
-        Dialogue{"an ETX within the text doesn't end it",
-                 "",
-                 false,
-                 {"in <ENQ>8", "out <ACK>8", "in <STX>a<ETX>bc<ETX>2>", "out <ACK>"},
-                 "000010"},
-        Dialogue{"files are refused out of file reception",
-                 "",
-                 false,
-                 {"in <ENQ>1", "out <NAK>1", "in <ENQ>2", "out <NAK>2", "in <ENQ>4", "out <NAK>4", "in <ENQ>5",
-                  "out <NAK>5", "in <ENQ>6", "out <NAK>6"},
-                 "000000"},
-        Dialogue{"an unannounced frame is passed over", "", true, {"in " + ReplyFrame, "wait 2000"}, "000000"}));
+TEST(Frames, AreJudgedByTheirChecksumAndAnswered) {
+  const std::string Ready = "in <ENQ>8 | out <ACK>8";
+  // The text a, ETX, bc adds up to 302 in its frame, of which the low eight bits are 46.
+  const std::vector<Dialogue> Cases{
+      {"a bare link test", Load12, {Ready, Taken12}, "110000"},
+      {"a reply", "", {Ready, "in " + ReplyFrame, "out <ACK> | in <EOT>", Empty}, "000010"},
+      {"noise ahead", "", {Ready, "in ??" + ReplyFrame, "out <ACK>"}, "000010"},
+      {"a wrong checksum", "", {Ready, "in <STX>000000<ETX>;3 | wait 999 | out  | wait 1 | out <NAK>"}, "000000"},
+      {"cut short",
+       "",
+       {Ready, "in <STX>123 | wait 1000 | out <NAK>", Ready, "in " + ReplyFrame, "out <ACK>"},
+       "000010"},
+      {"ETX within the text", "", {Ready, "in <STX>a<ETX>bc<ETX>2> | out <ACK>"}, "000010"},
+      {"unannounced", "", {"in " + ReplyFrame, "wait 2000"}, "000000"}};
+  for (const Dialogue& Case : Cases) Play(Case);
+}
 
-std::string Shown(const std::string& Framed) { return Lisible(Framed); }
-
-INSTANTIATE_TEST_SUITE_P(Files, DialogueTest,
-                         testing::Values(Dialogue{"two groups",
-                                                  "",
-                                                  true,
-                                                  {"in <ENQ>2", "out <ACK>2",
-                                                   "in " + Shown(Encadrer(Group83 + Group83)), "out <ACK>", "in <EOT>"},
-                                                  "000001"},
-                                         Dialogue{"a length that is no multiple is refused",
-                                                  "",
-                                                  true,
-                                                  {"in <ENQ>2", "out <ACK>2", "in " + Shown(Encadrer(Group83 + "x")),
-                                                   "out <NAK>", "in <ENQ>2", "out <ACK>2",
-                                                   "in " + Shown(Encadrer(Group83)), "out <ACK>"},
-                                                  "000001"}));
+TEST(Files, AreTakenInFileReceptionOnlyAndInWholeRecords) {
+  const std::string Group = "007" + std::string(80, 'x');
+  const std::string Ready = "in <ENQ>2 | out <ACK>2";
+  const std::vector<Dialogue> Cases{
+      {"out of file reception",
+       "",
+       {"in <ENQ>1 | out <NAK>1 | in <ENQ>2 | out <NAK>2 | in <ENQ>4 | out <NAK>4",
+        "in <ENQ>5 | out <NAK>5 | in <ENQ>6 | out <NAK>6"},
+       "000000"},
+      {"whole records", "", {"f6", Ready, "in " + Lisible(Encadrer(Group + Group)), "out <ACK> | in <EOT>"}, "000001"},
+      {"a byte too many", "", {"f6", Ready, "in " + Lisible(Encadrer(Group + "x")), "out <NAK>"}, "000000"}};
+  for (const Dialogue& Case : Cases) Play(Case);
+}
 
 TEST(Files, KeepTheirBytesAndAreCutByTheirRecordLength) {
   for (const FichierConnu& Known : FichiersConnus) {
@@ -255,7 +199,7 @@ TEST(Files, KeepTheirBytesAndAreCutByTheirRecordLength) {
 TEST(Files, BeyondAllMeasureAreRefused) {
   Bench Table("", true);
   Table.In("<ENQ>1");
-  Table.In(Encadrer(std::string(41 * 200000, 'x')));
+  Table.In(Encadrer(std::string(std::size_t{41} * 200000, 'x')));
   Table.Wait(1000ms);
   EXPECT_EQ(Table.TakeOut(), "<ACK>1<NAK>");
   EXPECT_TRUE(Table.World.Files.empty());
@@ -338,11 +282,13 @@ TEST(Faults, LoseNoLoad) {
 }
 
 TEST(End, ComesWithTheLastReplyOrFiveSecondsBehindTheLastLoad) {
-  Bench Table(Load12);
-  EXPECT_FALSE(Table.Engine.MomentDeFin());
-  Table.In("<ENQ>A");
-  Table.In("<ACK>");
-  EXPECT_EQ(Table.Engine.MomentDeFin(), Table.Now + 5s);
+  Bench Table(Load12 + "\n" + Load13);
+  Table.In("<ENQ>A<ACK><ENQ>8");
+  Table.In(ReplyFrame);
+  Table.In("<EOT>");
+  EXPECT_FALSE(Table.Engine.MomentDeFin()) << "a load waits";
+  Table.In("<ENQ>A<ACK><EOT>");
+  EXPECT_EQ(Table.Engine.MomentDeFin(), Table.Now + 5s) << "the earlier reply is not this load's";
   Table.Wait(100ms);
   Table.In("<ENQ>8");
   Table.In(ReplyFrame);
