@@ -21,3 +21,11 @@ if(rg80_main)
   add_executable(rg80 ${rg80_main})
   target_link_libraries(rg80 PRIVATE terminal)
 endif()
+
+# What ./run needs.
+add_custom_target(programs)
+foreach(program PlgInOmbrey tarvel rg80)
+  if(TARGET ${program})
+    add_dependencies(programs ${program})
+  endif()
+endforeach()

@@ -39,10 +39,13 @@ install_packages() {
   fi
 }
 
-# $1: preset. Builds with at most as many jobs as there are cores.
+# $1: preset; the rest: targets, all of them unless given.
 build() {
-  [ -f "build/$1/build.ninja" ] || cmake --preset "$1" >"$log" 2>&1 || { cat "$log" >&2; fail "cmake failed"; }
-  cmake --build --preset "$1" >"$log" 2>&1 || { tail -60 "$log" >&2; fail "The build failed"; }
+  local preset=$1 targets=()
+  shift
+  [ $# -eq 0 ] || targets=(--target "$@")
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >"$log" 2>&1 || { tail -40 "$log" >&2; fail "cmake failed"; }
+  cmake --build --preset "$preset" "${targets[@]}" >"$log" 2>&1 || { tail -n 60 "$log" | cut -c -400 >&2; fail "The build failed"; }
 }
 
 log=$(mktemp)

@@ -4,7 +4,6 @@
 #include "common/text_helpers.h"
 #include "core/button_picture.h"
 #include "import/load_record.h"
-#include "transfer/transfer_window.h"
 
 namespace Ombrey {
 
@@ -110,6 +109,7 @@ void PlugIn::TransférerDonnées() {
       État_.Ligne.PrendreOuReporter(DemandeLigne::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });
   if (!Ligne) return;
   const auto Fenêtre = std::make_shared<FChargntDonnées>(État_);
+  FChargntDonnées_ = Fenêtre;
   Fenêtre->Afficher(*this, État_.Retard);
 }
 

@@ -18,6 +18,7 @@
 #include "link/polling.h"
 #include "link/transmission.h"
 #include "quotas/cumuls.h"
+#include "transfer/transfer_window.h"
 
 namespace Ombrey {
 
@@ -95,6 +96,7 @@ class PlugIn final : public IPlugInTarvel,
   void Reporter(Geste Faire);
 
   CanalFenêtre Canal_;
+  std::weak_ptr<FChargntDonnées> FChargntDonnées_;  ///< the transfer window, while it is open
   ÉtatPlugIn État_;
   Échange Échange_;
   Transmission Transmission_;

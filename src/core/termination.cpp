@@ -27,6 +27,9 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });
   // Only the plug-in's last hour is the day's: a second call finds no host and leaves the files alone.
   if (État_.PlugInCourant) Ignorer(Ignorée, [this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
+  Ignorer(Ignorée, [this] {
+    if (const auto Ouverte = FChargntDonnées_.lock()) Ouverte->Décharger();
+  });
   Ignorer(Ignorée, [this] { Canal_.Décharger(); });
   État_.PlugInCourant.reset();
   État_.EventPortComRG80.reset();

@@ -193,6 +193,18 @@ TEST_F(Hôte, ButtonAndMenuDuringAPollWaitForItsEndAndRunOnce) {
   EXPECT_GT(Plateforme.Port->Ecrits.size(), 3U) << "polling goes on";
 }
 
+TEST_F(Hôte, EndWhileTheTransferWindowIsOpenClosesIt) {
+  Initialiser();
+  LePlugIn->IPlugInTarvel_Afficher();
+  std::string Texte;
+  LePlugIn->IPlugInTarvel_AjouterMenu(3, Texte);
+  TerminalVide();
+  Plateforme.LeSystème.Après(milliseconds(5000), [this] { LePlugIn->IPlugInTarvel_Terminer(); });
+  LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
+  EXPECT_EQ(Plateforme.LesFenêtres.VueChargntDonnées, nullptr);
+  EXPECT_TRUE(Plateforme.LesFenêtres.Boîtes.empty());
+}
+
 TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   Initialiser();
   LePlugIn->IPlugInTarvel_Afficher();
