@@ -2,6 +2,7 @@
 #include "platform/loop/timer.h"
 
 #include <algorithm>
+#include <string>
 #include <utility>
 
 namespace Ombrey {
@@ -11,10 +12,10 @@ RetardBoucle::RetardBoucle(IBoucle& Boucle, Événement FinTempo)
 
 void RetardBoucle::Démarrer(std::int32_t Délai, const std::string& Code) {
   const std::chrono::milliseconds Attente(std::max<std::int32_t>(Délai, 0));
-  Attente_ = Boucle_.Après(Attente, [FinTempo = FinTempo_, Code] {
-    // The event may drop the timer, and a loop may drop this closure with it.
-    const auto Tenu = FinTempo;
-    const std::string CodeRetour = Code;
+  // The event may drop the timer, and a loop may drop this closure with it.
+  Attente_ = Boucle_.Après(Attente, [Appel = FinTempo_, Retour = Code]() mutable {
+    const auto Tenu = std::move(Appel);
+    const std::string CodeRetour = std::move(Retour);
     (*Tenu)(CodeRetour);
   });
 }

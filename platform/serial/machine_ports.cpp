@@ -81,6 +81,7 @@ std::vector<PortTrouvé> PortsListésDans(const fs::path& Classe) {
     return std::tie(A.Adaptateur, A.Préfixe, A.Numéro) < std::tie(B.Adaptateur, B.Préfixe, B.Numéro);
   });
   std::vector<PortTrouvé> Ports;
+  Ports.reserve(Candidats.size());
   for (auto& Trouvé : Candidats) Ports.push_back(std::move(Trouvé.Port));
   return Ports;
 }

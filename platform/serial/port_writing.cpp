@@ -1,5 +1,6 @@
 // The port on a serial device: writing at the line's pace.
 #include <algorithm>
+#include <string>
 #include <string_view>
 
 #include "platform/serial/serial_port.h"
@@ -32,8 +33,8 @@ bool PortSérie::Ecrire(const Octets& Texte) {
   if (EnvoiEnCours_) return Échouer("Le port " + Nom_ + " est occupé par un autre envoi.");
   if (!Voulu_) return Échouer("Le port " + Nom_ + " est fermé.");
   if (!Appareil_ && !Ouvrir()) return false;
-  const Octets Tenu = Texte;
-  Envoi Travail{Tenu.Bruts(), Session_, Horloge::now()};
+  const std::string Tenu(Texte.Bruts());
+  Envoi Travail{Tenu, Session_, Horloge::now()};
   struct Garde {
     bool& EnCours;
     explicit Garde(bool& Drapeau) : EnCours(Drapeau) { EnCours = true; }
@@ -95,7 +96,9 @@ std::size_t PortSérie::Permis() const {
   if (!Appareil_->EstPseudoTerminal()) return std::string_view::npos;
   const auto Maintenant = Horloge::now();
   const auto Avance = Maintenant + AvancePseudoTerminal - std::max(FinDeLigne_, Maintenant);
-  return Avance <= 0ns ? 0 : static_cast<std::size_t>(Avance / TempsCaractère_);
+  // On the slowest lines one character takes longer than the advance.
+  const std::int64_t AuMoins = FinDeLigne_ <= Maintenant ? 1 : 0;
+  return static_cast<std::size_t>(std::max<std::int64_t>(Avance / TempsCaractère_, AuMoins));
 }
 
 }  // namespace Ombrey

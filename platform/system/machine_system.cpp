@@ -61,7 +61,7 @@ DateHeure SystèmeMachine::Maintenant() const {
 }
 
 std::filesystem::path SystèmeMachine::DossierImportsConservés() const {
-  const auto Dossier = Dossier_ / "imports-refusés";
+  auto Dossier = Dossier_ / "imports-refusés";
   CréerDossierPrivé(Dossier);
   return Dossier;
 }

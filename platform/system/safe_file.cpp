@@ -58,9 +58,12 @@ class Provisoire {
     if (!Gardé_) unlink(Nom_.c_str());
   }
 
-  /// The owner is kept where the system lets us: without that the file would still be the right one.
+  /// Who isn't the superuser can give a file to a group of his own, at most. The file is the right one without it.
   void Imiter(const struct stat& Modèle) const {
-    if (fchown(Fichier_.Numéro(), Modèle.st_uid, Modèle.st_gid) != 0 && errno != EPERM) Refuser(Final_, "écrit", errno);
+    const int Fichier = Fichier_.Numéro();
+    const bool Donné = fchown(Fichier, Modèle.st_uid, Modèle.st_gid) == 0 ||
+                       fchown(Fichier, static_cast<uid_t>(-1), Modèle.st_gid) == 0;
+    if (!Donné && errno != EPERM) Refuser(Final_, "écrit", errno);
     if (fchmod(Fichier_.Numéro(), Modèle.st_mode & MasqueDroits) != 0) Refuser(Final_, "écrit", errno);
   }
 

@@ -150,6 +150,9 @@ TEST_F(Port, SendsAShortFrameAtOnceAndReturnsWhenItHasLeft) {
   EXPECT_GE(Horloge::now() - Début, 50ms);
   EXPECT_EQ(Arrivés, Trame);
   EXPECT_TRUE(LePort->Ecrire(Octets()));
+  LePort->FixerBauds(50);
+  ASSERT_TRUE(LePort->Ouvrir());
+  EXPECT_TRUE(LePort->Ecrire(Octets("x"))) << LePort->DernièreErreurPort();
 }
 
 TEST_F(Port, CloseWithinAWriteEndsItAtOnceAndASecondWriteIsRefused) {

@@ -164,23 +164,5 @@ TEST(SystèmeMachine, ReadsTheDecimalSeparatorFromTheEnvironment) {
   }
 }
 
-TEST(SystèmeMachine, TellsTheWallClock) {
-  setenv("TZ", "XXX-2", 1);
-  const Essais::DossierEssai Dossier;
-  BouclePoll Boucle;
-  const SystèmeMachine Système(Boucle, Dossier.Chemin());
-  const std::time_t Avant = std::time(nullptr) + 2 * 3600;
-  const DateHeure Lu = Système.Maintenant();
-  std::tm Champs{};
-  Champs.tm_year = Lu.Année - 1900;
-  Champs.tm_mon = Lu.Mois - 1;
-  Champs.tm_mday = Lu.Jour;
-  Champs.tm_hour = Lu.Heure;
-  Champs.tm_min = Lu.Minute;
-  Champs.tm_sec = Lu.Seconde;
-  EXPECT_LE(timegm(&Champs) - Avant, 1);
-  EXPECT_GE(timegm(&Champs) - Avant, 0);
-}
-
 }  // namespace
 }  // namespace Ombrey
