@@ -24,7 +24,7 @@ endif()
 
 # What ./run needs.
 add_custom_target(programs)
-foreach(program PlgInOmbrey tarvel rg80)
+foreach(program PlgInOmbrey tarvel tarvel-qt rg80)
   if(TARGET ${program})
     add_dependencies(programs ${program})
   endif()

@@ -16,6 +16,7 @@
 #include "host/options.h"
 #include "host/schema.h"
 #include "host/station.h"
+#include "host/windows_module.h"
 #include "platform/database/sqlite_connection.h"
 
 namespace {
@@ -35,6 +36,8 @@ void OccuperFluxStandard() {
 
 /// The one place that chooses what the station looks like.
 std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisies) {
+  if (!Choisies.Console && Tarvel::FenêtresInstallées()) return Tarvel::CréerÉditionFenêtrée(Choisies);
+  if (!Choisies.Console) std::fputs("tarvel : édition sans fenêtres, le travail se fait en console\n", stderr);
   return std::make_unique<Tarvel::ÉditionConsole>(Choisies, STDIN_FILENO, STDOUT_FILENO);
 }
 

@@ -1,24 +1,21 @@
 // Message boxes on a screen.
 #include "platform/qt/qt_message_box.h"
 
-#include <QApplication>
-#include <QDialog>
 #include <QDialogButtonBox>
 #include <QGridLayout>
 #include <QLabel>
-#include <QPointer>
 #include <QScreen>
 #include <QStyle>
 #include <QTextEdit>
 #include <algorithm>
 #include <optional>
 
+#include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
 
 namespace {
-constexpr std::chrono::hours PatienceParPompe(1);
 /// The text's room at most, in parts of the screen.
 constexpr int PartLargeur = 3;
 constexpr int PartHauteur = 2;
@@ -81,39 +78,17 @@ class BoîteQt : public QDialog {
     return Bouton;
   }
 };
-
-/// The window below may go while the box waits, and takes the box with it.
-class BoîteTenue {
- public:
-  explicit BoîteTenue(BoîteQt* Boîte) : Boîte_(Boîte) {}
-  BoîteTenue(const BoîteTenue&) = delete;
-  BoîteTenue& operator=(const BoîteTenue&) = delete;
-  ~BoîteTenue() {
-    if (!Boîte_) return;
-    Boîte_->hide();
-    Boîte_->deleteLater();
-  }
-  BoîteQt* operator->() const { return Boîte_; }
-  [[nodiscard]] bool EnVue() const { return Boîte_ && Boîte_->isVisible(); }
-  [[nodiscard]] std::optional<RéponseBoîte> Réponse() const { return Boîte_ ? Boîte_->Réponse : std::nullopt; }
-
- private:
-  QPointer<BoîteQt> Boîte_;
-};
 }  // namespace
 
 RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
                               BoutonsBoîte Boutons) {
   const RéponseBoîte Défaut = Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   if (Contexte.EnFin) return Défaut;
-  QWidget* const Dessous =
-      QApplication::activeModalWidget() != nullptr ? QApplication::activeModalWidget() : QApplication::activeWindow();
-  const BoîteTenue Boîte(new BoîteQt(Dessous, Texte(Message), Boutons));
+  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons));
+  const QPointer<BoîteQt> Ouverte = Boîte.Pointeur();
   Boîte->setWindowTitle(Texte(Titre));
-  Boîte->show();
-  Boîte->activateWindow();
-  while (Boîte.EnVue() && !Contexte.EnFin) Contexte.Boucle.Pomper(PatienceParPompe);
-  return Boîte.Réponse().value_or(Défaut);
+  Boîte.Attendre(Contexte);
+  return Ouverte ? Ouverte->Réponse.value_or(Défaut) : Défaut;
 }
 
 }  // namespace Ombrey

@@ -12,8 +12,6 @@
 namespace Ombrey {
 
 namespace {
-/// Nothing but an event ends a modal wait; the pump comes up for air at this pace.
-constexpr std::chrono::hours PatienceParPompe(1);
 /// Between a button's edge and its text, pixels.
 constexpr int MargeTexte = 3;
 }  // namespace

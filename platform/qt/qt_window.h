@@ -3,6 +3,7 @@
 
 #include <QPushButton>
 #include <QWidget>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <string>
@@ -10,6 +11,9 @@
 #include "platform/qt/qt_loop.h"
 
 namespace Ombrey {
+
+/// Nothing but an event ends a modal wait; the pump comes up for air at this pace.
+inline constexpr std::chrono::hours PatienceParPompe(1);
 
 /// A window that reports what happens to it and never closes by itself.
 class FenêtreQt : public QWidget {

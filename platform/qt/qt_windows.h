@@ -38,6 +38,8 @@ class FenêtresQt : public IFenêtres {
 
   /// The station is ending: open boxes answer themselves, and so do later ones; no window holds anybody up any more.
   void Finir() { Contexte_.EnFin = true; }
+  /// From now on boxes answer themselves: nobody is there to do it.
+  void RépondreSeul() { RépondSeul_ = true; }
   /// Told of what a gesture raised.
   void SurÉchec(std::function<void(const std::string&)> Dire) { Contexte_.SurÉchec = std::move(Dire); }
   [[nodiscard]] const ContexteQt& Contexte() const { return Contexte_; }
@@ -47,6 +49,7 @@ class FenêtresQt : public IFenêtres {
  private:
   ContexteQt Contexte_;
   std::filesystem::path DossierTravail_;
+  bool RépondSeul_ = false;
   bool Sablier_ = false;
   QIcon Image_;
 };

@@ -58,7 +58,7 @@ TEST_F(ChargntQt, IsAFixedDialogWithItsTextsAndTabOrder) {
     EXPECT_EQ(Vue.windowFlags() & (Qt::WindowMinMaxButtonsHint), 0);
     EXPECT_LE(
         (Vue.frameGeometry().center() - QApplication::primaryScreen()->availableGeometry().center()).manhattanLength(),
-        2);
+        8);
     std::vector<std::string> Ordre;
     for (int Rang = 0; Rang < 7; ++Rang) {
       Ordre.push_back(dynamic_cast<QAbstractButton*>(QApplication::focusWidget())->text().toStdString());

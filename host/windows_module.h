@@ -1,0 +1,21 @@
+// Loads the module that shows the station in windows, so that a console carries nothing of it.
+#pragma once
+
+#include <memory>
+
+#include "host/edition.h"
+#include "host/options.h"
+
+namespace Tarvel {
+
+/// The one symbol of the module: fills Édition. Raises ErreurOptions when no display can be had.
+inline constexpr const char* NomFabriqueFenêtres = "Tarvel_CreerEditionFenetree";
+using FabriqueFenêtres = void (*)(const Options& Choisies, std::unique_ptr<IÉdition>& Édition);
+
+/// True when the module stands beside the program: an edition without windows lacks it.
+[[nodiscard]] bool FenêtresInstallées();
+
+/// Raises ErreurOptions when no display is named, ErreurExécution when the module can't be loaded.
+[[nodiscard]] std::unique_ptr<IÉdition> CréerÉditionFenêtrée(const Options& Choisies);
+
+}  // namespace Tarvel
