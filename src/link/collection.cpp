@@ -39,6 +39,7 @@ class Dialogue {
   void OuvrirFichierErreurs();
   bool DemanderChargement();
   bool AttendreTrame();
+  bool Accordé(const Attente& Demande, const std::string& Refus);
   bool EcrireFichierImport();
   void Importer();
   void RefuserImport(bool AvecBoîte);
@@ -118,30 +119,23 @@ bool Dialogue::DemanderChargement() {
   État_.TamponRéception.Vider();
   Attente Demande = AttendreAccord(2);
   Demande.Texte = Requête(Octets(CodeDemande));
-  switch (Échange_.AttendreRéponse(Demande, RéponseRG80_)) {
-    case CodeÉchange::Silence:
-      Résultat_ = std::string(TexteÉchecLecture) + TexteSilence;
-      return false;
-    case CodeÉchange::Motif4:
-      Résultat_ = "Aucun chargement à récupérer.";
-      return false;
-    case CodeÉchange::ErreurPort:
-      Résultat_ = std::string(TexteÉchecLecture) + TexteErreurPort;
-      return false;
-    default:
-      return true;
-  }
+  return Accordé(Demande, "Aucun chargement à récupérer.");
 }
 
 bool Dialogue::AttendreTrame() {
   // The answer to the request stays at the head of the buffer and counts.
   const auto LongTrame = static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
-  switch (Échange_.AttendreRéponse(AttendreAccord(LongTrame), RéponseRG80_)) {
+  return Accordé(AttendreAccord(LongTrame), std::string(TexteÉchecLecture) + TextePasPrêt);
+}
+
+/// Runs one exchange; false ends the dialogue in words, Refus being those for a NAK.
+bool Dialogue::Accordé(const Attente& Demande, const std::string& Refus) {
+  switch (Échange_.AttendreRéponse(Demande, RéponseRG80_)) {
     case CodeÉchange::Silence:
       Résultat_ = std::string(TexteÉchecLecture) + TexteSilence;
       return false;
     case CodeÉchange::Motif4:
-      Résultat_ = std::string(TexteÉchecLecture) + TextePasPrêt;
+      Résultat_ = Refus;
       return false;
     case CodeÉchange::ErreurPort:
       Résultat_ = std::string(TexteÉchecLecture) + TexteErreurPort;
