@@ -97,6 +97,11 @@ TEST(BoucleGardée, AFailureUnwindsNoOtherWait) {
 
 /// The real plug-in on a console, with a host in memory and no terminal on the line.
 class Vie : public testing::Test {
+ public:
+  ~Vie() override { std::filesystem::remove_all(Dossier_); }
+  Vie(const Vie&) = delete;
+  Vie& operator=(const Vie&) = delete;
+
  protected:
   Vie() : Dossier_(testing::TempDir() + "vie_" + std::to_string(getpid())) {
     std::filesystem::create_directory(Dossier_);
@@ -106,9 +111,6 @@ class Vie : public testing::Test {
     Choisies.Greffon = std::filesystem::path(BIN_DIR) / "PlgInOmbrey.so";
     Base->Etat->Dossier = Dossier_.string() + "/";
   }
-  ~Vie() override { std::filesystem::remove_all(Dossier_); }
-  Vie(const Vie&) = delete;
-  Vie& operator=(const Vie&) = delete;
 
   void Régler(const std::string& Bauds) const {
     std::ofstream(Choisies.Ini) << "[PlugInOmbrey]\nPort=" << (Dossier_ / "absent").string() << "\nBauds=" << Bauds
