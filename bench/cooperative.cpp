@@ -1,0 +1,66 @@
+// Cooperatives of any size, in a database file of their own.
+#include "bench/cooperative.h"
+
+#include <fcntl.h>
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+
+#include "host/schema.h"
+
+namespace Ombrey::Mesures {
+
+Machine::Machine()
+    : Ecran_(open(FichierLignes().c_str(), O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, 0600)),
+      Sortie_(Ecran_.Numéro()),
+      Fenêtres_(Boucle_, Sortie_),
+      Plateforme_(Boucle_, Fenêtres_, nullptr, Dossier() / "station", Dossier() / "place.ini") {
+  Fenêtres_.RépondreSeul();
+}
+
+std::string Machine::Lignes() const {
+  std::ifstream Fichier(FichierLignes());
+  return {std::istreambuf_iterator<char>(Fichier), {}};
+}
+
+bool EtatChronométré::TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) {
+  const auto Début = std::chrono::steady_clock::now();
+  const bool Résultat = EtatBdDTarvel::TableImporter(Titre, Fichier, Drapeau);
+  Durée_ += std::chrono::steady_clock::now() - Début;
+  return Résultat;
+}
+
+BaseChronométrée::BaseChronométrée(const std::shared_ptr<ConnexionSqlite>& Connexion, ISystème& Système)
+    : BaseDeDTarvel(Connexion, Système), Etat_(std::make_shared<EtatChronométré>(Connexion, Système, KVSynchro())) {}
+
+Coopérative::Coopérative(bool AvecExemple) {
+  const auto Fichier = Poste.Dossier() / "base.db";
+  Tarvel::CréerBase(Fichier, AvecExemple);
+  Connexion = ConnexionSqlite::Ouvrir(Fichier);
+  Base = std::make_shared<BaseChronométrée>(Connexion, Poste.Plateforme().Système());
+}
+
+void Coopérative::Remplir(const char* Sql, std::int64_t Nombre) {
+  Transaction Tout(*Connexion);
+  Instruction Ajout = Connexion->Préparer(Sql);
+  for (std::int64_t Numéro = 1; Numéro <= Nombre; ++Numéro) Ajout.Lier({Numéro}).Exécuter();
+  Tout.Valider();
+}
+
+void Coopérative::AjouterMembres(std::int64_t Nombre) {
+  Remplir("INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES (?1, 'Coopérateur du Coteau n° ' || ?1)", Nombre);
+  Remplir(
+      "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp, Surface)"
+      " VALUES (?1, ?1, ?1, 66.6667, 100000 + ?1, 1 + ?1 % 8, 4.2)",
+      Nombre);
+  Connexion->ExécuterTout(
+      "INSERT INTO Sélection (IdSélection, Désignation, QuotasSurface) VALUES ('05', 'Coteaux rouges', 7500);"
+      "INSERT INTO Cépage (Sélection, Rang, Désignation) VALUES ('05', 1, 'Syrah')");
+}
+
+std::int64_t Coopérative::Compter(const std::string& Table) {
+  return std::get<std::int64_t>(Connexion->Lire("SELECT COUNT(*) FROM " + Table));
+}
+
+}  // namespace Ombrey::Mesures

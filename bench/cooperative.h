@@ -1,0 +1,77 @@
+// Cooperatives of any size, in a database file of their own.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "bench/temporary_folder.h"
+#include "host/cooperative_database.h"
+#include "platform/console/output.h"
+#include "platform/console/windows.h"
+#include "platform/loop/descriptor.h"
+#include "platform/loop/poll_loop.h"
+#include "platform/system/machine_platform.h"
+
+namespace Ombrey::Mesures {
+
+/// This machine without an operator: boxes answer themselves, and what they say goes to a file.
+class Machine {
+ public:
+  Machine();
+  [[nodiscard]] PlateformeMachine& Plateforme() { return Plateforme_; }
+  [[nodiscard]] const std::filesystem::path& Dossier() const { return Dossier_.Chemin(); }
+  /// All that the operator would have read.
+  [[nodiscard]] std::string Lignes() const;
+
+ private:
+  [[nodiscard]] std::filesystem::path FichierLignes() const { return Dossier() / "lignes.txt"; }
+
+  DossierTemporaire Dossier_;
+  Descripteur Ecran_;
+  BouclePoll Boucle_;
+  SortieConsole Sortie_;
+  FenêtresConsole Fenêtres_;
+  PlateformeMachine Plateforme_;
+};
+
+/// The host's import engine, with a watch beside it.
+class EtatChronométré final : public Tarvel::EtatBdDTarvel {
+ public:
+  using EtatBdDTarvel::EtatBdDTarvel;
+  bool TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) override;
+  /// Of all imports so far.
+  [[nodiscard]] std::chrono::duration<double> DuréeImports() const { return Durée_; }
+
+ private:
+  std::chrono::duration<double> Durée_{};
+};
+
+class BaseChronométrée final : public Tarvel::BaseDeDTarvel {
+ public:
+  BaseChronométrée(const std::shared_ptr<ConnexionSqlite>& Connexion, ISystème& Système);
+  [[nodiscard]] std::shared_ptr<IEtatBdD> EtatBdD() override { return Etat_; }
+  [[nodiscard]] std::chrono::duration<double> DuréeImports() const { return Etat_->DuréeImports(); }
+
+ private:
+  std::shared_ptr<EtatChronométré> Etat_;
+};
+
+/// A machine with a cooperative's database.
+class Coopérative {
+ public:
+  /// The sample cooperative, or empty tables.
+  explicit Coopérative(bool AvecExemple);
+  /// Runs a statement for the numbers 1 to Nombre, bound as ?1, in one transaction.
+  void Remplir(const char* Sql, std::int64_t Nombre);
+  /// Members numbered from 1, each with one holding, and one appellation of one variety.
+  void AjouterMembres(std::int64_t Nombre);
+  [[nodiscard]] std::int64_t Compter(const std::string& Table);
+
+  Machine Poste;
+  std::shared_ptr<ConnexionSqlite> Connexion;
+  std::shared_ptr<BaseChronométrée> Base;
+};
+
+}  // namespace Ombrey::Mesures

@@ -1,0 +1,113 @@
+// One whole dialogue on a pseudo-terminal: poll, frame, import with its commit on the disk, acknowledgement, figures.
+#include <benchmark/benchmark.h>
+#include <fcntl.h>
+#include <signal.h>
+#include <spawn.h>
+#include <sys/wait.h>
+
+#include <chrono>
+#include <fstream>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include "bench/cooperative.h"
+#include "core/plugin.h"
+
+namespace Ombrey::Mesures {
+namespace {
+
+using namespace std::chrono_literals;
+using Horloge = std::chrono::steady_clock;
+
+/// Request 2, its answer 2, frame 55 + 4, acknowledgement 1; announcement 2, its answer 2, reply 24 + 4,
+/// acknowledgement 1, EOT 1.
+constexpr int OctetsDuDialogue = 2 + 2 + (55 + 4) + 1 + 2 + 2 + (24 + 4) + 1 + 1;
+constexpr int BitsParOctet = 10;
+
+/// The terminal's stand-in as a child, at the far end of a pseudo-terminal.
+class TerminalEnfant {
+ public:
+  TerminalEnfant(const std::filesystem::path& Dossier, std::vector<std::string> Options) : Lien_(Dossier / "rg80") {
+    Options.insert(Options.begin(), {RG80, "--lien", Lien_.string(), "--graine", "1"});
+    std::vector<char*> Arguments;
+    Arguments.reserve(Options.size() + 1);
+    for (std::string& Option : Options) Arguments.push_back(Option.data());
+    Arguments.push_back(nullptr);
+    posix_spawn_file_actions_t Actions;
+    posix_spawn_file_actions_init(&Actions);
+    posix_spawn_file_actions_addopen(&Actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
+    const int Code = posix_spawn(&Pid_, RG80, &Actions, nullptr, Arguments.data(), environ);
+    posix_spawn_file_actions_destroy(&Actions);
+    if (Code != 0) throw std::runtime_error("no terminal: " RG80);
+    for (int Essai = 0; Essai < 200 && !std::filesystem::exists(Lien_); ++Essai) std::this_thread::sleep_for(10ms);
+  }
+  TerminalEnfant(const TerminalEnfant&) = delete;
+  TerminalEnfant& operator=(const TerminalEnfant&) = delete;
+  ~TerminalEnfant() {
+    kill(Pid_, SIGTERM);
+    waitpid(Pid_, nullptr, 0);
+  }
+  [[nodiscard]] std::string Port() const { return Lien_.string(); }
+
+ private:
+  std::filesystem::path Lien_;
+  pid_t Pid_ = -1;
+};
+
+void EcrireRéglages(const std::filesystem::path& Fichier, const std::string& Port, int Bauds) {
+  std::ofstream(Fichier) << "[PlugInOmbrey]\nPort=" << Port << "\nBauds=" << Bauds
+                         << "\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=3600000\n";
+}
+
+void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string>& OptionsTerminal) {
+  Coopérative Cave(true);
+  std::vector<std::string> Options = {"--hasard", std::to_string(État.max_iterations)};
+  Options.insert(Options.end(), OptionsTerminal.begin(), OptionsTerminal.end());
+  const TerminalEnfant Rg80(Cave.Poste.Dossier(), Options);
+  const auto Ini = Cave.Poste.Dossier() / "tarvel.ini";
+  EcrireRéglages(Ini, Rg80.Port(), Bauds);
+
+  const auto Greffon = PlugIn::Créer(Cave.Poste.Plateforme());
+  Greffon->IPlugInTarvel_FixerFichierTarvelIni(Ini.string());
+  Greffon->IPlugInTarvel_FixerBaseDeD(Cave.Base);
+  static_cast<void>(Greffon->IPlugInTarvel_Initialiser(nullptr));
+  Greffon->IPlugInTarvel_Afficher();
+
+  const auto Début = Horloge::now();
+  for ([[maybe_unused]] auto Tour : État) Greffon->Retard_FinTempo("");
+  const std::chrono::duration<double> Durée = Horloge::now() - Début;
+  static_cast<void>(Greffon->IPlugInTarvel_Terminer());
+
+  const auto Nombre = static_cast<double>(État.iterations());
+  const double Fil = static_cast<double>(OctetsDuDialogue * BitsParOctet) / Bauds;
+  État.counters["wire_ms"] = Fil * 1e3;
+  État.counters["of_wire"] = Durée.count() / Nombre / Fil;
+  État.counters["import_ms"] = Cave.Base->DuréeImports().count() / Nombre * 1e3;
+  if (Cave.Compter("Chargement") != État.iterations()) État.SkipWithError("not every dialogue brought its load in");
+  if (Cave.Poste.Lignes().find("boîte «") != std::string::npos) État.SkipWithError("a box came up");
+}
+
+void WholeDialogueAtFullSpeed(benchmark::State& État) { Dialogues(État, static_cast<int>(État.range(0)), {}); }
+void WholeDialogueAtLinePace(benchmark::State& État) {
+  const auto Bauds = static_cast<int>(État.range(0));
+  Dialogues(État, Bauds, {"--cadence", std::to_string(Bauds)});
+}
+
+BENCHMARK(WholeDialogueAtFullSpeed)
+    ->Name("whole dialogue, terminal at full speed, port at")
+    ->Arg(9600)
+    ->Arg(19200)
+    ->Iterations(100)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+BENCHMARK(WholeDialogueAtLinePace)
+    ->Name("whole dialogue, terminal at line pace, port at")
+    ->Arg(9600)
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
+
+}  // namespace
+}  // namespace Ombrey::Mesures
