@@ -125,8 +125,7 @@ void CommandesConsole::AjouterSuivi() {
 }
 
 void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)()) {
-  Ajouter(
-      {Nom, "", Aide, Quand, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
+  Ajouter({Nom, "", Aide, Quand, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
 }
 
 void CommandesConsole::AjouterTransfert() {
