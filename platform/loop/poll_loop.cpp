@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "common/failures.h"
-#include "platform/loop/system_error.h"
+#include "common/system_error.h"
 
 namespace Ombrey {
 

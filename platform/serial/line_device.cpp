@@ -15,7 +15,7 @@
 #include <iterator>
 
 #include "common/failures.h"
-#include "platform/loop/system_error.h"
+#include "common/system_error.h"
 
 namespace Ombrey {
 

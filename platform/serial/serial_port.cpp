@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "common/failures.h"
-#include "platform/loop/system_error.h"
+#include "common/system_error.h"
 #include "platform/serial/port_dialogue.h"
 
 namespace Ombrey {

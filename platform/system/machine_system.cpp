@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "common/failures.h"
+#include "common/files.h"
 #include "platform/system/safe_file.h"
 
 namespace Ombrey {
@@ -45,7 +46,7 @@ Régional FormesDeLEnvironnement() {
 SystèmeMachine::SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier)
     : Boucle_(Boucle), Dossier_(std::filesystem::absolute(Dossier)), Formes_(FormesDeLEnvironnement()) {
   tzset();
-  CréerDossierPrivé(Dossier_);
+  CréerDossier(Dossier_);
 }
 
 std::uint32_t SystèmeMachine::Tics() const {
@@ -62,7 +63,7 @@ DateHeure SystèmeMachine::Maintenant() const {
 
 std::filesystem::path SystèmeMachine::DossierImportsConservés() const {
   auto Dossier = Dossier_ / "imports-refusés";
-  CréerDossierPrivé(Dossier);
+  CréerDossier(Dossier);
   return Dossier;
 }
 

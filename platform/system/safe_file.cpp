@@ -12,8 +12,8 @@
 #include <utility>
 
 #include "common/failures.h"
+#include "common/system_error.h"
 #include "platform/loop/descriptor.h"
-#include "platform/loop/system_error.h"
 
 namespace Ombrey {
 
@@ -23,7 +23,6 @@ namespace fs = std::filesystem;
 
 constexpr std::size_t TailleMax = 16 * std::size_t{1024} * 1024;
 constexpr int LiensMax = 40;
-constexpr mode_t DroitsDossier = 0700;
 constexpr mode_t MasqueDroits = 07777;
 
 [[noreturn]] void Refuser(const fs::path& Chemin, const std::string& Action, int Numéro) {
@@ -128,19 +127,6 @@ void RemplacerFichier(const fs::path& Chemin, std::string_view Contenu) {
   if (Présent) Nouveau.Imiter(Ancien);
   Nouveau.Ecrire(Contenu);
   Nouveau.Garder();
-}
-
-void CréerDossierPrivé(const fs::path& Dossier) {
-  fs::path Fait;
-  for (const fs::path& Élément : Dossier) {
-    Fait /= Élément;
-    if (Fait.empty() || mkdir(Fait.c_str(), DroitsDossier) == 0) continue;
-    const int Numéro = errno;
-    std::error_code Erreur;
-    if (!fs::is_directory(Fait, Erreur))
-      throw ErreurExécution("Le dossier " + Fait.string() + " ne peut pas être créé : " + TexteErreurSystème(Numéro) +
-                            ".");
-  }
 }
 
 }  // namespace Ombrey

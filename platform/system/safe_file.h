@@ -1,4 +1,4 @@
-// Small files read whole, and replaced so that they reach the disk whole or not at all; folders for their owner alone.
+// Small files read whole, and replaced so that they reach the disk whole or not at all.
 #pragma once
 
 #include <filesystem>
@@ -15,8 +15,5 @@ namespace Ombrey {
 /// Replaces the file's contents, or makes the file for its owner alone. A link stays and its target is replaced; mode
 /// and owner stay as far as the system allows. Raises ErreurExécution, and the former file is then untouched.
 void RemplacerFichier(const std::filesystem::path& Chemin, std::string_view Contenu);
-
-/// Makes the folder and those above it that are missing, for their owner alone. Raises ErreurExécution.
-void CréerDossierPrivé(const std::filesystem::path& Dossier);
 
 }  // namespace Ombrey

@@ -7,6 +7,7 @@
 #include <cstdlib>
 
 #include "common/failures.h"
+#include "common/files.h"
 #include "platform/system/ini_text.h"
 #include "platform/system/safe_file.h"
 
@@ -46,7 +47,7 @@ std::string RéglagesFichier::Lire(const std::string& Application, const std::st
 
 void RéglagesFichier::Ecrire(const std::string& Application, const std::string& Section, const std::string& Clé,
                              const std::string& Valeur) {
-  CréerDossierPrivé(Fichier_.parent_path());
+  CréerDossier(Fichier_.parent_path());
   LecteurIniFichier Lecteur;
   Lecteur.FixerFichier(Fichier_.string());
   Lecteur.FixerSection(Application + "/" + Section);

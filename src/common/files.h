@@ -12,7 +12,7 @@ namespace Ombrey {
 /// The path as UTF-8 text.
 [[nodiscard]] std::string TexteChemin(const std::filesystem::path& Fichier);
 
-/// Creates the folder, for its owner alone, when it is missing. Raises ErreurExécution.
+/// Creates the folder and what is missing above it, for their owner alone. Raises ErreurExécution.
 void CréerDossier(const std::filesystem::path& Dossier);
 
 /// Writes a new file of just these bytes, replacing an old one. Raises ErreurExécution when a byte can't be written;

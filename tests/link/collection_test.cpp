@@ -135,7 +135,7 @@ INSTANTIATE_TEST_SUITE_P(
               0},
         Issue{"import file can't be written", [](Tr&, Et& et, Po&) { et.Dossier = "/nonexistent/"; }, "", "",
               "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : Impossible d'écrire le fichier "
-              "/nonexistent/RG80 import.txt - Etape 2 - 12",
+              "/nonexistent/RG80 import.txt : introuvable - Etape 2 - 12",
               0, 0, 0}));
 
 TEST_F(Dialogue, ImportFileIsOneAnsiLineAndTheStepsFollowIt) {

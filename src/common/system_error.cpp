@@ -1,5 +1,5 @@
 // What the operating system refused, in French words.
-#include "platform/loop/system_error.h"
+#include "common/system_error.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -26,7 +26,9 @@ constexpr MotsErreur Mots[] = {
     {EBUSY, "déjà utilisé par un autre programme"},
     {EIO, "erreur d'entrée-sortie"},
     {ENOSPC, "disque plein"},
+#ifdef EDQUOT  // not on every system
     {EDQUOT, "quota de disque atteint"},
+#endif
     {EFBIG, "fichier trop grand"},
     {EROFS, "disque en lecture seule"},
     {EMFILE, "trop de fichiers ouverts"},
