@@ -9,7 +9,7 @@
 
 #include "common/files.h"
 #include "host/windows_module.h"
-#include "platform/qt/qt_main_window.h"
+#include "platform/qt/qt_host_window.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "platform/qt/qt_windows.h"
 #include "platform/system/settings_files.h"

@@ -83,14 +83,31 @@ GrilleChargements::GrilleChargements(QWidget* Parent) : QTableView(Parent) {
   horizontalHeader()->setHighlightSections(false);
   horizontalHeader()->setResizeContentsPrecision(LignesMesurées);
   horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  horizontalHeader()->setDefaultSectionSize(horizontalHeader()->minimumSectionSize());
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this](int Colonne) {
+    if (!EnAjustement_) LargeursFixées_.insert(Colonne);
+  });
 }
 
 void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
-  const bool AutresColonnes = static_cast<int>(Entêtes.size()) != NombreColonnes();
-  const bool AvecLignes = !Lignes.empty();
+  if (static_cast<int>(Entêtes.size()) != NombreColonnes()) LargeursFixées_.clear();
+  EnAjustement_ = true;
   Modèle_.Remplir(std::move(Entêtes), std::move(Lignes));
-  if (AutresColonnes || (AvecLignes && !LargeursAjustées_)) resizeColumnsToContents();
-  LargeursAjustées_ = AvecLignes || (LargeursAjustées_ && !AutresColonnes);
+  Élargir();
+  EnAjustement_ = false;
+}
+
+void GrilleChargements::FixerLargeur(int Colonne, int Pixels) {
+  setColumnWidth(Colonne, Pixels);
+  LargeursFixées_.insert(Colonne);
+}
+
+void GrilleChargements::Élargir() {
+  for (int Colonne = 0; Colonne < NombreColonnes(); ++Colonne) {
+    if (LargeursFixées_.contains(Colonne)) continue;
+    const int Voulue = std::max(sizeHintForColumn(Colonne), horizontalHeader()->sectionSizeHint(Colonne));
+    if (Voulue > columnWidth(Colonne)) setColumnWidth(Colonne, Voulue);
+  }
 }
 
 }  // namespace Ombrey

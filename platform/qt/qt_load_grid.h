@@ -3,6 +3,7 @@
 
 #include <QAbstractTableModel>
 #include <QTableView>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -28,13 +29,17 @@ class ModèleGrille : public QAbstractTableModel {
 class GrilleChargements : public QTableView {
  public:
   explicit GrilleChargements(QWidget* Parent);
-  /// The first rows to come set the columns' widths by what stands in them.
+  /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
+  void FixerLargeur(int Colonne, int Pixels);
 
  private:
+  void Élargir();
+
   ModèleGrille Modèle_;
-  bool LargeursAjustées_ = false;
+  std::set<int> LargeursFixées_;
+  bool EnAjustement_ = false;
 };
 
 }  // namespace Ombrey

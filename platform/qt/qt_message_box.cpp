@@ -6,8 +6,10 @@
 #include <QLabel>
 #include <QScreen>
 #include <QStyle>
+#include <QTextDocument>
 #include <QTextEdit>
 #include <algorithm>
+#include <cmath>
 #include <optional>
 
 #include "platform/qt/qt_dialog.h"
@@ -20,27 +22,43 @@ namespace {
 constexpr int PartLargeur = 3;
 constexpr int PartHauteur = 2;
 
+QTextOption Habillage() {
+  QTextOption Option;
+  Option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  return Option;
+}
+
+/// The room that the text takes on a screen of this size.
+QSize Mesurer(const QString& Message, const QFont& Police, QSize Écran) {
+  QTextDocument Document;
+  Document.setDefaultFont(Police);
+  Document.setDefaultTextOption(Habillage());
+  Document.setPlainText(Message);
+  Document.setTextWidth(Écran.width() / PartLargeur);
+  Document.setTextWidth(Document.idealWidth() + 1);
+  return {static_cast<int>(std::ceil(Document.size().width())), static_cast<int>(std::ceil(Document.size().height()))};
+}
+
 /// A text that can be read and copied, as large as it needs to be, with a scroll bar where that is too much.
 QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
   auto* const Zone = new QTextEdit(Parent);
   Zone->setReadOnly(true);
   Zone->setAcceptRichText(false);
-  Zone->setPlainText(Message);
+  Zone->setContextMenuPolicy(Qt::NoContextMenu);
   Zone->setFrameShape(QFrame::NoFrame);
   Zone->setTabChangesFocus(true);
   Zone->setFocusPolicy(Qt::ClickFocus);
-  Zone->setWordWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere);
+  Zone->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  Zone->setWordWrapMode(Habillage().wrapMode());
+  Zone->setPlainText(Message);
   Zone->viewport()->setAutoFillBackground(false);
   const QSize Écran = Parent->screen()->availableSize();
-  QTextDocument* const Document = Zone->document();
-  const int LargeurMax = Écran.width() / PartLargeur;
+  const QSize Taille = Mesurer(Message, Zone->font(), Écran);
   const int HauteurMax = Écran.height() / PartHauteur;
-  Document->setTextWidth(-1);
-  Document->setTextWidth(std::min<qreal>(Document->idealWidth() + 1, LargeurMax));
-  const int Hauteur = static_cast<int>(Document->size().height()) + 1;
-  const int Largeur = static_cast<int>(Document->textWidth()) + 1;
-  const int Ascenseur = Hauteur > HauteurMax ? Zone->style()->pixelMetric(QStyle::PM_ScrollBarExtent) : 0;
-  Zone->setFixedSize(Largeur + Ascenseur, std::min(Hauteur, HauteurMax));
+  const bool Entier = Taille.height() <= HauteurMax;
+  const int Ascenseur = Entier ? 0 : Zone->style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+  if (Entier) Zone->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  Zone->setFixedSize(Taille.width() + Ascenseur, std::min(Taille.height(), HauteurMax));
   return Zone;
 }
 

@@ -166,7 +166,7 @@ int VueSuiviChargntQt::LargeurColonne(std::size_t Colonne) const {
 }
 
 void VueSuiviChargntQt::FixerLargeurColonne(std::size_t Colonne, int Twips) {
-  if (Colonne < NombreColonnes()) Grille_->setColumnWidth(Rang(Colonne), EnPixels(Twips, Résolution()));
+  if (Colonne < NombreColonnes()) Grille_->FixerLargeur(Rang(Colonne), EnPixels(Twips, Résolution()));
 }
 
 void VueSuiviChargntQt::InsérerLigne(Onglet LaListe, std::size_t Place, const std::string& Ligne, bool Coché) {

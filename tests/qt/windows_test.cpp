@@ -45,9 +45,12 @@ TEST_F(Bureau, EachAnswerOfABox) {
     const auto Jeton = Machine.Boucle.Après(20ms, [&] {
       QWidget* const Boîte = FenêtreNommée("Titre");
       ASSERT_NE(Boîte, nullptr);
+      const auto& Zone = *Boîte->findChild<QTextEdit*>();
+      EXPECT_LE(Zone.document()->size().height(), Zone.viewport()->height()) << "cut off";
       Cas.Geste(*Boîte);
     });
-    EXPECT_EQ(Machine.LesVraies.Boîte("Message", "Titre", Cas.Boutons), Cas.Réponse);
+    EXPECT_EQ(Machine.LesVraies.Boîte("Coopérateurs\r\nLe RG80 n'est pas prêt (NACK).", "Titre", Cas.Boutons),
+              Cas.Réponse);
   }
 }
 

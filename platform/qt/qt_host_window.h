@@ -38,6 +38,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void closeEvent(QCloseEvent* Événement) override;
 
  private:
+  QMenu& MenuGreffons();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;
 
   const ContexteQt& Contexte_;

@@ -1,5 +1,5 @@
 // The station's main window.
-#include "platform/qt/qt_main_window.h"
+#include "platform/qt/qt_host_window.h"
 
 #include <QCloseEvent>
 #include <QMenuBar>
@@ -64,12 +64,18 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
 
 void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& Infobulle) {
   QAction* const Bouton = Barre_->addAction(Icône, Texte(Infobulle));
+  Bouton->setShortcut(Qt::Key_F5);
+  MenuGreffons().addAction(Bouton);
   connect(Bouton, &QAction::triggered, this, Différé(Gestes_.Bouton));
 }
 
 void FenêtrePrincipaleQt::OffrirMenu(const std::string& Entrée) {
+  connect(MenuGreffons().addAction(Texte(Entrée)), &QAction::triggered, this, Différé(Gestes_.Menu));
+}
+
+QMenu& FenêtrePrincipaleQt::MenuGreffons() {
   if (Greffons_ == nullptr) Greffons_ = menuBar()->addMenu(QStringLiteral("&Greffons"));
-  connect(Greffons_->addAction(Texte(Entrée)), &QAction::triggered, this, Différé(Gestes_.Menu));
+  return *Greffons_;
 }
 
 void FenêtrePrincipaleQt::Dire(const std::string& Message) {
