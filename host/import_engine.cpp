@@ -1,9 +1,8 @@
 // From an import file to rows of the table of loads.
 #include "host/import_engine.h"
 
+#include <array>
 #include <fstream>
-#include <iterator>
-#include <optional>
 
 #include "common/ansi_text.h"
 #include "common/files.h"
@@ -26,16 +25,13 @@ constexpr const char* DemiSeconde = "(0.5 / 86400)";
 std::string LireFichier(const std::string& Nom) {
   std::ifstream Fichier(Ombrey::Chemin(Nom), std::ios::binary);
   std::string Contenu;
-  if (Fichier) {
-    Contenu.resize(TailleMaximale + 1);
-    Fichier.read(Contenu.data(), static_cast<std::streamsize>(Contenu.size()));
-    Contenu.resize(static_cast<std::size_t>(Fichier.gcount()));
+  std::array<char, 4096> Morceau{};
+  while (Fichier && Contenu.size() <= TailleMaximale) {
+    Fichier.read(Morceau.data(), Morceau.size());
+    Contenu.append(Morceau.data(), static_cast<std::size_t>(Fichier.gcount()));
   }
-  if (Fichier.bad() || !Fichier.eof()) {
-    const char* Cause =
-        Contenu.size() > TailleMaximale ? "Fichier d'import trop long : " : "Fichier d'import illisible : ";
-    throw ErreurExécution(Cause + Nom);
-  }
+  if (Contenu.size() > TailleMaximale) throw ErreurExécution("Fichier d'import trop long : " + Nom);
+  if (Fichier.bad() || !Fichier.eof()) throw ErreurExécution("Fichier d'import illisible : " + Nom);
   return DepuisAnsi(Ombrey::Octets(Contenu));
 }
 
@@ -126,6 +122,7 @@ std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre,
     Chargements.push_back(LireLigne(Définition, Ligne, Système_.FormesRégionales()));
 
   std::vector<ChargementImporté> Importés;
+  Importés.reserve(Chargements.size());
   Ombrey::Transaction Tout(Connexion_);
   Ecriture Table(Connexion_, Définition);
   for (const auto& Valeurs : Chargements) Importés.push_back(Table.Ecrire(Valeurs));

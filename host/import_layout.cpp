@@ -91,6 +91,23 @@ std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Te
   return std::nullopt;
 }
 
+ValeurChamp LireValeur(const ColonneImport& Colonne, const std::string& Texte, const Régional& Formes) {
+  const auto Refus = [&](const std::string& Raison) {
+    return ErreurContenu("Colonne " + Colonne.Nom + " : " + Raison);
+  };
+  if (Texte.empty()) {
+    const bool EstRequise = std::find(Identité.begin(), Identité.end(), Colonne.Nom) != Identité.end();
+    if (EstRequise) throw Refus("la valeur manque");
+    if (Colonne.Genre == GenreValeur::Booléen) return std::int64_t{0};
+    return std::monostate{};
+  }
+  const bool EstTropLong = Colonne.Largeur > 0 && NombreCaractères(Texte) > Colonne.Largeur;
+  if (EstTropLong) throw Refus("valeur trop longue : « " + Texte + " »");
+  auto Valeur = Interpréter(Colonne.Genre, Texte, Formes);
+  if (!Valeur) throw Refus("valeur illisible : « " + Texte + " »");
+  return std::move(*Valeur);
+}
+
 /// What stands ahead of each separator. Every value is followed by one, the last too.
 std::vector<std::string> Découper(std::string_view Ligne, const std::string& Séparateur) {
   std::vector<std::string> Valeurs;
@@ -140,26 +157,9 @@ std::vector<ValeurChamp> LireLigne(const DéfinitionImport& Définition, std::st
     throw ErreurContenu("Nombre de valeurs incorrect : " + std::to_string(Définition.Colonnes.size()) + " attendues, " +
                         std::to_string(Textes.size()) + " lues");
   std::vector<ValeurChamp> Valeurs;
-  for (std::size_t Rang = 0; Rang < Textes.size(); ++Rang) {
-    const ColonneImport& Colonne = Définition.Colonnes[Rang];
-    const std::string& Texte = Textes[Rang];
-    const std::string Où = "Colonne " + Colonne.Nom + " : ";
-    if (Texte.empty()) {
-      const bool EstRequise = std::find(Identité.begin(), Identité.end(), Colonne.Nom) != Identité.end();
-      if (EstRequise) throw ErreurContenu(Où + "la valeur manque");
-      if (Colonne.Genre == GenreValeur::Booléen) {
-        Valeurs.emplace_back(std::int64_t{0});
-      } else {
-        Valeurs.emplace_back();
-      }
-      continue;
-    }
-    if (Colonne.Largeur > 0 && NombreCaractères(Texte) > Colonne.Largeur)
-      throw ErreurContenu(Où + "valeur trop longue : « " + Texte + " »");
-    auto Valeur = Interpréter(Colonne.Genre, Texte, Formes);
-    if (!Valeur) throw ErreurContenu(Où + "valeur illisible : « " + Texte + " »");
-    Valeurs.push_back(std::move(*Valeur));
-  }
+  Valeurs.reserve(Textes.size());
+  for (std::size_t Rang = 0; Rang < Textes.size(); ++Rang)
+    Valeurs.push_back(LireValeur(Définition.Colonnes[Rang], Textes[Rang], Formes));
   return Valeurs;
 }
 

@@ -4,7 +4,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <chrono>
 #include <cstdlib>
 #include <fstream>
@@ -19,7 +18,7 @@ namespace Ombrey {
 namespace {
 
 namespace fs = std::filesystem;
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 template <class Instruction_>
 std::string Echec(Instruction_&& Faire) {
@@ -32,7 +31,7 @@ std::string Echec(Instruction_&& Faire) {
 }
 
 class DossierEssai : public testing::Test {
- protected:
+ public:
   DossierEssai() {
     std::string Modèle = (fs::temp_directory_path() / "ombrey-base-XXXXXX").string();
     Dossier_ = mkdtemp(Modèle.data());
@@ -40,6 +39,7 @@ class DossierEssai : public testing::Test {
   }
   ~DossierEssai() override { fs::remove_all(Dossier_); }
 
+ protected:
   std::shared_ptr<ConnexionSqlite> Nouvelle(ConnexionSqlite::Horloge Maintenant = {}) {
     auto Connexion = ConnexionSqlite::Créer(Fichier_, std::move(Maintenant));
     Connexion->ExécuterTout(
@@ -188,7 +188,7 @@ TEST_F(DossierEssai, KeepsASnapshotWellBelowTheTerminalsFile) {
   Connexion->ExécuterTout(
       "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i < 30000)"
       " INSERT INTO Vigne SELECT printf('%06d', i), 'Domaine du Côteau', NULL FROM n");
-  constexpr std::size_t TailleFichier = 30'000 * 41;
+  constexpr std::size_t TailleFichier = 30'000UL * 41;
   const std::size_t Avant = mallinfo2().uordblks;
   const auto Lignes =
       BaseSqlite(Connexion).OpenRecordset("SELECT Id, Nom FROM Vigne ORDER BY Id", TypeRecordset::Instantané);

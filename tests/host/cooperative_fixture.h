@@ -21,7 +21,7 @@
 namespace Tarvel {
 
 class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
- protected:
+ public:
   Coopérative() {
     std::string Modèle = (std::filesystem::temp_directory_path() / "tarvel-XXXXXX").string();
     Dossier_ = mkdtemp(Modèle.data());
@@ -40,6 +40,7 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     Noter("mis à jour", Table, RecSet);
   }
 
+ protected:
   /// Imports a file of these contents; an error text, "faux : " ahead of it when the call gave false.
   std::string Importer(const std::string& Contenu) {
     Annonces_.clear();
