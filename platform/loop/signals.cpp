@@ -39,8 +39,11 @@ SignauxFin::SignauxFin(IBoucle& Boucle, std::function<void()> Demandée) {
   Nouveau.sa_handler = OmbreySignalReçu;
   Nouveau.sa_flags = SA_RESTART;
   sigemptyset(&Nouveau.sa_mask);
-  sigaction(SIGINT, &Nouveau, &AncienInt_);
-  sigaction(SIGTERM, &Nouveau, &AncienTerm_);
+  for (std::size_t i = 0; i < Signaux.size(); ++i) {
+    sigaction(Signaux[i], &Nouveau, &Anciens_[i]);
+    // Who started the program without a terminal to lose (nohup) keeps it so.
+    if (Signaux[i] == SIGHUP && Anciens_[i].sa_handler == SIG_IGN) sigaction(SIGHUP, &Anciens_[i], nullptr);
+  }
   Veille_ = Boucle.Surveiller(Sortie_.Numéro(), IBoucle::Attente::Lecture,
                               [Lecture = Sortie_.Numéro(), Faire = std::move(Demandée)] {
                                 char Octet = 0;
@@ -49,8 +52,7 @@ SignauxFin::SignauxFin(IBoucle& Boucle, std::function<void()> Demandée) {
 }
 
 SignauxFin::~SignauxFin() {
-  sigaction(SIGINT, &AncienInt_, nullptr);
-  sigaction(SIGTERM, &AncienTerm_, nullptr);
+  for (std::size_t i = 0; i < Signaux.size(); ++i) sigaction(Signaux[i], &Anciens_[i], nullptr);
   EntréeTube = -1;
 }
 

@@ -1,6 +1,7 @@
 // The signals that ask the program to end, as events of the loop.
 #pragma once
 
+#include <array>
 #include <csignal>
 #include <functional>
 
@@ -9,8 +10,8 @@
 
 namespace Ombrey {
 
-/// From its making to its end, SIGINT and SIGTERM call Demandée from within a pump, once for each signal, instead of
-/// killing the program. One at a time. Raises ErreurExécution when the system refuses.
+/// From its making to its end, SIGINT, SIGTERM and SIGHUP call Demandée from within a pump, once for each signal,
+/// instead of killing the program. One at a time. Raises ErreurExécution when the system refuses.
 class SignauxFin {
  public:
   SignauxFin(IBoucle& Boucle, std::function<void()> Demandée);
@@ -21,8 +22,8 @@ class SignauxFin {
  private:
   Descripteur Sortie_;
   Descripteur Entrée_;
-  struct sigaction AncienInt_ {};
-  struct sigaction AncienTerm_ {};
+  static constexpr std::array Signaux{SIGINT, SIGTERM, SIGHUP};
+  std::array<struct sigaction, Signaux.size()> Anciens_{};
   IBoucle::Jeton Veille_;
 };
 
