@@ -147,9 +147,11 @@ bool Dialogue::Accordé(const Attente& Demande, const std::string& Refus) {
 
 bool Dialogue::EcrireFichierImport() {
   const Octets Texte = VersAnsi(TexteImport_);
-  if (Texte.Taille() > 1) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
+  // A file that a killed station left behind isn't this load's.
+  const bool EstEcrit = Texte.Taille() > 1;
+  if (EstEcrit) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
   Etape_ = 3;
-  return !NoChargement_.empty() && std::filesystem::exists(FichierImport_);
+  return EstEcrit && !NoChargement_.empty();
 }
 
 void Dialogue::Importer() {
