@@ -108,6 +108,7 @@ void VueSuiviChargntQt::Créer(const DessinContrôleSuivi& Dessin) {
 QListWidget* VueSuiviChargntQt::CréerListe(Onglet Lequel) {
   auto* const LaListe = new ListeSousBoutons(Bande_);
   LaListe->setUniformItemSizes(true);
+  LaListe->setSpacing(1);  // keeps the ticks of two lines apart
   LaListe->setEditTriggers(QAbstractItemView::NoEditTriggers);
   LaListe->setVisible(Lequel == Onglet::Suivis);
   Listes_[static_cast<std::size_t>(Lequel)] = LaListe;
