@@ -8,9 +8,9 @@ bin=$(readlink -f "${1:-build/release/bin}")
 loads=${2:-300}
 
 work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-soak.XXXXXX")
-terminal= station= limit=
+terminal= station=
 finish() {
-  for process in $terminal $station $limit; do kill "$process" 2>/dev/null || true; done
+  for process in $terminal $station; do kill "$process" 2>/dev/null || true; done
   wait 2>/dev/null || true
   rm -rf "$work"
 }
@@ -29,7 +29,7 @@ query() {
 "$bin/tarvel" --creer-base "$work/cave.db" --exemple
 printf '%s\n' '[PlugInOmbrey]' "Port=$work/rg80" Bauds=9600 Parité=aucune BitsStop=1 TailleMots=8 \
   'Période interrogation=1' >"$work/tarvel.ini"
-"$bin/rg80" --lien "$work/rg80" --hasard "$loads" --graine 1 --cadence 9600 --sortie "$work/recu" --jusqu-a-vide \
+"$bin/rg80" --lien "$work/rg80" --hasard "$loads" --graine 1 --cadence 9600 --sortie "$work/recu" \
   >"$work/rg80.txt" &
 terminal=$!
 for _ in $(seq 50); do [ -e "$work/rg80" ] && break || sleep 0.1; done
@@ -37,15 +37,20 @@ begin=$(date +%s%N)
 "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" --console --sans-operateur \
   >"$work/station.txt" &
 station=$!
-sleep $((60 + loads)) &
-limit=$!
-wait -n "$terminal" "$limit" || true # the terminal ends when its queue is empty
+# The terminal stays when its queue is empty: a station that polls without rest would report its port gone.
+replies() { wc -l 2>/dev/null <"$work/recu/reponses.txt" || echo 0; }
+deadline=$((SECONDS + 60 + loads))
+while [ "$(replies)" -lt "$loads" ] && [ "$SECONDS" -lt "$deadline" ]; do sleep 0.1; done
 elapsed=$((($(date +%s%N) - begin) / 1000000 - 10000)) # without the ten seconds ahead of the first poll
 peak=$(awk '$1 == "VmHWM:" {print $2}' "/proc/$station/status")
+sleep 0.5
 kill "$station"
 code=0
 wait "$station" || code=$?
 station=
+kill "$terminal"
+wait "$terminal" || true
+terminal=
 
 rows=$(query 'SELECT COUNT(*) FROM Chargement')
 numbers=$(query 'SELECT COUNT(DISTINCT NoChargement) FROM Chargement')
@@ -53,11 +58,10 @@ archived=$(query 'SELECT COUNT(*) FROM ChargementArchive')
 short=$(grep -c 'Données trop courtes' "$work/station.txt" || true)
 boxes=$(grep -c '^boîte' "$work/station.txt" || true)
 errors=$(grep -c '^erreur' "$work/station.txt" || true)
-replies=$(wc -l <"$work/recu/reponses.txt" 2>/dev/null || echo 0)
 tail -1 "$work/rg80.txt"
 printf 'soak: %d loads offered in %d.%03d s; rows %d, numbers %d, archived %d, replies %d; read short %d, boxes %d, errors %d; peak memory %d KiB; exit code %d\n' \
-  "$loads" $((elapsed / 1000)) $((elapsed % 1000)) "$rows" "$numbers" "$archived" "$replies" "$short" "$boxes" "$errors" "$peak" "$code"
-if [ "$rows $numbers $archived $replies $short $boxes $errors $code" = "$loads $loads 0 $loads 0 0 0 0" ]; then
+  "$loads" $((elapsed / 1000)) $((elapsed % 1000)) "$rows" "$numbers" "$archived" "$(replies)" "$short" "$boxes" "$errors" "$peak" "$code"
+if [ "$rows $numbers $archived $(replies) $short $boxes $errors $code" = "$loads $loads 0 $loads 0 0 0 0" ]; then
   echo "all in, each once"
 else
   grep -e '^boîte' -e '^erreur' -e '^message \[ \]' "$work/station.txt" | sort | uniq -c | sort -rn | head -20
