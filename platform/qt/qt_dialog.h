@@ -28,8 +28,7 @@ class DialogueTenu {
     Dialogue_->deleteLater();
   }
   Dialogue* operator->() const { return Dialogue_; }
-  /// Null once the dialog is gone.
-  [[nodiscard]] QPointer<Dialogue> Pointeur() const { return Dialogue_; }
+  [[nodiscard]] bool EstLà() const { return !Dialogue_.isNull(); }
 
   /// Shows the dialog and runs the loop until it is hidden or gone, or the station ends.
   void Attendre(const ContexteQt& Contexte) const {

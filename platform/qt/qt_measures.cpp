@@ -16,8 +16,8 @@ constexpr int TwipsMax = 1 << 24;
 /// What must stay in sight of a title bar for a hand to seize it, pixels.
 constexpr QSize Prise(48, 24);
 
-constexpr double PointsLisibles = 6.0;
-constexpr double PasPoints = 0.25;
+/// In quarters of a point.
+constexpr int CorpsLisible = 6 * 4;
 }  // namespace
 
 int EnPixels(int Twips, int PointsParPouce) {
@@ -53,8 +53,8 @@ QRect RamenéeSurÉcran(const QRect& Fenêtre) {
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale) {
   const QRect Place = Contrôle.rect().adjusted(MargeHorizontale, MargeVerticale, -MargeHorizontale, -MargeVerticale);
   QFont Police = Contrôle.font();
-  for (double Points = Police.pointSizeF(); Points > PointsLisibles; Points -= PasPoints) {
-    Police.setPointSizeF(Points);
+  for (int Corps = qRound(Police.pointSizeF() * 4); Corps > CorpsLisible; --Corps) {
+    Police.setPointSizeF(Corps / 4.0);
     const QRect Encre = QFontMetrics(Police, &Contrôle)
                             .boundingRect(Place, Qt::AlignCenter | Qt::TextWordWrap | Qt::TextShowMnemonic, Libellé);
     if (Encre.width() <= Place.width() && Encre.height() <= Place.height()) break;

@@ -34,7 +34,8 @@ QSize Mesurer(const QString& Message, const QFont& Police, QSize Écran) {
   Document.setDefaultFont(Police);
   Document.setDefaultTextOption(Habillage());
   Document.setPlainText(Message);
-  Document.setTextWidth(Écran.width() / PartLargeur);
+  const int LargeurMax = Écran.width() / PartLargeur;
+  Document.setTextWidth(LargeurMax);
   Document.setTextWidth(Document.idealWidth() + 1);
   return {static_cast<int>(std::ceil(Document.size().width())), static_cast<int>(std::ceil(Document.size().height()))};
 }
@@ -103,10 +104,9 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
   const RéponseBoîte Défaut = Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   if (Contexte.EnFin) return Défaut;
   const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons));
-  const QPointer<BoîteQt> Ouverte = Boîte.Pointeur();
   Boîte->setWindowTitle(Texte(Titre));
   Boîte.Attendre(Contexte);
-  return Ouverte ? Ouverte->Réponse.value_or(Défaut) : Défaut;
+  return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;
 }
 
 }  // namespace Ombrey

@@ -9,6 +9,7 @@
 #include <algorithm>
 #include <array>
 #include <exception>
+#include <memory>
 
 #include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_measures.h"
@@ -129,17 +130,21 @@ bool QuestionnairePortQt::Demander(RéglagesPort& Réglages,
                                    const std::function<std::string(const RéglagesPort&)>& Essayer) {
   if (Contexte_.EnFin) return false;
   const DialogueTenu<DialoguePort> Dialogue(new DialoguePort(FenêtreDessous(), Réglages, Chercher_(), Usuels_));
-  const QPointer<DialoguePort> Ouvert = Dialogue.Pointeur();
-  QObject::connect(Dialogue->BtnEssayer, &QPushButton::clicked, [&Boucle = Contexte_.Boucle, Ouvert, &Essayer] {
-    Boucle.Poser([Ouvert, &Essayer] {
-      if (!Ouvert || !Ouvert->isVisible()) return;
-      const std::string Issue = DireEssai(Essayer, Ouvert->Saisis());
-      if (Ouvert) Ouvert->Dire(Issue);
-    });
-  });
+  const auto Essai = [&] {
+    if (!Dialogue.EstLà() || !Dialogue->isVisible()) return;
+    const std::string Issue = DireEssai(Essayer, Dialogue->Saisis());
+    if (Dialogue.EstLà()) Dialogue->Dire(Issue);
+  };
+  const auto Vie = std::make_shared<int>();
+  QObject::connect(Dialogue->BtnEssayer, &QPushButton::clicked,
+                   [&Boucle = Contexte_.Boucle, &Essai, Témoin = std::weak_ptr(Vie)] {
+                     Boucle.Poser([&Essai, Témoin] {
+                       if (!Témoin.expired()) Essai();
+                     });
+                   });
   Dialogue.Attendre(Contexte_);
-  if (!Ouvert || !Ouvert->Retenus) return false;
-  Réglages = Ouvert->Saisis();
+  if (!Dialogue.EstLà() || !Dialogue->Retenus) return false;
+  Réglages = Dialogue->Saisis();
   return true;
 }
 

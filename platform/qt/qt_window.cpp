@@ -73,36 +73,34 @@ TenueFenêtre::TenueFenêtre(const ContexteQt& Contexte, Qt::WindowFlags Drapeau
 }
 
 /// Gestures come while something else waits: a failure of theirs must not unwind that.
-std::function<void()> TenueFenêtre::Rapportée(std::function<void()> Faire) const {
-  return [&Contexte = Contexte_, Faire = std::move(Faire)] {
-    try {
-      Faire();
-    } catch (const std::exception& Erreur) {
-      if (!Contexte.SurÉchec) throw;
-      Contexte.SurÉchec(Erreur.what());
-    }
-  };
+void TenueFenêtre::Exécuter(const ContexteQt& Contexte, const std::function<void()>& Faire) {
+  try {
+    Faire();
+  } catch (const std::exception& Erreur) {
+    if (!Contexte.SurÉchec) throw;
+    Contexte.SurÉchec(Erreur.what());
+  }
 }
 
 std::function<void()> TenueFenêtre::EnSaisie(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
-    Boucle.Poser([Fenêtre, Faire] {
-      if (AccepteSaisie(Fenêtre)) Faire();
+  return [&Contexte = Contexte_, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    Contexte.Boucle.Poser([&Contexte, Fenêtre, Faire] {
+      if (AccepteSaisie(Fenêtre)) Exécuter(Contexte, Faire);
     });
   };
 }
 
 std::function<void()> TenueFenêtre::EnÉvénement(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
-    Boucle.Poser([Fenêtre, Faire] {
-      if (!Fenêtre.expired()) Faire();
+  return [&Contexte = Contexte_, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    Contexte.Boucle.Poser([&Contexte, Fenêtre, Faire] {
+      if (!Fenêtre.expired()) Exécuter(Contexte, Faire);
     });
   };
 }
 
 std::function<void()> TenueFenêtre::SurPlace(std::function<void()> Faire) const {
-  return [&Boucle = Contexte_.Boucle, Fenêtre = std::weak_ptr(Fenêtre_), Faire = Rapportée(std::move(Faire))] {
-    if (!Fenêtre.expired()) Boucle.Garder(Faire);
+  return [&Contexte = Contexte_, Fenêtre = std::weak_ptr(Fenêtre_), Faire = std::move(Faire)] {
+    if (!Fenêtre.expired()) Contexte.Boucle.Garder([&] { Exécuter(Contexte, Faire); });
   };
 }
 

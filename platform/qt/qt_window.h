@@ -73,7 +73,7 @@ class TenueFenêtre {
   void MettreDevant() const;
 
  private:
-  [[nodiscard]] std::function<void()> Rapportée(std::function<void()> Faire) const;
+  static void Exécuter(const ContexteQt& Contexte, const std::function<void()>& Faire);
   [[nodiscard]] static bool AccepteSaisie(const std::weak_ptr<FenêtreQt>& Fenêtre);
 
   const ContexteQt& Contexte_;

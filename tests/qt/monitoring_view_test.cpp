@@ -248,6 +248,7 @@ TEST(GrilleQt, TakesTwoThousandRowsFastAndKeepsItsPlace) {
   std::vector<std::string> Entêtes(12, "Propriétaire");
   const auto Lignes = [](int Nombre) {
     std::vector<std::vector<std::string>> Toutes;
+    Toutes.reserve(static_cast<std::size_t>(Nombre));
     for (int Rang = 0; Rang < Nombre; ++Rang) Toutes.emplace_back(12, "ligne " + std::to_string(Rang));
     return Toutes;
   };

@@ -59,15 +59,15 @@ TEST_F(DialogueDuPort, ShowsTheSettingsAndKeepsThemWhenCancelled) {
       {"frame", [](QWidget& D) { D.close(); }},
       {"end", [this](QWidget&) { Machine.LesVraies.Finir(); }},
   };
-  for (const auto& [Nom, Faire] : Cas) {
-    SCOPED_TRACE(Nom);
+  for (const auto& Un : Cas) {
+    SCOPED_TRACE(Un.first);
     EXPECT_FALSE(Demander([&](QWidget& Dialogue) {
       std::string Montrés;
       for (const QComboBox* Saisie : Dialogue.findChildren<QComboBox*>())
         Montrés += Saisie->currentText().toStdString() + '|';
       EXPECT_EQ(Montrés, "COM2:|9600|N|1|8|");
       Dialogue.findChild<QComboBox*>()->setEditText("COM9:");
-      Faire(Dialogue);
+      Un.second(Dialogue);
     }));
     EXPECT_EQ(Réglages, Avant);
   }

@@ -14,7 +14,8 @@ void PréparerQt() {
   static int Nombre = 1;
   static char Nom[] = "test_qt";
   static char* Arguments[] = {Nom, nullptr};
-  new QApplication(Nombre, Arguments);
+  static const auto* const Application = new QApplication(Nombre, Arguments);  // Qt wants it to the very end
+  static_cast<void>(Application);
 }
 
 bool MachineQt::JusquÀ(const std::function<bool()>& Fini) {

@@ -84,10 +84,10 @@ TEST_F(ChargntQt, ClosesByButtonMnemonicEscAndFrame) {
       {"Esc", [](QWidget& Vue) { QTest::keyClick(&Vue, Qt::Key_Escape); }},
       {"frame", [](QWidget& Vue) { Vue.close(); }},
   };
-  for (const auto& [Nom, Faire] : Cas) {
-    SCOPED_TRACE(Nom);
+  for (const auto& Un : Cas) {
+    SCOPED_TRACE(Un.first);
     Ouvrir([&](QWidget& Vue) {
-      Faire(Vue);
+      Un.second(Vue);
       EXPECT_TRUE(Machine.JusquÀ([&] { return !Vue.isVisible(); }));
     });
   }

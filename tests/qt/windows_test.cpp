@@ -7,6 +7,7 @@
 #include <QScreen>
 #include <QTest>
 #include <QTextEdit>
+#include <array>
 #include <deque>
 
 #include "monitor/error_printout.h"
@@ -27,18 +28,18 @@ TEST_F(Bureau, EachAnswerOfABox) {
   using enum RéponseBoîte;
   const struct {
     const char* Nom;
-    BoutonsBoîte Boutons;
     std::function<void(QWidget&)> Geste;
+    BoutonsBoîte Boutons;
     RéponseBoîte Réponse;
   } Table[] = {
-      {"ok", BoutonsBoîte::Ok, [](QWidget& B) { QTest::mouseClick(&LeBouton(B, "OK"), Qt::LeftButton); }, Ok},
-      {"return", BoutonsBoîte::RecommencerAnnuler, [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Return); },
+      {"ok", [](QWidget& B) { QTest::mouseClick(&LeBouton(B, "OK"), Qt::LeftButton); }, BoutonsBoîte::Ok, Ok},
+      {"return", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Return); }, BoutonsBoîte::RecommencerAnnuler,
        Recommencer},
-      {"mnemonic", BoutonsBoîte::RecommencerAnnuler,
-       [](QWidget& B) { QTest::keyClick(&B, Qt::Key_A, Qt::AltModifier); }, Annuler},
-      {"escape", BoutonsBoîte::RecommencerAnnuler, [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Escape); }, Annuler},
-      {"frame", BoutonsBoîte::Ok, [](QWidget& B) { B.close(); }, Ok},
-      {"end", BoutonsBoîte::RecommencerAnnuler, [&](QWidget&) { Machine.LesVraies.Finir(); }, Annuler},
+      {"mnemonic", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_A, Qt::AltModifier); },
+       BoutonsBoîte::RecommencerAnnuler, Annuler},
+      {"escape", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Escape); }, BoutonsBoîte::RecommencerAnnuler, Annuler},
+      {"frame", [](QWidget& B) { B.close(); }, BoutonsBoîte::Ok, Ok},
+      {"end", [&](QWidget&) { Machine.LesVraies.Finir(); }, BoutonsBoîte::RecommencerAnnuler, Annuler},
   };
   for (const auto& Cas : Table) {
     SCOPED_TRACE(Cas.Nom);
@@ -74,8 +75,8 @@ TEST_F(Bureau, ALongTextIsScrolledAndABoxMayStandAboveAnother) {
 }
 
 TEST_F(Bureau, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
-  Image Petite{16, std::vector<std::uint32_t>(16 * 16, 0xFF102030)};
-  Image Grande{24, std::vector<std::uint32_t>(24 * 24, 0xFF405060)};
+  const Image Petite{16, std::vector<std::uint32_t>(256, 0xFF102030)};
+  Image Grande{24, std::vector<std::uint32_t>(576, 0xFF405060)};
   Grande.Pixels[24] = 0xFFABCDEF;  // second row, first column
   Machine.LesVraies.PoserImages({Petite, Grande});
   const QImage Posée = QApplication::clipboard()->image();
@@ -118,13 +119,15 @@ TEST_F(Bureau, FiveHundredErrorsGoToAFileOfAsManyPagesAsTheyNeed) {
   EXPECT_EQ(Fichier.filename().string().substr(0, 13), "Erreurs RG80 ");
   EXPECT_EQ(Fichier.extension(), ".pdf");
   std::FILE* const Info = popen(("pdfinfo '" + Fichier.string() + "' | sed -n 's/^Pages: *//p'").c_str(), "r");
-  int Pages = 0;
-  if (Info != nullptr && std::fscanf(Info, "%d", &Pages) != 1) Pages = 0;
-  if (Info != nullptr) pclose(Info);
-  if (Pages == 0) GTEST_SKIP() << "pdfinfo isn't here";
+  ASSERT_NE(Info, nullptr);
+  std::array<char, 32> Réponse{};
+  const bool Lue = std::fgets(Réponse.data(), static_cast<int>(Réponse.size()), Info) != nullptr;
+  pclose(Info);
+  if (!Lue) GTEST_SKIP() << "pdfinfo isn't here";
   const int ParPage = static_cast<int>(0.9 * Hauteur / Interligne) + 1;
-  EXPECT_NEAR(Pages, (500 + 5 + ParPage - 1) / ParPage, 1);
-  EXPECT_GT(Pages, 5);
+  const int Attendues = (500 + 5 + ParPage - 1) / ParPage;
+  EXPECT_NEAR(std::stoi(Réponse.data()), Attendues, 1);
+  EXPECT_GT(Attendues, 5);
 }
 
 TEST_F(Bureau, NoFileCanBeWritten) {
