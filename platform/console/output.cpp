@@ -4,7 +4,9 @@
 #include <poll.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <climits>
 
 #include "platform/console/visible_text.h"
 
@@ -13,10 +15,10 @@ namespace {
 
 constexpr int PatienceMs = 1000;
 
-/// True when a descriptor that was full takes bytes again.
-bool AttendrePlace(int Descripteur) {
+/// True when the descriptor takes bytes again within the time.
+bool AttendrePlace(int Descripteur, int DuréeMs) {
   pollfd Attente{Descripteur, POLLOUT, 0};
-  return poll(&Attente, 1, PatienceMs) > 0 && (Attente.revents & POLLOUT) != 0;
+  return poll(&Attente, 1, DuréeMs) > 0 && (Attente.revents & POLLOUT) != 0;
 }
 
 }  // namespace
@@ -25,12 +27,13 @@ void SortieConsole::Ligne(std::string_view Texte) {
   const std::string Entière = TexteVisible(Texte) + '\n';
   std::string_view Reste = Entière;
   while (!Reste.empty()) {
-    const ssize_t Écrits = write(Descripteur_, Reste.data(), Reste.size());
+    // A writing that blocks would stop the station: it is tried only where a piece of this size has place.
+    EstBouchée_ = !AttendrePlace(Descripteur_, EstBouchée_ ? 0 : PatienceMs);
+    if (EstBouchée_) return;
+    const ssize_t Écrits = write(Descripteur_, Reste.data(), std::min<std::size_t>(Reste.size(), PIPE_BUF));
     if (Écrits > 0) {
       Reste.remove_prefix(static_cast<std::size_t>(Écrits));
-    } else if (Écrits < 0 && errno == EINTR) {
-      continue;
-    } else if (Écrits >= 0 || errno != EAGAIN || !AttendrePlace(Descripteur_)) {
+    } else if (Écrits >= 0 || (errno != EINTR && errno != EAGAIN)) {
       return;
     }
   }

@@ -16,6 +16,7 @@ class SortieConsole {
 
  private:
   int Descripteur_;
+  bool EstBouchée_ = false;  ///< the last line found no place: the next one doesn't wait for it again
 };
 
 }  // namespace Ombrey
