@@ -17,8 +17,9 @@ struct sqlite3_stmt;
 
 namespace Ombrey {
 
-/// How long a statement waits for a database that another program has locked.
-inline constexpr std::chrono::milliseconds AttenteVerrou{10'000};
+/// How long a statement waits for a database that another program has locked. Shorter than a terminal waits for the
+/// answer to its load, so that a refusal reaches it.
+inline constexpr std::chrono::milliseconds AttenteVerrou{8'000};
 
 /// One prepared statement. Values are numbered ?1, ?2, … and never part of its text. Every operation raises
 /// ErreurExécution in French when the engine refuses.
