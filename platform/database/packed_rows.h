@@ -15,7 +15,7 @@ namespace Ombrey {
 /// needs: none for Null or 0, one for a number up to 127, a text's own bytes.
 class LignesCompactes {
  public:
-  static constexpr std::size_t TailleBloc = std::size_t{64} * 1024;
+  static constexpr std::size_t TailleBloc = std::size_t{4} * 1024;
 
   /// Where a row stands. Equal to Fin() behind the last one.
   struct Place {
