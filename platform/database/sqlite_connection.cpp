@@ -11,6 +11,7 @@
 
 #include "common/failures.h"
 #include "common/regional_forms.h"
+#include "common/system_error.h"
 #include "platform/database/sqlite_failures.h"
 #include "platform/database/sqlite_functions.h"
 
@@ -137,7 +138,7 @@ std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Créer(const std::filesystem::
   std::error_code Sans;
   if (std::filesystem::exists(Fichier, Sans)) throw ErreurExécution(Début + "le fichier existe déjà");
   std::FILE* Nouveau = std::fopen(Fichier.c_str(), "wbx");  // fails when another program was faster
-  if (!Nouveau) throw ErreurExécution(Début + "création impossible (" + std::generic_category().message(errno) + ")");
+  if (!Nouveau) throw ErreurExécution(Début + "création impossible (" + TexteErreurSystème(errno) + ")");
   std::fclose(Nouveau);
   try {
     return std::shared_ptr<ConnexionSqlite>(new ConnexionSqlite(Fichier, std::move(Maintenant)));

@@ -236,6 +236,9 @@ TEST_F(DossierEssai, SaysInFrenchWhatCannotBeOpened) {
     EXPECT_TRUE(Texte.ends_with(C.Attendu)) << Texte;
   }
   EXPECT_TRUE(Echec([&] { static_cast<void>(ConnexionSqlite::Créer(Fichier_)); }).ends_with("le fichier existe déjà"));
+  EXPECT_TRUE(Echec([&] {
+                static_cast<void>(ConnexionSqlite::Créer(Dossier_ / "absent" / "b.db"));
+              }).ends_with("création impossible (introuvable)"));
 }
 
 TEST_F(DossierEssai, ReadsAReadOnlyFileAndRefusesToWrite) {
