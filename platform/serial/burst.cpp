@@ -4,14 +4,13 @@
 #include <algorithm>
 #include <utility>
 
+#include "contracts/line_characters.h"
+
 namespace Ombrey {
 
 namespace {
 
 using namespace std::chrono_literals;
-
-constexpr char STX = 2;
-constexpr char ETX = 3;
 
 /// Silence between two messages, in half character times: 3.5 characters.
 constexpr int DemiCaractèresDeSilence = 7;

@@ -43,12 +43,13 @@ RéglagesPort Compléter(RéglagesPort Réglages) {
   return Réglages;
 }
 
+/// The port's name last: should the disk fill up in between, the old port isn't started with a new one's name.
 void ÉcrireRéglages(ILecteurIni& Lecteur, const RéglagesPort& Anciens, const RéglagesPort& Nouveaux) {
-  for (const CléPort& Ligne : Clés) {
-    if (Anciens.*Ligne.Champ == Nouveaux.*Ligne.Champ) continue;
+  for (auto Ligne = std::rbegin(Clés); Ligne != std::rend(Clés); ++Ligne) {
+    if (Anciens.*Ligne->Champ == Nouveaux.*Ligne->Champ) continue;
     bool Drapeau = false;
-    Lecteur.FixerClé(Ligne.Clé);
-    Lecteur.FixerValeur(Nouveaux.*Ligne.Champ);
+    Lecteur.FixerClé(Ligne->Clé);
+    Lecteur.FixerValeur(Nouveaux.*Ligne->Champ);
     Lecteur.EcrireValeur(Drapeau);
   }
 }

@@ -31,7 +31,8 @@ struct PortSérie::Envoi {
 bool PortSérie::Ecrire(const Octets& Texte) {
   const auto Moi = shared_from_this();
   if (EnvoiEnCours_) return Échouer("Le port " + Nom_ + " est occupé par un autre envoi.");
-  if (!Voulu_) return Échouer("Le port " + Nom_ + " est fermé.");
+  if (!Voulu_)
+    return Échouer("Le port " + Nom_ + " est fermé : ses réglages n'ont pas permis de l'ouvrir, ou il ne sert plus.");
   if (!Appareil_ && !Ouvrir()) return false;
   const std::string Tenu(Texte.Bruts());
   Envoi Travail{Tenu, Session_, Horloge::now()};

@@ -17,7 +17,9 @@ void CréerDossier(const std::filesystem::path& Dossier);
 
 /// Writes a new file of just these bytes, replacing an old one. Raises ErreurExécution when a byte can't be written;
 /// what there is of the file then stays.
-void EcrireFichier(const std::filesystem::path& Fichier, std::string_view Octets);
+void EcrireFichier(const std::filesystem::path& Fichier, std::string_view Contenu);
+/// The same at the end of a file, which is made when it is missing.
+void AjouterAuFichier(const std::filesystem::path& Fichier, std::string_view Contenu);
 
 /// Moves a file to a place where none may stand yet. Raises ErreurExécution.
 void DéplacerFichier(const std::filesystem::path& De, const std::filesystem::path& Vers);

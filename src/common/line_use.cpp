@@ -5,31 +5,30 @@ namespace Ombrey {
 
 std::optional<UsageLigne::Prise> UsageLigne::PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise) {
   if (!Prise_) return std::optional<Prise>(std::in_place, *this);
-  if (!*Terminée_) Reportées_.insert_or_assign(Demande, std::move(Reprise));
+  if (Terminée_) return std::nullopt;
+  if (!Relance_) Relance_ = Plateforme_.CréerRetard([this](const std::string&) { Reprendre(); });
+  Reportées_.insert_or_assign(Demande, std::move(Reprise));
   return std::nullopt;
 }
 
 void UsageLigne::Terminer() {
-  *Terminée_ = true;
+  Terminée_ = true;
   Reportées_.clear();
   Relance_.reset();
 }
 
 void UsageLigne::Rendre() {
   Prise_ = false;
-  if (Reportées_.empty() || *Terminée_) return;
-  if (!Relance_) Relance_ = Plateforme_.CréerRetard([this](const std::string&) { Reprendre(); });
-  Relance_->Démarrer(0, "");
+  if (!Reportées_.empty()) Relance_->Démarrer(0, "");
 }
 
+/// One request for each event of the timer. The plug-in may end and go within the request: nothing is touched behind
+/// it.
 void UsageLigne::Reprendre() {
-  const auto Terminée = Terminée_;
-  while (!Prise_ && !Reportées_.empty()) {
-    const auto Première = Reportées_.begin();
-    const auto Demande = std::move(Première->second);
-    Reportées_.erase(Première);
-    Demande();
-  }
+  if (Prise_ || Reportées_.empty()) return;
+  const auto Première = Reportées_.extract(Reportées_.begin());
+  if (!Reportées_.empty()) Relance_->Démarrer(0, "");
+  Première.mapped()();
 }
 
 }  // namespace Ombrey

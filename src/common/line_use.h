@@ -11,8 +11,9 @@
 
 namespace Ombrey {
 
-/// What can ask for the line while it is taken, in the order in which it is served afterwards.
-enum class DemandeLigne { Interrogation, Bouton, Menu, Cumuls };
+/// What can ask for the line while it is taken, in the order in which it is served afterwards. The last two don't use
+/// it, but would hold up whoever does for as long as the operator looks at them.
+enum class DemandeLigne { Interrogation, Bouton, Menu, Cumuls, Configuration, Lecture };
 
 /// Marks the line as taken for a poll, a test, a reply or a transfer. A request that comes meanwhile is kept, once for
 /// each kind, and runs from the loop when the line is free again: never within the holder's own call.
@@ -21,17 +22,13 @@ class UsageLigne {
   /// Holds the line until it is dropped.
   class Prise {
    public:
-    explicit Prise(UsageLigne& Usage) : Usage_(&Usage) { Usage.Prise_ = true; }
-    Prise(Prise&& Autre) noexcept : Usage_(std::exchange(Autre.Usage_, nullptr)) {}
+    explicit Prise(UsageLigne& Usage) : Usage_(Usage) { Usage.Prise_ = true; }
     Prise(const Prise&) = delete;
     Prise& operator=(const Prise&) = delete;
-    Prise& operator=(Prise&&) = delete;
-    ~Prise() {
-      if (Usage_) Usage_->Rendre();
-    }
+    ~Prise() { Usage_.Rendre(); }
 
    private:
-    UsageLigne* Usage_;
+    UsageLigne& Usage_;
   };
 
   explicit UsageLigne(IPlateforme& Plateforme) : Plateforme_(Plateforme) {}
@@ -39,7 +36,8 @@ class UsageLigne {
   UsageLigne& operator=(const UsageLigne&) = delete;
 
   [[nodiscard]] bool EstPrise() const { return Prise_; }
-  /// The line, or nothing when it is taken: Reprise then runs once when it is free.
+  /// The line, or nothing when it is taken: Reprise then runs once when it is free. Raises what the platform raises
+  /// when it can't make a timer.
   [[nodiscard]] std::optional<Prise> PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise);
   /// Drops all that waits and lets nothing run any more; the plug-in has ended.
   void Terminer();
@@ -50,7 +48,7 @@ class UsageLigne {
 
   IPlateforme& Plateforme_;
   bool Prise_ = false;
-  std::shared_ptr<bool> Terminée_ = std::make_shared<bool>(false);  ///< outlives the object in a call that ends it
+  bool Terminée_ = false;
   std::map<DemandeLigne, std::function<void()>> Reportées_;
   std::shared_ptr<IRetard> Relance_;
 };

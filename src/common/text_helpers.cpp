@@ -40,4 +40,10 @@ std::string SupprZéroFin(std::string Texte) {
   return Texte;
 }
 
+std::string TexteSql(const std::string& Texte) {
+  std::string Littéral = "'";
+  for (const char Caractère : Texte) Littéral.append(Caractère == '\'' ? 2 : 1, Caractère);
+  return Littéral + "'";
+}
+
 }  // namespace Ombrey

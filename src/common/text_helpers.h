@@ -17,4 +17,7 @@ bool NormaliserNombre(std::string& Texte, const Régional& Formes);
 /// Drops zeros at the end while more than one character is left; a text of zeros gives "0".
 [[nodiscard]] std::string SupprZéroFin(std::string Texte);
 
+/// The text as an SQL literal: in quotes, its own quotes doubled.
+[[nodiscard]] std::string TexteSql(const std::string& Texte);
+
 }  // namespace Ombrey

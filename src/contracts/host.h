@@ -156,7 +156,8 @@ class IPlugInTarvel {
 };
 
 /// The one symbol that the plug-in's library exports, under this name: fills PlugIn with a new plug-in that works on
-/// Plateforme, which must outlive it.
+/// Plateforme, which must outlive it. Raises what Plateforme
+/// raises, and there is no plug-in then.
 inline constexpr const char* NomFabrique = "PlgInOmbrey_CreerPlugIn";
 using FabriquePlugIn = void (*)(IPlateforme& Plateforme, std::shared_ptr<IPlugInTarvel>& PlugIn);
 

@@ -1,6 +1,7 @@
 // Bytes of the line and of the terminal's records, as a type of their own.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -41,8 +42,7 @@ class Octets {
   /// Writes Valeur over the bytes from Rang on, never past the end: the length doesn't change.
   void Recouvrir(std::size_t Rang, const Octets& Valeur) {
     if (Rang >= Taille()) return;
-    const std::size_t Longueur = Valeur.Bruts_.copy(Bruts_.data() + Rang, Taille() - Rang);
-    static_cast<void>(Longueur);
+    std::copy_n(Valeur.Bruts_.begin(), std::min(Valeur.Taille(), Taille() - Rang), Bruts_.data() + Rang);
   }
   void Vider() { Bruts_.clear(); }
 

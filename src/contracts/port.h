@@ -23,7 +23,8 @@ class IConfigurablePort {
 class IClientPortComm : public IConfigurablePort {
  public:
   virtual void FixerNomPort(const std::string& Nom) = 0;
-  /// Hands a run of received characters to the handler; called by the port, on the one thread, within a pump.
+  /// Hands a run of received characters to the handler; called by the port, on the one thread, within a pump or a
+  /// call on the port.
   virtual void Lecture(const Octets& Texte) = 0;
 };
 

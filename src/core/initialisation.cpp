@@ -39,13 +39,17 @@ class Section {
   std::unique_ptr<ILecteurIni> Lecteur_;
 };
 
-/// The setting as a 16-bit number; a failure names the key and what stands there.
-std::int16_t EntierDuRéglage(Section& Réglages, const char* Clé, const Régional& Formes) {
-  const std::string Valeur = Réglages.Lire(Clé);
+/// The setting as a whole number; a failure names the key and what stands there.
+template <class Entier>
+Entier EntierDuRéglage(const char* Clé, const std::string& Valeur, const Régional& Formes) {
   try {
-    return EnEntier16(Valeur, Formes);
+    if constexpr (sizeof(Entier) == sizeof(std::int16_t)) {
+      return EnEntier16(Valeur, Formes);
+    } else {
+      return EnEntier32(Valeur, Formes);
+    }
   } catch (const ErreurExécution& Échec) {
-    throw ErreurExécution(std::string(Échec.what()) + " : réglage du port " + Clé + " = « " + Valeur + " »");
+    throw ErreurExécution(std::string(Échec.what()) + " : réglage " + Clé + " = « " + Valeur + " »");
   }
 }
 
@@ -101,9 +105,12 @@ std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
     return "Impossible d'initialiser le port de communication.\r" + État_.ServeurPortComm->ErreurServeur();
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
-  if (!État_.PortComm->Ouvrir()) return "";
-  bool Drapeau = false;
-  Exiger(État_.BaseDeD)->ActiverBase(Drapeau);
+  if (État_.PortComm->Ouvrir()) {
+    bool Drapeau = false;
+    Exiger(État_.BaseDeD)->ActiverBase(Drapeau);
+  } else {
+    static_cast<void>(État_.PortComm->DernièreErreurPort());  // read away: the next exchange words its own
+  }
   return "";
 }
 
@@ -111,11 +118,12 @@ bool PlugIn::DefParamPort() {
   const auto Port = Exiger(État_.PortComm);
   const Régional Formes = État_.Formes();
   Section Réglages(État_);
+  const auto Entier = [&](const char* Clé) { return EntierDuRéglage<std::int16_t>(Clé, Réglages.Lire(Clé), Formes); };
   Port->FixerNomPort(Réglages.Lire(CléPort));
-  Port->FixerBauds(EntierDuRéglage(Réglages, "Bauds", Formes));
+  Port->FixerBauds(Entier("Bauds"));
   Port->FixerParité(Réglages.Lire("Parité"));
-  Port->FixerBitsStop(EntierDuRéglage(Réglages, "BitsStop", Formes));
-  Port->FixerTailleMots(EntierDuRéglage(Réglages, "TailleMots", Formes));
+  Port->FixerBitsStop(Entier("BitsStop"));
+  Port->FixerTailleMots(Entier("TailleMots"));
   Port->FixerMode(ModePort);
   Port->Activer(true);
   Port->FixerDossierB(DossierPort);
@@ -128,7 +136,7 @@ void PlugIn::LirePériode() {
   Section Réglages(État_);
   const std::string Valeur = Réglages.Lire(CléPériode);
   if (EstNumérique(Valeur, Formes)) {
-    État_.PériodeInterrogation = EnEntier32(Valeur, Formes);
+    État_.PériodeInterrogation = EntierDuRéglage<std::int32_t>(CléPériode, Valeur, Formes);
   } else {
     Réglages.Ecrire(CléPériode, std::to_string(État_.PériodeInterrogation));
   }
@@ -149,6 +157,12 @@ void PlugIn::IPlugInTarvel_Afficher() {
 
 void PlugIn::IPlugInTarvel_Configurer() {
   const auto Tenu = État_.PlugInCourant;
+  {
+    // Questions in the midst of an exchange would hold it up until they are answered.
+    const auto Libre = État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration,
+                                                     [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
+    if (!Libre) return;
+  }
   if (const auto Port = État_.PortComm) {
     Port->Configurer(État_.FichierIni, SectionIni);
   } else {

@@ -4,6 +4,7 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "common/operator_channel.h"
 #include "monitor/monitoring_window.h"
@@ -12,8 +13,8 @@ namespace Ombrey {
 
 class CanalFenêtre final : public ICanalOpérateur {
  public:
-  /// Makes the window; set once, before the first line.
-  std::function<std::unique_ptr<FSuiviChargnt>()> Créer;
+  /// Créer makes the window when the first line comes.
+  explicit CanalFenêtre(std::function<std::unique_ptr<FSuiviChargnt>()> Créer) : Créer_(std::move(Créer)) {}
 
   void AjouterMessage(const std::string& Texte, bool Coché) override {
     if (auto* const Fenêtre = Obtenir()) Fenêtre->AjouterMessage(Texte, Coché);
@@ -38,10 +39,11 @@ class CanalFenêtre final : public ICanalOpérateur {
  private:
   /// Not held by the callers: a window that waits goes away when the plug-in ends, which ends its wait.
   FSuiviChargnt* Obtenir() {
-    if (!FSuiviChargnt_ && !Fermé_) FSuiviChargnt_ = Créer();
+    if (!FSuiviChargnt_ && !Fermé_) FSuiviChargnt_ = Créer_();
     return FSuiviChargnt_.get();
   }
 
+  std::function<std::unique_ptr<FSuiviChargnt>()> Créer_;
   std::unique_ptr<FSuiviChargnt> FSuiviChargnt_;
   bool Fermé_ = false;
 };

@@ -6,9 +6,19 @@
 #include "import/load_record.h"
 
 namespace Ombrey {
+namespace {
+
+/// Keeps the first number offered that isn't 0; true for that number alone.
+bool Retenir(std::uint8_t& Retenu, std::uint8_t Offert) {
+  if (Retenu == 0) Retenu = Offert;
+  return Offert != 0 && Offert == Retenu;
+}
+
+}  // namespace
 
 PlugIn::PlugIn(IPlateforme& Plateforme)
-    : État_(Plateforme, Canal_),
+    : Canal_([this] { return std::make_unique<FSuiviChargnt>(État_, *this); }),
+      État_(Plateforme, Canal_),
       Échange_(État_),
       Transmission_(État_, Échange_),
       Exploitations_(État_),
@@ -21,13 +31,18 @@ PlugIn::PlugIn(IPlateforme& Plateforme)
 
 std::shared_ptr<PlugIn> PlugIn::Créer(IPlateforme& Plateforme) {
   const std::shared_ptr<PlugIn> Nouveau(new PlugIn(Plateforme));
-  Nouveau->Class_Initialize();
+  try {
+    Nouveau->Class_Initialize();
+  } catch (const std::exception&) {
+    // It holds itself already; nobody else could let it go.
+    Nouveau->IPlugInTarvel_Terminer();
+    throw;
+  }
   return Nouveau;
 }
 
 void PlugIn::Class_Initialize() {
   État_.PlugInCourant = shared_from_this();
-  Canal_.Créer = [this] { return std::make_unique<FSuiviChargnt>(État_, *this); };
   État_.AccèsDistant = État_.Plateforme.CréerAccèsDistant();
   Exiger(État_.AccèsDistant)->Paramétrer("2");
 }
@@ -36,7 +51,7 @@ PlugIn::~PlugIn() { IPlugInTarvel_Terminer(); }
 
 void PlugIn::InitConstantes() { Ombrey::InitConstantes(État_); }
 
-std::string PlugIn::MiseEnFormePourImport(std::vector<std::string>& DonnéesReçues) {
+std::string PlugIn::MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues) {
   return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
 }
 
@@ -45,16 +60,6 @@ std::string PlugIn::SupprZéroFin(std::string Texte) const { return Ombrey::Supp
 
 std::string PlugIn::IPlugInTarvel_Nom() const { return NomPlugIn; }
 std::string PlugIn::IPlugInTarvel_Version() const { return "2.00"; }
-
-namespace {
-
-/// Keeps the first number offered that isn't 0; true for that number alone.
-bool Retenir(std::uint8_t& Retenu, std::uint8_t Offert) {
-  if (Retenu == 0) Retenu = Offert;
-  return Offert != 0 && Offert == Retenu;
-}
-
-}  // namespace
 
 bool PlugIn::IPlugInTarvel_AjouterBouton(std::uint8_t NumBouton, std::int16_t&, std::string& ToolTipText) {
   if (!Retenir(État_.NumBouton, NumBouton)) return false;
@@ -69,9 +74,7 @@ bool PlugIn::IPlugInTarvel_AjouterMenu(std::uint8_t NumMenu, std::string& Texte)
   return true;
 }
 
-/// A call that was put off runs from the loop, where no caller waits for its failure: the operator gets it.
-template <class Geste>
-void PlugIn::Reporter(Geste Faire) {
+void PlugIn::Reporter(const std::function<void()>& Faire) {
   const auto Tenu = État_.PlugInCourant;
   try {
     Faire();
@@ -117,6 +120,7 @@ std::shared_ptr<IBaseDeD> PlugIn::IPlugInTarvel_BaseDeD() const { return État_.
 
 void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
   ErreurEnAttente Ignorée;
+  // The former base's objects go even when the new one can't give its own: no load of one goes into the other.
   DéconnecterÉvénements();
   État_.BaseDeD = std::move(Objet);
   Ignorer(Ignorée, [this] {
@@ -130,8 +134,10 @@ void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
 }
 
 void PlugIn::DéconnecterÉvénements() {
-  if (État_.KVSynchro) État_.KVSynchro->Connecter(nullptr);
-  if (État_.EtatBdD) État_.EtatBdD->Connecter(nullptr);
+  // Each on its own: a listener left behind would be called after the plug-in's end.
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { Exiger(État_.KVSynchro)->Connecter(nullptr); });
+  Ignorer(Ignorée, [this] { Exiger(État_.EtatBdD)->Connecter(nullptr); });
   État_.KVSynchro.reset();
   État_.EtatBdD.reset();
 }

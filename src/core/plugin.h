@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <vector>
@@ -43,7 +44,7 @@ class PlugIn final : public IPlugInTarvel,
   /// Sets the load record's constants.
   void InitConstantes();
   /// One import line from a cut load record, without line end; empty when the host has no layout for it.
-  [[nodiscard]] std::string MiseEnFormePourImport(std::vector<std::string>& DonnéesReçues);
+  [[nodiscard]] std::string MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues);
   [[nodiscard]] std::string SupprZéroDébut(std::string Texte) const;
   [[nodiscard]] std::string SupprZéroFin(std::string Texte) const;
 
@@ -92,8 +93,8 @@ class PlugIn final : public IPlugInTarvel,
   void DéconnecterÉvénements();
   void TesterEtMontrer();
   void TransférerDonnées();
-  template <class Geste>
-  void Reporter(Geste Faire);
+  /// Runs a call that was put off: no caller waits for its failure, so the operator gets it.
+  void Reporter(const std::function<void()>& Faire);
 
   CanalFenêtre Canal_;
   std::weak_ptr<FChargntDonnées> FChargntDonnées_;  ///< the transfer window, while it is open

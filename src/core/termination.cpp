@@ -25,7 +25,7 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
   État_.Retard.reset();
   Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });
-  // Only the plug-in's last hour is the day's: a second call finds no host and leaves the files alone.
+  // Not in the second call: it would bring back a folder that the host has put away meanwhile.
   if (État_.PlugInCourant) Ignorer(Ignorée, [this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
   Ignorer(Ignorée, [this] {
     if (const auto Ouverte = FChargntDonnées_.lock()) Ouverte->Décharger();
@@ -38,7 +38,7 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   État_.ServeurPortComm.reset();
   Ignorer(Ignorée, [this] { Exiger(État_.AccèsDistant)->Fermer(); });
   État_.AccèsDistant.reset();
-  Ignorer(Ignorée, [this] { DéconnecterÉvénements(); });
+  DéconnecterÉvénements();
   État_.EventPlugin.reset();
   État_.BaseDeD.reset();
   return "";

@@ -63,7 +63,7 @@ bool TraitementTrame::CouperAuSTX(Octets& Tampon) {
 
 /// The checksum is worked out over a true ETX, whatever was received in its place.
 bool TraitementTrame::CheckSumJuste(const Octets& Trame) const {
-  const std::size_t PlaceETX = LongueurTrame() - 3;
+  const std::size_t PlaceETX = LongueurTrame() - FinTrame;
   return VérifierCheckSum(Trame.Extrait(0, PlaceETX) + ETX, Trame.Extrait(PlaceETX + 1, 1),
                           Trame.Extrait(PlaceETX + 2, 1));
 }

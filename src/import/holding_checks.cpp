@@ -13,7 +13,7 @@ constexpr const char* CodeInconnu = "0";
 }  // namespace
 
 std::string VérificationExploitation::VérifierExploitation(std::string& Propriétaire, std::string& Récoltant,
-                                                           std::string& Part, std::string& Groupe) {
+                                                           std::string& Part, const std::string& Groupe) {
   const Régional Formes = État_.Formes();
   if (!EstNumérique(Propriétaire, Formes) || !EstNumérique(Récoltant, Formes)) return {};
   if (EnRéel(Propriétaire, Formes) == 0) Propriétaire = Récoltant;

@@ -17,7 +17,7 @@ class VérificationExploitation {
   /// code is no number, or after a failure, which is shown. The codes come back as the database writes them, the share
   /// with the locale's decimal separator; a Propriétaire of zeros becomes the Récoltant. Raises nothing.
   [[nodiscard]] std::string VérifierExploitation(std::string& Propriétaire, std::string& Récoltant, std::string& Part,
-                                                 std::string& Groupe);
+                                                 const std::string& Groupe);
 
  private:
   /// Has the cooperator exist; Code comes back as the database writes it unless he was just created.

@@ -28,7 +28,7 @@ constexpr std::array<std::string_view, 6> ColonnesÀZéro = {"Operateur",    "Ra
 
 }  // namespace
 
-std::string MiseEnFormeImport::MiseEnFormePourImport(std::vector<std::string>& DonnéesReçues) {
+std::string MiseEnFormeImport::MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues) {
   Définition D;
   if (!LireDéfinition(D)) return {};
   std::string Ligne;

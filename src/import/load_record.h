@@ -32,19 +32,15 @@ inline constexpr Position PartEntière{34, 3};
 inline constexpr Position PartDécimale{37, 4};
 }  // namespace PositionFixe
 
-/// Places of the fields in DonnéesReçues, in the order of the field table.
+/// Places in DonnéesReçues, in the order of the field table, of the fields that are reworked; the rest stay as cut.
 namespace Élément {
 inline constexpr std::size_t NoChargement = 0;
 inline constexpr std::size_t DateCh = 1;
 inline constexpr std::size_t DateSortie = 2;
 inline constexpr std::size_t Métayage = 3;
-inline constexpr std::size_t Sélection = 4;
-inline constexpr std::size_t Qualité = 5;
 inline constexpr std::size_t Degré = 6;
 inline constexpr std::size_t NoQuai = 7;
-inline constexpr std::size_t Masse = 8;
 inline constexpr std::size_t Cuve = 9;
-inline constexpr std::size_t InfoChargnt3 = 10;
 }  // namespace Élément
 
 /// Items that one field takes in the field table: name, first position, length.

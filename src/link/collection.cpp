@@ -33,8 +33,6 @@ class Dialogue {
   std::string Tenir();
 
  private:
-  enum class Import { Refusé, Erreur, Fait };
-
   void SuivreLeCours();
   void OuvrirFichierErreurs();
   bool DemanderChargement();
@@ -42,7 +40,10 @@ class Dialogue {
   bool Accordé(const Attente& Demande, const std::string& Refus);
   bool EcrireFichierImport();
   void Importer();
-  void RefuserImport(bool AvecBoîte);
+  void RefuserImport();
+  void RefuserImportAvecErreur();
+  void NoterRefus();
+  void RefuserAuTerminal();
   void RépondreAuTerminal();
   void EnvoyerCumuls();
   void Finir();
@@ -160,12 +161,12 @@ void Dialogue::Importer() {
   bool Drapeau = false;
   if (!EtatBdD_->TableImporter(TitreImport, TexteChemin(FichierImport_), Drapeau)) {
     Etape_ += SautImportRefusé;
-    RefuserImport(true);
+    RefuserImport();
     return;
   }
   Etape_ += SautImportFait;
   if (!EtatBdD_->DernièreErreur().empty()) {
-    RefuserImport(false);
+    RefuserImportAvecErreur();
     return;
   }
   RépondreAuTerminal();
@@ -179,23 +180,30 @@ std::filesystem::path Dialogue::FichierConservé() const {
          Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
 }
 
-/// Keeps the file for the operator and refuses the load. AvecBoîte: the engine gave up; else it left an error text.
-void Dialogue::RefuserImport(bool AvecBoîte) {
-  const auto EcrireLigne = [this] {
-    Erreurs_->Ajouter(TexteHeure(Système_.Maintenant()) + " : TableImporter = TRUE : " + EtatBdD_->DernièreErreur() +
-                      " - voir " + TexteChemin(FichierConservé()));
-  };
-  if (AvecBoîte) {
-    DéplacerFichier(FichierImport_, FichierConservé());
-    constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
-    État_.Avertir(Échec);
-    État_.Canal.AjouterMessage(Échec, true);
-    EcrireLigne();
-  } else {
-    EcrireLigne();
-    État_.Canal.AjouterMessage(EtatBdD_->DernièreErreur(), true);
-    DéplacerFichier(FichierImport_, FichierConservé());
-  }
+/// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
+void Dialogue::RefuserImport() {
+  constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
+  DéplacerFichier(FichierImport_, FichierConservé());
+  État_.Avertir(Échec);
+  État_.Canal.AjouterMessage(Échec, true);
+  NoterRefus();
+  RefuserAuTerminal();
+}
+
+/// The engine left an error text. What it has written stays in the database; the load is refused all the same.
+void Dialogue::RefuserImportAvecErreur() {
+  NoterRefus();
+  État_.Canal.AjouterMessage(EtatBdD_->DernièreErreur(), true);
+  DéplacerFichier(FichierImport_, FichierConservé());
+  RefuserAuTerminal();
+}
+
+void Dialogue::NoterRefus() {
+  Erreurs_->Ajouter(TexteHeure(Système_.Maintenant()) + " : TableImporter = TRUE : " + EtatBdD_->DernièreErreur() +
+                    " - voir " + TexteChemin(FichierConservé()));
+}
+
+void Dialogue::RefuserAuTerminal() {
   if (!État_.Abandon) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
 }
 
@@ -208,14 +216,14 @@ void Dialogue::RépondreAuTerminal() {
 }
 
 void Dialogue::EnvoyerCumuls() {
-  Etape_ = 206;
+  ++Etape_;
   Traitement_.MettreAJourCumuls(NoChargement_);
   VérifierErreurEnAttente();
-  Etape_ = 207;
+  ++Etape_;
   if (État_.Abandon) return;
   Exiger(État_.BaseDeD)->Actualiser();
   VérifierErreurEnAttente();
-  Etape_ = 208;
+  ++Etape_;
   Traitement_.SignalerAuHôte("ChargementAjouté:" + NoChargement_);
   État_.Erreur.Effacer();
 }
@@ -234,13 +242,12 @@ void Dialogue::VérifierErreurEnAttente() {
 }
 
 void Dialogue::Clore() {
+  ErreurEnAttente Ignorée;
   // What fails because the plug-in was ended in the middle is no failure for the operator.
   if (État_.Erreur.EstPrésente() && Résultat_.empty() && !État_.Abandon) {
     Résultat_ = TexteÉchecLecture + État_.Erreur.Texte() + " - Etape " + std::to_string(Etape_) + " - " + NoChargement_;
-    ErreurEnAttente Ignorée;
     Ignorer(Ignorée, [this] { État_.Avertir("LireDonnéesDeRG80 : " + Résultat_); });
   }
-  ErreurEnAttente Ignorée;
   if (!Résultat_.empty()) Ignorer(Ignorée, [this] { État_.Canal.AjouterMessage(Résultat_, false); });
   Erreurs_.reset();
   std::error_code Code;

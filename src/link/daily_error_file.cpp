@@ -1,11 +1,10 @@
 // The daily error file.
 #include "link/daily_error_file.h"
 
-#include <algorithm>
-#include <iterator>
+#include <fstream>
 #include <system_error>
+#include <utility>
 
-#include "common/failures.h"
 #include "common/files.h"
 #include "common/regional_forms.h"
 
@@ -22,20 +21,24 @@ std::filesystem::path FichierErreursDuJour(const ISystème& Système) {
 void NettoyerFichierErreurs(const ISystème& Système) {
   CréerDossier(DossierErreurs(Système));
   const auto Fichier = FichierErreursDuJour(Système);
-  std::ifstream Flux(Fichier, std::ios::binary);
-  if (!Flux) return;
-  const bool RienQueDesBlancs =
-      std::all_of(std::istreambuf_iterator<char>(Flux), std::istreambuf_iterator<char>(),
-                  [](char Caractère) { return Caractère == ' ' || Caractère == '\r' || Caractère == '\n'; });
-  Flux.close();
   std::error_code Ignoré;
-  if (RienQueDesBlancs) std::filesystem::remove(Fichier, Ignoré);
+  if (!std::filesystem::is_regular_file(Fichier, Ignoré)) return;
+  std::ifstream Flux(Fichier, std::ios::binary);
+  char Caractère = ' ';
+  while (Flux.get(Caractère)) {
+    if (Caractère != ' ' && Caractère != '\r' && Caractère != '\n') return;
+  }
+  // A file that couldn't be read to its end may hold anything: it stays.
+  if (!Flux.eof() || Flux.bad()) return;
+  Flux.close();
+  std::filesystem::remove(Fichier, Ignoré);
 }
 
+FichierErreurs::FichierErreurs(std::filesystem::path Fichier)
+    : Fichier_(std::move(Fichier)), Ouvrable_(std::ofstream(Fichier_, std::ios::binary | std::ios::app).is_open()) {}
+
 void FichierErreurs::Ajouter(const std::string& Ligne) {
-  if (!EstOuvert()) return;
-  Flux_ << Ligne << "\r\n" << std::flush;
-  if (!Flux_) throw ErreurExécution("Impossible d'écrire dans le fichier d'erreurs");
+  if (Ouvrable_) AjouterAuFichier(Fichier_, Ligne + "\r\n");
 }
 
 }  // namespace Ombrey

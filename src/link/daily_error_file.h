@@ -2,7 +2,6 @@
 #pragma once
 
 #include <filesystem>
-#include <fstream>
 #include <string>
 
 #include "contracts/system.h"
@@ -17,18 +16,19 @@ namespace Ombrey {
 /// ErreurExécution when the folder can't be made.
 void NettoyerFichierErreurs(const ISystème& Système);
 
-/// Today's error file, open for one dialogue. A file that can't be opened takes no line and says nothing.
+/// Today's error file in one dialogue. A file that couldn't be opened takes no line and says nothing.
 class FichierErreurs {
  public:
-  /// Opens for appending; a missing file is made. Raises nothing.
-  explicit FichierErreurs(const std::filesystem::path& Fichier) : Flux_(Fichier, std::ios::binary | std::ios::app) {}
-  [[nodiscard]] bool EstOuvert() const { return Flux_.is_open(); }
-  /// Appends one line, flushed at once. Raises ErreurExécution when it can't be written.
+  /// Makes a missing file. Raises nothing.
+  explicit FichierErreurs(std::filesystem::path Fichier);
+  /// Appends one line, on the disk's side of the program when the call returns. The file is opened for each: while
+  /// the dialogue waits, the end of the plug-in may have cleaned it away. Raises ErreurExécution when it can't be
+  /// written.
   void Ajouter(const std::string& Ligne);
-  void Fermer() { Flux_.close(); }
 
  private:
-  std::ofstream Flux_;
+  std::filesystem::path Fichier_;
+  bool Ouvrable_;
 };
 
 }  // namespace Ombrey

@@ -9,7 +9,6 @@ namespace {
 /// Request code of the link test; the cumul reply is announced by the same.
 constexpr std::string_view CodeTest = "8";
 
-/// The four patterns in the order of their priority, the first two for the start of the buffer.
 bool EstEnTête(const Octets& Tampon, const Octets& Motif) { return !Motif.EstVide() && Tampon.CommencePar(Motif); }
 
 bool Assez(const Octets& Tampon, std::size_t LongMin) { return LongMin == 0 || Tampon.Taille() >= LongMin; }
@@ -53,6 +52,8 @@ CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse
   }
 }
 
+/// The order of the tests is the priority of the patterns: the first two at the start of the buffer, then the two
+/// anywhere.
 std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octets& Réponse) {
   Octets& Tampon = État_.TamponRéception;
   if (!Assez(Tampon, Demande.LongMin)) return std::nullopt;

@@ -9,9 +9,9 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
       État_.Ligne.PrendreOuReporter(DemandeLigne::Interrogation, [this, CodeRetour] { Retard_FinTempo(CodeRetour); });
   if (!Ligne) return;
 
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
   if (État_.Abandon) return;
+  Exiger(État_.Retard)->Arrêter();
+  ErreurEnAttente Ignorée;
   std::string Erreur = Collecte_.LireDonnéesDeRG80();
   if (État_.Erreur.EstPrésente()) Erreur = "Erreur " + État_.Erreur.Texte() + " - " + Erreur;
   État_.Erreur.Effacer();

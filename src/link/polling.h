@@ -12,7 +12,8 @@ class Interrogation {
  public:
   Interrogation(ÉtatPlugIn& État, Collecte& LaCollecte) : État_(État), Collecte_(LaCollecte) {}
 
-  /// The timer's event, and the operator's button. Put off while the line is taken. Raises nothing.
+  /// The timer's event, and the operator's button. Put off while the line is taken. Raises
+  /// "Variable objet non définie" without a timer, and nothing else.
   void Retard_FinTempo(const std::string& CodeRetour);
 
   /// Tells the host; a failure of the host is its own affair.

@@ -10,15 +10,32 @@ namespace {
 /// Refusals of a frame that are answered by another try.
 constexpr int EssaisAprèsRefus = 4;
 
-}  // namespace
+/// The working values of one call and its steps.
+class Envoi {
+ public:
+  Envoi(ÉtatPlugIn& État, Échange& LÉchange, std::int32_t NumFichier)
+      : État_(État), Échange_(LÉchange), Code_(std::to_string(NumFichier)) {}
 
-std::string Transmission::TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) {
-  NACKs_ = 0;
-  Erreur_.clear();
-  const Octets Code(std::to_string(NumFichier));
+  std::string Transmettre(std::vector<Octets>& Lignes);
+
+ private:
+  enum class Suite { Suivante, Encore, Arrêt };
+
+  Suite EnvoyerLigne(Octets& Ligne);
+  bool Annoncer();
+  Suite EnvoyerTrame(const Octets& Ligne);
+
+  ÉtatPlugIn& État_;
+  Échange& Échange_;
+  Octets Code_;
+  int NACKs_ = 0;  ///< refusals that were answered by another try, over all lines
+  std::string Erreur_;
+};
+
+std::string Envoi::Transmettre(std::vector<Octets>& Lignes) {
   Suite Issue = Suite::Suivante;
   for (std::size_t i = 0; i < Lignes.size() && Issue != Suite::Arrêt;) {
-    Issue = EnvoyerLigne(Code, Lignes[i]);
+    Issue = EnvoyerLigne(Lignes[i]);
     if (Issue == Suite::Suivante) ++i;
   }
   if (État_.Erreur.EstPrésente() && Erreur_.empty()) {
@@ -27,9 +44,9 @@ std::string Transmission::TransmettreLignes(std::int32_t NumFichier, std::vector
   return Erreur_;
 }
 
-Transmission::Suite Transmission::EnvoyerLigne(const Octets& Code, Octets& Ligne) {
+Envoi::Suite Envoi::EnvoyerLigne(Octets& Ligne) {
   if (Ligne.EstVide()) return Suite::Suivante;
-  if (!Annoncer(Code)) return Suite::Arrêt;
+  if (!Annoncer()) return Suite::Arrêt;
   État_.Erreur.Effacer();
   // A line that goes again is framed already.
   if (static_cast<char>(Ligne[0]) != STX) Ligne = Octets(1, STX) + Ligne + ETX;
@@ -38,10 +55,10 @@ Transmission::Suite Transmission::EnvoyerLigne(const Octets& Code, Octets& Ligne
   return Issue;
 }
 
-bool Transmission::Annoncer(const Octets& Code) {
+bool Envoi::Annoncer() {
   État_.TamponRéception.Vider();
   const Attente Annonce{
-      .Texte = Requête(Code), .LongMin = 2, .Motif3 = Octets(1, ACK) + Code, .Motif4 = Octets(1, NAK) + Code};
+      .Texte = Requête(Code_), .LongMin = 2, .Motif3 = Octets(1, ACK) + Code_, .Motif4 = Octets(1, NAK) + Code_};
   Octets Réponse;
   switch (Échange_.AttendreRéponse(Annonce, Réponse)) {
     case CodeÉchange::Silence:
@@ -58,7 +75,7 @@ bool Transmission::Annoncer(const Octets& Code) {
   }
 }
 
-Transmission::Suite Transmission::EnvoyerTrame(const Octets& Ligne) {
+Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
   État_.TamponRéception.Vider();
   const Attente Trame{
       .Texte = CalculerCheckSum(Ligne), .LongMin = 1, .Motif1 = Octets(1, ACK), .Motif2 = Octets(1, NAK)};
@@ -81,6 +98,12 @@ Transmission::Suite Transmission::EnvoyerTrame(const Octets& Ligne) {
       Erreur_ = TexteSilence;
       return Suite::Arrêt;
   }
+}
+
+}  // namespace
+
+std::string Transmission::TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) {
+  return Envoi(État_, Échange_, NumFichier).Transmettre(Lignes);
 }
 
 }  // namespace Ombrey

@@ -21,16 +21,8 @@ class Transmission {
   std::string TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes);
 
  private:
-  enum class Suite { Suivante, Encore, Arrêt };
-
-  Suite EnvoyerLigne(const Octets& Code, Octets& Ligne);
-  bool Annoncer(const Octets& Code);
-  Suite EnvoyerTrame(const Octets& Ligne);
-
   ÉtatPlugIn& État_;
   Échange& Échange_;
-  int NACKs_ = 0;       ///< refusals that were answered by another try, in this call
-  std::string Erreur_;  ///< of this call
 };
 
 }  // namespace Ombrey

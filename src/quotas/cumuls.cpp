@@ -6,6 +6,7 @@
 
 #include "common/ansi_text.h"
 #include "common/regional_forms.h"
+#include "common/text_helpers.h"
 
 namespace Ombrey {
 namespace {
@@ -26,12 +27,6 @@ std::string NombreSql(const std::string& Texte) {
       !Texte.empty() && std::all_of(Texte.begin(), Texte.end(), [](char C) { return C >= '0' && C <= '9'; });
   if (!Chiffres) throw ErreurExécution(Description::IncompatibilitéDeType);
   return Texte;
-}
-
-std::string TexteSql(const std::string& Texte) {
-  std::string Résultat = "'";
-  for (const char C : Texte) Résultat.append(C == '\'' ? 2 : 1, C);
-  return Résultat + "'";
 }
 
 }  // namespace

@@ -70,8 +70,8 @@ constexpr Emplacements QuotasDuGroupement{
     .Nombre = 6,
     .SqlAvant =
         "SELECT IdSélection, QuotaJournalier FROM Sélection"
-        " LEFT JOIN QuotasGrp ON Sélection.IdSélection=QuotasGrp.Sélection WHERE IdGrp = '",
-    .SqlAprès = "' AND IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
+        " LEFT JOIN QuotasGrp ON Sélection.IdSélection=QuotasGrp.Sélection WHERE IdGrp = ",
+    .SqlAprès = " AND IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
     .Champs = ChampsQuota,
 };
 constexpr std::array<ChampEnregistrement, 2> ChampsGroupements{{

@@ -4,15 +4,10 @@
 #include <memory>
 
 #include "common/regional_forms.h"
+#include "common/text_helpers.h"
 
 namespace Ombrey {
 namespace {
-
-std::string ApostrophesDoublées(const std::string& Texte) {
-  std::string Doublées;
-  for (const char Caractère : Texte) Doublées.append(Caractère == '\'' ? 2 : 1, Caractère);
-  return Doublées;
-}
 
 class Construction {
  public:
@@ -58,10 +53,12 @@ class Construction {
     Rangées_->MoveLast();
     std::int32_t Nombre = Rangées_->RecordCount();
     Rangées_->MoveFirst();
-    // Nulls are sorted ahead of every value.
-    for (; Disposition_.Créneaux && !Rangées_->Eof() && EstNull(Rangées_->Fields(0)); Rangées_->MoveNext()) --Nombre;
+    // No group is no parent: Null and the empty text are sorted ahead of every code.
+    for (; Disposition_.Créneaux && !Rangées_->Eof() && SansCode(); Rangées_->MoveNext()) --Nombre;
     return Nombre;
   }
+
+  [[nodiscard]] bool SansCode() const { return TexteOuVide(Rangées_->Fields(0), Formes_).empty(); }
 
   void EcrireEnregistrement(std::size_t Début) {
     const std::string Titre = Disposition_.Titre + TexteOuVide(Rangées_->Fields(0), Formes_);
@@ -84,8 +81,8 @@ class Construction {
 
   void RemplirCréneaux(const Emplacements& Créneaux, std::size_t Début) {
     const std::string Clé = TexteValeur(Rangées_->Fields(0), Formes_);
-    const auto Quotas = Base_->OpenRecordset(Créneaux.SqlAvant + ApostrophesDoublées(Clé) + Créneaux.SqlAprès,
-                                             TypeRecordset::VersLAvant);
+    const auto Quotas =
+        Base_->OpenRecordset(Créneaux.SqlAvant + TexteSql(Clé) + Créneaux.SqlAprès, TypeRecordset::VersLAvant);
     std::size_t Rang = 0;
     for (; !Quotas->Eof(); Quotas->MoveNext(), ++Rang) {
       if (Rang < Créneaux.Nombre) {

@@ -41,7 +41,7 @@ Octets EncoderTexte(const ValeurChamp& Valeur, std::uint8_t Longueur, const Rég
 Octets EncoderPart(const ValeurChamp& Valeur, std::uint8_t Longueur, const Régional& Formes) {
   std::string Texte = TexteOuVide(Valeur, Formes);
   const std::int32_t Entiers = NormaliserNombre(Texte, Formes) ? EnEntier16(Texte, Formes) : 0;
-  return ChiffresCadrés(Entiers, Longueur - DécimalesPart) + Octets(DécimalesPart, '0');
+  return ChiffresCadrés(Entiers, Longueur > DécimalesPart ? Longueur - DécimalesPart : 0) + Octets(DécimalesPart, '0');
 }
 
 }  // namespace Ombrey

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "common/ansi_text.h"
+#include "contracts/line_characters.h"
 
 namespace Ombrey {
 namespace {
@@ -12,7 +13,6 @@ constexpr const char* TitreOuverture = "Chargement des données vers le RG80";
 constexpr const char* TitreTransmission = "Transmission des données";
 constexpr Rectangle Intérieur{0, 0, 4260, 2115};
 constexpr std::size_t CaractèresDeTrameMontrés = 80;
-constexpr char DébutDeTrame = '\x02';
 
 std::span<const DessinContrôle> Dessin() {
   using enum GenreContrôle;
@@ -46,7 +46,7 @@ std::string SigneVisible(const Octets& Octet) {
 
 /// A refused frame comes back whole behind the reason: a file that no box can hold.
 std::string TrameAbrégée(const std::string& Raison) {
-  const std::size_t Début = Raison.find(DébutDeTrame);
+  const std::size_t Début = Raison.find(STX);
   if (Début == std::string::npos) return Raison;
   std::string Abrégée = Raison.substr(0, Début);
   const Octets Trame = VersAnsi(std::string_view(Raison).substr(Début)).Extrait(0, CaractèresDeTrameMontrés);

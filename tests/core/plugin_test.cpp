@@ -127,9 +127,9 @@ INSTANTIATE_TEST_SUITE_P(
               "Impossible d'initialiser le port de communication.\rport inconnu",
               "Echec d'initialisation : Impossible d'initialiser le port de communication.\rport inconnu", 0, "2000"},
         Début{"speed is no number", [](FaussePlateforme& P) { P.Ini["Bauds"] = "vite"; }, nullptr,
-              "Incompatibilité de type : réglage du port Bauds = « vite »", 0, ""},
+              "Incompatibilité de type : réglage Bauds = « vite »", 0, ""},
         Début{"speed too high", [](FaussePlateforme& P) { P.Ini["Bauds"] = "38400"; }, nullptr,
-              "Dépassement de capacité : réglage du port Bauds = « 38400 »", 0, ""},
+              "Dépassement de capacité : réglage Bauds = « 38400 »", 0, ""},
         Début{"period kept", [](FaussePlateforme& P) { P.Ini["Période interrogation"] = "10000"; }, "",
               "Module initialisé.", 1, "10000"},
         Début{"period no number", [](FaussePlateforme& P) { P.Ini["Période interrogation"] = "abc"; }, "",
@@ -227,8 +227,9 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
 }
 
 TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
-  // In the poll's wait, and in the shown window, with the host dropping its reference at once.
-  for (const bool DansLaFenêtre : {false, true}) {
+  // In a poll, in a poll that had been put off, and in the shown window; the host drops its reference at once.
+  enum class Attente { Interrogation, Reportée, Fenêtre };
+  for (const Attente Dans : {Attente::Interrogation, Attente::Reportée, Attente::Fenêtre}) {
     auto Courant = PlugIn::Créer(Plateforme);
     Courant->IPlugInTarvel_FixerBaseDeD(Base);
     Courant->IPlugInTarvel_Initialiser(Événements);
@@ -237,19 +238,22 @@ TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
     std::string Texte;
     Courant->IPlugInTarvel_AjouterBouton(3, Style, Texte);
     const std::weak_ptr<PlugIn> Faible = Courant;
-    const auto Début = Plateforme.LeSystème.Horloge;
-    Plateforme.LeSystème.Après(milliseconds(DansLaFenêtre ? 3000 : 10100), [&Courant] {
+    auto& Système = Plateforme.LeSystème;
+    const auto Fin = Système.Horloge + 15000;
+    const auto Terminer = [&Courant] {
       Courant->IPlugInTarvel_Terminer();
       Courant.reset();
-    });
-    if (DansLaFenêtre) {
-      auto* const Brut = Courant.get();
-      // The fake window has no loop of its own to end: the plug-in's end hides it.
-      Plateforme.LeSystème.Après(milliseconds(2999), [this] { Vue().Visible = false; });
-      Brut->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+    };
+    if (Dans == Attente::Fenêtre) {
+      Système.Après(milliseconds(3000), Terminer);
+      Courant.get()->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+    } else {
+      // The poll of ten seconds lasts two, and the one put off in it two more.
+      if (Dans == Attente::Reportée) Système.Après(milliseconds(10500), [&] { Courant->Retard_FinTempo(""); });
+      Système.Après(milliseconds(Dans == Attente::Reportée ? 13000 : 10100), Terminer);
     }
-    Laisser(static_cast<int>(11000 - (Plateforme.LeSystème.Horloge - Début)));
-    EXPECT_TRUE(Faible.expired());
+    Laisser(static_cast<int>(Fin - Système.Horloge));
+    EXPECT_TRUE(Faible.expired()) << static_cast<int>(Dans);
     EXPECT_TRUE(Plateforme.LesFenêtres.Boîtes.empty());
   }
 }
