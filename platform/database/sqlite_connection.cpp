@@ -6,6 +6,7 @@
 #include <cerrno>
 #include <cstdio>
 #include <ctime>
+#include <iostream>
 #include <system_error>
 #include <utility>
 
@@ -116,8 +117,17 @@ ConnexionSqlite::ConnexionSqlite(const std::filesystem::path& Fichier, Horloge M
   sqlite3_busy_timeout(Base, static_cast<int>(AttenteVerrou.count()));
   InscrireFonctions(Base, Maintenant ? std::move(Maintenant) : HorlogeMurale);
   Exécuter("SELECT count(*) FROM sqlite_master");  // the file is first read here
-  if (!EstEnLectureSeule()) Exécuter("PRAGMA journal_mode = WAL");
+  if (!EstEnLectureSeule()) PasserEnJournalAnticipé();
   ExécuterTout("PRAGMA synchronous = FULL");
+}
+
+void ConnexionSqlite::PasserEnJournalAnticipé() {
+  // A network drive may not carry it. The engine's ordinary journal loses nothing either: only the others wait longer.
+  const ValeurChamp Mode = Lire("PRAGMA journal_mode = WAL");
+  if (Mode != ValeurChamp{"wal"})
+    std::cerr << "tarvel : la base de données « " << Fichier_.string()
+              << " » ne peut pas tenir de journal anticipé (mode « " << TexteOuVide(Mode, Régional{})
+              << " ») : les autres programmes attendront pendant les écritures" << std::endl;
 }
 
 std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Ouvrir(const std::filesystem::path& Fichier, Horloge Maintenant) {

@@ -48,8 +48,9 @@ class Instruction {
   std::unique_ptr<sqlite3_stmt, Finir> Brute_;
 };
 
-/// An open database file, for the one thread of the system. Commits are on the disk when they return (write-ahead log,
-/// full synchronisation). Foreign keys aren't enforced: a load is kept even when its holding is unknown.
+/// An open database file, for the one thread of the system. Commits are on the disk when they return: write-ahead log,
+/// or where the drive can't carry one, which stderr then says, the ordinary journal; full synchronisation. Foreign keys
+/// aren't enforced: a load is kept even when its holding is unknown.
 class ConnexionSqlite {
  public:
   /// Gives the present moment in days since 1899-12-30; the clock on the wall when left out.
@@ -86,6 +87,7 @@ class ConnexionSqlite {
     void operator()(sqlite3* Base) const;
   };
   ConnexionSqlite(const std::filesystem::path& Fichier, Horloge Maintenant);
+  void PasserEnJournalAnticipé();
 
   std::filesystem::path Fichier_;
   std::unique_ptr<sqlite3, Fermer> Base_;

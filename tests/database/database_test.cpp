@@ -1,6 +1,7 @@
 // The dialect, the recordsets and the failures of the database on SQLite.
 #include <gtest/gtest.h>
 #include <malloc.h>
+#include <sqlite3.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -205,6 +206,17 @@ TEST_F(DossierEssai, UndoesAnUnfinishedTransaction) {
   EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("SELECT count(*) FROM Vigne")), 3);
   EXPECT_EQ(std::get<std::string>(Connexion->Lire("PRAGMA journal_mode")), "wal");
   EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("PRAGMA synchronous")), 2);
+}
+
+TEST_F(DossierEssai, SaysOnceThatTheDriveCarriesNoWriteAheadLog) {
+  sqlite3_vfs* const Habituel = sqlite3_vfs_find(nullptr);
+  sqlite3_vfs_register(sqlite3_vfs_find("unix-dotfile"), 1);
+  testing::internal::CaptureStderr();
+  const auto Connexion = Nouvelle();
+  const std::string Dit = testing::internal::GetCapturedStderr();
+  sqlite3_vfs_register(Habituel, 1);
+  EXPECT_NE(Dit.find("ne peut pas tenir de journal anticipé (mode « delete »)"), std::string::npos) << Dit;
+  EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("SELECT count(*) FROM Vigne")), 3);
 }
 
 TEST_F(DossierEssai, WaitsForAnotherProgramsLock) {
