@@ -19,14 +19,6 @@ constexpr std::array<const char*, 11> Tables = {"Coopérateur", "Métayage",    
                                                 "Groupement",  "QuotasGrp",         "MSysEtats", "Chargement",
                                                 "Cépage",      "ChargementArchive", "Paramètre"};
 
-/// Columns of a load, the same for the loads of the day and for those whose number another load has taken over.
-constexpr const char* ColonnesChargement = R"(
-  CodeSite TEXT NOT NULL, NoChargement INTEGER NOT NULL, DateCh REAL NOT NULL, DateSortie REAL,
-  Métayage TEXT NOT NULL, Sélection TEXT, Cépage TEXT, Qualité TEXT, Degré NUMERIC, NoQuai INTEGER, Masse NUMERIC,
-  Cuve TEXT, Operateur TEXT, Ramassage TEXT,
-  InfoChargnt1 TEXT, InfoChargnt2 TEXT, InfoChargnt3 TEXT, InfoChargnt4 TEXT,
-  Synchronisé INTEGER NOT NULL DEFAULT 0))";
-
 // Codes are texts that are looked up as numbers: each look-up has an index on the number.
 constexpr const char* TablesDeRéférence = R"(
 CREATE TABLE Coopérateur (IdCoopérateur TEXT NOT NULL PRIMARY KEY, Nom TEXT NOT NULL DEFAULT '',
@@ -73,35 +65,44 @@ CREATE VIEW ChargementLisible AS
   FROM Chargement ORDER BY DateCh;
 )";
 
-/// One column of the import file: its name in Chargement, the kind of its values and their greatest width.
-struct ColonneImport {
+/// One column of a load: its name, how the database declares it, and the kind and the greatest width of its values in
+/// the import file.
+struct Colonne {
   const char* Nom;
+  const char* Déclaration;
   const char* Genre;
   int Largeur;
 };
 
-constexpr std::array<ColonneImport, 18> Colonnes = {{{"CodeSite", "texte", 10},
-                                                     {"NoChargement", "entier", 4},
-                                                     {"DateCh", "date", 19},
-                                                     {"DateSortie", "date", 19},
-                                                     {"Métayage", "texte", 6},
-                                                     {"Sélection", "texte", 2},
-                                                     {"Cépage", "texte", 30},
-                                                     {"Qualité", "texte", 2},
-                                                     {"Degré", "nombre", 5},
-                                                     {"NoQuai", "entier", 1},
-                                                     {"Masse", "entier", 4},
-                                                     {"Cuve", "texte", 3},
-                                                     {"Operateur", "texte", 10},
-                                                     {"Ramassage", "texte", 10},
-                                                     {"InfoChargnt1", "texte", 10},
-                                                     {"InfoChargnt2", "texte", 10},
-                                                     {"InfoChargnt3", "texte", 10},
-                                                     {"InfoChargnt4", "texte", 10}}};
+constexpr std::array<Colonne, 18> Colonnes = {{{"CodeSite", "TEXT NOT NULL", "texte", 10},
+                                               {"NoChargement", "INTEGER NOT NULL", "entier", 4},
+                                               {"DateCh", "REAL NOT NULL", "date", 19},
+                                               {"DateSortie", "REAL", "date", 19},
+                                               {"Métayage", "TEXT NOT NULL", "texte", 6},
+                                               {"Sélection", "TEXT", "texte", 2},
+                                               {"Cépage", "TEXT", "texte", 30},
+                                               {"Qualité", "TEXT", "texte", 2},
+                                               {"Degré", "NUMERIC", "nombre", 5},
+                                               {"NoQuai", "INTEGER", "entier", 1},
+                                               {"Masse", "NUMERIC", "entier", 4},
+                                               {"Cuve", "TEXT", "texte", 3},
+                                               {"Operateur", "TEXT", "texte", 10},
+                                               {"Ramassage", "TEXT", "texte", 10},
+                                               {"InfoChargnt1", "TEXT", "texte", 10},
+                                               {"InfoChargnt2", "TEXT", "texte", 10},
+                                               {"InfoChargnt3", "TEXT", "texte", 10},
+                                               {"InfoChargnt4", "TEXT", "texte", 10}}};
+
+/// The loads of the day, and those whose number another load has taken over, have the same columns.
+std::string CréationChargements(const std::string& Table, const std::string& Clé) {
+  std::string Sql = "CREATE TABLE " + Table + " (IdChargement INTEGER PRIMARY KEY" + Clé;
+  for (const Colonne& C : Colonnes) Sql.append(", ").append(C.Nom).append(" ").append(C.Déclaration);
+  return Sql + ", Synchronisé INTEGER NOT NULL DEFAULT 0)";
+}
 
 std::string LongChps() {
   std::string Texte;
-  for (const ColonneImport& C : Colonnes) {
+  for (const Colonne& C : Colonnes) {
     if (!Texte.empty()) Texte += '\r';
     Texte.append(C.Nom).append("\t").append(C.Genre).append("\t").append(std::to_string(C.Largeur));
   }
@@ -111,10 +112,8 @@ std::string LongChps() {
 void CréerTables(ConnexionSqlite& Connexion) {
   Connexion.ExécuterTout(TablesDeRéférence);
   // A load's own number never comes back, so that a station can tell what is new to it.
-  Connexion.ExécuterTout(std::string("CREATE TABLE Chargement (IdChargement INTEGER PRIMARY KEY AUTOINCREMENT,") +
-                         ColonnesChargement);
-  Connexion.ExécuterTout(std::string("CREATE TABLE ChargementArchive (IdChargement INTEGER PRIMARY KEY,") +
-                         ColonnesChargement);
+  Connexion.Exécuter(CréationChargements("Chargement", " AUTOINCREMENT"));
+  Connexion.Exécuter(CréationChargements("ChargementArchive", ""));
   Connexion.ExécuterTout(IndexEtVue);
   Connexion.Exécuter("INSERT INTO MSysEtats (Titre, Exportation, LongChps, Format) VALUES (?1, 0, ?2, ';')",
                      {TitreImport, LongChps()});

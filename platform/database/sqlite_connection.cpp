@@ -125,9 +125,9 @@ void ConnexionSqlite::PasserEnJournalAnticipé() {
   // A network drive may not carry it. The engine's ordinary journal loses nothing either: only the others wait longer.
   const ValeurChamp Mode = Lire("PRAGMA journal_mode = WAL");
   if (Mode != ValeurChamp{"wal"})
-    std::cerr << "tarvel : la base de données « " << Fichier_.string()
-              << " » ne peut pas tenir de journal anticipé (mode « " << TexteOuVide(Mode, Régional{})
-              << " ») : les autres programmes attendront pendant les écritures" << std::endl;
+    std::cerr << "Base de données « " << Fichier_.string() << " » : elle ne peut pas tenir de journal anticipé (mode « "
+              << TexteOuVide(Mode, Régional{}) << " ») : les autres programmes attendront pendant les écritures"
+              << std::endl;
 }
 
 std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Ouvrir(const std::filesystem::path& Fichier, Horloge Maintenant) {
