@@ -1,0 +1,106 @@
+// Without a device: bursts, names and settings of a port, the list of the machine's ports.
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "common/failures.h"
+#include "platform/serial/burst.h"
+#include "platform/serial/line_settings.h"
+#include "platform/serial/machine_ports.h"
+#include "tests/support/test_folder.h"
+
+namespace Ombrey {
+namespace {
+
+using namespace std::chrono_literals;
+
+TEST(Rafale, IsTheSameInWhateverPiecesTheBytesCome) {
+  const std::string Trame = "\x02" + std::string(55, '7') + "\x03" + "2;";
+  const std::string Ack = "\x06!";
+  // What comes in, what goes up without any silence, what only silence closes, and the silence.
+  // clang-format off
+  const std::tuple<std::string, std::vector<std::string>, std::string, std::chrono::milliseconds> Table[] = {
+      {"", {}, "", 0ms},
+      {Ack, {}, Ack, 5ms},
+      {Ack + Trame, {Ack, Trame}, "", 0ms},
+      {Trame + Trame + Ack, {Trame, Trame}, Ack, 5ms},
+      {"xy\x03!2", {}, "xy\x03!2", 5ms},
+      {"~\x03" + Trame, {"~\x03", Trame}, "", 0ms},
+      {Trame.substr(0, 30), {}, Trame.substr(0, 30), 100ms},
+      {Trame.substr(0, 58), {}, Trame.substr(0, 58), 100ms},
+      {"\x02x\x03\x02\x03!", {"\x02x\x03\x02\x03"}, "!", 5ms},  // STX and ETX as checksum
+  };
+  // clang-format on
+  for (const auto& [Reçus, Attendues, Tenus, Silence] : Table) {
+    for (const std::size_t Morceau : {std::size_t{1}, std::size_t{8}, std::size_t{14}, std::size_t{4096}}) {
+      SCOPED_TRACE(Reçus + " by " + std::to_string(Morceau));
+      Rafale Rafale(1041667ns);  // of a character at 9600 baud
+      std::vector<std::string> Closes;
+      for (std::size_t Début = 0; Début < Reçus.size(); Début += Morceau)
+        for (const Octets& Close : Rafale.Ajouter(std::string_view(Reçus).substr(Début, Morceau)))
+          Closes.emplace_back(Close.Bruts());
+      EXPECT_EQ(Closes, Attendues);
+      EXPECT_EQ(Rafale.SilenceAttendu().value_or(0ms), Silence);
+      EXPECT_EQ(Rafale.Clore().Bruts(), Tenus);
+    }
+  }
+}
+
+TEST(Rafale, WaitsLongerOnASlowLineAndHoldsNoMoreThanItsBound) {
+  Rafale Lente(100ms);
+  EXPECT_TRUE(Lente.Ajouter("a").empty());
+  EXPECT_EQ(Lente.SilenceAttendu(), 350ms);
+  Rafale Pleine(1ms);
+  EXPECT_EQ(Pleine.Ajouter("\x02" + std::string(2 * Rafale::TailleMax, 'x')).size(), 2U);
+  EXPECT_EQ(Pleine.Clore().Taille(), 1U);
+}
+
+TEST(NomDePort, LeadsToItsDeviceOrIsRefused) {
+  const std::pair<const char*, const char*> Bons[] = {
+      {"COM1:", "/dev/ttyS0"}, {"com2", "/dev/ttyS1"}, {"Com16:", "/dev/ttyS15"}, {"/tmp/x:", "/tmp/x:"}};
+  for (const auto& [Nom, Chemin] : Bons) EXPECT_EQ(CheminDuPort(Nom), Chemin);
+  for (const std::string& Nom :
+       std::vector<std::string>{"", ":", "COM", "COM0:", "COM01:", "COM17:", "COM1::", "COM1 ", "COM-1",
+                                "COM+1:", "COM99999999999:", "ttyUSB0", "./com1", std::string("/dev/x\0y", 8)})
+    EXPECT_THROW(static_cast<void>(CheminDuPort(Nom)), ErreurExécution) << Nom;
+}
+
+TEST(RéglagesDeLigne, AreTakenOrRefusedByTheirValue) {
+  // clang-format off
+  const std::pair<const char*, Parité> Bonnes[] = {
+      {"N", Parité::Aucune}, {"Aucune", Parité::Aucune}, {"SANS", Parité::Aucune}, {"E", Parité::Paire},
+      {"paire", Parité::Paire}, {"o", Parité::Impaire}, {"m", Parité::Marque}, {"espace", Parité::Espace}};
+  const RéglagesDemandés Mauvais[] = {
+      {0, 8, "N", 1}, {9601, 8, "N", 1}, {-9600, 8, "N", 1}, {9600, 4, "N", 1}, {9600, 9, "N", 1}, {9600, 8, "", 1},
+      {9600, 8, "NE", 1}, {9600, 8, "N", 0}, {9600, 8, "N", 3}};
+  // clang-format on
+  for (const auto& [Texte, Valeur] : Bonnes)
+    EXPECT_EQ(VérifierRéglages("COM1:", {9600, 8, Texte, 1}).LaParité, Valeur) << Texte;
+  for (const RéglagesDemandés& Demandés : Mauvais)
+    EXPECT_THROW(static_cast<void>(VérifierRéglages("COM7:", Demandés)), ErreurExécution) << &Demandés - Mauvais;
+  EXPECT_EQ(VérifierRéglages("COM1:", {300, 7, "E", 2}).TempsCaractère(), std::chrono::nanoseconds(11000000000) / 300);
+}
+
+TEST(PortsDeLaMachine, AreTheOnesWithACircuitAndTheAdapters) {
+  const Essais::DossierEssai Dossier;
+  // clang-format off
+  const std::pair<const char*, const char*> Fichiers[] = {
+      {"ttyUSB1/device/product", "RS232 Adapter"}, {"ttyS0/type", "4"}, {"ttyS1/type", "0"}, {"ttyS10/type", "4"},
+      {"ttyS2/type", "4"}, {"ttyprintk/x", ""}, {"tty1", ""}};
+  // clang-format on
+  for (const auto& [Nom, Texte] : Fichiers) {
+    const std::filesystem::path Chemin = Dossier.Chemin() / Nom;
+    std::filesystem::create_directories(Chemin.parent_path() / "device");
+    std::ofstream(Chemin) << Texte << '\n';
+  }
+  std::string Noms;
+  for (const auto& Port : PortsListésDans(Dossier.Chemin())) Noms += Port.Nom + " " + Port.Description + "\n";
+  EXPECT_EQ(Noms,
+            "COM1: port série de la machine (/dev/ttyS0)\nCOM3: port série de la machine (/dev/ttyS2)\n"
+            "COM11: port série de la machine (/dev/ttyS10)\n/dev/ttyUSB1 adaptateur USB : RS232 Adapter\n");
+  EXPECT_TRUE(PortsListésDans(Dossier.Chemin() / "rien").empty());
+}
+
+}  // namespace
+}  // namespace Ombrey
