@@ -157,12 +157,9 @@ void PlugIn::IPlugInTarvel_Afficher() {
 
 void PlugIn::IPlugInTarvel_Configurer() {
   const auto Tenu = État_.PlugInCourant;
-  {
-    // Questions in the midst of an exchange would hold it up until they are answered.
-    const auto Libre = État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration,
-                                                     [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
-    if (!Libre) return;
-  }
+  // Questions in the midst of an exchange would hold it up until they are answered. The line itself goes back at once.
+  const auto Encore = [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); };
+  if (!État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration, Encore)) return;
   if (const auto Port = État_.PortComm) {
     Port->Configurer(État_.FichierIni, SectionIni);
   } else {
