@@ -19,7 +19,8 @@ constexpr std::array<const char*, 11> Tables = {"Coopérateur", "Métayage",    
                                                 "Groupement",  "QuotasGrp",         "MSysEtats", "Chargement",
                                                 "Cépage",      "ChargementArchive", "Paramètre"};
 
-// Codes are texts that are looked up as numbers: each look-up has an index on the number.
+// Codes are texts that are looked up as numbers: each look-up has an index on the number. A variety's name and the
+// site's code go into every import line as they are: with a separator or a control character no load would come in.
 constexpr const char* TablesDeRéférence = R"(
 CREATE TABLE Coopérateur (IdCoopérateur TEXT NOT NULL PRIMARY KEY, Nom TEXT NOT NULL DEFAULT '',
   Prénom TEXT NOT NULL DEFAULT '', DateCréation REAL);
@@ -37,7 +38,8 @@ CREATE INDEX MétayageParBadge ON Métayage (CodeBadge);
 
 CREATE TABLE Sélection (IdSélection TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '',
   QuotasSurface NUMERIC);
-CREATE TABLE Cépage (Sélection TEXT NOT NULL, Rang INTEGER NOT NULL, Désignation TEXT NOT NULL,
+CREATE TABLE Cépage (Sélection TEXT NOT NULL, Rang INTEGER NOT NULL, Désignation TEXT NOT NULL
+  CONSTRAINT SansPointVirgule CHECK (Désignation NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'),
   PRIMARY KEY (Sélection, Rang));
 CREATE TABLE Qualité (IdQualité TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '');
 CREATE TABLE QuotasGrp (IdGrp TEXT NOT NULL, Sélection TEXT NOT NULL, QuotaJournalier NUMERIC,
@@ -46,7 +48,8 @@ CREATE UNIQUE INDEX QuotasGrpParNuméro ON QuotasGrp (CAST(IdGrp AS INTEGER), S�
 
 CREATE TABLE MSysEtats (Titre TEXT NOT NULL, Exportation INTEGER NOT NULL DEFAULT 0, LongChps TEXT, Format TEXT,
   PRIMARY KEY (Titre, Exportation));
-CREATE TABLE Paramètre (Nom TEXT NOT NULL PRIMARY KEY, Valeur TEXT NOT NULL DEFAULT '');
+CREATE TABLE Paramètre (Nom TEXT NOT NULL PRIMARY KEY, Valeur TEXT NOT NULL DEFAULT ''
+  CONSTRAINT SansPointVirgule CHECK (Valeur NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'));
 )";
 
 constexpr const char* IndexEtVue = R"(
@@ -66,7 +69,7 @@ CREATE VIEW ChargementLisible AS
 )";
 
 /// One column of a load: its name, how the database declares it, and the kind and the greatest width of its values in
-/// the import file.
+/// the import file. What the terminal sends has a width; a variety and a site are the cooperative's own names.
 struct Colonne {
   const char* Nom;
   const char* Déclaration;
@@ -74,13 +77,13 @@ struct Colonne {
   int Largeur;
 };
 
-constexpr std::array<Colonne, 18> Colonnes = {{{"CodeSite", "TEXT NOT NULL", "texte", 10},
+constexpr std::array<Colonne, 18> Colonnes = {{{"CodeSite", "TEXT NOT NULL", "texte", 0},
                                                {"NoChargement", "INTEGER NOT NULL", "entier", 4},
                                                {"DateCh", "REAL NOT NULL", "date", 19},
                                                {"DateSortie", "REAL", "date", 19},
                                                {"Métayage", "TEXT NOT NULL", "texte", 6},
                                                {"Sélection", "TEXT", "texte", 2},
-                                               {"Cépage", "TEXT", "texte", 30},
+                                               {"Cépage", "TEXT", "texte", 0},
                                                {"Qualité", "TEXT", "texte", 2},
                                                {"Degré", "NUMERIC", "nombre", 5},
                                                {"NoQuai", "INTEGER", "entier", 1},

@@ -79,6 +79,20 @@ TEST_F(Import, TakesQuotesForOrdinaryText) {
   EXPECT_EQ(Lire("SELECT Métayage FROM Chargement WHERE NoChargement = 13"), "')--");
 }
 
+TEST_F(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine) {
+  const std::string Long = "Muscat à petits grains blancs de la plaine";
+  for (const auto& [Table, Colonne] : {std::pair{"Cépage", "Désignation"}, {"Paramètre", "Valeur"}}) {
+    const std::string Sql = std::string("UPDATE ") + Table + " SET " + Colonne + " = ?1";
+    EXPECT_NO_THROW(Connexion_->Exécuter(Sql, {Long + ", 1re côte - n°2"}));
+    for (const char* Coupure : {";", "\r", "\n", "\t", "\x7F"})
+      EXPECT_THROW(Connexion_->Exécuter(Sql, {Long + Coupure}), Ombrey::ErreurExécution) << Table << " " << Coupure;
+  }
+  std::string Texte = Ligne();
+  Texte.replace(Texte.find("Syrah"), 5, Long).replace(0, 1, "Cave de Saint-Cœur");
+  EXPECT_EQ(Importer(Texte), "");
+  EXPECT_EQ(Lire("SELECT CodeSite || '/' || Cépage FROM Chargement"), "Cave de Saint-Cœur/" + Long);
+}
+
 TEST_F(Import, StaysDoneWhenAListenerFails) {
   ÉcouteurEnPanne_ = true;
   testing::internal::CaptureStderr();
