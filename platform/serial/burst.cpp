@@ -47,6 +47,8 @@ bool Rafale::Avancer(char Octet) {
 std::vector<Octets> Rafale::Ajouter(std::string_view Reçus) {
   std::vector<Octets> Closes;
   for (const char Octet : Reçus) {
+    // A short answer right ahead of a frame needn't wait for the frame's end: on a slow line that takes seconds.
+    if (Octet == STX && Lieu_ == Lieu::HorsTrame && !Tenus_.empty()) Closes.push_back(Clore());
     Tenus_ += Octet;
     if (Avancer(Octet) || Tenus_.size() >= TailleMax) Closes.push_back(Clore());
   }

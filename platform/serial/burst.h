@@ -12,7 +12,8 @@
 namespace Ombrey {
 
 /// Cuts received bytes into bursts. A burst is closed at once behind the two checksum characters that follow an ETX,
-/// when an STX stands ahead of it in the burst; else by silence, which the caller measures. Knows no device, no clock.
+/// when an STX stands ahead of it in the burst, and ahead of such an STX; else by silence, which the caller measures.
+/// Knows no device, no clock.
 class Rafale {
  public:
   /// A burst is handed up at this size at the latest: a line gone mad fills no memory.
