@@ -3,6 +3,7 @@
 
 #include <array>
 #include <fstream>
+#include <span>
 
 #include "common/ansi_text.h"
 #include "common/files.h"
@@ -20,7 +21,6 @@ using Ombrey::ValeurChamp;
 
 constexpr std::string_view FinDeLigne = "\r\n";
 constexpr std::size_t TailleMaximale = 16UL * 1024 * 1024;  // some 150,000 loads
-constexpr const char* DemiSeconde = "(0.5 / 86400)";
 
 std::string LireFichier(const std::string& Nom) {
   std::ifstream Fichier(Ombrey::Chemin(Nom), std::ios::binary);
@@ -53,6 +53,17 @@ std::string EntreGuillemets(const std::string& Nom) {
   return Texte + '"';
 }
 
+/// A choice of rows: the conditions, and the values that they compare with.
+struct Choix {
+  std::string Sql;
+  std::vector<ValeurChamp> Valeurs;
+
+  void Exiger(const std::string& Condition, const ValeurChamp& Valeur) {
+    Sql += (Sql.empty() ? " WHERE " : " AND ") + Condition;
+    Valeurs.push_back(Valeur);
+  }
+};
+
 /// Writes loads into the table, inside a transaction of the caller's.
 class Ecriture {
  public:
@@ -60,25 +71,24 @@ class Ecriture {
       : Connexion_(Connexion), Définition_(Définition) {}
 
   ChargementImporté Ecrire(const std::vector<ValeurChamp>& Valeurs) {
-    const std::vector<ValeurChamp> Identité = {
-        Valeurs[Définition_.Place("CodeSite")], Valeurs[Définition_.Place("NoChargement")],
-        Valeurs[Définition_.Place("DateCh")], Valeurs[Définition_.Place("Métayage")]};
-    const ValeurChamp Même = Connexion_.Lire("SELECT IdChargement FROM Chargement WHERE " + MêmeChargement(), Identité);
-    if (const auto* Id = std::get_if<std::int64_t>(&Même)) {
+    const Choix Même = Choisir(Identité, Valeurs);
+    const ValeurChamp Ancien = Connexion_.Lire("SELECT IdChargement FROM Chargement" + Même.Sql, Même.Valeurs);
+    if (const auto* Id = std::get_if<std::int64_t>(&Ancien)) {
       Modifier(*Id, Valeurs);
       return {*Id, false};
     }
     // A load whose number was taken over, and that the terminal now sends again, comes back from the archive.
-    Connexion_.Exécuter("DELETE FROM ChargementArchive WHERE " + MêmeChargement(), Identité);
-    Archiver({Identité[0], Identité[1]});
+    Connexion_.Exécuter("DELETE FROM ChargementArchive" + Même.Sql, Même.Valeurs);
+    Archiver(Choisir(std::span(Identité).first<CritèresDuNuméro>(), Valeurs));
     Insérer(Valeurs);
     return {Connexion_.DernièreLigne(), true};
   }
 
  private:
-  static std::string MêmeChargement() {
-    return std::string("CodeSite = ?1 AND NoChargement = ?2 AND abs(DateCh - ?3) < ") + DemiSeconde +
-           " AND Métayage = ?4";
+  [[nodiscard]] Choix Choisir(std::span<const Critère> Critères, const std::vector<ValeurChamp>& Valeurs) const {
+    Choix Lignes;
+    for (const Critère& C : Critères) Lignes.Exiger(C.Même, Valeurs[Définition_.Place(C.Colonne)]);
+    return Lignes;
   }
 
   void Modifier(std::int64_t Id, std::vector<ValeurChamp> Valeurs) {
@@ -98,15 +108,15 @@ class Ecriture {
     Connexion_.Exécuter("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ")", Valeurs);
   }
 
-  void Archiver(const std::vector<ValeurChamp>& SiteEtNuméro) {
-    const std::string Choix = " FROM Chargement WHERE CodeSite = ?1 AND NoChargement = ?2";
-    if (EstNull(Connexion_.Lire("SELECT 1" + Choix, SiteEtNuméro))) return;
+  void Archiver(const Choix& Lignes) {
+    const std::string DeLà = " FROM Chargement" + Lignes.Sql;
+    if (EstNull(Connexion_.Lire("SELECT 1" + DeLà, Lignes.Valeurs))) return;
     std::string Noms;
     Instruction Colonnes = Connexion_.Préparer("SELECT name FROM pragma_table_info('Chargement')");
     while (Colonnes.Avancer())
       Noms += (Noms.empty() ? "" : ", ") + EntreGuillemets(std::get<std::string>(Colonnes.Valeur(0)));
-    Connexion_.Exécuter("INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + Choix, SiteEtNuméro);
-    Connexion_.Exécuter("DELETE" + Choix, SiteEtNuméro);
+    Connexion_.Exécuter("INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + DeLà, Lignes.Valeurs);
+    Connexion_.Exécuter("DELETE" + DeLà, Lignes.Valeurs);
   }
 
   ConnexionSqlite& Connexion_;

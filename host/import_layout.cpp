@@ -25,7 +25,6 @@ constexpr std::array<std::pair<std::string_view, GenreValeur>, 5> Genres = {{{"t
                                                                              {"nombre", GenreValeur::Nombre},
                                                                              {"date", GenreValeur::Date},
                                                                              {"booléen", GenreValeur::Booléen}}};
-constexpr std::array<std::string_view, 4> Identité = {"CodeSite", "NoChargement", "DateCh", "Métayage"};
 constexpr std::array<std::pair<std::string_view, std::int64_t>, 5> Booléens = {
     {{"Vrai", -1}, {"-1", -1}, {"1", -1}, {"Faux", 0}, {"0", 0}}};
 
@@ -96,8 +95,7 @@ ValeurChamp LireValeur(const ColonneImport& Colonne, const std::string& Texte, c
     return ErreurContenu("Colonne " + Colonne.Nom + " : " + Raison);
   };
   if (Texte.empty()) {
-    const bool EstRequise = std::find(Identité.begin(), Identité.end(), Colonne.Nom) != Identité.end();
-    if (EstRequise) throw Refus("la valeur manque");
+    if (EstIdentité(Colonne.Nom)) throw Refus("la valeur manque");
     if (Colonne.Genre == GenreValeur::Booléen) return std::int64_t{0};
     return std::monostate{};
   }
@@ -127,6 +125,10 @@ std::string TexteOuVide(const ValeurChamp& Valeur) {
 
 }  // namespace
 
+bool EstIdentité(std::string_view Nom) {
+  return std::any_of(Identité.begin(), Identité.end(), [&](const Critère& C) { return C.Colonne == Nom; });
+}
+
 std::size_t DéfinitionImport::Place(std::string_view Nom) const {
   const auto Trouvée = std::find_if(Colonnes.begin(), Colonnes.end(), [&](const auto& C) { return C.Nom == Nom; });
   if (Trouvée == Colonnes.end())
@@ -147,7 +149,7 @@ DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std:
     if (EstNull(Connexion.Lire("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2", {TableChargements, Nom})))
       throw ErreurExécution("Définition d'import : colonne inconnue : " + Nom);
   }
-  for (const std::string_view Nom : Identité) static_cast<void>(Définition.Place(Nom));
+  for (const Critère& C : Identité) static_cast<void>(Définition.Place(C.Colonne));
   return Définition;
 }
 

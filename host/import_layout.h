@@ -1,6 +1,7 @@
 // The layout of an import file, and its lines cut into checked values.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -13,6 +14,21 @@
 namespace Tarvel {
 
 enum class GenreValeur { Texte, Entier, Nombre, Date, Booléen };
+
+/// One of the columns that make a load's identity: a layout holds them all, and a line has a value in each.
+struct Critère {
+  const char* Colonne;
+  const char* Même;  ///< condition on a row: it has the line's value, or one that is meant to be the same
+};
+
+inline constexpr std::array<Critère, 4> Identité = {{{"CodeSite", "CodeSite = ?"},
+                                                     {"NoChargement", "NoChargement = ?"},
+                                                     {"DateCh", "abs(DateCh - ?) < 0.5 / 86400"},  // half a second
+                                                     {"Métayage", "Métayage = ?"}}};
+/// So many of them, from the first, find at most one row of the table of loads.
+inline constexpr std::size_t CritèresDuNuméro = 2;
+
+[[nodiscard]] bool EstIdentité(std::string_view Nom);
 
 struct ColonneImport {
   std::string Nom;
