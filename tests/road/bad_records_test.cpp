@@ -112,7 +112,7 @@ TEST(BadRecords, GarbageWithATrueChecksumNeverCostsALoad) {
   constexpr const char* Méchants = "';\"\\|\t\r\n\0\x02\x03\x05\x06\x15 %_[]&-.,eE";
   constexpr std::size_t NombreMéchants = 25;
   int Acquittés = 0;
-  for (int Essai = 0; Essai < 1500; ++Essai) {
+  for (int Essai = 0; Essai < 600; ++Essai) {
     // Anything; or a good record in which some bytes are bad.
     std::string Texte = Enregistrement(Tirer(1, 9999));
     if (Essai % 3 == 0) {
@@ -136,7 +136,7 @@ TEST(BadRecords, GarbageWithATrueChecksumNeverCostsALoad) {
     }
     ASSERT_FALSE(std::filesystem::exists(P.En("poste/import/RG80 import.txt")));
   }
-  EXPECT_GT(Acquittés, 100) << "too few got far enough to prove anything";
+  EXPECT_GT(Acquittés, 40) << "too few got far enough to prove anything";
   EXPECT_EQ(P.Valeur("PRAGMA integrity_check"), "ok");
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM Chargement WHERE typeof(NoChargement) <> 'integer' OR typeof(DateCh) <>"
                      " 'real' OR (typeof(Masse) <> 'integer' AND Masse IS NOT NULL)"),

@@ -112,6 +112,19 @@ TEST(Endings, TermWhileABoxWaitsForAnOperatorEndsAtOnce) {
   EXPECT_EQ(Station->Fin(2s), 0) << Station->Dit();
 }
 
+TEST(Endings, AConsoleThatNobodyReadsStopsNeitherTheLoadsNorTheEnd) {
+  const Poste P;
+  const auto Rg80 = P.Terminal({"--hasard", "3", "--jusqu-a-vide"});
+  const auto Station = P.Station();
+  constexpr int AssezPourUnTube = 60;
+  for (int Fois = 0; Fois < AssezPourUnTube; ++Fois) Station->Taper("aide");
+  Station->Taper("interroger");
+  EXPECT_EQ(Rg80->Fin(), 0) << Rg80->Dit();
+  EXPECT_EQ(P.Rentrés(), "3 3 0");
+  Station->Signaler(SIGTERM);
+  EXPECT_EQ(Station->FinSansLire(3s), 0);
+}
+
 TEST(Endings, TheEndOfTheInputAndACommandEndADialogueToo) {
   for (const char* Commande :
        {"fin", "interroger\nfin", "bouton\nfin", "menu\nfermer\nfin", "liste\nmessages\nerreurs\nfin"}) {

@@ -85,6 +85,11 @@ std::optional<int> Programme::Fin(milliseconds Patience) {
   const auto Limite = Horloge::now() + Patience;
   while (Lire(std::chrono::ceil<milliseconds>(Limite - Horloge::now()))) {
   }
+  return FinSansLire(std::chrono::ceil<milliseconds>(Limite - Horloge::now()));
+}
+
+std::optional<int> Programme::FinSansLire(milliseconds Patience) {
+  const auto Limite = Horloge::now() + Patience;
   for (;;) {
     int État = 0;
     if (waitpid(Enfant_, &État, WNOHANG) == Enfant_) {

@@ -26,6 +26,8 @@ class Programme {
   void Signaler(int Signal) const;
   /// The exit code, or minus the signal that ended it; none when it is still running after Patience.
   std::optional<int> Fin(std::chrono::milliseconds Patience = std::chrono::seconds(15));
+  /// The same while nobody reads what it says.
+  std::optional<int> FinSansLire(std::chrono::milliseconds Patience);
   [[nodiscard]] const std::string& Dit() const { return Dit_; }
 
  private:
