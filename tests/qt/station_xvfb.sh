@@ -42,6 +42,8 @@ press() { xdotool windowfocus "$(window "$1")" && sleep 0.2 && xdotool key --cle
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
+printf "leak:libfontconfig\nleak:libdbus\n" >"$work/not-ours"
+export LSAN_OPTIONS=suppressions=$work/not-ours:print_suppressions=0
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM
 mkdir -p "$HOME"
 exec 5>"$work/display"
