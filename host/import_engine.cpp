@@ -3,6 +3,7 @@
 
 #include <array>
 #include <fstream>
+#include <optional>
 #include <span>
 
 #include "common/ansi_text.h"
@@ -71,31 +72,61 @@ class Ecriture {
       : Connexion_(Connexion), Définition_(Définition) {}
 
   ChargementImporté Ecrire(const std::vector<ValeurChamp>& Valeurs) {
-    const Choix Même = Choisir(Identité, Valeurs);
-    const ValeurChamp Ancien = Connexion_.Lire("SELECT IdChargement FROM Chargement" + Même.Sql, Même.Valeurs);
-    if (const auto* Id = std::get_if<std::int64_t>(&Ancien)) {
-      Modifier(*Id, Valeurs);
+    const Choix Même = Choisir(Identité, &Critère::Même, Valeurs);
+    if (const auto Id = Chercher(Même)) {
+      Modifier(*Id, Valeurs, Dates::Nouvelles);
+      return {*Id, false};
+    }
+    if (const auto Id = Chercher(Renvoi(Valeurs))) {
+      Modifier(*Id, Valeurs, Dates::Gardées);
       return {*Id, false};
     }
     // A load whose number was taken over, and that the terminal now sends again, comes back from the archive.
     Connexion_.Exécuter("DELETE FROM ChargementArchive" + Même.Sql, Même.Valeurs);
-    Archiver(Choisir(std::span(Identité).first<CritèresDuNuméro>(), Valeurs));
+    Archiver(Choisir(std::span(Identité).first<CritèresDuNuméro>(), &Critère::Même, Valeurs));
     Insérer(Valeurs);
     return {Connexion_.DernièreLigne(), true};
   }
 
  private:
-  [[nodiscard]] Choix Choisir(std::span<const Critère> Critères, const std::vector<ValeurChamp>& Valeurs) const {
+  enum class Dates { Nouvelles, Gardées };
+
+  [[nodiscard]] Choix Choisir(std::span<const Critère> Critères, const char* Critère::*Condition,
+                              const std::vector<ValeurChamp>& Valeurs) const {
     Choix Lignes;
-    for (const Critère& C : Critères) Lignes.Exiger(C.Même, Valeurs[Définition_.Place(C.Colonne)]);
+    for (const Critère& C : Critères) Lignes.Exiger(C.*Condition, Valeurs[Définition_.Place(C.Colonne)]);
     return Lignes;
   }
 
-  void Modifier(std::int64_t Id, std::vector<ValeurChamp> Valeurs) {
+  /// A date that is none is the time of the import, another one each time that the load is sent; a holding that
+  /// couldn't be created is "0" until it can. The load is known by all that was weighed and measured.
+  [[nodiscard]] Choix Renvoi(const std::vector<ValeurChamp>& Valeurs) const {
+    Choix Lignes = Choisir(Identité, &Critère::Proche, Valeurs);
+    for (std::size_t Rang = 0; Rang < Valeurs.size(); ++Rang) {
+      const ColonneImport& C = Définition_.Colonnes[Rang];
+      if (C.Genre != GenreValeur::Date && !EstIdentité(C.Nom))
+        Lignes.Exiger(EntreGuillemets(C.Nom) + " IS ?", Valeurs[Rang]);
+    }
+    return Lignes;
+  }
+
+  [[nodiscard]] std::optional<std::int64_t> Chercher(const Choix& Lignes) const {
+    const ValeurChamp Trouvé = Connexion_.Lire("SELECT IdChargement FROM Chargement" + Lignes.Sql, Lignes.Valeurs);
+    const auto* Id = std::get_if<std::int64_t>(&Trouvé);
+    return Id ? std::optional(*Id) : std::nullopt;
+  }
+
+  void Modifier(std::int64_t Id, const std::vector<ValeurChamp>& Valeurs, Dates LesDates) {
     std::string Sql = "UPDATE Chargement SET ";
-    for (const ColonneImport& C : Définition_.Colonnes) Sql += EntreGuillemets(C.Nom) + " = ?, ";
-    Valeurs.emplace_back(Id);
-    Connexion_.Exécuter(Sql + "IdChargement = IdChargement WHERE IdChargement = ?", Valeurs);
+    std::vector<ValeurChamp> Liées;
+    for (std::size_t Rang = 0; Rang < Valeurs.size(); ++Rang) {
+      const ColonneImport& C = Définition_.Colonnes[Rang];
+      if (C.Genre == GenreValeur::Date && LesDates == Dates::Gardées) continue;
+      Sql += EntreGuillemets(C.Nom) + " = ?, ";
+      Liées.push_back(Valeurs[Rang]);
+    }
+    Liées.emplace_back(Id);
+    Connexion_.Exécuter(Sql + "IdChargement = IdChargement WHERE IdChargement = ?", Liées);
   }
 
   void Insérer(const std::vector<ValeurChamp>& Valeurs) {

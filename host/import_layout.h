@@ -18,13 +18,16 @@ enum class GenreValeur { Texte, Entier, Nombre, Date, Booléen };
 /// One of the columns that make a load's identity: a layout holds them all, and a line has a value in each.
 struct Critère {
   const char* Colonne;
-  const char* Même;  ///< condition on a row: it has the line's value, or one that is meant to be the same
+  const char* Même;    ///< condition on a row: it has the line's value
+  const char* Proche;  ///< the same for a load that is sent again and whose date or holding could not be had at first
 };
 
-inline constexpr std::array<Critère, 4> Identité = {{{"CodeSite", "CodeSite = ?"},
-                                                     {"NoChargement", "NoChargement = ?"},
-                                                     {"DateCh", "abs(DateCh - ?) < 0.5 / 86400"},  // half a second
-                                                     {"Métayage", "Métayage = ?"}}};
+inline constexpr std::array<Critère, 4> Identité = {{
+    {"CodeSite", "CodeSite = ?", "CodeSite = ?"},
+    {"NoChargement", "NoChargement = ?", "NoChargement = ?"},
+    {"DateCh", "abs(DateCh - ?) < 0.5 / 86400", "abs(DateCh - ?) < 1"},  // half a second; a day
+    {"Métayage", "Métayage = ?", "Métayage IN (?, '0')"},
+}};
 /// So many of them, from the first, find at most one row of the table of loads.
 inline constexpr std::size_t CritèresDuNuméro = 2;
 

@@ -32,10 +32,40 @@ TEST_F(Import, KeepsEachLoadOnce) {
   EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM ChargementArchive"), "1300/1");
 
   // And the first one once more.
-  EXPECT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "4", "05", "1299")), "");
   EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
   EXPECT_EQ(Lire("SELECT group_concat(Arrivée) FROM ChargementLisible"), "22/09/2026 08:30");
   EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM ChargementArchive"), "1234/1");
+}
+
+TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) {
+  const struct {
+    std::string Première;
+    std::string Seconde;
+    const char* Reste;  // dates and holding of the one row; none when these are two loads
+  } Cas[] = {
+      // No date: the time of each import stands for it.
+      {Ligne("12", "22/09/2026 23:59:50"), Ligne("12", "23/09/2026 00:00:07"), "22/09/2026 23:59 4"},
+      {Ligne("12", "22/09/2026 10:00:00", "4", "", ""), Ligne("12", "22/09/2026 09:00:00", "4", "", ""),
+       "22/09/2026 10:00 4"},
+      // The holding could be created only at the second time.
+      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/26 08:30", "4"), "22/09/2026 08:30 4"},
+      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/2026 11:22:33", "4"), "22/09/2026 08:30 4"},
+      // Two loads: another holding, another weight, another day.
+      {Ligne(), Ligne("12", "22/09/26 08:30", "5"), nullptr},
+      {Ligne(), Ligne("12", "22/09/26 08:31", "4", "05", "1235"), nullptr},
+      {Ligne(), Ligne("12", "23/09/26 08:30"), nullptr},
+  };
+  for (const auto& C : Cas) {
+    Connexion_->ExécuterTout("DELETE FROM Chargement; DELETE FROM ChargementArchive");
+    ASSERT_EQ(Importer(C.Première), "");
+    ASSERT_EQ(Importer(C.Seconde), "");
+    EXPECT_EQ(Annonces_, std::string(C.Reste ? "mis à jour" : "importé") + " Chargement 1/12\n") << C.Seconde;
+    EXPECT_EQ(Lire("SELECT count(*) FROM ChargementArchive"), C.Reste ? "0" : "1") << C.Seconde;
+    if (C.Reste) {
+      EXPECT_EQ(Lire("SELECT Arrivée || ' ' || Métayage FROM ChargementLisible"), C.Reste);
+    }
+  }
 }
 
 TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
