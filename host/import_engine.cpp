@@ -142,12 +142,26 @@ class Ecriture {
   void Archiver(const Choix& Lignes) {
     const std::string DeLà = " FROM Chargement" + Lignes.Sql;
     if (EstNull(Connexion_.Lire("SELECT 1" + DeLà, Lignes.Valeurs))) return;
+    CompléterArchive();
     std::string Noms;
     Instruction Colonnes = Connexion_.Préparer("SELECT name FROM pragma_table_info('Chargement')");
     while (Colonnes.Avancer())
       Noms += (Noms.empty() ? "" : ", ") + EntreGuillemets(std::get<std::string>(Colonnes.Valeur(0)));
     Connexion_.Exécuter("INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + DeLà, Lignes.Valeurs);
     Connexion_.Exécuter("DELETE" + DeLà, Lignes.Valeurs);
+  }
+
+  /// A column that the cooperative has added to its loads goes into the archive with them.
+  void CompléterArchive() {
+    std::string Ajouts;
+    Instruction Manquantes = Connexion_.Préparer(
+        "SELECT name, type FROM pragma_table_info('Chargement') WHERE name COLLATE NOCASE NOT IN"
+        " (SELECT name FROM pragma_table_info('ChargementArchive'))");
+    while (Manquantes.Avancer())
+      Ajouts += "ALTER TABLE ChargementArchive ADD COLUMN " +
+                EntreGuillemets(std::get<std::string>(Manquantes.Valeur(0))) + " " +
+                std::get<std::string>(Manquantes.Valeur(1)) + ";";
+    Connexion_.ExécuterTout(Ajouts);
   }
 
   ConnexionSqlite& Connexion_;

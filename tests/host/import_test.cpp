@@ -38,19 +38,30 @@ TEST_F(Import, KeepsEachLoadOnce) {
   EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM ChargementArchive"), "1234/1");
 }
 
+TEST_F(Import, ArchivesColumnsThatTheCooperativeAdded) {
+  Connexion_->ExécuterTout(
+      "ALTER TABLE Chargement ADD COLUMN \"N° de \"\"ticket\"\"\" DECIMAL(8, 2) NOT NULL DEFAULT 7;"
+      "ALTER TABLE Chargement ADD COLUMN [Sans genre]; ALTER TABLE ChargementArchive ADD COLUMN [SANS GENRE]");
+  for (const char* Date : {"22/09/26 08:30", "23/09/26 08:30", "24/09/26 08:30"})
+    ASSERT_EQ(Importer(Ligne("12", Date)), "");
+  EXPECT_EQ(Lire("SELECT count(*) || '/' || sum(\"N° de \"\"ticket\"\"\") FROM ChargementArchive"), "2/14");
+}
+
 TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) {
+  std::string Tardive = Ligne("12", "23/09/2026 00:00:07");
+  Tardive.replace(Tardive.find("22/09/26 09:15"), 14, "23/09/2026 00:00:07");
   const struct {
     std::string Première;
     std::string Seconde;
     const char* Reste;  // dates and holding of the one row; none when these are two loads
   } Cas[] = {
       // No date: the time of each import stands for it.
-      {Ligne("12", "22/09/2026 23:59:50"), Ligne("12", "23/09/2026 00:00:07"), "22/09/2026 23:59 4"},
+      {Ligne("12", "22/09/2026 23:59:50"), Tardive, "22/09/2026 23:59 09:15 4"},
       {Ligne("12", "22/09/2026 10:00:00", "4", "", ""), Ligne("12", "22/09/2026 09:00:00", "4", "", ""),
-       "22/09/2026 10:00 4"},
+       "22/09/2026 10:00 09:15 4"},
       // The holding could be created only at the second time.
-      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/26 08:30", "4"), "22/09/2026 08:30 4"},
-      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/2026 11:22:33", "4"), "22/09/2026 08:30 4"},
+      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/26 08:30", "4"), "22/09/2026 08:30 09:15 4"},
+      {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/2026 11:22:33", "4"), "22/09/2026 08:30 09:15 4"},
       // Two loads: another holding, another weight, another day.
       {Ligne(), Ligne("12", "22/09/26 08:30", "5"), nullptr},
       {Ligne(), Ligne("12", "22/09/26 08:31", "4", "05", "1235"), nullptr},
@@ -63,7 +74,7 @@ TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) 
     EXPECT_EQ(Annonces_, std::string(C.Reste ? "mis à jour" : "importé") + " Chargement 1/12\n") << C.Seconde;
     EXPECT_EQ(Lire("SELECT count(*) FROM ChargementArchive"), C.Reste ? "0" : "1") << C.Seconde;
     if (C.Reste) {
-      EXPECT_EQ(Lire("SELECT Arrivée || ' ' || Métayage FROM ChargementLisible"), C.Reste);
+      EXPECT_EQ(Lire("SELECT Arrivée || substr(Sortie, 11) || ' ' || Métayage FROM ChargementLisible"), C.Reste);
     }
   }
 }
