@@ -22,6 +22,7 @@ using Ombrey::ValeurChamp;
 constexpr const char* DossierImport = "import";
 constexpr const char* NomFichierImport = "import.txt";
 constexpr std::int64_t CodeLePlusHaut = 999'999;  // six digits at the terminal
+constexpr std::int64_t GroupeLePlusHaut = 999;    // three digits at the terminal
 constexpr double PartLaPlusHaute = 999.9999;      // three digits and four decimals at the terminal
 
 constexpr const char* CoopérateurParCode =
@@ -169,6 +170,14 @@ ValeurChamp BaseDeDTarvel::CodeEcrit(const char* Sql, const std::string& Code) c
   return Nombre ? Connexion_->Lire(Sql, {*Nombre}) : ValeurChamp{};
 }
 
+ValeurChamp BaseDeDTarvel::GroupeEcrit(const std::string& Groupe) const {
+  const ValeurChamp Connu = CodeEcrit(GroupeParCode, Groupe);
+  if (!EstNull(Connu)) return Connu;
+  const auto Nombre = CodeNumérique(Groupe);
+  if (!Nombre || *Nombre == 0 || *Nombre > GroupeLePlusHaut) return {};
+  return std::to_string(*Nombre);
+}
+
 std::int16_t BaseDeDTarvel::AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) {
   return Créer([&] {
     const auto Code = CodeNumérique(Nouveau.IdCoopérateur);
@@ -205,7 +214,7 @@ std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, c
         "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp)"
         " VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
         {Nouveau, CodePropriétaire, CodeRécoltant, NombrePart, NombreBadge ? ValeurChamp{*NombreBadge} : ValeurChamp{},
-         CodeEcrit(GroupeParCode, Groupe)});
+         GroupeEcrit(Groupe)});
     return ErreurBase::Aucune;
   });
   if (Résultat == static_cast<std::int16_t>(ErreurBase::Aucune)) Code = Nouveau;

@@ -87,7 +87,8 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
 
   std::int16_t AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) override;
   /// The new code is the highest so far and one more. Both members must exist, and are written as their own rows write
-  /// them, so that the tables join; so is the group, and one that doesn't exist is left out. Part is a percentage.
+  /// them, so that the tables join; so is the group. A group from 1 to 999 that doesn't exist is written as a number,
+  /// so that the pair's loads get their figures until the group has a row; any other is left out. Part is a percentage.
   std::int16_t AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant, std::string& Code,
                                const std::string& Part, const std::string& Groupe, const std::string& Badge) override;
   [[nodiscard]] std::string TexteErreurBase(std::int16_t Erreur) override;
@@ -107,6 +108,8 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   [[nodiscard]] std::optional<std::int64_t> CodeNumérique(const std::string& Texte) const;
   /// Code as its own row writes it; Null when there is no such row.
   [[nodiscard]] Ombrey::ValeurChamp CodeEcrit(const char* Sql, const std::string& Code) const;
+
+  [[nodiscard]] Ombrey::ValeurChamp GroupeEcrit(const std::string& Groupe) const;
 
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   Ombrey::ISystème& Système_;

@@ -135,8 +135,13 @@ TEST_F(Base, CreatesMembersAndHoldingsThatTheQueriesFind) {
       Lire("SELECT Propriétaire || '/' || Récoltant || '/' || Part || '/' || IdGrp || ifnull(CodeBadge, ' sans') FROM "
            "Métayage WHERE IdMétayage = '16'"),
       "900/123/33.5/7 sans");
-  EXPECT_EQ(Exploitation("900", "900", "100.0000", "0"), "17");
-  EXPECT_EQ(Lire("SELECT IdGrp IS NULL FROM Métayage WHERE IdMétayage = '17'"), "1");
+  Connexion_->Exécuter("INSERT INTO Groupement (IdGrp) VALUES ('008')");
+  int Code = 17;
+  for (const auto& [Groupe, Ecrit] :
+       {std::pair{"8", "008"}, {"042", "42"}, {"999", "999"}, {"1000", ""}, {"", ""}, {"0", ""}}) {
+    EXPECT_EQ(Exploitation("900", "900", "100.0000", Groupe), std::to_string(Code));
+    EXPECT_EQ(Lire("SELECT IdGrp FROM Métayage WHERE IdMétayage = '" + std::to_string(Code++) + "'"), Ecrit) << Groupe;
+  }
   EXPECT_EQ(Exploitation("900", "901", "100", "7"), "0le propriétaire ou le récoltant est inconnu");
   EXPECT_EQ(Exploitation("900", "123", "ABC.DEFG", "7"), "0la part n'est pas un nombre entre 0 et 999,9999");
   Connexion_->Exécuter("UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'");
