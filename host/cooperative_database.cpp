@@ -25,6 +25,8 @@ constexpr std::int64_t CodeLePlusHaut = 999'999;  // six digits at the terminal
 constexpr std::int64_t GroupeLePlusHaut = 999;    // three digits at the terminal
 constexpr double PartLaPlusHaute = 999.9999;      // three digits and four decimals at the terminal
 
+constexpr const char* SiteParDéfaut = "1";
+
 constexpr const char* CoopérateurParCode =
     "SELECT IdCoopérateur FROM Coopérateur WHERE CAST(IdCoopérateur AS INTEGER) = ?1";
 constexpr const char* GroupeParCode = "SELECT IdGrp FROM Groupement WHERE CAST(IdGrp AS INTEGER) = ?1";
@@ -48,7 +50,8 @@ constexpr std::array<TexteErreur, 6> Textes = {{
 }  // namespace
 
 std::string KVSynchroTarvel::CodeSiteCourant() {
-  return TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'"));
+  const std::string Code = TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'"));
+  return Code.empty() ? SiteParDéfaut : Code;
 }
 
 void KVSynchroTarvel::Mémoriser() {

@@ -28,7 +28,7 @@ enum class ErreurBase : std::int16_t {
 class KVSynchroTarvel : public Ombrey::IKVSynchro {
  public:
   explicit KVSynchroTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion) : Connexion_(std::move(Connexion)) {}
-  /// The setting "CodeSite" of the table Paramètre.
+  /// The setting "CodeSite" of the table Paramètre; "1" without one, as the loads then bear it.
   [[nodiscard]] std::string CodeSiteCourant() override;
   void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
 

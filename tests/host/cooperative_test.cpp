@@ -193,7 +193,11 @@ class Nouvelles : public Ombrey::IÉcouteurKVSynchro {
 };
 
 TEST_F(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
-  EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), "1");
+  for (const char* Changement :
+       {"UPDATE Paramètre SET Valeur = 'A'", "UPDATE Paramètre SET Valeur = ''", "DELETE FROM Paramètre"}) {
+    Connexion_->Exécuter(Changement);
+    EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), std::string(Changement).ends_with("'A'") ? "A" : "1");
+  }
   std::string Rouge = "05";
   std::string Inconnue = "'";
   EXPECT_EQ(Base_->ListeCépages({}, Rouge, true), "Syrah");
