@@ -54,18 +54,21 @@ std::string KVSynchroTarvel::CodeSiteCourant() {
   return Code.empty() ? SiteParDéfaut : Code;
 }
 
-void KVSynchroTarvel::Mémoriser() {
+std::int64_t KVSynchroTarvel::DernierChargement() {
   const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(IdChargement) FROM Chargement");
-  if (const auto* Id = std::get_if<std::int64_t>(&Dernier)) DernierConnu_ = *Id;
+  const auto* Id = std::get_if<std::int64_t>(&Dernier);
+  return Id ? *Id : DernierConnu_;
 }
 
 void KVSynchroTarvel::AnnoncerNouveautés() {
+  // What another program commits between the two queries is news of the next time.
+  const std::int64_t Dernier = DernierChargement();
   std::vector<std::string> Sites;
-  Ombrey::Instruction Requête =
-      Connexion_->Préparer("SELECT DISTINCT CodeSite FROM Chargement WHERE IdChargement > ?1 AND CodeSite <> ?2");
-  Requête.Lier({DernierConnu_, CodeSiteCourant()});
+  Ombrey::Instruction Requête = Connexion_->Préparer(
+      "SELECT DISTINCT CodeSite FROM Chargement WHERE IdChargement > ?1 AND IdChargement <= ?2 AND CodeSite <> ?3");
+  Requête.Lier({DernierConnu_, Dernier, CodeSiteCourant()});
   while (Requête.Avancer()) Sites.push_back(TexteDe(Requête.Valeur(0)));
-  Mémoriser();
+  DernierConnu_ = Dernier;
   for (const std::string& Site : Sites)
     if (Écouteur_) Écouteur_->KVSynchro_DonnéesImportées(Site);
 }

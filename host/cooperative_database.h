@@ -33,11 +33,14 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
   void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
 
   /// Loads that are there now aren't news any more.
-  void Mémoriser();
+  void Mémoriser() { DernierConnu_ = DernierChargement(); }
   /// Tells the listener of the other sites whose loads have come into the database since the last call.
   void AnnoncerNouveautés();
 
  private:
+  /// The highest number of a load, or the one known already when there are none.
+  [[nodiscard]] std::int64_t DernierChargement();
+
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   Ombrey::IÉcouteurKVSynchro* Écouteur_ = nullptr;
   std::int64_t DernierConnu_ = 0;
