@@ -32,7 +32,7 @@ struct ChargementImporté {
 ///
 /// | Kind | Values |
 /// |---|---|
-/// | texte | anything but control characters |
+/// | texte | anything but control characters; TAB may stand |
 /// | entier | digits |
 /// | nombre | digits with at most one decimal separator of the locale |
 /// | date | day, month, year, and a time where there is one |
