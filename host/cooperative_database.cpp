@@ -238,18 +238,20 @@ std::string BaseDeDTarvel::TexteErreurBase(std::int16_t Erreur) {
 std::int32_t BaseDeDTarvel::CalculerRestantExploit(std::string& IdMétayage, std::string& Cépage, std::string& Sélection,
                                                    std::string& Qualité, std::optional<double> Du,
                                                    std::optional<double> Au) {
-  return Figures_.RestantExploit({"", IdMétayage, Cépage, Sélection, Qualité, Du, Au});
+  return Figures_.RestantExploit(
+      {.Métayage = IdMétayage, .Cépage = Cépage, .Sélection = Sélection, .Qualité = Qualité, .Du = Du, .Au = Au});
 }
 
 std::int32_t BaseDeDTarvel::CalculerCumulGroupe(std::string Groupe, std::string Métayage, std::string Cépage,
                                                 std::string Sélection) {
-  return Figures_.CumulGroupe({Groupe, Métayage, Cépage, Sélection, "", std::nullopt, std::nullopt});
+  return Figures_.CumulGroupe({.Groupe = Groupe, .Métayage = Métayage, .Cépage = Cépage, .Sélection = Sélection});
 }
 
 std::int32_t BaseDeDTarvel::CalculerRestantGroupe(std::string& Groupe, std::string& Cépage, std::string& Sélection,
                                                   std::string& Qualité, std::optional<double> Jour,
                                                   std::optional<double> Au) {
-  return Figures_.RestantGroupe({Groupe, "", Cépage, Sélection, Qualité, Jour, Au});
+  return Figures_.RestantGroupe(
+      {.Groupe = Groupe, .Cépage = Cépage, .Sélection = Sélection, .Qualité = Qualité, .Du = Jour, .Au = Au});
 }
 
 }  // namespace Tarvel

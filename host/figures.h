@@ -17,13 +17,13 @@ inline constexpr std::int32_t SansQuota = 999999;
 /// Which loads count. An empty text or a missing day doesn't narrow the choice. Days are numbers since 1899-12-30, both
 /// included.
 struct FiltreChargements {
-  std::string Groupe;
-  std::string Métayage;
-  std::string Cépage;
-  std::string Sélection;
-  std::string Qualité;
-  std::optional<double> Du;
-  std::optional<double> Au;
+  std::string Groupe{};
+  std::string Métayage{};
+  std::string Cépage{};
+  std::string Sélection{};
+  std::string Qualité{};
+  std::optional<double> Du{};
+  std::optional<double> Au{};
 };
 
 /// Figures in kilograms, rounded to whole numbers and kept within 32 bits. All sites count, and loads whose number
