@@ -1,19 +1,16 @@
-// Settings on disk, folders, and the machine's forms of numbers.
-#include <gtest/gtest.h>
+// The machine's platform: settings on disk to the byte, folders, forms of numbers, configuring a port.
 #include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
 #include <csignal>
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
 
 #include "common/failures.h"
 #include "platform/loop/poll_loop.h"
-#include "platform/system/machine_system.h"
+#include "platform/system/ini_text.h"
+#include "platform/system/machine_platform.h"
 #include "platform/system/safe_file.h"
-#include "platform/system/settings_files.h"
+#include "tests/serial/pseudo_terminal.h"
+#include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey {
@@ -21,147 +18,179 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class Réglages : public testing::Test {
- protected:
-  void Poser(const std::string& Texte) const { std::ofstream(Fichier(), std::ios::binary) << Texte; }
-  [[nodiscard]] fs::path Fichier() const { return Dossier_.Chemin() / "tarvel.ini"; }
-  [[nodiscard]] std::string Contenu() const { return LireFichier(Fichier()).value_or("absent"); }
-  [[nodiscard]] std::size_t NombreDeFichiers() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(Dossier_.Chemin()), {}));
-  }
-  LecteurIniFichier Sur(const fs::path& Chemin) const {
-    LecteurIniFichier Lecteur;
-    Lecteur.FixerFichier(Chemin.string());
-    Lecteur.FixerSection("PlugInOmbrey");
-    Lecteur.FixerClé("Port");
-    return Lecteur;
-  }
-  static std::string Lue(LecteurIniFichier Lecteur) {
-    bool Drapeau = false;
-    Lecteur.LireValeur(Drapeau);
-    return Lecteur.Valeur();
-  }
-  static void Ecrite(LecteurIniFichier Lecteur, const std::string& Valeur) {
-    bool Drapeau = false;
-    Lecteur.FixerValeur(Valeur);
-    Lecteur.EcrireValeur(Drapeau);
-  }
+TEST(TexteIni, ReadsKeysInAnyLayout) {
+  // clang-format off
+  const std::pair<const char*, std::optional<std::string>> Table[] = {
+      {"Port=COM1:\n", {}}, {"[Autre]\nPort=COM9:\n[s]\r\nPORT=COM1:\r\n", "COM1:"},
+      {"  [ S ]  ; note\n\tPort \t=  COM1: \t\n", "COM1:"}, {"[S]\nPort=", ""}, {"[S]\nPort=a=b;c#d", "a=b;c#d"},
+      {"[S]\n;Port=1\n#Port=2\nPort\nPort=3\nPort=4\n", "3"}, {"[S]\nBauds=1\n[X]\n[S]\nPort=2\n", "2"},
+      {"[S]\nPort=\"  x \"\n", "  x "}, {"[S\nPort=1\n", {}}, {"\xEF\xBB\xBF[S]\nPort=\xC3\x89\n", "É"},
+      {"[S]\nPort=\xC9t\xE9 \x80\n", "Été €"}};
+  // clang-format on
+  for (const auto& [Bruts, Valeur] : Table) EXPECT_EQ(TexteIni(Bruts).Lire("S", "Port"), Valeur) << Bruts;
+}
 
+// The text ahead, the key and its value, the text behind.
+// clang-format off
+const std::string Écritures[][4] = {
+    {"", "Port", "COM1:", "[S]\nPort=COM1:\n"}, {"\xEF\xBB\xBF", "Port", "x", "\xEF\xBB\xBF[S]\nPort=x\n"},
+    {"[A]\r\nx=1\r\n", "Port", "y", "[A]\r\nx=1\r\n\r\n[S]\r\nPort=y\r\n"},
+    {"[A]\nx=1", "Port", "y", "[A]\nx=1\n\n[S]\nPort=y\n"}, {"[S]", "Port", "y", "[S]\nPort=y\n"},
+    {"[S]\nBauds=1\n\n; next\n[B]\nz=2\n", "Port", "y", "[S]\nBauds=1\nPort=y\n\n; next\n[B]\nz=2\n"},
+    {"[S]\n[B]\n[S]\nBauds=1\n", "Port", "y", "[S]\nPort=y\n[B]\n[S]\nBauds=1\n"},
+    {"[S]\r\n  port \t= COM1:\t \r\nport=2\r\n;x", "Port", "COM22:", "[S]\r\n  port \t= COM22:\t \r\nport=2\r\n;x"},
+    {"[S]\nP = \nBauds=", "Bauds", "9", "[S]\nP = \nBauds=9"}, {"[S]\nPort = 1 \n", "Port", "", "[S]\nPort =  \n"},
+    {"[S]\r\nParit\xE9=N\r\n;\x96\r\n", "Parité", "E", "[S]\r\nParit\xE9=E\r\n;\x96\r\n"},
+    {"[S]\n;\xE9\n", "Période", "€", "[S]\nP\xE9riode=\x80\n;\xE9\n"}, {"[S]\n", "Période", "2", "[S]\nPériode=2\n"},
+    {"[S]\nPort=1\n", "Port", " x", "[S]\nPort=\" x\"\n"}, {"[S]\nPort=1\n", "Port", "\"x\"", "[S]\nPort=\"\"x\"\"\n"}};
+// clang-format on
+
+TEST(TexteIni, ChangesOneLineAndNoOtherByte) {
+  for (const auto& [Avant, Clé, Valeur, Après] : Écritures) {
+    TexteIni Texte(Avant);
+    Texte.Ecrire("S", Clé, Valeur);
+    EXPECT_EQ(Texte.Bruts(), Après);
+    Texte.Ecrire("S", Clé, Texte.Lire("S", Clé).value_or("lost"));
+    EXPECT_EQ(Texte.Bruts(), Après);
+  }
+  // clang-format off
+  const std::tuple<const char*, const char*, const char*> Refusées[] = {  // could not be read back
+      {"S", "K", "a\nb"}, {"S", "K", "a\rb"}, {"S", "", "x"}, {"S", "a=b", "x"}, {"S", "[a", "x"}, {"S", ";a", "x"},
+      {"S", " a", "x"}, {"S]", "a", "x"}, {"", "a", "x"}, {"S", "K", "\xE9"}};
+  // clang-format on
+  for (const auto& [S, Clé, Valeur] : Refusées) {
+    TexteIni Texte("[S]\n");
+    EXPECT_THROW(Texte.Ecrire(S, Clé, Valeur), ErreurExécution) << S << Clé << Valeur;
+    EXPECT_EQ(Texte.Bruts(), "[S]\n");
+  }
+  EXPECT_THROW(TexteIni("[S]\n;\xE9\n").Ecrire("S", "K", "Ω"), ErreurExécution);
+  EXPECT_THROW(TexteIni("\xFF\xFE["), ErreurExécution);
+}
+
+class Machine : public testing::Test, public IQuestionnairePort {
+ protected:
+  using Essai = std::function<std::string(const RéglagesPort&)>;
+  bool Demander(RéglagesPort& Réglages, const Essai& Essayer) override { return Opérateur_(Réglages, Essayer); }
+
+  std::function<bool(RéglagesPort&, const Essai&)> Opérateur_;
   Essais::DossierEssai Dossier_;
+  fs::path D_ = Dossier_.Chemin();
+  fs::path Ini_ = D_ / "tarvel.ini";
+  Essais::FaussePlateforme Fausse_;
+  BouclePoll Boucle_;
+  PlateformeMachine Machine_{Boucle_, Fausse_.LesFenêtres, this, D_ / "a" / "b", D_ / "config" / "reglages.ini"};
+  PseudoTerminal Loin_;
 };
 
-TEST_F(Réglages, AreMadeChangedAndReadBack) {
-  EXPECT_EQ(Lue(Sur(Fichier())), "");
-  Ecrite(Sur(Fichier()), "COM1:");
-  Ecrite(Sur(Fichier()), "COM2:");
-  EXPECT_EQ(Lue(Sur(Fichier())), "COM2:");
-  EXPECT_EQ(Contenu(), "[PlugInOmbrey]\nPort=COM2:\n");
-  EXPECT_EQ(NombreDeFichiers(), 1U);
-}
-
-TEST_F(Réglages, KeepModeOwnerAndLinksOfTheFile) {
-  Poser("[PlugInOmbrey]\n");
-  ASSERT_EQ(chmod(Fichier().c_str(), 0664), 0);
-  if (geteuid() == 0) {
-    ASSERT_EQ(chown(Fichier().c_str(), 12, 34), 0);
-  }
-  fs::create_symlink("tarvel.ini", Dossier_.Chemin() / "lien1");
-  fs::create_symlink(Dossier_.Chemin() / "lien1", Dossier_.Chemin() / "lien2");
-  Ecrite(Sur(Dossier_.Chemin() / "lien2"), "COM1:");
-  EXPECT_TRUE(fs::is_symlink(Dossier_.Chemin() / "lien2"));
-  EXPECT_EQ(Contenu(), "[PlugInOmbrey]\nPort=COM1:\n");
-  struct stat État {};
-  ASSERT_EQ(stat(Fichier().c_str(), &État), 0);
-  EXPECT_EQ(État.st_mode & 07777U, 0664U);
-  if (geteuid() == 0) {
-    EXPECT_EQ(État.st_gid, 34U);
-  }
-  // The target of a link needn't be there yet.
-  fs::create_symlink("nouveau.ini", Dossier_.Chemin() / "lien3");
-  Ecrite(Sur(Dossier_.Chemin() / "lien3"), "COM3:");
-  EXPECT_EQ(Lue(Sur(Dossier_.Chemin() / "nouveau.ini")), "COM3:");
-}
-
-TEST_F(Réglages, ThatCannotBeReadOrWrittenAreAnErrorInFrench) {
-  fs::create_symlink("boucle", Dossier_.Chemin() / "boucle");
-  ASSERT_EQ(mkfifo((Dossier_.Chemin() / "tube").c_str(), 0600), 0);
-  for (const fs::path& Mauvais : {Dossier_.Chemin(), Dossier_.Chemin() / "tube", Dossier_.Chemin() / "boucle"}) {
-    EXPECT_THROW(Lue(Sur(Mauvais)), ErreurExécution) << Mauvais;
-    EXPECT_THROW(Ecrite(Sur(Mauvais), "x"), ErreurExécution) << Mauvais;
-  }
-  EXPECT_THROW(RemplacerFichier(Dossier_.Chemin() / "tube", "x"), ErreurExécution);
-  EXPECT_THROW(Ecrite(Sur(""), "x"), ErreurExécution);
-  EXPECT_EQ(Lue(Sur("")), "");
-  EXPECT_THROW(Ecrite(Sur(Dossier_.Chemin() / "rien" / "x.ini"), "x"), ErreurExécution);
-}
-
-TEST_F(Réglages, OnAFullDiskOrOfAReadOnlyFileStayAsTheyWere) {
-  Poser("[PlugInOmbrey]\nPort=COM1:\n");
-  ASSERT_EQ(chmod(Fichier().c_str(), 0444), 0);
-  ASSERT_EQ(chmod(Dossier_.Chemin().c_str(), 0777), 0);
-  const uid_t Moi = geteuid();
-  constexpr uid_t Personne = 65534;
-  if (Moi == 0) {
-    ASSERT_EQ(setresuid(Personne, Personne, 0), 0);
-  }
-  EXPECT_THROW(Ecrite(Sur(Fichier()), "COM2:"), ErreurExécution);
-  if (Moi == 0) {
-    ASSERT_EQ(setresuid(0, 0, 0), 0);
-  }
-  const auto Ancien = std::signal(SIGXFSZ, SIG_IGN);
-  rlimit Limite{};
-  ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &Limite), 0);
-  const rlimit Court{10, Limite.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Court), 0);
-  EXPECT_THROW(RemplacerFichier(Fichier(), "more than ten characters"), ErreurExécution);
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Limite), 0);
-  std::signal(SIGXFSZ, Ancien);
-  EXPECT_EQ(Contenu(), "[PlugInOmbrey]\nPort=COM1:\n");
-  EXPECT_EQ(NombreDeFichiers(), 1U);
-}
-
-TEST_F(Réglages, OfTheUserAreKeptByApplicationSectionAndKey) {
-  const fs::path Chemin = Dossier_.Chemin() / "config" / "ombrey" / "reglages.ini";
-  RéglagesFichier Magasin(Chemin);
-  EXPECT_EQ(Magasin.Lire("A", "F", "Left", "-1"), "-1");
-  Magasin.Ecrire("A", "F", "Left", "0");
-  Magasin.Ecrire("A", "F", "Colonne 1", " 1500");
-  Magasin.Ecrire("A", "G", "Left", "7");
-  Magasin.Ecrire("B", "F", "Left", "8");
-  EXPECT_EQ(Magasin.Lire("A", "F", "Left", "-1"), "0");
-  EXPECT_EQ(Magasin.Lire("A", "F", "Colonne 1", "-1"), " 1500");
-  EXPECT_EQ(RéglagesFichier(Chemin).Lire("B", "F", "Left", "-1"), "8");
-  EXPECT_EQ(fs::status(Chemin.parent_path()).permissions(), fs::perms::owner_all);
-  EXPECT_THROW(RéglagesFichier(Fichier() / "x").Ecrire("A", "F", "Left\n", "1"), ErreurExécution);
-}
-
-TEST_F(Réglages, OfTheUserLieWhereTheEnvironmentSays) {
-  setenv("XDG_CONFIG_HOME", "/c", 1);
-  EXPECT_EQ(FichierRéglagesUtilisateur(), "/c/ombrey/reglages.ini");
+TEST_F(Machine, KeepsUserSettingsInFoldersOfTheirOwnerAloneAndFormsOfNumbers) {
+  IRéglages& Réglages = Machine_.Réglages();
+  Réglages.Ecrire("A", "F", "Left", "0");
+  Réglages.Ecrire("B", "F", "Left", " 8");
+  EXPECT_EQ(Réglages.Lire("A", "F", "Left", "-1"), "0");
+  EXPECT_EQ(Réglages.Lire("B", "F", "Left", "-1"), " 8");
+  EXPECT_EQ(Réglages.Lire("B", "G", "Left", "-1"), "-1");
+  for (const fs::path& Fait : {D_ / "config", D_ / "a", D_ / "a" / "b", Machine_.Système().DossierImportsConservés()})
+    EXPECT_EQ(fs::status(Fait).permissions(), fs::perms::owner_all) << Fait;
   setenv("XDG_CONFIG_HOME", "relatif", 1);
   setenv("HOME", "/maison", 1);
   EXPECT_EQ(FichierRéglagesUtilisateur(), "/maison/.config/ombrey/reglages.ini");
-}
-
-TEST(SystèmeMachine, MakesItsFoldersForItsOwnerAlone) {
-  const Essais::DossierEssai Dossier;
-  BouclePoll Boucle;
-  const SystèmeMachine Système(Boucle, Dossier.Chemin() / "a" / "b");
-  const fs::path Conservés = Système.DossierImportsConservés();
-  EXPECT_EQ(Conservés, Système.CheminApplication() / "imports-refusés");
-  for (const fs::path& Fait : {Dossier.Chemin() / "a", Dossier.Chemin() / "a" / "b", Conservés})
-    EXPECT_EQ(fs::status(Fait).permissions(), fs::perms::owner_all) << Fait;
-  std::ofstream(Dossier.Chemin() / "fichier") << "x";
-  EXPECT_THROW(SystèmeMachine(Boucle, Dossier.Chemin() / "fichier"), ErreurExécution);
-}
-
-TEST(SystèmeMachine, ReadsTheDecimalSeparatorFromTheEnvironment) {
-  unsetenv("LC_ALL");
-  unsetenv("LC_NUMERIC");
-  for (const char* Nom : {"", "C", "POSIX", "C.UTF-8", "nulle_PART", "fr_FR.UTF-8"}) {
-    setenv("LANG", Nom, 1);
+  for (const char* Nom : {"C", "POSIX", "C.UTF-8", "nulle_PART", "fr_FR.UTF-8"}) {
+    setenv("LC_ALL", Nom, 1);
     EXPECT_EQ(FormesDeLEnvironnement().SéparateurDécimal, ',') << Nom;
   }
+}
+
+TEST_F(Machine, KeepsModeOwnerAndLinksOfAReplacedFile) {
+  RemplacerFichier(Ini_, "");
+  const bool Tout = geteuid() == 0;
+  ASSERT_TRUE(chmod(Ini_.c_str(), 0664) == 0 && (!Tout || chown(Ini_.c_str(), 12, 34) == 0));
+  fs::create_symlink("tarvel.ini", D_ / "lien1");
+  fs::create_symlink(D_ / "lien1", D_ / "lien2");
+  RemplacerFichier(D_ / "lien2", "neuf");
+  EXPECT_TRUE(fs::is_symlink(D_ / "lien2") && LireFichier(Ini_) == "neuf");
+  struct stat État {};
+  EXPECT_TRUE(stat(Ini_.c_str(), &État) == 0 && (État.st_mode & 07777U) == 0664U && (!Tout || État.st_gid == 34U));
+  fs::create_symlink("nouveau.ini", D_ / "lien3");  // to nothing yet
+  RemplacerFichier(D_ / "lien3", "neuf");
+  EXPECT_EQ(LireFichier(D_ / "nouveau.ini"), "neuf");
+}
+
+TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
+  fs::create_symlink("boucle", D_ / "boucle");
+  ASSERT_EQ(mkfifo((D_ / "tube").c_str(), 0600), 0);
+  for (const fs::path& Mauvais : {D_, D_ / "tube", D_ / "boucle"}) {
+    EXPECT_THROW(static_cast<void>(LireFichier(Mauvais)), ErreurExécution) << Mauvais;
+    EXPECT_THROW(RemplacerFichier(Mauvais, "x"), ErreurExécution) << Mauvais;
+  }
+  RemplacerFichier(Ini_, "ancien");
+  ASSERT_TRUE(chmod(D_.c_str(), 0777) == 0 && chmod(Ini_.c_str(), 0444) == 0);
+  const uid_t Moi = geteuid();
+  const uid_t Autre = Moi == 0 ? 65534 : Moi;
+  ASSERT_EQ(setresuid(Autre, Autre, Moi), 0);
+  EXPECT_THROW(RemplacerFichier(Ini_, "neuf"), ErreurExécution) << "read-only";
+  ASSERT_EQ(setresuid(Moi, Moi, Moi), 0);
+  std::signal(SIGXFSZ, SIG_IGN);
+  rlimit Limite{};
+  const rlimit Court{10, RLIM_INFINITY};
+  ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &Court, &Limite), 0);
+  EXPECT_THROW(RemplacerFichier(Ini_, "more than ten characters"), ErreurExécution) << "the disk is full";
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Limite), 0);
+  EXPECT_EQ(LireFichier(Ini_), "ancien");
+  EXPECT_EQ(std::distance(fs::directory_iterator(D_), {}), 4) << "the loop, the pipe, the file, folder a";
+}
+
+TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
+  const std::string Tête = "; ligne\r\n[S]\r\nPort=COM3:\r\nBauds = ";
+  const std::string Suite = "\r\nBitsStop=2\r\nTailleMots=7\r\n[Autre]\r\n";
+  const std::string Avant = Tête + "4800\r\nParit\xE9=E" + Suite;
+  const std::string Neuf = "[S]\nTailleMots=8\nBitsStop=1\nParité=impaire\nBauds=1200\nPort=COM3:\n";
+  // What stands in the file, what is shown, the answer, what stands there then.
+  const std::tuple<std::string, RéglagesPort, bool, std::string> Cas[] = {
+      {Avant, {"COM3:", "4800", "E", "2", "7"}, false, Avant},
+      {Avant, {"COM3:", "4800", "E", "2", "7"}, true, Tête + "1200\r\nParit\xE9=impaire" + Suite},
+      {"", {"COM3:", "9600", "aucune", "1", "8"}, true, Neuf}};
+  for (const auto& [Texte, Montrés, Garder, Après] : Cas) {
+    RemplacerFichier(Ini_, Texte);
+    Opérateur_ = [Montrés = Montrés, Garder = Garder](RéglagesPort& Réglages, const Essai&) {
+      if (Montrés.TailleMots == "8" && !Réglages.Port.empty()) Réglages.Port = "COM3:";  // was this machine's first
+      EXPECT_EQ(Réglages, Montrés);
+      Réglages.Bauds = "1200";
+      Réglages.Parité = "impaire";
+      return Garder;
+    };
+    EXPECT_EQ(Machine_.CréerClientPortComm({})->Configurer(Ini_, "S"), Garder);
+    EXPECT_EQ(LireFichier(Ini_), Après);
+  }
+}
+
+TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
+  const auto Port = Machine_.CréerServeurPortComm()->ObtenirPort(Loin_.Nom(), Machine_.CréerClientPortComm({}));
+  Port->FixerBauds(9600);
+  Port->FixerTailleMots(8);
+  Port->FixerParité("N");
+  Port->FixerBitsStop(1);
+  ASSERT_TRUE(Port->Ouvrir()) << Port->DernièreErreurPort();
+  const PseudoTerminal Libre;
+  // clang-format off
+  const std::pair<RéglagesPort, std::string> Cas[] = {
+      {{Libre.Nom(), "9600", "N", "1", "8"}, ""}, {{Loin_.Nom(), "9600", "N", "1", "8"}, "déjà utilisé"},
+      {{Libre.Nom(), "vite", "N", "1", "8"}, "« vite »"}, {{Libre.Nom(), "115200", "N", "1", "8"}, "« 115200 »"},
+      {{Libre.Nom(), "9600", "?", "1", "8"}, "« ? »"}, {{Libre.Nom(), "9600", "N", "", "8"}, "«  »"},
+      {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{"/dev/ttyRIEN", "9600", "N", "1", "8"}, "absent"}};
+  // clang-format on
+  Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
+    for (const auto& [Réglages, Mots] : Cas) {
+      const std::string Texte = Essayer(Réglages);
+      EXPECT_TRUE(Texte.empty() == Mots.empty() && Texte.find(Mots) != std::string::npos) << Mots << ": " << Texte;
+    }
+    return false;
+  };
+  EXPECT_FALSE(Machine_.CréerClientPortComm({})->Configurer(Ini_, "S"));
+  Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
+    return Essayer({Loin_.Nom(), "4800", "N", "1", "8"}).empty();
+  };
+  EXPECT_TRUE(Port->Configurer(Ini_, "S")) << "who holds the port may try it";
+  EXPECT_TRUE(Port->Ecrire(Octets("x")));
 }
 
 }  // namespace
