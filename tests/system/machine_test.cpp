@@ -125,8 +125,7 @@ TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
   RemplacerFichier(Ini_, "ancien");
   ASSERT_TRUE(chmod(D_.c_str(), 0777) == 0 && chmod(Ini_.c_str(), 0444) == 0);
   const uid_t Moi = geteuid();
-  const uid_t Autre = Moi == 0 ? 65534 : Moi;
-  ASSERT_EQ(setresuid(Autre, Autre, Moi), 0);
+  ASSERT_EQ(setresuid(Moi == 0 ? 65534 : Moi, Moi == 0 ? 65534 : Moi, Moi), 0);
   EXPECT_THROW(RemplacerFichier(Ini_, "neuf"), ErreurExécution) << "read-only";
   ASSERT_EQ(setresuid(Moi, Moi, Moi), 0);
   std::signal(SIGXFSZ, SIG_IGN);
