@@ -177,7 +177,7 @@ ValeurChamp BaseDeDTarvel::CodeEcrit(const char* Sql, const std::string& Code) c
 }
 
 ValeurChamp BaseDeDTarvel::GroupeEcrit(const std::string& Groupe) const {
-  const ValeurChamp Connu = CodeEcrit(GroupeParCode, Groupe);
+  ValeurChamp Connu = CodeEcrit(GroupeParCode, Groupe);
   if (!EstNull(Connu)) return Connu;
   const auto Nombre = CodeNumérique(Groupe);
   if (!Nombre || *Nombre == 0 || *Nombre > GroupeLePlusHaut) return {};
