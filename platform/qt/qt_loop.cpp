@@ -7,6 +7,7 @@
 #include <QTimer>
 #include <algorithm>
 #include <exception>
+#include <limits>
 #include <utility>
 
 namespace Ombrey {
@@ -16,6 +17,8 @@ using Horloge = std::chrono::steady_clock;
 
 /// Longer waits are cut: a timer of Qt counts in 32 bits.
 constexpr std::chrono::milliseconds AttenteLaPlusLongue = std::chrono::hours(24);
+/// What Qt's timer holds: 24 days.
+constexpr std::chrono::milliseconds DélaiLePlusLong{std::numeric_limits<int>::max()};
 }  // namespace
 
 struct BoucleQt::Source {
@@ -63,7 +66,7 @@ IBoucle::Jeton BoucleQt::Après(std::chrono::milliseconds Délai, Action Faire) 
   QObject::connect(Origine->Minuterie.get(), &QTimer::timeout, [this, Faible = std::weak_ptr<Source>(Origine)] {
     if (const auto Là = Faible.lock()) Signaler(Là);
   });
-  Origine->Minuterie->start(std::clamp(Délai, std::chrono::milliseconds::zero(), AttenteLaPlusLongue));
+  Origine->Minuterie->start(std::clamp(Délai, std::chrono::milliseconds::zero(), DélaiLePlusLong));
   return FaireJeton(std::move(Origine));
 }
 
