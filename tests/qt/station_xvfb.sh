@@ -47,7 +47,7 @@ export LSAN_OPTIONS=suppressions=$work/not-ours:print_suppressions=0
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM
 mkdir -p "$HOME"
 exec 5>"$work/display"
-Xvfb -displayfd 5 -screen 0 $((1280 * dpi / 96))x$((960 * dpi / 96))x24 -nolisten tcp >/dev/null 2>&1 &
+Xvfb -displayfd 5 -screen 0 $((1280 * dpi / 96))x$((960 * dpi / 96))x24 -noreset -nolisten tcp >/dev/null 2>&1 &
 pids+=($!)
 await "screen" test -s "$work/display"
 export DISPLAY=:$(cat "$work/display")
@@ -96,6 +96,7 @@ step "print the errors"
 press '^Liste des chargements$' alt+i
 await "box about the file" seen '^Liste des erreurs$'
 compgen -G "$work/station/Erreurs RG80 *.pdf" >/dev/null || fail "no printed file"
+[ -z "$pictures" ] || cp "$work"/station/Erreurs*.pdf "$pictures/errors-$dpi.pdf"
 press '^Liste des erreurs$' Return
 await "end of the box" gone '^Liste des erreurs$'
 step "place the window, show its messages"
