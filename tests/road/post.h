@@ -35,8 +35,7 @@ class Poste {
     // The station keeps its settings of the user here, not in the home of whoever runs the tests.
     setenv("XDG_CONFIG_HOME", Dossier_.c_str(), 1);
     static const std::filesystem::path Modèles = [] {
-      const auto Fichier =
-          std::filesystem::temp_directory_path() / ("ombrey-road-model-" + std::to_string(getpid()) + ".db");
+      auto Fichier = std::filesystem::temp_directory_path() / ("ombrey-road-model-" + std::to_string(getpid()) + ".db");
       std::filesystem::remove(Fichier);
       Tarvel::CréerBase(Fichier, true);
       std::atexit([] {
