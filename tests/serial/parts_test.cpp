@@ -71,14 +71,14 @@ TEST(RéglagesDeLigne, AreTakenOrRefusedByTheirValue) {
   const std::pair<const char*, Parité> Bonnes[] = {
       {"N", Parité::Aucune}, {"Aucune", Parité::Aucune}, {"SANS", Parité::Aucune}, {"E", Parité::Paire},
       {"paire", Parité::Paire}, {"o", Parité::Impaire}, {"m", Parité::Marque}, {"espace", Parité::Espace}};
-  const RéglagesDemandés Mauvais[] = {
+  const std::vector<RéglagesDemandés> Mauvais = {
       {0, 8, "N", 1}, {9601, 8, "N", 1}, {-9600, 8, "N", 1}, {9600, 4, "N", 1}, {9600, 9, "N", 1}, {9600, 8, "", 1},
       {9600, 8, "NE", 1}, {9600, 8, "N", 0}, {9600, 8, "N", 3}};
   // clang-format on
   for (const auto& [Texte, Valeur] : Bonnes)
     EXPECT_EQ(VérifierRéglages("COM1:", {9600, 8, Texte, 1}).LaParité, Valeur) << Texte;
   for (const RéglagesDemandés& Demandés : Mauvais)
-    EXPECT_THROW(static_cast<void>(VérifierRéglages("COM7:", Demandés)), ErreurExécution) << &Demandés - Mauvais;
+    EXPECT_THROW(static_cast<void>(VérifierRéglages("COM7:", Demandés)), ErreurExécution) << &Demandés - Mauvais.data();
   EXPECT_EQ(VérifierRéglages("COM1:", {300, 7, "E", 2}).TempsCaractère(), std::chrono::nanoseconds(11000000000) / 300);
 }
 

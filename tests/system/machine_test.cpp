@@ -139,7 +139,7 @@ TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
 }
 
 TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
-  const std::string Tête = "; ligne\r\n[S]\r\nPort=COM3:\r\nBauds = ";
+  const std::string Tête = "; ligne\r\n[S]\r\nPort=\"COM3:\"\r\nBauds = ";
   const std::string Suite = "\r\nBitsStop=2\r\nTailleMots=7\r\n[Autre]\r\n";
   const std::string Avant = Tête + "4800\r\nParit\xE9=E" + Suite;
   const std::string Neuf = "[S]\nTailleMots=8\nBitsStop=1\nParité=impaire\nBauds=1200\nPort=COM3:\n";

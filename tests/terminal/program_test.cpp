@@ -28,7 +28,7 @@ std::clock_t Work() {
 
 class ProgramTest : public testing::Test {
  protected:
-  ~ProgramTest() override {
+  void TearDown() override {
     if (Output_ != nullptr) End(SIGKILL);
   }
   void Start(const std::string& Arguments) {
