@@ -1,0 +1,104 @@
+#!/usr/bin/env bash
+# What the station in windows costs while nothing comes in, its list of loads open: processor time, memory, and how long it
+# takes to show its main window. On a screen of its own.
+# bench/idle_windows.sh [FOLDER WITH THE PROGRAMS] [SECONDS for each of two terminals]; exit code 0 when all stays below
+# the targets, 77 when not run for want of a tool.
+set -euo pipefail
+cd "$(dirname "$(readlink -f "$0")")/.."
+bin=$(readlink -f "${1:-build/release/bin}")
+seconds=${2:-60}
+max_permille=10 # of one core
+max_start=1500  # milliseconds
+for tool in Xvfb xdotool; do
+  command -v "$tool" >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
+done
+[ -e "$bin/tarvel-qt.so" ] || { echo "not run: built without windows"; exit 77; }
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-idle.XXXXXX")
+screen='' terminal='' station=''
+finish() {
+  for process in $station $terminal $screen; do kill "$process" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  rm -rf "$work"
+}
+trap finish EXIT
+trap 'exit 130' INT TERM
+
+# Waits for a condition, for half a minute at most.
+await() {
+  local end=$((SECONDS + 30))
+  until "$@" >/dev/null 2>&1; do
+    [ "$SECONDS" -lt "$end" ] || { echo "not there after half a minute: $*" >&2; exit 1; }
+    sleep 0.02
+  done
+}
+window() { xdotool search --onlyvisible --name "$1" | grep .; }
+stop() { kill "$1" && wait "$1"; }
+
+export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
+unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+mkdir -p "$HOME"
+exec 5>"$work/display"
+Xvfb -displayfd 5 -screen 0 1280x960x24 -noreset -nolisten tcp >/dev/null 2>&1 &
+screen=$!
+await test -s "$work/display"
+DISPLAY=:$(cat "$work/display")
+export DISPLAY
+
+"$bin/tarvel" --creer-base "$work/cave.db" --exemple
+printf '%s\n' '[PlugInOmbrey]' "Port=$work/rg80" Bauds=9600 Parité=aucune BitsStop=1 TailleMots=8 \
+  'Période interrogation=2000' >"$work/tarvel.ini"
+
+slowest=0
+start() {
+  local begin
+  begin=$(date +%s%N)
+  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" 2>"$work/station.err" &
+  station=$!
+  await window '^Tarvel'
+  begin=$((($(date +%s%N) - begin) / 1000000))
+  echo "start: main window after $begin ms"
+  [ "$begin" -le "$slowest" ] || slowest=$begin
+}
+spent() { awk '{sum += $1} END {print sum}' "/proc/$station/task/"*/schedstat; } # nanoseconds on a processor
+memory() { awk -v name="$1:" '$1 == name {print $2}' "/proc/$station/status"; }
+polls() { grep -c '^interrogation' "$work/rg80.txt" || true; }
+
+# Leaves a terminal and an open list alone for a while.
+idle() {
+  local name=$1
+  shift
+  "$bin/rg80" --lien "$work/rg80" "$@" >"$work/rg80.txt" &
+  terminal=$!
+  await test -e "$work/rg80"
+  start
+  stop "$station"
+  start
+  xdotool windowfocus "$(window '^Tarvel')"
+  sleep 0.5
+  xdotool key F5
+  await window '^Liste des chargements$'
+  sleep 15 # the first poll comes ten seconds after the start
+  local before begin polls_before cpu elapsed
+  before=$(spent)
+  begin=$(date +%s%N)
+  polls_before=$(polls)
+  sleep "$seconds"
+  cpu=$(($(spent) - before))
+  elapsed=$(($(date +%s%N) - begin))
+  awk -v name="$name" -v cpu="$cpu" -v elapsed="$elapsed" -v polls=$(($(polls) - polls_before)) \
+    -v resident="$(memory VmRSS)" -v peak="$(memory VmHWM)" 'BEGIN {
+      printf "%s terminal: %d polls in %.1f s: %.1f ms of processor time, %.3f %% of one core; %.1f MiB resident, %.1f at most\n",
+        name, polls, elapsed / 1e9, cpu / 1e6, 100 * cpu / elapsed, resident / 1024, peak / 1024 }'
+  window '^Liste des chargements$' >/dev/null || { echo "the list has closed" >&2; exit 1; }
+  [ "$(polls)" -gt "$polls_before" ] || { echo "no poll took place" >&2; exit 1; }
+  [ $((cpu * 1000)) -lt $((elapsed * max_permille)) ] || missed=1
+  stop "$station"
+  stop "$terminal"
+  station='' terminal=''
+}
+
+missed=0
+idle empty
+idle silent --panne silence=1
+[ "$slowest" -lt "$max_start" ] && [ "$missed" -eq 0 ]
