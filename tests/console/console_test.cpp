@@ -1,339 +1,319 @@
-// The console: lines, boxes, commands and views, through pipes.
+// The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
 #include <gtest/gtest.h>
+#include <sys/socket.h>
 
+#include <array>
 #include <csignal>
-#include <filesystem>
 #include <fstream>
-#include <functional>
-#include <memory>
 #include <sstream>
 
 #include "common/failures.h"
 #include "host/console_station.h"
-#include "platform/console/monitoring_view.h"
-#include "platform/console/transfer_view.h"
-#include "platform/console/visible_text.h"
-#include "tests/console/console_fixture.h"
+#include "host/station.h"
+#include "platform/loop/descriptor.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 namespace {
 
-using Textes = std::vector<std::string>;
+using namespace std::chrono_literals;
+using Arguments = std::vector<std::string>;
 
-/// The station's and the windows' gestures, recorded; one of them can be made to do something.
-class Gestes : public Tarvel::IGestesStation, public IGestesSuivi, public IGestesChargntDonnées {
+/// An operator: all that he types is known ahead, all that he sees is read afterwards.
+class Terminal {
  public:
-  std::vector<std::string> Faits;
-  std::function<void()> SurBouton;
-  std::function<void()> SurInterroger;
-  std::function<void()> SurImprimer;
-  std::function<void()> SurTransférer;
-  std::function<void()> SurFin;
-  std::function<void()> SurMasquer;
-  std::function<void()> SurFermer;
+  /// Types it all and ends the input.
+  explicit Terminal(const std::string& Tapé) {
+    std::array<int, 2> Bouts{};
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Bouts.data()), 0);
+    Console = Descripteur(Bouts[0]);
+    Opérateur = Descripteur(Bouts[1]);
+    EXPECT_EQ(send(Bouts[1], Tapé.data(), Tapé.size(), 0), static_cast<ssize_t>(Tapé.size()));
+    shutdown(Bouts[1], SHUT_WR);
+  }
+  /// What was shown since the last call.
+  [[nodiscard]] std::string Vu() const {
+    std::array<char, 65536> Bloc{};
+    const ssize_t Lus = recv(Opérateur.Numéro(), Bloc.data(), Bloc.size(), MSG_DONTWAIT);
+    return {Bloc.data(), static_cast<std::size_t>(std::max<ssize_t>(Lus, 0))};
+  }
 
-  void Bouton() override { Faire("bouton", SurBouton); }
-  void Menu() override { Faire("menu", {}); }
-  void Configurer() override { Faire("configurer", {}); }
-  void Finir() override { Faire("fin", SurFin); }
-  void BtnInterroger_Click() override { Faire("interroger", SurInterroger); }
-  void BtnForcerCumulsRG80_Click() override { Faire("quotas", {}); }
-  void BtnImprimer_Click() override { Faire("imprimer", SurImprimer); }
-  void BtnMasquer_Click() override { Faire("masquer", SurMasquer); }
+  Descripteur Console;  ///< the program's end
+  Descripteur Opérateur;
+};
+
+std::string Contenu(const std::string& Fichier) {
+  std::ifstream Flux(Fichier);
+  return {std::istreambuf_iterator<char>(Flux), {}};
+}
+
+Tarvel::Options Choisies(const std::string& Dossier, Arguments Plus) {
+  Plus.insert(Plus.end(), {"--base", Dossier + "/base.db", "--ini", Dossier + "/tarvel.ini"});
+  return Tarvel::LireOptions(Plus);
+}
+
+const DessinContrôle Contrôles[] = {{"Label1", GenreContrôle::Libellé, "En attente (F6).", {}, 3},
+                                    {"ChkCoop", GenreContrôle::CaseÀCocher, "Coopérateurs", {}, 0},
+                                    {"ChkBadges", GenreContrôle::CaseÀCocher, "&Badges", {}, 1}};
+
+/// A console with a station and windows that note on it, as "> ok", what the gestures bring.
+class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGestesChargntDonnées {
+ public:
+  explicit Séance(const std::string& Tapé, const Arguments& Plus = {})
+      : T(Tapé), Édition(Choisies("", Plus), T.Console.Numéro(), T.Console.Numéro()) {
+    Édition.Raccorder(*this);
+  }
+  std::string Jouer() {
+    while (Édition.Boucle().Pomper(20ms)) continue;
+    return T.Vu();
+  }
+
+  /// Takes a while before its window is up: the commands behind must not get ahead of it.
+  void Bouton() override {
+    while (Édition.Boucle().Pomper(20ms)) continue;
+    Suivi->MontrerModale();
+    Noter("retour");
+  }
+  void Menu() override { Transfert->MontrerModale(); }
+  void Configurer() override {
+    const auto Jeton = Édition.Boucle().Après(0ms, [this] { BtnForcerCumulsRG80_Click(); });
+    Demander("Dehors", BoutonsBoîte::Ok);
+  }
+  void Finir() override {
+    Noter("fin");
+    Édition.Finir();
+  }
+  void BtnForcerCumulsRG80_Click() override { Demander("Dedans", BoutonsBoîte::RecommencerAnnuler); }
+  void BtnInterroger_Click() override {
+    Suivi->InsérerLigne(Onglet::Suivis, 0, "08:00 : Ancien", true);
+    Suivi->InsérerLigne(Onglet::Suivis, 0, "08:01 : Lu", true);
+    Suivi->InsérerLigne(Onglet::Erreurs, 0, "08:02 : Perdu\r\n\x1B[2J\x7F\xC2\x9Bm", false);
+    Suivi->InsérerLigne(Onglet::Suivis, 0, "08:02 : Perdu", false);
+    Suivi->RetirerLigne(Onglet::Suivis, 2);
+    throw ErreurExécution("Variable objet non définie");
+  }
+  void BtnImprimer_Click() override {
+    const auto Imprimante = Édition.Fenêtres().OuvrirImprimante();
+    for (int Ligne = 0; Ligne < 61; ++Ligne) Imprimante->Imprimer("x");
+    Imprimante->TerminerDocument();
+  }
+  void BtnMasquer_Click() override { Suivi.reset(); }
+  void Form_Activate() override { Suivi->RemplirGrille({"N°", "Propriétaire"}, {{"7", "Estève Anaïs"}, {"12", ""}}); }
+  void BtnTransférer_Click() override {
+    for (int Fois = 0; Fois < 2; ++Fois) Transfert->FixerTitre(Transfert->EstCochée("ChkCoop") ? "Tout" : "Badges");
+  }
+  void BtnFermer_Click() override { Transfert->Cacher(); }
   void Onglets_Click() override {}
   void ListeMessages_DblClick(Onglet) override {}
-  void Form_Activate() override { Faire("activer", {}); }
   void Form_Resize() override {}
   bool Form_QueryUnload(bool) override { return false; }
-  void BtnTransférer_Click() override { Faire("transferer", SurTransférer); }
-  void BtnFermer_Click() override { Faire("fermer", SurFermer); }
+
+  Terminal T;
+  Tarvel::ÉditionConsole Édition;
+  std::unique_ptr<IVueSuiviChargnt> Suivi = Édition.Fenêtres().CréerVueSuivi(*this, "Liste", {}, {});
+  std::unique_ptr<IVueChargntDonnées> Transfert =
+      Édition.Fenêtres().CréerVueChargntDonnées(*this, "Transfert", {}, Contrôles);
 
  private:
-  void Faire(const char* Nom, const std::function<void()>& Suite) {
-    Faits.emplace_back(Nom);
-    if (Suite) Suite();
+  void Noter(const std::string& Geste) const { SortieConsole(T.Console.Numéro()).Ligne("> " + Geste); }
+  void Demander(const char* Titre, BoutonsBoîte Boutons) {
+    constexpr const char* Réponses[] = {"ok", "recommencer", "annuler"};
+    Noter(Réponses[static_cast<int>(Édition.Fenêtres().Boîte("Une\rligne", Titre, Boutons))]);
   }
 };
 
-const DessinContrôle CasesDEssai[] = {
-    {"Label1", GenreContrôle::Libellé, "En attente (F6).", {}, 3},
-    {"ChkCoop", GenreContrôle::CaseÀCocher, "Coopérateurs", {}, 0},
-    {"ChkBadges", GenreContrôle::CaseÀCocher, "Badges", {}, 1},
+struct CasSéance {
+  std::string Tapé;
+  std::string Vu;
+  Arguments Plus = {};
 };
 
-class Console : public testing::Test {
- protected:
-  Console() { signal(SIGPIPE, SIG_IGN); }
+#define DEDANS "boîte «Dedans» (Recommencer, Annuler) : Une ⏎ ligne\n"
+#define DEHORS "boîte «Dehors» (OK) : Une ⏎ ligne\n"
+#define TRANSFERT "fenêtre «Transfert» ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n"
 
-  void Ouvrir(const Tarvel::Options& Choisies = {}) {
-    Édition =
-        std::make_unique<Tarvel::ÉditionConsole>(Choisies, Écran.Clavier.Sortie.Numéro(), Écran.Écran.Entrée.Numéro());
-    Édition->Raccorder(G);
-    Suivi = Fenêtres().CréerVueSuivi(G, "Liste", {}, {});
-    G.SurMasquer = [this] { Suivi->Cacher(); };
-  }
-  void OuvrirTransfert() {
-    Transfert = Fenêtres().CréerVueChargntDonnées(G, "Transfert", {}, CasesDEssai);
-    G.SurFermer = [this] { Transfert->Cacher(); };
-  }
-  IFenêtres& Fenêtres() { return Édition->Fenêtres(); }
-  void Pomper() { Épuiser(Édition->Boucle()); }
-  void Taper(std::string_view Texte) {
-    Écran.Taper(Texte);
-    Pomper();
-  }
-
-  Gestes G;
-  Terminal Écran;
-  std::unique_ptr<Tarvel::ÉditionConsole> Édition;
-  std::unique_ptr<IVueSuiviChargnt> Suivi;
-  std::unique_ptr<IVueChargntDonnées> Transfert;
-};
-
-TEST(TexteVisible, ShowsEveryControlCharacterOnOneLine) {
-  const std::pair<std::string, std::string> Cas[] = {
-      {"Pesée n° 3", "Pesée n° 3"},
-      {"a\r\nb\rc\nd", "a ⏎ b ⏎ c ⏎ d"},
-      {std::string("\x02\x06\x1B[2J\x7F", 7), "␂␆␛[2J␡"},
-      {"x\xC2\x9Bm", "x�m"},
-      {"caf\xE9", "café"},
+TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
+  const DossierEssai Dossier;
+  const std::string Pages = Dossier.Chemin() / "pages";
+  // clang-format off
+  const CasSéance Cas[] = {
+      {"imprimer f\ninterroger\nmessages\nerreurs\nimprimer /dev/null\nimprimer /absent/f\nimprimer " + Pages + "\n",
+       "console : la liste des erreurs est vide, rien n'est imprimé.\nmessage [x] 08:00 : Ancien\n"
+       "message [x] 08:01 : Lu\nerreur 08:02 : Perdu ⏎ ␛[2J␡�m\nmessage [ ] 08:02 : Perdu\n"
+       "console : Variable objet non définie\nmessages : 2\n  [x] 08:01 : Lu\n  [ ] 08:02 : Perdu\n"
+       "erreurs : 1\n  08:02 : Perdu ⏎ ␛[2J␡�m\nconsole : /dev/null n'est pas un fichier ordinaire.\n"
+       "console : /absent/f ne peut pas être écrit : introuvable.\nimprimé : " + Pages + "\n> fin\n"},
+      {" \r\n  LISTE  \r\n\nd\xE9part\nbouton de trop\nimprimer\n" + std::string(10000, 'x') + "\nok",
+       "liste : 2\n  N° | Propriétaire\n  7  | Estève Anaïs\n  12 |\n"
+       "console : commande inconnue : «départ». «aide» donne la liste des commandes.\n"
+       "console : la commande s'écrit «bouton».\nconsole : la commande s'écrit «imprimer FICHIER».\n"
+       "console : ligne trop longue, ignorée.\nconsole : aucune boîte n'attend de réponse.\n> fin\n"},
+      // Boxes are answered from the inside, by buttons that they have, and by themselves when nobody can.
+      {"configurer\nok\nbouton\nRecommencer\nannuler\nOK\n",
+       DEHORS DEDANS "console : la boîte n'a pas ce bouton.\nconsole : répondez d'abord à la boîte ouverte.\n"
+       "> recommencer\nconsole : la boîte n'a pas ce bouton.\n> ok\n> fin\n"},
+      {"quotas\nannuler\nconfigurer\n", DEDANS "> annuler\n" DEHORS DEDANS "> annuler\n> ok\n", {"--duree", "60"}},
+      {"configurer\nfin\nquotas\n", DEHORS DEDANS "> fin\n> annuler\n> ok\n" DEDANS "> annuler\n> fin\n"},
+      {"quotas\nconfigurer\n", DEDANS "> annuler\n" DEHORS "> ok\n", {"--sans-operateur"}},
+      // A command on its way to a window holds the next ones back, but not the end; so does the transfer window.
+      {"bouton\nmasquer\nok\n", "fenêtre «Liste» ouverte\n> retour\n"
+       "console : aucune boîte n'attend de réponse.\n> fin\n"},
+      {"bouton\n", "fenêtre «Liste» ouverte\n> fin\n> retour\n"},
+      {"bouton\nfin\n", "> fin\nfenêtre «Liste» ouverte\n> retour\n> fin\n"},
+      {"transferer\nmenu\ndécocher COOPERATEURS\ncocher rien\ninterroger\ntransferer\nfermer\n",
+       "console : la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.\n" TRANSFERT
+       "  [ ] Coopérateurs [x] Badges\nconsole : il n'y a pas de case «rien».\n"
+       "console : fermez d'abord la fenêtre de transfert.\ntitre : Badges\nfenêtre «Badges» fermée\n> fin\n"},
+      {"menu\nfin\n", TRANSFERT "> fin\nfenêtre «Transfert» fermée\n> fin\n"},
+      {"menu\n", TRANSFERT "fenêtre «Transfert» fermée\n", {"--duree", "60"}},
   };
-  for (const auto& [Texte, Attendu] : Cas) EXPECT_EQ(TexteVisible(Texte), Attendu);
-  EXPECT_EQ(FormeComparable("DÉCOCHER Coopérateurs"), "decocher cooperateurs");
+  // clang-format on
+  for (const CasSéance& C : Cas) EXPECT_EQ(Séance(C.Tapé, C.Plus).Jouer(), C.Vu);
+  EXPECT_EQ(Contenu(Pages).find("x\n\fx\n"), 118);
 }
 
-TEST_F(Console, PrintsTheLinesOfTheLists) {
-  Ouvrir();
-  Suivi->InsérerLigne(Onglet::Suivis, 0, "08:00:00 : Module initialisé.", true);
-  Suivi->InsérerLigne(Onglet::Erreurs, 0, "08:00:01 : Perdu\r\nvraiment", false);
-  Suivi->InsérerLigne(Onglet::Suivis, 0, "08:00:01 : Perdu", false);
-  Suivi->RetirerLigne(Onglet::Suivis, 1);
-  Taper("messages\nerreurs\n");
-  EXPECT_EQ(Écran.Lignes(), (Textes{"message [x] 08:00:00 : Module initialisé.", "erreur 08:00:01 : Perdu ⏎ vraiment",
-                                    "message [ ] 08:00:01 : Perdu", "messages : 1", "  [ ] 08:00:01 : Perdu",
-                                    "erreurs : 1", "  08:00:01 : Perdu ⏎ vraiment"}));
+TEST(Console, OutlivesItsReader) {
+  Séance S("aide\nmenu\ndecocher badges\nfermer\n");
+  signal(SIGPIPE, SIG_IGN);
+  S.T.Opérateur.Fermer();
+  S.Jouer();
+  EXPECT_FALSE(S.Transfert->EstCochée("ChkBadges"));
 }
-
-TEST_F(Console, ListsTheLoadsInColumnsAfterReadingThemAgain) {
-  Ouvrir();
-  Suivi->RemplirGrille({"N°Pesée", "Propriétaire"}, {{"7", "Estève Anaïs"}, {"12", ""}});
-  Taper("liste\n");
-  EXPECT_EQ(G.Faits, (Textes{"activer"}));
-  EXPECT_EQ(Écran.Lignes(),
-            (Textes{"liste : 2", "  N°Pesée | Propriétaire", "  7       | Estève Anaïs", "  12      |"}));
-}
-
-struct CasBoîte {
-  BoutonsBoîte Boutons;
-  const char* Tapé;
-  RéponseBoîte Attendue;
-};
-
-TEST_F(Console, ABoxWaitsForOneOfItsButtons) {
-  const CasBoîte Cas[] = {
-      {BoutonsBoîte::Ok, "recommencer\nOK\n", RéponseBoîte::Ok},
-      {BoutonsBoîte::RecommencerAnnuler, "ok\nbouton\nRecommencer\n", RéponseBoîte::Recommencer},
-      {BoutonsBoîte::RecommencerAnnuler, "annuler\n", RéponseBoîte::Annuler},
-  };
-  Ouvrir();
-  for (const CasBoîte& C : Cas) {
-    Écran.Taper(C.Tapé);
-    EXPECT_EQ(Fenêtres().Boîte("Une\rligne", "Titre", C.Boutons), C.Attendue);
-  }
-  EXPECT_TRUE(Écran.AVu("boîte «Titre» (Recommencer, Annuler) : Une ⏎ ligne"));
-  EXPECT_TRUE(G.Faits.empty()) << "a button behind an open box must not work";
-}
-
-TEST_F(Console, TheInnermostBoxIsAnsweredFirst) {
-  Ouvrir();
-  RéponseBoîte Dedans{};
-  const auto Jeton = Édition->Boucle().Après(std::chrono::milliseconds(0), [&] {
-    Écran.Taper("recommencer\nok\n");
-    Dedans = Fenêtres().Boîte("dedans", "T", BoutonsBoîte::RecommencerAnnuler);
-  });
-  EXPECT_EQ(Fenêtres().Boîte("dehors", "T", BoutonsBoîte::Ok), RéponseBoîte::Ok);
-  EXPECT_EQ(Dedans, RéponseBoîte::Recommencer);
-}
-
-TEST_F(Console, ABoxAnswersItselfWhenNobodyCan) {
-  const std::function<void()> Raisons[] = {
-      [this] { Écran.Clavier.Entrée.Fermer(); },  // end of the input
-      [this] { Écran.Taper("fin\n"); },           // end of the station
-  };
-  for (const auto& Raison : Raisons) {
-    Ouvrir();
-    G.SurFin = [this] { Édition->Finir(); };
-    Raison();
-    EXPECT_EQ(Fenêtres().Boîte("?", "T", BoutonsBoîte::RecommencerAnnuler), RéponseBoîte::Annuler);
-    EXPECT_EQ(Fenêtres().Boîte("?", "T", BoutonsBoîte::Ok), RéponseBoîte::Ok);
-    Suivi.reset();
-    Écran = Terminal();
-  }
-  Tarvel::Options Seul;
-  Seul.SansOpérateur = true;
-  Ouvrir(Seul);
-  EXPECT_EQ(Fenêtres().Boîte("?", "T", BoutonsBoîte::RecommencerAnnuler), RéponseBoîte::Annuler);
-}
-
-TEST_F(Console, APreparedListOfCommandsRunsOneAfterTheOther) {
-  Ouvrir();
-  // The button takes a while before its window is up: what follows must not get ahead of it.
-  G.SurBouton = [this] {
-    Pomper();
-    Suivi->MontrerModale();
-  };
-  Taper("bouton\nmasquer\nquotas\n");
-  EXPECT_EQ(G.Faits, (Textes{"bouton", "activer", "masquer", "quotas"}));
-  EXPECT_FALSE(Suivi->EstVisible());
-}
-
-TEST_F(Console, TheEndPassesABusyCommand) {
-  Ouvrir();
-  bool Fini = false;
-  G.SurFin = [&] { Fini = true; };
-  G.SurInterroger = [&] {
-    for (int Pompe = 0; Pompe < 100 && !Fini; ++Pompe) Édition->Boucle().Pomper(std::chrono::milliseconds(20));
-  };
-  Taper("interroger\nfin\n");
-  EXPECT_EQ(G.Faits, (Textes{"interroger", "fin"}));
-}
-
-TEST_F(Console, ShowingAWindowEndsWithTheWindowOrTheStation) {
-  Ouvrir();
-  const auto Détruire = Édition->Boucle().Après(std::chrono::milliseconds(0), [this] { Suivi.reset(); });
-  Suivi->MontrerModale();
-  EXPECT_EQ(Écran.Lignes(), (Textes{"fenêtre «Liste» ouverte"}));
-  OuvrirTransfert();
-  const auto Finir = Édition->Boucle().Après(std::chrono::milliseconds(0), [this] { Édition->Finir(); });
-  Transfert->MontrerModale();
-}
-
-TEST_F(Console, WorksTheTransferWindow) {
-  Ouvrir();
-  Taper("transferer\n");
-  EXPECT_TRUE(Écran.AVu("la fenêtre de transfert n'est pas ouverte"));
-  OuvrirTransfert();
-  Écran.Taper("décocher COOPERATEURS\ncocher rien\ninterroger\ntransferer\nfermer\n");
-  G.SurTransférer = [this] {
-    EXPECT_FALSE(Transfert->EstCochée("ChkCoop"));
-    EXPECT_TRUE(Transfert->EstCochée("ChkBadges"));
-    Transfert->FixerTitre("Envoi");
-    Transfert->FixerTitre("Envoi");
-  };
-  Transfert->MontrerModale();
-  EXPECT_EQ(G.Faits, (Textes{"transferer", "fermer"})) << "the polling stands still while the window is open";
-  EXPECT_EQ(std::count(Écran.Lignes().begin(), Écran.Lignes().end(), "titre : Envoi"), 1);
-  EXPECT_TRUE(Écran.AVu("il n'y a pas de case «rien»"));
-}
-
-TEST_F(Console, TheTransferWindowClosesWhenTheInputEnds) {
-  Tarvel::Options Service;
-  Service.Durée = std::chrono::seconds(60);
-  Ouvrir(Service);
-  OuvrirTransfert();
-  Écran.Clavier.Entrée.Fermer();
-  Transfert->MontrerModale();
-  EXPECT_TRUE(G.Faits.empty()) << "with a time limit the end of the input isn't the station's end";
-}
-
-TEST_F(Console, ReadsWhateverIsTyped) {
-  Ouvrir();
-  Taper("bou");
-  Taper("ton\r\n  QUOTAS  \n\nd\xE9part\nbouton de trop\nimprimer\n" + std::string(10000, 'x') + "\nmenu");
-  Écran.Clavier.Entrée.Fermer();
-  Pomper();
-  EXPECT_EQ(G.Faits, (Textes{"bouton", "quotas", "menu", "fin"}));
-  EXPECT_EQ(Écran.Lignes(),
-            (Textes{"console : commande inconnue : «départ». «aide» donne la liste des commandes.",
-                    "console : la commande s'écrit «bouton».", "console : la commande s'écrit «imprimer FICHIER».",
-                    "console : ligne trop longue, ignorée."}));
-}
-
-TEST_F(Console, AFailingCommandIsALineAndNothingMore) {
-  Ouvrir();
-  G.SurInterroger = [] { throw ErreurExécution("Variable objet non définie"); };
-  Taper("interroger\nquotas\n");
-  EXPECT_EQ(Écran.Lignes(), (Textes{"console : Variable objet non définie"}));
-  EXPECT_EQ(G.Faits, (Textes{"interroger", "quotas"}));
-}
-
-TEST_F(Console, OutlivesItsReader) {
-  Ouvrir();
-  Écran.Écran.Sortie.Fermer();
-  Taper("aide\nquotas\n");
-  EXPECT_EQ(G.Faits, (Textes{"quotas"}));
-}
-
-TEST_F(Console, PrintsPagesIntoAFileWholeOrNotAtAll) {
-  Ouvrir();
-  const std::filesystem::path Dossier = testing::TempDir() + "console_" + std::to_string(getpid());
-  std::filesystem::create_directory(Dossier);
-  bool Terminer = true;
-  G.SurImprimer = [&] {
-    const auto Imprimante = Fenêtres().OuvrirImprimante();
-    for (int Ligne = 0; Ligne < 61; ++Ligne) Imprimante->Imprimer("ligne");
-    EXPECT_EQ(Imprimante->PositionVerticale(), 1) << "a full page turns by itself";
-    if (Terminer) Imprimante->TerminerDocument();
-  };
-  const std::string Fichier = (Dossier / "erreurs.txt").string();
-  Taper("imprimer " + Fichier + "\n");
-  EXPECT_TRUE(G.Faits.empty()) << "nothing to print";
-  Suivi->InsérerLigne(Onglet::Erreurs, 0, "x", false);
-  Terminer = false;
-  Taper("imprimer " + Fichier + "\n");
-  EXPECT_FALSE(std::filesystem::exists(Fichier));
-  Terminer = true;
-  Taper("imprimer " + Fichier + "\nimprimer " + (Dossier / "absent" / "f").string() + "\nimprimer " + Dossier.string() +
-        "\n");
-  std::ostringstream Contenu;
-  Contenu << std::ifstream(Fichier).rdbuf();
-  EXPECT_EQ(Contenu.str().size(), 61 * std::string("ligne\n").size() + 1);
-  EXPECT_EQ(Contenu.str().find('\f'), 60 * std::string("ligne\n").size());
-  EXPECT_TRUE(Écran.AVu("imprimé : " + Fichier));
-  EXPECT_TRUE(Écran.AVu("absent/f ne peut pas être écrit"));
-  EXPECT_TRUE(Écran.AVu(Dossier.string() + " n'est pas un fichier ordinaire"));
-  EXPECT_THROW((void)Fenêtres().OuvrirImprimante(), ErreurExécution) << "one document for one command";
-  std::filesystem::remove_all(Dossier);
-}
-
-struct CasQuestions {
-  const char* Tapé;
-  bool Retenu;
-  RéglagesPort Attendus;
-};
 
 TEST(QuestionsPort, AsksForThePortLineByLine) {
   const RéglagesPort Présents{"COM1:", "9600", "aucune", "1", ""};
-  const CasQuestions Cas[] = {
-      {"\n\n\n\n8\n", true, {"COM1:", "9600", "aucune", "1", "8"}},
-      {"2\n4800\npaire\n2\n\n7\n", true, {"/dev/ttyUSB0", "4800", "paire", "2", "7"}},
-      {"/dev/faux\n\n\n\n8\nnon\n2\n\n\n\n\n", true, {"/dev/ttyUSB0", "9600", "aucune", "1", "8"}},
-      {"/dev/faux\n\n\n\n8\noui\n", true, {"/dev/faux", "9600", "aucune", "1", "8"}},
-      {"/dev/faux\n\n\n\n8\nannuler\n", false, Présents},
-      {"2\nAnnuler\n", false, Présents},
-      {"2\n\n", false, Présents},  // and there the input ends
+  const std::pair<const char*, RéglagesPort> Cas[] = {
+      {"\n\n\n\n\n8\n", {"COM1:", "9600", "aucune", "1", "8"}},
+      {"2\n4800\npaire\n2\n7\n", {"/dev/ttyUSB0", "4800", "paire", "2", "7"}},
+      {"/dev/faux\n\n\n\n8\nnon\n3\n\n\n\n\n", {"3", "9600", "aucune", "1", "8"}},
+      {"/dev/faux\n\n\n\n8\nannuler\n", Présents},
+      {"2\n\n", Présents},
   };
   const ChoixPort Usuels{{"4800", "9600"}, {"aucune", "paire"}, {"1", "2"}, {"7", "8"}};
   const auto Ports = [] { return std::vector<PortTrouvé>{{"COM1:", "série"}, {"/dev/ttyUSB0", "adaptateur"}}; };
-  const auto Essai = [](const RéglagesPort& R) {
-    return R.Port == "/dev/faux" ? "Le port est absent." : std::string();
-  };
-  for (const CasQuestions& C : Cas) {
-    Terminal Opérateur;
+  for (const auto& [Tapé, Attendus] : Cas) {
+    const Terminal T(Tapé);
     BouclePoll Boucle;
-    SortieConsole Sortie(Opérateur.Écran.Entrée.Numéro());
-    FenêtresConsole LesFenêtres(Boucle, Sortie);
-    CommandesConsole Commandes(LesFenêtres);
-    const EntréeConsole Entrée(Boucle, Opérateur.Clavier.Sortie.Numéro(), [&](const auto& Ligne) {
-      if (!Ligne) LesFenêtres.FermerEntrée();
+    SortieConsole Sortie(T.Console.Numéro());
+    FenêtresConsole Fenêtres(Boucle, Sortie);
+    CommandesConsole Commandes(Fenêtres);
+    const EntréeConsole Entrée(Boucle, T.Console.Numéro(), [&](const auto& Ligne) {
+      if (!Ligne) Fenêtres.FermerEntrée();
       return !Ligne || Commandes.Exécuter(*Ligne);
     });
-    QuestionsPort Questions(LesFenêtres, Commandes, Ports, Usuels);
-    Opérateur.Taper(C.Tapé);
-    Opérateur.Clavier.Entrée.Fermer();
-    RéglagesPort Réglages = Présents;
-    EXPECT_EQ(Questions.Demander(Réglages, Essai), C.Retenu) << C.Tapé;
-    EXPECT_EQ(Réglages, C.Attendus) << C.Tapé;
+    RéglagesPort R = Présents;
+    const bool EstRetenu = QuestionsPort(Fenêtres, Commandes, Ports, Usuels).Demander(R, [](const auto& Voulus) {
+      return Voulus.Port == "/dev/faux" ? "Le port est absent." : std::string();
+    });
+    EXPECT_EQ(R, Attendus) << Tapé;
+    EXPECT_EQ(EstRetenu, Attendus != Présents) << Tapé;
+  }
+}
+
+/// Task, files and switches; or why the line can't be followed. Two blanks in a row stand for an empty argument.
+std::string Lu(const std::string& Ligne) try {
+  std::istringstream Flux(Ligne);
+  Arguments Mots;
+  for (std::string Mot; std::getline(Flux, Mot, ' ');) Mots.push_back(Mot);
+  const Tarvel::Options O = Tarvel::LireOptions(Mots);
+  std::ostringstream Résumé;
+  Résumé << static_cast<int>(O.QueFaire) << O.Base << O.Ini << O.Dossier << O.Greffon << O.Console << O.SansOpérateur
+         << O.Exemple << (O.Durée ? O.Durée->count() : -1);
+  return Résumé.str();
+} catch (const Tarvel::ErreurOptions& Erreur) {
+  return Erreur.what();
+}
+
+TEST(Options, AreReadOrRefusedWithAReason) {
+  const std::string Durée = "--duree veut un nombre entier de secondes, d'un an au plus, et non ";
+  // clang-format off
+  const std::pair<const char*, std::string> Cas[] = {
+      {"--ini /e/t.ini --base /b/c.db", R"(0"/b/c.db""/e/t.ini""/b"""000-1)"},
+      {"--base /b --ini /i --dossier /d --greffon g --console --sans-operateur --duree 9", R"(0"/b""/i""/d""g"1109)"},
+      {"--exemple --creer-base /n.db", R"(1"/n.db""""/"""001-1)"},
+      {"--base b --help", R"(2"b"""""""000-1)"},
+      {"--version", R"(3""""""""000-1)"},
+      {"", "il manque --base"},
+      {"--base b", "il manque --ini"},
+      {"--ini i --base", "--base veut une valeur : F"},
+      {"--base  --ini i", "--base veut une valeur : F"},
+      {"--base b --base c --ini i", "--base est donné deux fois"},
+      {"--base b --ini i traînard", "argument inconnu : «traînard»"},
+      {"--creer-base b --console", "--console ne va pas avec --creer-base"},
+      {"--exemple", "il manque --creer-base"},
+      {"--base b --ini i --duree -1", Durée + "«-1»"},
+      {"--base b --ini i --duree 5s", Durée + "«5s»"},
+      {"--base b --ini i --duree 99999999999", Durée + "«99999999999»"},
+  };
+  // clang-format on
+  for (const auto& [Ligne, Attendu] : Cas) EXPECT_EQ(Lu(Ligne), Attendu) << Ligne;
+  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--creer-base", "b"}).Base, std::filesystem::current_path() / "b");
+}
+
+TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
+  BouclePoll Boucle;
+  std::string Dits;
+  Tarvel::BoucleGardée Gardée(Boucle, [&](const std::string& Texte) { Dits += Texte; });
+  const auto Jeton = Gardée.Après(0ms, [] { throw ErreurExécution("panne"); });
+  EXPECT_TRUE(Gardée.Pomper(5s));
+  EXPECT_EQ(Dits, "panne");
+}
+
+#define REGLAGES(PORT) \
+  "[PlugInOmbrey]\nTailleMots=8\nBitsStop=1\nParité=aucune\nBauds=9600\nPort=" PORT "\nPériode interrogation=2000\n"
+constexpr const char* Absent = REGLAGES("/dev/absent");
+constexpr const char* SansPort = "[PlugInOmbrey]\nPériode interrogation=2000\n";
+
+struct CasVie {
+  const char* Réglages;
+  const char* Tapé;
+  Arguments Vus;
+  const char* Gardés;  ///< the settings afterwards
+  Arguments Plus = {};
+};
+
+/// The real plug-in on a console, with a host in memory and no terminal on the line.
+TEST(Station, LivesWithThePlugInAndLetsItGo) {
+  // clang-format off
+  const CasVie Cas[] = {
+      {Absent, "menu\nok\nok\nbouton\nok\nmasquer\nfin\n",
+       {"message [x] ", " : Module initialisé.\n", "commande «bouton» : Comm. au RG80\n",
+        "commande «menu» : Charger les données vers le RG80\n", "fenêtre «Liste des chargements» masquée\n",
+        "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
+      {Absent, "bouton\nok\n", {"fenêtre «Liste des chargements» ouverte\n"}, Absent},
+      {Absent, "configurer\n/dev/autre\n4800\nAnnuler\nfin\n", {"réglages du port : inchangés.\n"}, Absent},
+      {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
+      {"", "/dev/autre\n\n\n\n\noui\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
+      {"", "annuler\nfin\n", {"Erreur de configuration du port de communication"}, SansPort},
+      {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
+      {"", "", {"README.md» ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
+      {"", "", {"absent.so» est introuvable"}, "", {"--greffon", "absent.so"}},
+  };
+  // clang-format on
+  for (const CasVie& C : Cas) {
+    SCOPED_TRACE(C.Tapé);
+    const DossierEssai Dossier;
+    const std::string D = Dossier.Chemin();
+    setenv("XDG_CONFIG_HOME", D.c_str(), 1);
+    std::ofstream(D + "/tarvel.ini") << C.Réglages;
+    Tarvel::Options Voulues = Choisies(D, C.Plus);
+    if (Voulues.Greffon.empty()) Voulues.Greffon = BIN_DIR "/PlgInOmbrey.so";
+    auto Base = std::make_shared<FausseBaseDeD>();
+    Base->Etat->Dossier = D + "/";
+    const Terminal T(C.Tapé);
+    std::string Vu;
+    try {
+      Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
+      Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
+    } catch (const ErreurExécution& Erreur) {
+      Vu = Erreur.what();
+    }
+    EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
+    EXPECT_EQ(Base->Etat->Écouteur, nullptr);
+    Vu += T.Vu();
+    for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
+    EXPECT_EQ(Contenu(D + "/tarvel.ini"), C.Gardés);
   }
 }
 
