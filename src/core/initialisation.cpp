@@ -65,7 +65,7 @@ std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> Even
     if (État_.Abandon) return "";
     NomPort = Section(État_).Lire(CléPort);
   }
-  const std::string Erreur =
+  std::string Erreur =
       NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
   LirePériode();
   if (Erreur.empty()) {

@@ -30,7 +30,7 @@ PlugIn::PlugIn(IPlateforme& Plateforme)
       Interrogation_(État_, Collecte_) {}
 
 std::shared_ptr<PlugIn> PlugIn::Créer(IPlateforme& Plateforme) {
-  const std::shared_ptr<PlugIn> Nouveau(new PlugIn(Plateforme));
+  std::shared_ptr<PlugIn> Nouveau(new PlugIn(Plateforme));
   try {
     Nouveau->Class_Initialize();
   } catch (const std::exception&) {

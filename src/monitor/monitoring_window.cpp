@@ -154,11 +154,12 @@ void FSuiviChargnt::ListeMessages_DblClick(Onglet Liste) {
   const auto& Lignes = Liste == Onglet::Suivis ? Messages_ : Erreurs_;
   const std::size_t Courante = Vue_->LigneCourante(Liste);
   if (Courante >= Lignes.size()) return;
-  MontrerLigne(Lignes[Courante]);
+  const std::string Texte = Lignes[Courante];  // the list may change while the box is open
+  MontrerLigne(Texte);
 }
 
-/// By value: the list may change while the box is open. A box in the midst of an exchange would hold up the terminal.
-void FSuiviChargnt::MontrerLigne(std::string Texte) {
+/// A box in the midst of an exchange would hold up the terminal.
+void FSuiviChargnt::MontrerLigne(const std::string& Texte) {
   const bool Libre =  // the line itself goes back at once
       État_.Ligne.PrendreOuReporter(DemandeLigne::Lecture, [this, Texte] { MontrerLigne(Texte); }).has_value();
   if (Libre) État_.Avertir(Texte);

@@ -48,7 +48,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void Form_Load();
   void Form_Unload();
   void SauverPlacement();
-  void MontrerLigne(std::string Texte);
+  void MontrerLigne(const std::string& Texte);
   void RemplirGrille();
   [[nodiscard]] std::string Horodatage() const;
 
