@@ -1,6 +1,9 @@
 // Text helpers: the crossing to Windows-1252, delimited lists, zeros and separators.
 #include <gtest/gtest.h>
 
+#include <array>
+#include <tuple>
+
 #include "common/ansi_text.h"
 #include "common/delimited_list.h"
 #include "common/failures.h"
@@ -10,22 +13,15 @@ namespace Ombrey {
 namespace {
 
 TEST(AnsiText, AccentsAndSignsTakeOneByte) {
-  struct Cas {
-    const char* Texte;
-    const char* Attendu;
-  };
-  const Cas Table[] = {
-      {"", ""},
-      {"Métayage n°", "M\xE9tayage n\xB0"},
-      {"€ Œ œ Ÿ ’ …", "\x80 \x8C \x9C \x9F \x92 \x85"},
-      {"ÿ\u00A0", "\xFF\xA0"},
+  // clang-format off
+  const std::pair<const char*, const char*> Table[] = {
+      {"Métayage n°", "M\xE9tayage n\xB0"}, {"€ Œ œ Ÿ ’ …", "\x80 \x8C \x9C \x9F \x92 \x85"}, {"ÿ\u00A0", "\xFF\xA0"},
       {"日本 \U0001F347", "?? ?"},          // a character without a place is one "?"
-      {"a\xE9z", "a?z"},                    // a byte that is no UTF-8
-      {"\xC3", "?"},                        // cut at its end
+      {"a\xE9z", "a?z"}, {"\xC3", "?"},     // no UTF-8, cut at its end
       {"\xC0\xAF|\xED\xA0\x80", "??|???"},  // overlong form, half of a surrogate pair
-      {"\u0080", "?"},                      // 0x80 belongs to the euro sign
-  };
-  for (const Cas& C : Table) EXPECT_EQ(VersAnsi(C.Texte).Bruts(), C.Attendu) << C.Texte;
+      {"\u0080", "?"}};                     // 0x80 belongs to the euro sign
+  // clang-format on
+  for (const auto& [Texte, Attendu] : Table) EXPECT_EQ(VersAnsi(Texte).Bruts(), Attendu) << Texte;
 }
 
 TEST(AnsiText, EveryByteSurvivesTheWayThereAndBack) {
@@ -57,36 +53,33 @@ TEST(DelimitedList, ItemsAndPlaces) {
 }
 
 TEST(TextHelpers, WrongSeparatorIsPutRight) {
-  struct Cas {
-    std::string Texte, Après;
-    bool Numérique;
-  };
-  const Cas Table[] = {{"12,5", "12,5", true}, {"12.5", "12,5", true},    {".5", "0,5", true},
-                       {"12.", "12", true},    {"1.2.3", "1.2.3", false}, {"abc", "abc", false},
-                       {"", "", false},        {"1,2.3", "1,2.3", false}, {"a.5", "a.5", false}};
+  // clang-format off
+  const std::tuple<std::string, std::string, bool> Table[] = {
+      {"12,5", "12,5", true}, {"12.5", "12,5", true}, {".5", "0,5", true}, {"12.", "12", true}, {"a.5", "a.5", false},
+      {"1.2.3", "1.2.3", false}, {"abc", "abc", false}, {"", "", false}, {"1,2.3", "1,2.3", false}};
+  // clang-format on
   const auto Échanger = [](std::string Texte) {
     for (char& C : Texte) C = C == ',' ? '.' : C == '.' ? ',' : C;
     return Texte;
   };
-  for (const Cas& C : Table) {
-    std::string Texte = C.Texte;
-    EXPECT_EQ(NormaliserNombre(Texte, {','}), C.Numérique) << C.Texte;
-    EXPECT_EQ(Texte, C.Après);
-    Texte = Échanger(C.Texte);
-    EXPECT_EQ(NormaliserNombre(Texte, {'.'}), C.Numérique) << Texte;
-    EXPECT_EQ(Texte, Échanger(C.Après));
+  for (const auto& [Avant, Après, Numérique] : Table) {
+    std::string Texte = Avant;
+    EXPECT_EQ(NormaliserNombre(Texte, {','}), Numérique) << Avant;
+    EXPECT_EQ(Texte, Après);
+    Texte = Échanger(Avant);
+    EXPECT_EQ(NormaliserNombre(Texte, {'.'}), Numérique) << Avant;
+    EXPECT_EQ(Texte, Échanger(Après));
   }
 }
 
 TEST(TextHelpers, ZerosAtTheEnds) {
-  struct Cas {
-    const char *Texte, *Début, *Fin;
-  };
-  const Cas Table[] = {
+  // clang-format off
+  const std::array<const char*, 3> Table[] = {
       {"0012", "12", "0012"}, {"1200", "1200", "12"}, {"000", "", "0"}, {"", "", ""}, {"0 0", " 0", "0 "}};
-  for (const Cas& C : Table) {
-    EXPECT_EQ(SupprZéroDébut(C.Texte), C.Début) << C.Texte;
-    EXPECT_EQ(SupprZéroFin(C.Texte), C.Fin) << C.Texte;
+  // clang-format on
+  for (const auto& [Texte, Début, Fin] : Table) {
+    EXPECT_EQ(SupprZéroDébut(Texte), Début) << Texte;
+    EXPECT_EQ(SupprZéroFin(Texte), Fin) << Texte;
   }
 }
 
