@@ -1,29 +1,15 @@
 // A folder of its own for a test.
 #pragma once
 
-#include <gtest/gtest.h>
-#include <unistd.h>
-
+#include <cstdlib>
 #include <filesystem>
 #include <string>
 
 namespace Ombrey::Essais {
 
 /// A folder of its own for each test, gone with it.
-class DossierEssai {
- public:
-  DossierEssai()
-      : Chemin_(std::filesystem::temp_directory_path() /
-                ("ombrey-" + std::to_string(::getpid()) + "-" +
-                 ::testing::UnitTest::GetInstance()->current_test_info()->name())) {
-    std::string Nom = Chemin_.filename().string();
-    for (char& Caractère : Nom) {
-      if (Caractère == '/') Caractère = '-';
-    }
-    Chemin_.replace_filename(Nom);
-    std::filesystem::remove_all(Chemin_);
-    std::filesystem::create_directories(Chemin_);
-  }
+struct DossierEssai {
+  DossierEssai() = default;
   DossierEssai(const DossierEssai&) = delete;
   DossierEssai& operator=(const DossierEssai&) = delete;
   ~DossierEssai() {
@@ -33,7 +19,11 @@ class DossierEssai {
   [[nodiscard]] const std::filesystem::path& Chemin() const { return Chemin_; }
 
  private:
-  std::filesystem::path Chemin_;
+  static std::filesystem::path Nouveau() {
+    std::string Nom = std::filesystem::temp_directory_path() / "ombrey-XXXXXX";
+    return ::mkdtemp(Nom.data()) ? Nom : throw std::filesystem::filesystem_error(Nom, std::error_code());
+  }
+  std::filesystem::path Chemin_ = Nouveau();
 };
 
 }  // namespace Ombrey::Essais
