@@ -1,0 +1,330 @@
+// The link on the machine in memory, with a scripted terminal: the waiting primitive (codes, priorities, time-outs,
+// what stays in the buffer), the transmission, the collection dialogue and the poll around it (every way out, what the
+// terminal gets, which files stay).
+#include <gtest/gtest.h>
+
+#include <numeric>
+
+#include "common/files.h"
+#include "link/checksum.h"
+#include "link/daily_error_file.h"
+#include "link/polling.h"
+#include "link/transmission.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
+
+namespace Ombrey::Essais {
+namespace {
+
+/// The bytes of a text in which ^ stands for ACK, ! for NAK, ? for ENQ, < for STX, > for ETX, $ for EOT.
+Octets Ligne(std::string Dessin) {
+  for (char& Signe : Dessin) {
+    const std::size_t Rang = std::string_view("^!?<>$").find(Signe);
+    if (Rang != std::string_view::npos) Signe = "\x06\x15\x05\x02\x03\x04"[Rang];
+  }
+  return Octets(Dessin);
+}
+
+struct Liaison : testing::Test {
+  Liaison() {
+    État.PortComm = Port;
+    Port->Client = Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); });
+    État.LongEnregChargement = 55;
+  }
+  /// What the terminal answers to each writing from now on, in the drawing of the line's bytes; "" for silence.
+  void Répondre(const Mots& Dessins) {
+    Port->Ecrits.clear();
+    Port->SurEcriture = [this, Dessins](const Octets&) {
+      const std::size_t Rang = Port->Ecrits.size() - 1;
+      if (Rang < Dessins.size()) Port->Envoyer(Ligne(Dessins[Rang]));
+    };
+  }
+  /// The end of the plug-in as the wait sees it.
+  void Terminer() {
+    État.Abandon = Port->EcritureRefusée = true;
+    État.PortComm.reset();
+    État.BaseDeD.reset();
+    État.EtatBdD.reset();
+    État.Retard.reset();
+  }
+  CodeÉchange Obtenir(const Attente& Demande) { return UnÉchange.AttendreRéponse(Demande, Reçu); }
+  std::string Envoyer(const Mots& Dessins) {
+    std::vector<Octets> Lignes;
+    for (const auto& Dessin : Dessins) Lignes.push_back(Ligne(Dessin));
+    return Transmission(État, UnÉchange).TransmettreLignes(8, Lignes);
+  }
+  /// Everything written since the last Répondre.
+  Octets Ecrit() const { return std::accumulate(Port->Ecrits.begin(), Port->Ecrits.end(), Octets()); }
+
+  FaussePlateforme Plateforme;
+  FauxSystème& Système = Plateforme.LeSystème;
+  FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
+  std::shared_ptr<PortScripté> Port = Plateforme.Port;
+  FauxCanal Canal;
+  ÉtatPlugIn État{Plateforme, Canal};
+  Échange UnÉchange{État};
+  Octets Reçu;
+};
+
+using enum CodeÉchange;
+
+TEST(CheckSum, WorkedByHand) {
+  // clang-format off
+  const std::pair<Octets, Octets> Table[] = {
+      {Ligne("abc"), Octets("26")}, {Ligne("<abc>"), Octets("2;")}, {Octets(), Octets("00")},
+      {Octets("\xFF"), Octets("??")}, {Octets("\x80\x80"), Octets("00")},
+      {Ligne("<0012190908083009150001230004560071000000050112521234007>"), Octets("<;")}};
+  // clang-format on
+  for (const auto& [Texte, Deux] : Table) {
+    EXPECT_EQ(CalculerCheckSum(Texte), Texte + Deux);
+    EXPECT_FALSE(VérifierCheckSum(Texte, Deux.Extrait(0, 1), Octets("@")));
+  }
+}
+
+Attente Chargement(std::size_t LongMin, bool Resynchroniser = true) {
+  return {.LongMin = LongMin, .Motif3 = Ligne("^A"), .Motif4 = Ligne("!A"), .Resynchroniser = Resynchroniser};
+}
+Attente Trame(bool Consommer = true, const char* Texte = "") {
+  return {.Texte = Ligne(Texte), .LongMin = 1, .Motif1 = Ligne("^"), .Motif2 = Ligne("!"), .Consommer = Consommer};
+}
+
+struct Reconnaissance {
+  const char *Nom, *Arrive;  ///< here and below in the drawing of the line's bytes
+  Attente Demande;
+  CodeÉchange Code;
+  const char *Réponse, *Reste;  ///< "-" for an untouched answer
+};
+// clang-format off
+const Reconnaissance Reconnaissances[] = {
+    {"noise ahead", "zz^A", Chargement(2), Motif3, "^A", "^A"},
+    {"no load", "!A", Chargement(2), Motif4, "!A", "!A"},
+    {"yes before no, whatever their order", "!A^A", Chargement(2), Motif3, "^A", "^A"},
+    {"too short", "^A<0012", Chargement(59), Silence, "-", "^A<0012"},
+    {"dropped noise stays dropped", "zz^A<0012", Chargement(7), Motif3, "^A<0012", "^A<0012"},
+    {"too short once the noise is gone", "zz^A", Chargement(4), Silence, "-", "^A"},
+    {"other code", "^B", Chargement(2), Silence, "-", "^B"},
+    {"not told to look anywhere", "^A", Chargement(2, false), Silence, "-", "^A"},
+    {"frame taken", "^", Trame(), Motif1, "^", ""},
+    {"frame refused, more behind", "!x", Trame(), Motif2, "!x", "x"},
+    {"stray character ahead", "x^", Trame(), Silence, "-", "x^"},
+    {"not consumed", "^", Trame(false), Motif1, "^", "^"}};
+// clang-format on
+
+TEST_F(Liaison, GivesCodeAndLeavesTheRest) {
+  for (const auto& Cas : Reconnaissances) {
+    Reçu = Ligne("-");
+    État.TamponRéception.Vider();
+    const std::size_t Lus = Cas.Demande.LongMin > 1;  // by a read, and the rest by the event: each counts once
+    Port->ParLire = Ligne(Cas.Arrive).Extrait(0, Lus);
+    Port->Envoyer(Ligne(Cas.Arrive).Extrait(Lus));
+    EXPECT_EQ(Obtenir(Cas.Demande), Cas.Code) << Cas.Nom;
+    EXPECT_EQ(Reçu, Ligne(Cas.Réponse)) << Cas.Nom;
+    EXPECT_EQ(État.TamponRéception, Ligne(Cas.Reste)) << Cas.Nom;
+  }
+}
+
+TEST_F(Liaison, AnswerCountsUpToTheTimeOutAndNotBeyondAlsoAcrossTheWrapOfTheTickCount) {
+  Système.Horloge = 0xFFFFFFFFULL - 500;
+  Port->Envoyer(Ligne("^"), milliseconds(2000));
+  EXPECT_EQ(Obtenir(Trame()), Motif1);
+  Port->Envoyer(Ligne("^"), milliseconds(2001));
+  EXPECT_EQ(Obtenir(Trame()), Silence);
+  EXPECT_EQ(Système.Horloge, 0xFFFFFFFFULL - 500 + 2000 + 2001);
+  EXPECT_LT(Système.Pompages, 8) << "an idle wait is one pump, not a busy loop";
+}
+
+TEST_F(Liaison, LinkTest) {
+  const std::pair<const char*, bool> Table[] = {{"^8", true}, {"!8", true}, {"", false}, {"^1", false}, {"x^8", false}};
+  for (const auto& [Dessin, Répond] : Table) {
+    Canal.Messages.clear();
+    État.TamponRéception = Ligne("old");
+    Répondre({Dessin});
+    EXPECT_EQ(UnÉchange.TesterConnexion(), Répond) << Dessin;
+    EXPECT_EQ(Canal.Messages.size(), Répond ? 1U : 0U);
+    EXPECT_EQ(Ecrit(), Ligne("?8"));
+  }
+  EXPECT_FALSE(Fenêtres.Sablier);
+}
+
+// clang-format off
+#define T "?8<abc>2;"
+#define N "^8", "!", ""
+#define MUET "Aucune réponse du RG80."
+#define PORT "Erreur du port de communication au RG80."
+#define REFUS "Erreur de données ou de checksum renvoyée par le RG80 \x02" "abc\x03"
+// clang-format on
+struct Envoi {
+  const char* Nom;
+  Mots Lignes, Réponses;         ///< answers to each writing in turn, "" for silence
+  const char *Résultat, *Ecrit;  ///< and all that went on the line
+};
+// clang-format off
+const Envoi Envois[] = {
+    {"acknowledged", {"abc"}, {"^8", "^"}, "", T "$"},
+    {"nothing to send", {"", ""}, {}, "", ""},
+    {"framed already", {"<abc>"}, {"^8", "^"}, "", T "$"},
+    {"silence to the request", {"abc"}, {""}, MUET, "?8"},
+    {"not ready", {"abc", "abc"}, {"!8"}, "Le RG80 n'est pas prêt (NACK).", "?8"},
+    {"silence to the frame", {"abc"}, {"^8", ""}, MUET, T},
+    {"stray character ahead of the answer", {"abc"}, {"^8", "x^"}, MUET, T},
+    {"four refusals, then taken", {"abc"}, {N, N, N, N, "^8", "^"}, "", T "$" T "$" T "$" T "$" T "$"},
+    {"fifth refusal", {"abc"}, {N, N, N, N, "^8", "!"}, REFUS, T "$" T "$" T "$" T "$" T},
+    {"refusals count over all lines", {"abc", "abc"}, {N, N, N, "^8", "^", "", N, "^8", "!"}, REFUS,
+     T "$" T "$" T "$" T "$" T "$" T}};
+// clang-format on
+
+TEST_F(Liaison, TransmissionEndsAsTold) {
+  for (const Envoi& Cas : Envois) {
+    Répondre(Cas.Réponses);
+    EXPECT_EQ(Envoyer(Cas.Lignes), Cas.Résultat) << Cas.Nom;
+    EXPECT_EQ(Ecrit(), Ligne(Cas.Ecrit)) << Cas.Nom;
+  }
+}
+
+TEST_F(Liaison, FailureOfThePortAtRequestAndAtFrameIsShownInItsWords) {
+  Port->Erreur = "COM1: est absent";
+  Port->SurEcriture = [this](const Octets&) {
+    Port->Envoyer(Ligne("^8"));
+    Système.Après(milliseconds(4), [this] { Port->EcritureRefusée = true; });
+  };
+  for (const int Fois : {1, 2}) {  // the second time the port refuses from the start
+    EXPECT_EQ(Envoyer({"abc"}), PORT) << Fois;
+    EXPECT_EQ(Ecrit(), Ligne("?8"));
+  }
+  EXPECT_EQ(Fenêtres.Dites(), Mots(2, "Erreur du port | COM1: est absent"));
+}
+
+TEST_F(Liaison, PendingFailureOfACalleeIsReported) {
+  État.Erreur.Noter(ErreurExécution("panne"));
+  EXPECT_EQ(Envoyer({""}), "Transmission de l'exportation vers le RG80 : panne");
+}
+
+/// Frame processing and figures are a script.
+struct Banc : Liaison, ITraitementChargement {
+  Banc() {
+    Système.Dossier = Dossier.Chemin();
+    std::filesystem::create_directories(Système.Dossier / "import");
+    std::filesystem::create_directories(DossierErreurs(Système));
+    Etat.Dossier = (Système.Dossier / "import").string() + "/";
+    État.BaseDeD = Base;
+    État.EtatBdD = Base->Etat;
+    État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { UneInterrogation.Retard_FinTempo(Code); });
+    Canal.Visible = true;
+    Répondre({"^A" + std::string(59, 'x')});
+  }
+  std::string TraiterDonnéesReçues(Octets&, Octets& Réponse, std::string& NoChargement) override {
+    PendantTrame();
+    if (!Accusé.EstVide()) Réponse = Accusé;
+    NoChargement = Numéro;
+    return Import;
+  }
+  void MettreAJourCumuls(std::string&) override { PendantCumuls(); }
+  void SignalerAuHôte(const std::string& Texte) override { Signalés.push_back(Texte); }
+  std::ptrdiff_t Fichiers(const std::filesystem::path& Où) const {
+    return std::distance(std::filesystem::directory_iterator(Où), std::filesystem::directory_iterator());
+  }
+
+  DossierEssai Dossier;
+  std::shared_ptr<FausseBaseDeD> Base = std::make_shared<FausseBaseDeD>();
+  FauxEtatBdD& Etat = *Base->Etat;
+  std::string Import = "12;Aligoté;", Numéro = "12";
+  Octets Accusé = Ligne("^");
+  std::function<void()> PendantTrame = [] {}, PendantCumuls = [] {};
+  Mots Signalés;
+  Collecte UneCollecte{État, UnÉchange, *this};
+  Interrogation UneInterrogation{État, UneCollecte};
+};
+
+struct Issue {
+  const char* Nom;
+  void (*Préparer)(Banc&);
+  const char* Ecrit;
+  std::string Résultat;  ///< words of the poll's line
+  Mots Boîtes;
+  std::ptrdiff_t Gardés, Importés;  ///< files kept for the operator, calls of the import engine
+};
+const std::string Titre = "RG80 Ombrey | ", Echec = "Echec de lecture de données du RG80 : ";
+const std::string Bloqué = "Impossible d'écrire le fichier /nonexistent/RG80 import.txt : introuvable - ";
+const std::string Muet = Echec + MUET, Rien = "Aucun chargement importé";
+const std::string Refus = Titre + "Erreur d'importation des données issues du RG80.";
+// clang-format off
+const Issue Issues[] = {
+    {"imported", [](Banc&) {}, "?A^", "", {}, 0, 1},
+    {"no load", [](Banc& d) { d.Répondre({"!A"}); }, "?A", "Aucun chargement à récupérer.", {}, 0, 0},
+    {"silence", [](Banc& d) { d.Répondre({}); }, "?A", Muet, {}, 0, 0},
+    {"frame too late", [](Banc& d) { d.Répondre({"^A<00"}); }, "?A", Muet, {}, 0, 0},
+    {"port", [](Banc& d) { d.Port->EcritureRefusée = true; }, "", Echec + PORT, {"Erreur du port | "}, 0, 0},
+    {"no state object", [](Banc& d) { d.État.EtatBdD.reset(); }, "", "", {}, 0, 0},
+    {"refused frame", [](Banc& d) { d.Accusé = Ligne("!"); d.Import = d.Numéro = ""; }, "?A!", Rien, {}, 0, 0},
+    {"good frame, unknown holding: no answer", [](Banc& d) { d.Import = d.Numéro = ""; }, "?A", Rien, {}, 0, 0},
+    {"load number 0000: no answer", [](Banc& d) { d.Numéro = ""; }, "?A", Rien, {}, 0, 0},
+    {"engine gives up", [](Banc& d) { d.Etat.Importe = false; }, "?A!", "", {Refus}, 1, 1},
+    {"engine leaves an error text", [](Banc& d) { d.Etat.Erreur = "Masse : « x »"; }, "?A!", "", {}, 1, 1},
+    {"engine raises", [](Banc& d) { d.Etat.Lève = true; }, "?A", "Erreur la base ne répond pas - ",
+     {Titre + "LireDonnéesDeRG80 : " + Echec + "la base ne répond pas - Etape 4 - 12"}, 0, 1},
+    {"import file can't be written", [](Banc& d) { d.Etat.Dossier = "/nonexistent/"; }, "?A",
+     "Erreur " + Bloqué, {Titre + "LireDonnéesDeRG80 : " + Echec + Bloqué + "Etape 2 - 12"}, 0, 0},
+    {"failure left behind by the figures",
+     [](Banc& d) { d.PendantCumuls = [&d] { d.État.Erreur.Noter(ErreurExécution("panne")); }; }, "?A^",
+     "", {"Erreur etape 206 | panne", "Erreur etape 207 | panne"}, 0, 1},
+    {"end in a wait", [](Banc& d) { d.Système.Après(milliseconds(2), [&d] { d.Terminer(); }); }, "?A", Muet, {}, 0, 0},
+    {"end in a writing", [](Banc& d) { d.Port->SurEcriture = [&d](auto&) { d.Terminer(); }; }, "?A", Muet, {}, 0, 0},
+    {"end in the frame", [](Banc& d) { d.PendantTrame = [&d] { d.Terminer(); }; }, "?A", "", {}, 0, 0},
+    {"end in the box", [](Banc& d) {
+       d.Etat.Importe = false;
+       d.Fenêtres.PendantBoîte = [&d] { d.Terminer(); };
+     }, "?A", "", {Refus}, 1, 1},
+    {"end in the figures", [](Banc& d) { d.PendantCumuls = [&d] { d.Terminer(); }; }, "?A^", "", {}, 0, 1}};
+// clang-format on
+
+struct IssueDuDialogue : Banc, testing::WithParamInterface<Issue> {};
+INSTANTIATE_TEST_SUITE_P(Table, IssueDuDialogue, testing::ValuesIn(Issues));
+
+TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
+  const Issue& Cas = GetParam();
+  Cas.Préparer(*this);
+  UneInterrogation.Retard_FinTempo("");
+  EXPECT_EQ(Canal.Messages.back(),
+            std::pair("Vérification de nouveaux chargements sur le RG80. " + Cas.Résultat, Cas.Résultat.empty()));
+  EXPECT_EQ(Ecrit(), Ligne(Cas.Ecrit)) << Cas.Nom;
+  EXPECT_EQ(Fenêtres.Dites(), Cas.Boîtes);
+  EXPECT_FALSE(État.Erreur.EstPrésente());
+  EXPECT_EQ(Fichiers(Système.DossierImportsConservés()), Cas.Gardés);
+  EXPECT_EQ(Fichiers(Système.Dossier / "import"), 0) << "the import file is never left behind";
+  EXPECT_EQ(Etat.Importés, Mots(static_cast<std::size_t>(Cas.Importés), "12;Aligot\xE9;\r\n"));
+  EXPECT_EQ(État.DernierNoChargement, Cas.Importés ? "12" : "");
+  const bool Signalé = Ecrit() == Ligne("?A^") && !État.Abandon;
+  EXPECT_EQ(Signalés, Mots(Signalé, "ChargementAjouté:12"));
+  EXPECT_EQ(Base->Actualisations, Signalé);
+  EXPECT_TRUE(!État.Abandon || Système.Horloge < 1100) << "the end waits for nothing";
+  std::ifstream Flux(FichierErreursDuJour(Système), std::ios::binary);
+  const std::string Noté(std::istreambuf_iterator<char>(Flux), {});
+  const std::string Voir = Système.Dossier.string() + "/imports-refusés/ImportRG80 22 09 08 30 00.txt\r\n";
+  EXPECT_EQ(Noté.size() < 3 ? "" : Noté,
+            Cas.Gardés ? "\r\n08:30:00 : TableImporter = TRUE : " + Etat.Erreur + " - voir " + Voir : "");
+  EXPECT_GE(Canal.Rafraîchissements, Base->Actualisations);
+}
+
+TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromTheEnd) {
+  État.PériodeInterrogation = 500;
+  std::vector<std::uint64_t> Départs;
+  Port->SurEcriture = [&](const Octets&) { Départs.push_back(Système.Horloge); };
+  for (const int Quand : {100, 101, 102}) {
+    Système.Après(milliseconds(Quand), [this] { UneInterrogation.Retard_FinTempo(""); });
+  }
+  UneInterrogation.Retard_FinTempo("");
+  Système.Laisser(milliseconds(2600));
+  EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3001, 5502}));
+}
+
+TEST_F(Banc, DailyFileGoesWhenItHoldsOnlyBlanks) {
+  for (const auto& [Contenu, Reste] : {std::pair{"\r\n \r\n", false}, {"", false}, {"\r\nx", true}, {"\t", true}}) {
+    EcrireFichier(FichierErreursDuJour(Système), Contenu);
+    NettoyerFichierErreurs(Système);
+    EXPECT_EQ(std::filesystem::exists(FichierErreursDuJour(Système)), Reste);
+  }
+}
+
+}  // namespace
+}  // namespace Ombrey::Essais
