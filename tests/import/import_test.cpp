@@ -1,0 +1,213 @@
+// From the reception text to the import text: the frame, its fields, the load's holding, the import line by the host's
+// layout, and what the host tells about loads. On a cooperative of one pair, one holding and one layout.
+#include "import/frame_processing.h"
+#include "import/import_notifications.h"
+#include "link/checksum.h"
+#include "tests/transfer/small_cooperative.h"
+
+namespace Ombrey::Essais {
+namespace {
+
+const std::string RecordModèle = "0012190908083009150001230004560071000000050112521234007";
+const std::string TrameModèle = "\x02" + RecordModèle + "\x03<;";  // sum 203: 12 and 11 behind "0"
+const std::string LigneModèle = "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;";
+const std::string Oui =
+    "\x06"
+    "A";
+
+struct Import : AvecCoopérative {
+  Import() {
+    Exécuter(
+        "INSERT INTO Coopérateur VALUES ('00123','Aubry','Zoé'),('456','Bost','Guy');"
+        "INSERT INTO Métayage VALUES ('5001','0123','456',33.3333,10,'007'),('5002','1','1',100,11,NULL);"
+        "INSERT INTO MSysEtats VALUES ('Synchronisation des chargements',-1,'Masse','|'),"
+        " ('Synchronisation des chargements',0,replace(replace("
+        "'CodeSite,x/NoChargement,N,4/DateCh/DateSortie/Métayage/Cépage/Sélection/Qualité/Degré/NoQuai/Masse/Cuve/"
+        "Operateur/InfoChargnt3/Inconnue', '/', char(13)), ',', char(9)), ';');");
+    InitConstantes(État);
+  }
+  std::string Traiter(const std::string& Reçu) {
+    Tampon = Octets(Reçu);
+    Réponse = Octets("lu");
+    NoChargement.clear();
+    return Traitement.TraiterDonnéesReçues(Tampon, Réponse, NoChargement);
+  }
+  /// The model record with Valeur written over it from Position on, counted from 1, in a good frame.
+  std::string Record(std::size_t Position, const std::string& Valeur) {
+    const std::string R = std::string(RecordModèle).replace(Position - 1, Valeur.size(), Valeur);
+    return Traiter(std::string(CalculerCheckSum(Octets("\x02" + R + "\x03")).Bruts()));
+  }
+  std::string Vérifier(std::string Propriétaire, std::string Récoltant, std::string Part, const std::string& Groupe) {
+    return Exploitations.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
+  }
+
+  VérificationExploitation Exploitations{État};
+  MiseEnFormeImport MiseEnForme{État};
+  TraitementTrame Traitement{État, Exploitations, MiseEnForme};
+  Octets Tampon, Réponse;
+  std::string NoChargement;
+};
+
+TEST_F(Import, WorkedFrame) {
+  for (const char EnPlaceDuETX : {'\x03', 'x'}) {  // not looked at
+    std::string Trame = TrameModèle;
+    Trame[56] = EnPlaceDuETX;
+    EXPECT_EQ(Traiter(Oui + Trame + "suite"), LigneModèle);
+    EXPECT_EQ(Réponse, Octets(1, ACK));
+    EXPECT_EQ(NoChargement, "12");
+    EXPECT_EQ(Tampon, Octets("suite"));
+  }
+}
+
+TEST_F(Import, AFrameCutAnywhereWaitsForTheNextDialogue) {
+  for (std::size_t Longueur = 0; Longueur < TrameModèle.size(); ++Longueur) {
+    const std::string Début = TrameModèle.substr(0, Longueur);
+    EXPECT_EQ(Traiter(Oui + Début), "");
+    EXPECT_EQ(Tampon, Octets(Longueur ? Début : Oui));
+    EXPECT_EQ(Réponse, Octets("lu"));
+    EXPECT_EQ(Fenêtres.Dites(), Mots(Longueur > 0, "RG80 Ombrey | Données trop courtes"));
+  }
+}
+
+TEST_F(Import, AWrongChecksumIsRefusedAndItsFrameGoesUnlessThePlugInEnds) {
+  std::string Trame = TrameModèle;
+  Trame[10] = '1';
+  for (const bool Fin : {false, true}) {
+    Fenêtres.PendantBoîte = [&] { État.Abandon = Fin; };
+    EXPECT_EQ(Traiter(Trame + "suite"), "");
+    EXPECT_EQ(Réponse, Fin ? Octets("lu") : Octets(1, NAK));
+    EXPECT_EQ(Tampon, Octets((Fin ? Trame : "") + "suite"));
+    EXPECT_EQ(Fenêtres.Dites(), Mots{"RG80 Ombrey | Erreur de check-sum"});
+  }
+  EXPECT_EQ(NoChargement, "");
+}
+
+TEST_F(Import, EveryFieldIsReworkedOrRefusedOnItsOwn) {
+  struct Cas {
+    std::size_t Position;
+    std::string Valeur, No, Ligne;
+    Mots Dits;  ///< errors and boxes
+  };
+  const std::string Sans = "Code exploitation introuvable : ", Titre = "RG80 Ombrey | TraiterDonnéesReçues : ";
+  // clang-format off
+  const Cas Table[] = {
+      {1, "0000", "", "1;;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;", {}},
+      {7, "13", "12", "1;12;22/09/2026 08:30:00;22/09/2026 08:30:00;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;", {}},
+      {11, "24", "12", "1;12;22/09/2026 08:30:00;19/09/08 09:15;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;", {}},
+      {17, "6x", "12", "1;12;19/09/08 08:30;22/09/2026 08:30:00;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;", {}},
+      {43, "\xE9\x02", "12", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;é\x02;12,5;2;1234;7;0;é\x02;;", {}},
+      {45, "000", "12", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;0;2;1234;7;0;01;;", {}},
+      {45, "12000034000", "12", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;12;;0034;;0;01;;", {}},
+      {31, "a;b", "12", LigneModèle, {}}, {34, "'';", "12", LigneModèle, {}},  // one holding: nothing to choose by
+      {19, "0001x3", "", "", {Sans + "/01x3/0456/100.0000/007"}},
+      {25, "' OR '", "", "", {Sans + "/0123/OR '/100.0000/007"}},
+      {19, "1e9999", "", "", {Sans + "/9999/0456/100.0000/007"}},
+      {45, "1x5", "12", "", {Titre + "Incompatibilité de type"}},
+      {45, "9e9", "12", "", {Titre + "Dépassement de capacité"}}};
+  // clang-format on
+  for (const Cas& C : Table) {
+    EXPECT_EQ(Record(C.Position, C.Valeur), C.Ligne);
+    EXPECT_EQ(NoChargement, C.No) << C.Valeur;
+    EXPECT_EQ(Réponse, Octets(1, ACK));
+    EXPECT_EQ(Tampon.EstVide(), !C.Ligne.empty()) << C.Valeur;
+    const Mots Boîtés = Fenêtres.Dites();
+    Canal.Erreurs.insert(Canal.Erreurs.end(), Boîtés.begin(), Boîtés.end());
+    EXPECT_EQ(std::exchange(Canal.Erreurs, {}), C.Dits);
+  }
+}
+
+TEST_F(Import, TheHoldingIsChosenByShareThenByGroup) {
+  Exécuter(
+      "INSERT INTO Métayage VALUES"
+      " ('6001','000200','201',33.3333,11,'8'),('6002','200','201',66.5,12,'7'),('6003','200','201',33,13,NULL),"
+      " ('6004','200','201',50,14,'009'),('6010','201','201',100,15,NULL),('6020','200','202',12,16,NULL);"
+      "INSERT INTO Coopérateur VALUES ('200','A',''),('0201','B',''),('202','C','')");
+  // clang-format off
+  const std::array<const char*, 5> Table[] = {
+      {"000200", "000201", "033.0000", "007", "6001"},   // whole numbers count, the first of two wins
+      {"000200", "000201", "066.0000", "008", "6002"},   // 66,5 rounds to the even neighbour
+      {"000200", "000201", "067.0000", "009", "6004"},   // so this share fits none, and the group decides
+      {"000200", "000201", "012.0000", "999", "6001"},   // neither: the first row
+      {"000200", "000201", "x12.0000", "007", "6001"},   // an unreadable share fits every row
+      {"000200", "000202", "099.0000", "007", "6020"},   // the pair's only holding
+      {"000000", "000201", "099.0000", "007", "6010"}};  // no owner: the harvester with himself
+  // clang-format on
+  for (const auto& [Propriétaire, Récoltant, Part, Groupe, Code] : Table) {
+    EXPECT_EQ(Vérifier(Propriétaire, Récoltant, Part, Groupe), Code) << Part;
+  }
+  EXPECT_TRUE(Canal.Messages.empty());
+  EXPECT_TRUE(Hôte->Coopérateurs.empty());
+}
+
+TEST_F(Import, UnknownCodesAreCreatedAndListed) {
+  EXPECT_EQ(Vérifier("000900", "000456", "050.5000", "007"), "77");
+  const auto& [Id, Nom, Quand] = Hôte->Coopérateurs.at(0);
+  EXPECT_EQ(Id + "|" + Nom + "|" + Quand, "900|900-Crée par le RG80|22/09/2026 08:30:00");
+  EXPECT_EQ(Hôte->Métayages.at(0), (Mots{"900", "456", "0", "050.5000", "7", ""}));
+  Hôte->RésultatAjout = -3;
+  EXPECT_EQ(Vérifier("000123", "000901", "050.0000", "007"), "0");
+  EXPECT_EQ(Fenêtres.Dites(), Mots{"RG80 Ombrey | Ajout d'un coopérateur inconnu : 901\rerreur -3"});
+  const Mots Erreurs = {
+      "Création d'un coopérateur inconnu : 000900",
+      "Création d'une exploitation inconnue : Code = 77, Proprio:000900, Exploit:456, Part:050.5000, Groupe:007",
+      "Création d'un coopérateur inconnu : 000901",
+      "Création d'une exploitation inconnue : Code = 0, Proprio:00123, Exploit:000901, Part:050.0000, Groupe:007, "
+      "erreur -3"};
+  EXPECT_EQ(Canal.Erreurs, Erreurs);
+  Fenêtres.PendantBoîte = [&] { État.Abandon = true; };
+  EXPECT_EQ(Vérifier("000900", "000901", "050.0000", "007"), "");
+  EXPECT_EQ(Hôte->Métayages.size(), 2U) << "nothing is created once the plug-in ends";
+}
+
+TEST_F(Import, FailuresAreShownAndGiveNoHolding) {
+  Exécuter("UPDATE Métayage SET Part = NULL; INSERT INTO Métayage VALUES ('6030','123','456',1,11,'8')");
+  const std::array<const char*, 4> Table[] = {
+      {"1e50  ", "000456", "007", "Dépassement de capacité"},
+      {"000456", "000456", "a'b", "Incompatibilité de type"},  // a group that must be created under a number
+      {"000123", "000456", "007", "Utilisation incorrecte de Null"}};
+  for (const auto& [Propriétaire, Récoltant, Groupe, Description] : Table) {
+    EXPECT_EQ(Vérifier(Propriétaire, Récoltant, "100.0000", Groupe), "");
+    EXPECT_EQ(Fenêtres.Dites(), Mots{std::string("Vérification d'exploitation | ") + Description});
+  }
+}
+
+TEST_F(Import, TheLayoutAloneOrdersTheLine) {
+  // clang-format off
+  const std::array<std::string, 3> Table[] = {
+      {"NoChargement\tN\t4", ";", "12;"},
+      {"InfoChargnt3\rQualité\rInfoChargnt1\rRamassage", "|", "  |  |0|0|"},  // two blanks are a value
+      {"Cépage\rCodeSite\rSélection\r", "\t", "Pinot\tgris\tS'2\t05\t"},
+      {"nochargement\rInconnue\r\rMasse", ";", ";;;1234;"},  // names are exact
+      {"Sélection\rMasse", ";", ""},                         // no column takes the variety
+      {"", ";", ""}};
+  // clang-format on
+  const Mots Données = {"12", "d", "s", "5001", "05", "  ", "12,5", "2", "1234", "7", "  "};
+  Hôte->Cépages = "Pinot\tgris\rAligoté";
+  Hôte->Etat->Synchro->Site = "S'2";
+  for (const auto& [LongChps, Format, Ligne] : Table) {
+    Exécuter("UPDATE MSysEtats SET LongChps = '" + LongChps + "', Format = '" + Format + "'");
+    EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), Ligne) << LongChps;
+  }
+  Hôte->Etat->Synchro->Site.clear();
+  Exécuter("UPDATE MSysEtats SET LongChps = 'CodeSite' || char(13) || 'Masse', Format = NULL");
+  EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), "11234");
+  Exécuter("UPDATE MSysEtats SET Exportation = -1");
+  EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), "");
+}
+
+TEST_F(Import, TheHostsEventsReachTheOperator) {
+  NotificationsImport Notifications(État);
+  const auto Lignes = Hôte->Base->OpenRecordset("SELECT 'S2' AS CodeSite, 12 AS NoChargement");
+  Notifications.EtatBdD_EnregistrementImporté("Synchronisation des chargements", *Lignes);
+  Notifications.EtatBdD_EnregistrementImporté("chargement", *Lignes);
+  Notifications.EtatBdD_EnregistrementMisAJour("Chargement", *Lignes);
+  Notifications.EtatBdD_EnregistrementMisAJour("Coopérateur", *Lignes);
+  Notifications.KVSynchro_DonnéesImportées("");
+  EXPECT_EQ(Canal.Rafraîchissements, 3);
+  ASSERT_EQ(Canal.Messages.size(), 2U);
+  EXPECT_EQ(Canal.Messages[0].first, "Importation d'un nouveau chargement : Site S2, n° 12");
+  EXPECT_EQ(Canal.Messages[1].first, "Importation d'un nouveau chargement de ");
+}
+
+}  // namespace
+}  // namespace Ombrey::Essais
