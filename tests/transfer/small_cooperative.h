@@ -1,50 +1,50 @@
 // A cooperative's database in a temporary file, for tests of the rooms that read it.
 #pragma once
 
-#include <filesystem>
-#include <memory>
-#include <random>
-#include <string>
+#include <gtest/gtest.h>
 
-#include "common/regional_forms.h"
-#include "platform/database/sqlite_connection.h"
+#include "common/plugin_state.h"
 #include "platform/database/sqlite_engine.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 
 /// The tables, empty. Today is 22 September 2026.
-class PetiteCoopérative {
- public:
+struct PetiteCoopérative {
   PetiteCoopérative() {
-    std::filesystem::create_directory(Dossier_);
-    Connexion = ConnexionSqlite::Créer(Dossier_ / "base.db", [] { return NuméroDeJour({2026, 9, 22, 12, 0, 0}); });
     Connexion->ExécuterTout(
         "CREATE TABLE Coopérateur(IdCoopérateur TEXT, Nom TEXT, Prénom TEXT);"
         "CREATE TABLE Métayage(IdMétayage TEXT, Propriétaire TEXT, Récoltant TEXT, Part REAL, CodeBadge TEXT,"
-        " IdGrp TEXT);"
-        "CREATE TABLE Sélection(IdSélection TEXT, Désignation TEXT, QuotasSurface REAL);"
-        "CREATE TABLE Qualité(IdQualité TEXT, Désignation TEXT);"
-        "CREATE TABLE Groupement(IdGrp TEXT, Nom TEXT);"
+        " IdGrp TEXT); CREATE TABLE Sélection(IdSélection TEXT, Désignation TEXT, QuotasSurface REAL);"
+        "CREATE TABLE Qualité(IdQualité TEXT, Désignation TEXT); CREATE TABLE Groupement(IdGrp TEXT, Nom TEXT);"
         "CREATE TABLE QuotasGrp(IdGrp TEXT, Sélection TEXT, QuotaJournalier REAL);"
+        "CREATE TABLE MSysEtats(Titre TEXT, Exportation INTEGER, LongChps TEXT, Format TEXT);"
         "CREATE TABLE Chargement(CodeSite TEXT, NoChargement INTEGER, DateCh REAL, Métayage TEXT, Sélection TEXT,"
         " Qualité TEXT, Degré REAL, Masse REAL, Synchronisé INTEGER);");
-    Base = std::make_shared<BaseSqlite>(Connexion);
   }
-  PetiteCoopérative(const PetiteCoopérative&) = delete;
-  PetiteCoopérative& operator=(const PetiteCoopérative&) = delete;
-  ~PetiteCoopérative() {
-    Base.reset();
-    Connexion.reset();
-    std::error_code Ignorée;
-    std::filesystem::remove_all(Dossier_, Ignorée);
+  DossierEssai Dossier;
+  std::shared_ptr<ConnexionSqlite> Connexion = ConnexionSqlite::Créer(Dossier.Chemin() / "b", [] { return 46287.5; });
+  std::shared_ptr<IDatabase> Base = std::make_shared<BaseSqlite>(Connexion);
+};
+
+/// A plug-in's state on such a database.
+struct AvecCoopérative : testing::Test {
+  AvecCoopérative() {
+    Hôte->Base = Coopérative.Base;
+    État.BaseDeD = Hôte;
   }
+  void Exécuter(Mot Script) { Coopérative.Connexion->ExécuterTout(Script); }
 
-  std::shared_ptr<ConnexionSqlite> Connexion;
-  std::shared_ptr<IDatabase> Base;
-
- private:
-  std::filesystem::path Dossier_ =
-      std::filesystem::temp_directory_path() / ("cooperative-" + std::to_string(std::random_device{}()));
+  PetiteCoopérative Coopérative;
+  FaussePlateforme Plateforme;
+  FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
+  FauxSystème& Système = Plateforme.LeSystème;
+  FauxCanal Canal;
+  FauxServices Services;
+  std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
+  ÉtatPlugIn État{Plateforme, Canal};
 };
 
 }  // namespace Ombrey::Essais
