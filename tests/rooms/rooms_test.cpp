@@ -45,64 +45,15 @@ std::string SalleDe(const std::string& Entête) {
 }
 
 TEST(Rooms, PlugInNeedsTheStandardLibraryAlone) {
-  const std::set<std::string> Norme{"algorithm",
-                                    "array",
-                                    "atomic",
-                                    "bit",
-                                    "bitset",
-                                    "charconv",
-                                    "chrono",
-                                    "cctype",
-                                    "climits",
-                                    "cmath",
-                                    "compare",
-                                    "concepts",
-                                    "cstddef",
-                                    "cstdint",
-                                    "cstdlib",
-                                    "cstring",
-                                    "ctime",
-                                    "deque",
-                                    "exception",
-                                    "filesystem",
-                                    "fstream",
-                                    "functional",
-                                    "initializer_list",
-                                    "iomanip",
-                                    "ios",
-                                    "iosfwd",
-                                    "iostream",
-                                    "istream",
-                                    "iterator",
-                                    "limits",
-                                    "list",
-                                    "locale",
-                                    "map",
-                                    "memory",
-                                    "numeric",
-                                    "optional",
-                                    "ostream",
-                                    "queue",
-                                    "random",
-                                    "ranges",
-                                    "ratio",
-                                    "regex",
-                                    "set",
-                                    "span",
-                                    "sstream",
-                                    "stack",
-                                    "stdexcept",
-                                    "string",
-                                    "string_view",
-                                    "system_error",
-                                    "tuple",
-                                    "type_traits",
-                                    "typeinfo",
-                                    "unordered_map",
-                                    "unordered_set",
-                                    "utility",
-                                    "variant",
-                                    "vector"};
+  // clang-format off
+  const std::set<std::string> Norme = {
+      "algorithm", "array", "atomic", "bit", "bitset", "cctype", "cerrno", "charconv", "chrono", "climits", "cmath",
+      "compare", "concepts", "cstddef", "cstdint", "cstdlib", "cstring", "ctime", "deque", "exception", "filesystem",
+      "fstream", "functional", "initializer_list", "iomanip", "ios", "iosfwd", "iostream", "istream", "iterator",
+      "limits", "list", "locale", "map", "memory", "numeric", "optional", "ostream", "queue", "random", "ranges",
+      "ratio", "regex", "set", "span", "sstream", "stack", "stdexcept", "string", "string_view", "system_error",
+      "tuple", "type_traits", "typeinfo", "unordered_map", "unordered_set", "utility", "variant", "vector"};
+  // clang-format on
   const auto Toutes = Inclusions("src");
   ASSERT_GT(Toutes.size(), 100U) << "the search found nothing to judge";
   for (const Inclusion& I : Toutes) {
@@ -125,7 +76,7 @@ TEST(Rooms, NoIncludeRunsUpTheFloors) {
 TEST(Rooms, ThoseBesideThePlugInKeepToTheirs) {
   for (const std::string Dossier : {"platform", "host", "terminal"}) {
     for (const Inclusion& I : Inclusions(Dossier)) {
-      const bool Qt = I.Salle == "platform/qt";
+      const bool Qt = I.Salle == "platform/qt" || I.Fichier == "host/main_qt.cpp";  // the windows, and who opens them
       if (!I.EntreGuillemets) {
         EXPECT_TRUE(Qt || !std::regex_search(I.Entête, std::regex("^Q[A-Z]|^Qt"))) << I.Fichier << ": " << I.Entête;
         EXPECT_TRUE(!I.Entête.starts_with("sqlite3") || I.Salle == "platform/database") << I.Fichier;
