@@ -32,7 +32,7 @@ struct Hôte : testing::Test {
   FausseVueSuivi& Vue() { return *Fenêtres.VueSuivi; }
   /// Line of the message list, the newest first, without its time stamp.
   std::string Message(std::size_t Rang = 0) { return Vue().Lignes[Onglet::Suivis].at(Rang).first.substr(11); }
-  void Dans(int Délai, std::function<void()> Faire) { Système.Après(milliseconds(Délai), std::move(Faire)); }
+  void Dans(std::uint64_t Délai, std::function<void()> Faire) { Système.Après(milliseconds(Délai), std::move(Faire)); }
   void Laisser(int Durée) { Système.Laisser(milliseconds(Durée)); }
   /// A terminal that answers every link test and has no load.
   void TerminalVide() {
@@ -174,9 +174,10 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
 
 TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
   LePlugIn->IPlugInTarvel_Terminer();
-  // The host drops its reference at once. A poll lasts from 10 to 12 seconds, one put off in it two more.
-  const std::pair<std::string, int> Table[] = {
-      {"poll", 10100}, {"poll put off", 13000}, {"window", 3000}, {"transfer", 3000}};
+  // The host drops its reference at once. A poll lasts from 10 to 12 seconds, one put off in it waits, then lasts two
+  // more.
+  const std::pair<std::string, std::uint64_t> Table[] = {{"poll", 10100}, {"put off", 11000}, {"put off", 13000},
+                                                         {"test", 1000},  {"window", 3000},   {"transfer", 3000}};
   for (const auto& [Ici, Quand] : Table) {
     LePlugIn = PlugIn::Créer(Plateforme);
     LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
@@ -184,14 +185,14 @@ TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
     if (Ici == "transfer") TerminalVide();
     const std::weak_ptr<PlugIn> Faible = LePlugIn;
     const auto Début = Système.Horloge;
-    if (Ici == "poll put off") Dans(10500, [&] { LePlugIn->Retard_FinTempo(""); });
+    if (Ici == "put off") Dans(10500, [&] { LePlugIn->Retard_FinTempo(""); });
     Dans(Quand, [&] {
       LePlugIn->IPlugInTarvel_Terminer();
       LePlugIn.reset();
     });
-    if (Ici == "window") LePlugIn.get()->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+    if (Ici == "test" || Ici == "window") LePlugIn.get()->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
     if (Ici == "transfer") LePlugIn.get()->IPlugInTarvel_MenuAppelé(3, "");
-    EXPECT_EQ(Système.Horloge - Début, Quand == 3000 ? 3000U : 0U);
+    EXPECT_EQ(Système.Horloge - Début, Quand < 10000 ? Quand : 0);
     Laisser(15000);
     EXPECT_TRUE(Faible.expired() && !Fenêtres.VueSuivi && !Fenêtres.VueChargntDonnées) << Ici;
     EXPECT_EQ(Fenêtres.Dites(), Mots());

@@ -156,7 +156,7 @@ TEST_F(Import, UnknownCodesAreCreatedAndListed) {
   EXPECT_EQ(Canal.Erreurs, Erreurs);
   Fenêtres.PendantBoîte = [&] { État.Abandon = true; };
   EXPECT_EQ(Vérifier("000900", "000901", "050.0000", "007"), "");
-  EXPECT_EQ(Hôte->Métayages.size(), 2U) << "nothing is created once the plug-in ends";
+  EXPECT_EQ(Hôte->Coopérateurs.size() + Hôte->Métayages.size(), 5U) << "nothing is created once the plug-in ends";
 }
 
 TEST_F(Import, FailuresAreShownAndGiveNoHolding) {
