@@ -190,8 +190,8 @@ TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
       LePlugIn->IPlugInTarvel_Terminer();
       LePlugIn.reset();
     });
-    if (Ici == "test" || Ici == "window") LePlugIn.get()->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
-    if (Ici == "transfer") LePlugIn.get()->IPlugInTarvel_MenuAppelé(3, "");
+    if (Ici == "test" || Ici == "window") LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+    if (Ici == "transfer") LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
     EXPECT_EQ(Système.Horloge - Début, Quand < 10000 ? Quand : 0);
     Laisser(15000);
     EXPECT_TRUE(Faible.expired() && !Fenêtres.VueSuivi && !Fenêtres.VueChargntDonnées) << Ici;

@@ -185,7 +185,7 @@ TEST_F(Import, TheLayoutAloneOrdersTheLine) {
   Hôte->Cépages = "Pinot\tgris\rAligoté";
   Hôte->Etat->Synchro->Site = "S'2";
   for (const auto& [LongChps, Format, Ligne] : Table) {
-    Exécuter("UPDATE MSysEtats SET LongChps = '" + LongChps + "', Format = '" + Format + "'");
+    Coopérative.Connexion->Exécuter("UPDATE MSysEtats SET LongChps = ?1, Format = ?2", {LongChps, Format});
     EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), Ligne) << LongChps;
   }
   Hôte->Etat->Synchro->Site.clear();

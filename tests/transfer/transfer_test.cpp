@@ -99,7 +99,7 @@ TEST_F(Transfert, FilesHoldTheRecordsWorkedOutByHand) {
 }
 
 TEST_F(Transfert, FilesAreEmptyWithoutRowsAndCutAWideNumberAtTheirVeryEnd) {
-  for (const std::size_t Rang : {0, 1, 2, 3, 4}) EXPECT_EQ(Construire(Rang), "");
+  for (const std::size_t Rang : {0U, 1U, 2U, 3U, 4U}) EXPECT_EQ(Construire(Rang), "");
   Exécuter("INSERT INTO Métayage VALUES('1','1','1',1,'1','12345')");
   EXPECT_EQ(Construire(2), "0000010000010000010010000123");
 }
