@@ -2,36 +2,26 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdlib>
-#include <filesystem>
 #include <fstream>
-#include <memory>
-#include <string>
-#include <vector>
 
 #include "common/ansi_text.h"
-#include "common/failures.h"
 #include "common/regional_forms.h"
 #include "host/cooperative_database.h"
 #include "host/schema.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Tarvel {
 
 class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
  public:
   Coopérative() {
-    std::string Modèle = (std::filesystem::temp_directory_path() / "tarvel-XXXXXX").string();
-    Dossier_ = mkdtemp(Modèle.data());
     Système_.Dossier = Dossier_;
-    CréerBase(Dossier_ / "coopé.db", true);
-    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db", [this] { return NuméroDeJour(Système_.Mur); });
-    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    CréerBase(Fichier_, true);
+    Rouvrir();
     Base_->EtatBdD()->Connecter(this);
   }
-  ~Coopérative() override { std::filesystem::remove_all(Dossier_); }
 
   void EtatBdD_EnregistrementImporté(const std::string& Table, Ombrey::IRecordset& RecSet) override {
     Noter("importé", Table, RecSet);
@@ -41,6 +31,11 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
   }
 
  protected:
+  void Rouvrir() {
+    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Fichier_, [this] { return NuméroDeJour(Système_.Mur); });
+    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+  }
+
   /// Imports a file of these contents; an error text, "faux : " ahead of it when the call gave false.
   std::string Importer(const std::string& Contenu) {
     Annonces_.clear();
@@ -63,7 +58,9 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
 
   std::string Lire(const std::string& Sql) { return TexteOuVide(Connexion_->Lire(Sql), Ombrey::Régional{}); }
 
-  std::filesystem::path Dossier_;
+  Ombrey::Essais::DossierEssai Gardé_;
+  const std::filesystem::path Dossier_ = Gardé_.Chemin();
+  const std::filesystem::path Fichier_ = Dossier_ / "coopé.db";
   Ombrey::Essais::FauxSystème Système_;
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   std::shared_ptr<BaseDeDTarvel> Base_;

@@ -50,11 +50,9 @@ TEST_F(Import, ArchivesColumnsThatTheCooperativeAdded) {
 TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) {
   std::string Tardive = Ligne("12", "23/09/2026 00:00:07");
   Tardive.replace(Tardive.find("22/09/26 09:15"), 14, "23/09/2026 00:00:07");
-  const struct {
-    std::string Première;
-    std::string Seconde;
-    const char* Reste;  // dates and holding of the one row; none when these are two loads
-  } Cas[] = {
+  // Lines; dates and holding of the one row, none when these are two loads.
+  // clang-format off
+  const std::tuple<std::string, std::string, const char*> Cas[] = {
       // No date: the time of each import stands for it.
       {Ligne("12", "22/09/2026 23:59:50"), Tardive, "22/09/2026 23:59 09:15 4"},
       {Ligne("12", "22/09/2026 10:00:00", "4", "", ""), Ligne("12", "22/09/2026 09:00:00", "4", "", ""),
@@ -67,49 +65,44 @@ TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) 
       {Ligne(), Ligne("12", "22/09/26 08:31", "4", "05", "1235"), nullptr},
       {Ligne(), Ligne("12", "23/09/26 08:30"), nullptr},
   };
-  for (const auto& C : Cas) {
+  // clang-format on
+  for (const auto& [Première, Seconde, Reste] : Cas) {
     Connexion_->ExécuterTout("DELETE FROM Chargement; DELETE FROM ChargementArchive");
-    ASSERT_EQ(Importer(C.Première), "");
-    ASSERT_EQ(Importer(C.Seconde), "");
-    EXPECT_EQ(Annonces_, std::string(C.Reste ? "mis à jour" : "importé") + " Chargement 1/12\n") << C.Seconde;
-    EXPECT_EQ(Lire("SELECT count(*) FROM ChargementArchive"), C.Reste ? "0" : "1") << C.Seconde;
-    if (C.Reste) {
-      EXPECT_EQ(Lire("SELECT Arrivée || substr(Sortie, 11) || ' ' || Métayage FROM ChargementLisible"), C.Reste);
+    ASSERT_EQ(Importer(Première), "");
+    ASSERT_EQ(Importer(Seconde), "");
+    EXPECT_EQ(Annonces_, std::string(Reste ? "mis à jour" : "importé") + " Chargement 1/12\n") << Seconde;
+    EXPECT_EQ(Lire("SELECT count(*) FROM ChargementArchive"), Reste ? "0" : "1") << Seconde;
+    if (Reste) {
+      EXPECT_EQ(Lire("SELECT Arrivée || substr(Sortie, 11) || ' ' || Métayage FROM ChargementLisible"), Reste);
     }
   }
 }
 
 TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
-  const struct {
-    std::string Contenu;
-    const char* Attendu;
-  } Cas[] = {
+  const std::string Matin = "22/09/26 08:30";
+  // clang-format off
+  const std::pair<std::string, const char*> Cas[] = {
       {Ligne("AB12"), "Colonne NoChargement : valeur illisible : « AB12 »"},
       {Ligne("-12"), "Colonne NoChargement : valeur illisible : « -12 »"},
       {Ligne(""), "Colonne NoChargement : la valeur manque"},
       {Ligne("12345"), "Colonne NoChargement : valeur trop longue : « 12345 »"},
       {Ligne("12", "32/09/26 08:30"), "Colonne DateCh : valeur illisible : « 32/09/26 08:30 »"},
-      {Ligne("12", "22/09/26 08:30", ""), "Colonne Métayage : la valeur manque"},
-      {Ligne("12", "22/09/26 08:30", "4", "ABC"), "Colonne Sélection : valeur trop longue : « ABC »"},
-      {Ligne("12", "22/09/26 08:30", "4",
-             "\x01"
-             "5"),
-       "Colonne Sélection : valeur illisible : « \x01"
-       "5 »"},
-      {Ligne("12", "22/09/26 08:30", "4", "0;"), "Nombre de valeurs incorrect : 18 attendues, 19 lues"},
-      {Ligne("12", "22/09/26 08:30", "4", "\r\n"), "Nombre de valeurs incorrect : 18 attendues, 5 lues"},
-      {Ligne("12", "22/09/26 08:30", "4", "05", "9E99"), "Colonne Masse : valeur illisible : « 9E99 »"},
-      {"1;12;\r\n", "Nombre de valeurs incorrect : 18 attendues, 2 lues"},
+      {Ligne("12", Matin, ""), "Colonne Métayage : la valeur manque"},
+      {Ligne("12", Matin, "4", "ABC"), "Colonne Sélection : valeur trop longue : « ABC »"},
+      {Ligne("12", Matin, "4", "\1x"), "Colonne Sélection : valeur illisible : « \1x »"},
+      {Ligne("12", Matin, "4", "0;"), "Nombre de valeurs incorrect : 18 attendues, 19 lues"},
+      {Ligne("12", Matin, "4", "\r\n"), "Nombre de valeurs incorrect : 18 attendues, 5 lues"},
+      {Ligne("12", Matin, "4", "05", "9E99"), "Colonne Masse : valeur illisible : « 9E99 »"},
       {"1;12", "Fichier d'import incomplet : la dernière ligne est coupée"},
       {Ligne().substr(0, Ligne().size() - 2), "Fichier d'import incomplet : la dernière ligne est coupée"},
       {"", "Fichier d'import vide"},
-      {std::string(600, '\x01') + "\r\n", "Le séparateur manque derrière la dernière valeur"},
+      {std::string(600, '\1') + "\r\n", "Le séparateur manque derrière la dernière valeur"},
       {Ligne("13") + Ligne("14", "hier"), "Colonne DateCh : valeur illisible : « hier »"},
   };
-  for (const auto& C : Cas) {
-    EXPECT_EQ(Importer(C.Contenu), C.Attendu);
-    EXPECT_EQ(Annonces_, "");
-    EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "0");
+  // clang-format on
+  for (const auto& [Contenu, Attendu] : Cas) {
+    EXPECT_EQ(Importer(Contenu), Attendu);
+    EXPECT_EQ(Annonces_ + Lire("SELECT count(*) FROM Chargement"), "0");
   }
 }
 
@@ -150,38 +143,32 @@ TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
   EXPECT_FALSE(Etat->TableImporter("Autre titre", "x", Drapeau));
   EXPECT_EQ(Etat->DernièreErreur(), "Définition d'import inconnue : Autre titre");
 
-  const struct {
-    const char* Changement;
-    const char* Attendu;
-  } Cas[] = {
+  // clang-format off
+  const std::pair<const char*, const char*> Cas[] = {
       {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'texte', 'mémo')",
        "faux : Définition d'import : genre inconnu pour la colonne CodeSite"},
       {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'Cuve', 'Cuvier')",
        "faux : Définition d'import : colonne inconnue : Cuvier"},
       {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')",
        "faux : Définition d'import : il manque la colonne DateCh"},
-      {"UPDATE MSysEtats SET Format = NULL",
-       "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
-      {"DROP TABLE ChargementArchive",
-       "faux : Table introuvable : ChargementArchive (no such table: ChargementArchive)"},
+      {"UPDATE MSysEtats SET Format = NULL", "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
+      {"DROP TABLE ChargementArchive", "faux : Table introuvable : ChargementArchive (no such table: ChargementArchive)"},
       {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats (no such table: MSysEtats)"},
   };
-  for (const auto& C : Cas) {
-    Connexion_->Exécuter("SAVEPOINT Avant");
-    Connexion_->Exécuter(C.Changement);
-    Connexion_->Exécuter("RELEASE Avant");
-    EXPECT_EQ(Importer(Ligne()), C.Attendu);
+  // clang-format on
+  for (const auto& [Changement, Attendu] : Cas) {
+    Connexion_->Exécuter(Changement);
+    EXPECT_EQ(Importer(Ligne()), Attendu);
     Connexion_.reset();
     Base_.reset();
-    fs::remove_all(Dossier_ / "coopé.db");
-    CréerBase(Dossier_ / "coopé.db", true);
-    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db");
-    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    fs::remove(Fichier_);
+    CréerBase(Fichier_, true);
+    Rouvrir();
   }
 }
 
 TEST_F(Import, SaysThatTheFileIsReadOnly) {
-  fs::permissions(Dossier_ / "coopé.db", fs::perms{0444});
+  fs::permissions(Fichier_, fs::perms{0444});
   fs::permissions(Dossier_, fs::perms{0777});
   Base_.reset();
   Connexion_.reset();
@@ -189,8 +176,7 @@ TEST_F(Import, SaysThatTheFileIsReadOnly) {
   if (Enfant == 0) {
     constexpr uid_t Personne = 65534;
     if (geteuid() == 0 && setuid(Personne) != 0) _exit(2);
-    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "coopé.db");
-    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    Rouvrir();
     Ombrey::NouveauCoopérateur Nouveau{"900", "Nom", ""};
     const bool EstDit =
         Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau)).find("en lecture seule") != std::string::npos;
