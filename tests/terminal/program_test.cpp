@@ -1,15 +1,13 @@
 // The program itself on a pseudo-terminal: one whole dialogue at line pace, its files, its ways to end.
+#include "tests/road/program.h"
+
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <poll.h>
 #include <sys/times.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <fstream>
-#include <iterator>
-#include <thread>
+#include <optional>
 
 #include "platform/loop/descriptor.h"
 #include "terminal/frame.h"
@@ -26,48 +24,31 @@ std::clock_t Work() {
   return Spent.tms_cutime + Spent.tms_cstime;
 }
 
-class ProgramTest : public testing::Test {
- protected:
-  void TearDown() override {
-    if (Output_ != nullptr) End(SIGKILL);
+struct ProgramTest : testing::Test {
+  void Start(const std::string& Arguments) { Program.emplace("cd " + In("") + "; exec " BIN_DIR "/rg80 " + Arguments); }
+  void Connect() {
+    ASSERT_TRUE(Program->Attendre("ligne : "));
+    Reconnect();
   }
-  void Start(const std::string& Arguments) {
-    Output_ = popen(("cd " + In("") + "; echo $$; exec " BIN_DIR "/rg80 " + Arguments + " 2>&1").c_str(), "r");
-    Child_ = std::stoi(Line());
-  }
-  // The exit code; what was said is in Said_.
-  int End(int Signal = 0) {
-    if (Signal != 0) kill(Child_, Signal);
-    Said_.clear();
-    for (std::string Next = Line(); !Next.empty(); Next = Line()) Said_ += Next;
-    const int Status = pclose(std::exchange(Output_, nullptr));
-    return WIFEXITED(Status) ? WEXITSTATUS(Status) : -1;
-  }
-  void Connect() { Peer_ = Ombrey::Descripteur(open(In("line").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)); }
+  void Reconnect() { Peer = Ombrey::Descripteur(open(In("line").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)); }
   // Sends the bytes, gives as many as come back up to Length.
-  std::string Ask(const std::string& Bytes, std::size_t Length) {
-    EXPECT_EQ(write(Peer_.Numéro(), Bytes.data(), Bytes.size()), static_cast<ssize_t>(Bytes.size()));
+  [[nodiscard]] std::string Ask(const std::string& Bytes, std::size_t Length) const {
+    EXPECT_EQ(write(Peer.Numéro(), Bytes.data(), Bytes.size()), static_cast<ssize_t>(Bytes.size()));
     std::string Came;
-    pollfd Readable{Peer_.Numéro(), POLLIN, 0};
+    pollfd Readable{Peer.Numéro(), POLLIN, 0};
     char Next = 0;
     while (Came.size() < Length && poll(&Readable, 1, 5000) > 0 && read(Readable.fd, &Next, 1) == 1) Came += Next;
     return Rg80::Lisible(Came);
   }
-  std::string Line() {
-    char Place[512];
-    return std::fgets(Place, sizeof Place, Output_) != nullptr ? Place : "";
-  }
-  [[nodiscard]] std::string In(const std::string& Name) const { return (Folder_.Chemin() / Name).string(); }
+  [[nodiscard]] std::string In(const std::string& Name) const { return (Folder.Chemin() / Name).string(); }
   [[nodiscard]] std::string Text(const std::string& Name) const {
     std::ifstream Stream(In(Name), std::ios::binary);
     return {std::istreambuf_iterator<char>(Stream), {}};
   }
 
-  Ombrey::Essais::DossierEssai Folder_;
-  FILE* Output_ = nullptr;
-  pid_t Child_ = 0;
-  Ombrey::Descripteur Peer_;
-  std::string Said_;
+  Ombrey::Essais::DossierEssai Folder;
+  std::optional<Ombrey::Essais::Programme> Program;
+  Ombrey::Descripteur Peer;
 };
 
 TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
@@ -75,7 +56,6 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
   std::ofstream(In("loads")) << Load << '\n';
   std::filesystem::create_symlink("/dev/pts/no-such", In("line"));  // what a killed run leaves
   Start("--lien line --jusqu-a-vide --cadence 9600 --chargements loads --sortie kept --journal journal");
-  ASSERT_NE(Line().find("ligne : "), std::string::npos);
   Connect();
   const auto Begin = std::chrono::steady_clock::now();
   EXPECT_EQ(Ask("\5A", 61), "<ACK>A<STX>" + Load + "<ETX><;");
@@ -83,10 +63,10 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
   EXPECT_TRUE(Taken >= 63 * 1041us && Taken < 300ms) << "2 bytes there and 61 back, 10 bits each";
   EXPECT_EQ(Ask("\6\58", 2), "<ACK>8");
   EXPECT_EQ(Ask("\002000000000123000456000789\3;2", 1), "<ACK>");
-  Ask("\4", 0);
-  EXPECT_EQ(End(), 0);
+  EXPECT_EQ(Ask("\4", 0), "");
+  EXPECT_EQ(Program->Fin(), 0);
   EXPECT_EQ(Text("kept/reponses.txt"), "000000000123000456000789\n");
-  EXPECT_TRUE(Said_.ends_with(
+  EXPECT_TRUE(Program->Dit().ends_with(
       "bilan : envoyés 1, acquittés 1, refusés 0, sans réponse 0, réponses reçues 1, fichiers reçus 0\n"));
   EXPECT_NE(Text("journal").find("émis <ACK>A<STX>" + Load + "<ETX><;\n"), std::string::npos);
   EXPECT_FALSE(std::filesystem::is_symlink(In("line")));
@@ -95,16 +75,16 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
 TEST_F(ProgramTest, KeepsAFileAsItCameAndIdlesWithoutAPeer) {
   const std::clock_t Before = Work();
   Start("--f6 --lien line --sortie kept");
-  ASSERT_NE(Line().find("ligne : "), std::string::npos);
   Connect();
-  Peer_.Fermer();
+  Peer.Fermer();
   std::this_thread::sleep_for(1s);
-  Connect();
+  Reconnect();
   std::string File;
   for (int Rank = 0; Rank < 300; ++Rank) File += "000123Coopérative" + std::string(23, ' ');
   EXPECT_EQ(Ask("\0051", 2), "<ACK>1");
   EXPECT_EQ(Ask(Rg80::Encadrer(File), 1), "<ACK>");
-  EXPECT_EQ(End(SIGTERM), 0);
+  Program->Signaler(SIGTERM);
+  EXPECT_EQ(Program->Fin(), 0);
   EXPECT_TRUE(Text("kept/fichier-1.txt") == File);
   EXPECT_LT(Work() - Before, sysconf(_SC_CLK_TCK) / 5);
 }
@@ -117,8 +97,8 @@ TEST_F(ProgramTest, RefusesWhatItCannotServeWithCode2) {
         "--lien line --chargements short", "--lien line --chargements absent", "--lien line --journal no/journal",
         "--lien line --sortie file"}) {
     Start(Arguments);
-    EXPECT_EQ(End(), 2) << Arguments;
-    EXPECT_TRUE(Said_.starts_with("rg80 : ")) << Said_;
+    EXPECT_EQ(Program->Fin(), 2) << Arguments;
+    EXPECT_TRUE(Program->Dit().starts_with("rg80 : ")) << Program->Dit();
   }
   EXPECT_EQ(Text("file"), "not a link");
 }
