@@ -1,103 +1,80 @@
-// A reception post of its own: a folder with a sample cooperative and settings, and what to look up in it afterwards.
+// A reception post of its own: a folder with a sample cooperative and settings, its two programs, and what to look up
+// in it afterwards.
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <memory>
-#include <string>
-#include <vector>
 
 #include "common/regional_forms.h"
 #include "host/schema.h"
 #include "platform/database/sqlite_connection.h"
 #include "tests/road/program.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 
-/// A load that the sample cooperative knows: number, owner 123 and harvester 456, 1234 kg.
-inline std::string Enregistrement(int Numéro) {
-  char Texte[64];
-  std::snprintf(Texte, sizeof Texte, "%04d220926083009150001230004560071000000050112521234007", Numéro);
-  return Texte;
+/// A load that the sample cooperative knows: number of four digits, owner 123 and harvester 456, 1234 kg.
+inline std::string Enregistrement(const std::string& Numéro) {
+  return Numéro + "220926083009150001230004560071000000050112521234007";
 }
 
-class Poste {
- public:
+struct Poste {
   Poste() {
-    std::string Modèle = (std::filesystem::temp_directory_path() / "ombrey-road-XXXXXX").string();
-    Dossier_ = mkdtemp(Modèle.data());
     // The station keeps its settings of the user here, not in the home of whoever runs the tests.
-    setenv("XDG_CONFIG_HOME", Dossier_.c_str(), 1);
-    static const std::filesystem::path Modèles = [] {
-      auto Fichier = std::filesystem::temp_directory_path() / ("ombrey-road-model-" + std::to_string(getpid()) + ".db");
-      std::filesystem::remove(Fichier);
-      Tarvel::CréerBase(Fichier, true);
-      std::atexit([] {
-        std::error_code Sans;
-        std::filesystem::remove(
-            std::filesystem::temp_directory_path() / ("ombrey-road-model-" + std::to_string(getpid()) + ".db"), Sans);
-      });
-      return Fichier;
-    }();
-    std::filesystem::copy_file(Modèles, Base());
-    Régler(Lien());
-  }
-  Poste(const Poste&) = delete;
-  Poste& operator=(const Poste&) = delete;
-  ~Poste() {
-    std::error_code Sans;
-    std::filesystem::remove_all(Dossier_, Sans);
+    setenv("XDG_CONFIG_HOME", En("").c_str(), 1);
+    static const DossierEssai Modèles;
+    const auto Modèle = Modèles.Chemin() / "cave.db";
+    if (!std::filesystem::exists(Modèle)) Tarvel::CréerBase(Modèle, true);
+    std::filesystem::copy_file(Modèle, En("cave.db"));
+    Régler(En("ligne"));
   }
 
-  [[nodiscard]] std::string En(const std::string& Nom) const { return (Dossier_ / Nom).string(); }
-  [[nodiscard]] std::string Base() const { return En("cave.db"); }
-  [[nodiscard]] std::string Ini() const { return En("tarvel.ini"); }
-  [[nodiscard]] std::string Lien() const { return En("ligne"); }
-  [[nodiscard]] std::string Lu(const std::string& Nom) const {
-    std::ifstream Flux(En(Nom), std::ios::binary);
-    return {std::istreambuf_iterator<char>(Flux), {}};
+  [[nodiscard]] std::string En(const std::string& Nom) const { return Dossier.Chemin() / Nom; }
+  void Régler(const std::string& Port) const {
+    std::ofstream(En("tarvel.ini")) << "[PlugInOmbrey]\nPort=" << Port << "\nBauds=9600\nParité=aucune\nBitsStop=1\n"
+                                    << "TailleMots=8\nPériode interrogation=20\n";
   }
-  void Écrire(const std::string& Nom, const std::string& Texte) const {
-    std::ofstream(En(Nom), std::ios::binary) << Texte;
+  [[nodiscard]] std::shared_ptr<ConnexionSqlite> Base() const { return ConnexionSqlite::Ouvrir(En("cave.db")); }
+  /// SQL on the database or, behind "$ ", a command of the shell in the folder.
+  void Faire(const std::string& Acte) const {
+    if (!Acte.starts_with("$ ")) return Base()->ExécuterTout(Acte);
+    EXPECT_EQ(std::system(("cd " + En("") + " && " + Acte.substr(2)).c_str()), 0) << Acte;
   }
-  void Régler(const std::string& Port, int Période = 20) const {
-    Écrire("tarvel.ini", "[PlugInOmbrey]\nPort=" + Port +
-                             "\nBauds=9600\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=" +
-                             std::to_string(Période) + "\n");
-  }
-
-  std::unique_ptr<Programme> Station(const std::vector<std::string>& Plus = {"--sans-operateur"},
-                                     const std::function<void()>& Avant = {}) const {
-    std::vector<std::string> Arguments{"--base", Base(), "--ini", Ini(), "--dossier", En("poste"), "--console"};
-    Arguments.insert(Arguments.end(), Plus.begin(), Plus.end());
-    return std::make_unique<Programme>("tarvel", Arguments, Avant);
-  }
-  std::unique_ptr<Programme> Terminal(std::vector<std::string> Plus) const {
-    Plus.insert(Plus.end(), {"--lien", Lien(), "--sortie", En("recu")});
-    auto Lancé = std::make_unique<Programme>("rg80", Plus);
-    EXPECT_TRUE(Lancé->Attendre("ligne : ")) << Lancé->Dit();
-    return Lancé;
-  }
-
   /// First value of a query on the database, as it is now on the disk.
-  [[nodiscard]] std::string Valeur(const std::string& Sql) const {
-    return TexteOuVide(ConnexionSqlite::Ouvrir(Base())->Lire(Sql), Régional{});
-  }
-  /// Rows, distinct numbers and archived rows: "8 8 0" for eight loads, each once.
+  [[nodiscard]] std::string Valeur(const std::string& Sql) const { return TexteOuVide(Base()->Lire(Sql), Régional{}); }
+  /// Rows, distinct numbers and archived rows of a sound database: "8 8 0" for eight loads, each once.
   [[nodiscard]] std::string Rentrés() const {
+    EXPECT_EQ(Valeur("PRAGMA integrity_check"), "ok");
     return Valeur(
-        "SELECT count(*) || ' ' || count(DISTINCT NoChargement) || ' ' || (SELECT count(*) FROM ChargementArchive)"
-        " FROM Chargement");
+        "SELECT count(*) || ' ' || count(DISTINCT NoChargement) || ' ' ||"
+        " (SELECT count(*) FROM ChargementArchive) FROM Chargement");
   }
 
- private:
-  std::filesystem::path Dossier_;
+  void LancerStation(const std::string& Tapé = "interroger", const std::string& Plus = "--sans-operateur",
+                     const std::string& Par = "exec ") {
+    Station = std::make_unique<Programme>("cd " + En("") + " && " + Par + BIN_DIR +
+                                          "/tarvel --base cave.db --ini tarvel.ini --dossier poste --console " + Plus);
+    Station->Taper(Tapé);
+  }
+  void LancerTerminal(const std::string& Plus) {
+    Rg80 = std::make_unique<Programme>("cd " + En("") + " && exec " BIN_DIR "/rg80 --lien ligne --sortie recu " + Plus);
+    EXPECT_TRUE(Rg80->Attendre("ligne : ")) << Rg80->Dit();
+  }
+  /// The terminal has ended by itself, the station does so by command.
+  void Finir(const std::string& Attendus) const {
+    EXPECT_EQ(Rg80->Fin(60s), 0) << Dit();
+    Station->Taper("fin");
+    EXPECT_EQ(Station->Fin(), 0) << Dit();
+    EXPECT_EQ(Rentrés(), Attendus) << Dit();
+  }
+  [[nodiscard]] std::string Dit() const { return Station->Dit() + (Rg80 ? Rg80->Dit() : ""); }
+
+  DossierEssai Dossier;  ///< outlives the programs
+  std::unique_ptr<Programme> Rg80, Station;
 };
 
 }  // namespace Ombrey::Essais

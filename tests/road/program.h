@@ -1,41 +1,77 @@
 // A program that a test starts, talks to and ends.
 #pragma once
 
-#include <sys/types.h>
+#include <sys/socket.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 #include <chrono>
-#include <functional>
-#include <optional>
+#include <csignal>
 #include <string>
-#include <vector>
+#include <thread>
 
 namespace Ombrey::Essais {
+
+using namespace std::chrono_literals;
+
+/// True once Vrai() is; asks about every millisecond.
+template <class Condition>
+bool Bientôt(Condition Vrai, std::chrono::milliseconds Patience) {
+  for (const auto Limite = std::chrono::steady_clock::now() + Patience; !Vrai(); std::this_thread::sleep_for(1ms))
+    if (std::chrono::steady_clock::now() > Limite) return false;
+  return true;
+}
 
 /// Runs until it ends by itself or the object goes. Its standard output and error come in as one text.
 class Programme {
  public:
-  /// Nom: one of the programs of this build. Avant runs in the child, ahead of the program.
-  Programme(const std::string& Nom, std::vector<std::string> Arguments, const std::function<void()>& Avant = {});
+  explicit Programme(const std::string& CommandeDuShell) {
+    int Fils[2] = {-1, -1};
+    if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Fils) == 0 && (Enfant_ = fork()) == 0) {
+      for (int Bout = STDIN_FILENO; Bout <= STDERR_FILENO; ++Bout) dup2(Fils[1], Bout);
+      _exit(execl("/bin/sh", "sh", "-c", CommandeDuShell.c_str(), nullptr));
+    }
+    close(Fils[1]);
+    Fil_ = Fils[0];
+  }
   Programme(const Programme&) = delete;
   Programme& operator=(const Programme&) = delete;
-  ~Programme();
+  ~Programme() {
+    Signaler(SIGKILL);
+    Fin(5s, false);
+    close(Fil_);
+  }
 
-  void Taper(const std::string& Ligne) const;
+  void Taper(const std::string& Ligne) const { send(Fil_, (Ligne + "\n").data(), Ligne.size() + 1, MSG_NOSIGNAL); }
   /// True once Extrait stands in what was said since the last call that found something; waits for it.
-  bool Attendre(const std::string& Extrait, std::chrono::milliseconds Patience = std::chrono::seconds(15));
-  void Signaler(int Signal) const;
-  /// The exit code, or minus the signal that ended it; none when it is still running after Patience.
-  std::optional<int> Fin(std::chrono::milliseconds Patience = std::chrono::seconds(15));
-  /// The same while nobody reads what it says.
-  std::optional<int> FinSansLire(std::chrono::milliseconds Patience);
+  bool Attendre(const std::string& Extrait, std::chrono::milliseconds Patience = 15s) {
+    if (!Bientôt([&] { return Lire().find(Extrait, Vu_) != std::string::npos; }, Patience)) return false;
+    Vu_ = Dit_.find(Extrait, Vu_) + Extrait.size();
+    return true;
+  }
+  void Signaler(int Signal) const { Enfant_ > 0 ? kill(Enfant_, Signal) : 0; }
+  /// The exit code, or minus the signal that ended it; EnCours when it is still running after Patience.
+  int Fin(std::chrono::milliseconds Patience = 15s, bool EnLisant = true) {
+    int État = 0;
+    const auto EstFini = [&] { return (EnLisant ? Lire() : Dit_, waitpid(Enfant_, &État, WNOHANG)) != 0; };
+    if (!Bientôt(EstFini, Patience)) return EnCours;
+    Enfant_ = 0;
+    if (EnLisant) Lire();
+    return WIFEXITED(État) ? WEXITSTATUS(État) : -WTERMSIG(État);
+  }
+  static constexpr int EnCours = 1000;
   [[nodiscard]] const std::string& Dit() const { return Dit_; }
 
  private:
-  bool Lire(std::chrono::milliseconds Patience);
+  const std::string& Lire() {
+    char Place[4096];
+    for (ssize_t Lus = 0; (Lus = recv(Fil_, Place, sizeof Place, MSG_DONTWAIT)) > 0;)
+      Dit_.append(Place, static_cast<std::size_t>(Lus));
+    return Dit_;
+  }
 
   pid_t Enfant_ = 0;
-  int Entrée_ = -1;
-  int Sortie_ = -1;
+  int Fil_ = -1;
   std::string Dit_;
   std::size_t Vu_ = 0;
 };

@@ -1,48 +1,67 @@
 // The reference data on their way from the database to the terminal's files, with the operator at the console.
-#include <csignal>
-
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
 namespace {
 
-using namespace std::chrono_literals;
+/// The whole of the five files as bytes; a slash stands for the blanks that fill a record up on the right.
+const struct {
+  const char* Nom;
+  std::size_t Longueur;
+  std::string Enregistrements;
+} Fichiers[] = {
+    // clang-format off
+    // Appellation, name, quota for a hectare.
+    {"recu/fichier-4.txt", 31, "05C\364teaux rouges      750000000" "10C\364teaux ros\351s       800000000"
+     "20C\364teaux blancs      780000000" "30Pays d'Oriel rouge  990000000" "40C\234ur de garrigue    520000000"},
+    // Member, name.
+    {"recu/fichier-1.txt", 41, "000101Amiel/000102Barth\350s/000103Castani\351/000123Delmas/000210Est\350ve/"
+     "000305Fabr\350gues/000318G\351ly/000402L'H\364te/000456Maurin/000511Pag\350s/000624Rouqui\351/"
+     "000730H\351ritiers de Saint-C\234ur/"},
+    // Badge, harvester, owner, share, group.
+    {"recu/fichier-5.txt", 28, "0010010001010001011000000001" "0010020001020001021000000001" "0010030001020001030500000001"
+     "0010040004560001231000000007" "0010050001230001231000000007" "0010060003050002100670000002"
+     "0010070003050002100330000005" "0010080003050003051000000002" "0010090003180003181000000002"
+     "0010100004020004021000000005" "0010110005110004020500000005" "0010120005110005111000000007"
+     "0010130003180006240330000000" "0010140006240007300500000005" "0010150004560004561000000007"},
+    // Group, name, up to six appellations with their quota for a day.
+    {"recu/fichier-2.txt", 83, "0011                   050002000010000150002000012000/"
+     "0022                   05000180003000030000/" "0055                   05000160002000000000/"
+     "0077                   05000250001000012500200000900030000220004000008000/"},
+    // Observation, name.
+    {"recu/fichier-6.txt", 22, "01Saine/02L\351g\350rement alt\351r\351e/03Alt\351r\351e/04Pourriture/"},
+    // clang-format on
+};
 
-TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBack) {
-  const Poste P;
-  auto Rg80 = P.Terminal({});
-  const auto Station = P.Station({});
-  Station->Taper("menu");
-  ASSERT_TRUE(Station->Attendre("Communication établie avec le RG80.")) << Station->Dit();
-  Station->Taper("transferer");
-  ASSERT_TRUE(
-      Station->Attendre("boîte «Transmission des données» (Recommencer, Annuler) : Appelations ⏎ "
-                        "Le RG80 n'est pas prêt (NACK)."))
-      << Station->Dit();
+TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBackAndIsRightToTheByte) {
+  Poste P;
+  P.Faire("INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES ('900', 'Sans terre')");
+  P.LancerTerminal("");
+  P.LancerStation("menu", "");
+  const auto Dire = [&](const char* Réponse, const char* Suite) {
+    P.Station->Taper(Réponse);
+    EXPECT_TRUE(P.Station->Attendre(Suite)) << P.Dit();
+  };
+  ASSERT_TRUE(P.Station->Attendre("Communication établie avec le RG80.")) << P.Dit();
+  Dire("transferer", "(Recommencer, Annuler) : Appelations ⏎ Le RG80 n'est pas prêt (NACK).");
   // The terminal goes away altogether and comes back waiting for files.
-  Rg80->Signaler(SIGKILL);
-  EXPECT_EQ(Rg80->Fin(), -SIGKILL);
-  Station->Taper("recommencer");
-  ASSERT_TRUE(Station->Attendre("boîte «Erreur du port» (OK)")) << Station->Dit();
-  Station->Taper("ok");
-  ASSERT_TRUE(Station->Attendre("Appelations ⏎ Erreur du port de communication au RG80.")) << Station->Dit();
-  Rg80 = P.Terminal({"--f6"});
-  Station->Taper("recommencer");
-  for (const char* Reçu : {"(appellations) reçu, enregistrements : 5", "(coopérateurs) reçu, enregistrements : 12",
-                           "(badges) reçu, enregistrements : 15", "(groupements) reçu, enregistrements : 4",
-                           "(observations) reçu, enregistrements : 4"})
-    EXPECT_TRUE(Rg80->Attendre(Reçu)) << Rg80->Dit() << Station->Dit();
-  // One byte for one letter, accents and "œ" too.
-  EXPECT_EQ(P.Lu("recu/fichier-4.txt"),
-            "05C\xF4teaux rouges      750000000"
-            "10C\xF4teaux ros\xE9s       800000000"
-            "20C\xF4teaux blancs      780000000"
-            "30Pays d'Oriel rouge  990000000"
-            "40C\x9Cur de garrigue    520000000");
-  EXPECT_TRUE(P.Lu("recu/fichier-1.txt").starts_with("000101Amiel" + std::string(30, ' ') + "000102Barth\xE8s"));
-  Station->Taper("fermer");
-  Station->Taper("fin");
-  EXPECT_EQ(Station->Fin(), 0);
+  P.Rg80->Signaler(SIGKILL);
+  EXPECT_EQ(P.Rg80->Fin(), -SIGKILL);
+  Dire("recommencer", "boîte «Erreur du port» (OK)");
+  Dire("ok", "Appelations ⏎ Erreur du port de communication au RG80.");
+  P.LancerTerminal("--f6");
+  P.Station->Taper("recommencer");
+  EXPECT_TRUE(P.Rg80->Attendre("(observations) reçu, enregistrements : 4")) << P.Dit();
+  for (const auto& [Nom, Longueur, Enregistrements] : Fichiers) {
+    std::string Attendu;
+    for (const char C : Enregistrements)
+      Attendu += C == '/' ? std::string(Longueur - Attendu.size() % Longueur, ' ') : std::string(1, C);
+    std::ifstream Flux(P.En(Nom), std::ios::binary);
+    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(Flux), {}), Attendu) << Nom;
+  }
+  P.Rg80->Signaler(SIGINT);
+  P.Station->Taper("fermer");
+  P.Finir("0 0 0");
 }
 
 }  // namespace
