@@ -1,12 +1,12 @@
-// Qt without a screen for the tests, and the plug-in's machine with real windows on it.
+// Qt without a screen for the tests, the plug-in's machine with real windows on it, and the operator's hand.
 #pragma once
 
-#include <QPushButton>
-#include <QWidget>
-#include <chrono>
-#include <functional>
-#include <string>
+#include <gtest/gtest.h>
 
+#include <QtTest>
+#include <QtWidgets>
+
+#include "common/plugin_state.h"
 #include "platform/qt/qt_windows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
@@ -14,30 +14,53 @@
 
 namespace Ombrey::Essais {
 
-/// Makes the QApplication, once for the program: without a screen unless the environment names one.
-void PréparerQt();
+using namespace std::chrono_literals;
+
+/// The first control of its kind in sight, of this text where one is given. Raises when there is none.
+template <class Genre>
+Genre& Le(const QWidget& Fenêtre, const std::string& Libellé = "") {
+  for (Genre* Un : Fenêtre.findChildren<Genre*>()) {
+    if (Un->isVisible() && (Libellé.empty() || Un->property("text").toString().toStdString() == Libellé)) return *Un;
+  }
+  throw std::runtime_error("nothing in sight: " + Libellé);
+}
+
+/// What the operator does in a window.
+using Geste = std::function<void(QWidget&)>;
+inline Geste Clic(const std::string& Bouton) {
+  return [Bouton](QWidget& Fenêtre) { QTest::mouseClick(&Le<QPushButton>(Fenêtre, Bouton), Qt::LeftButton); };
+}
+inline Geste Touche(Qt::Key LaTouche, Qt::KeyboardModifiers Avec = {}) {
+  return [=](QWidget& Fenêtre) { QTest::keyClick(&Fenêtre, LaTouche, Avec); };
+}
+inline void Cadre(QWidget& Fenêtre) { Fenêtre.close(); }
 
 /// A machine in memory whose windows and loop are Qt's.
-class MachineQt : public FaussePlateforme {
- public:
-  MachineQt() { PréparerQt(); }
+struct Bureau : testing::Test, FaussePlateforme {
+  IFenêtres& Fenêtres() override { return LesVraies; }
+  /// Does Faire in the window of this title as soon as it takes what the operator does.
+  void Dès(const std::string& Titre, const Geste& Faire, int Essais = 400) {
+    Jetons.push_back(Boucle.Après(5ms, [=, this] {
+      QWidget* const Devant = QApplication::activeModalWidget();
+      const bool Bonne = Devant != nullptr && Devant->windowTitle().toStdString() == Titre;
+      if (!Bonne && Essais > 0) return Dès(Titre, Faire, Essais - 1);
+      if (Bonne) return Vider(), Faire(*Devant);
+      ADD_FAILURE() << "no window " << Titre;
+      LesVraies.Finir();
+    }));
+  }
+  /// Lets what is waiting run.
+  void Vider() {
+    for (int Reste = 50; Reste > 0 && Boucle.Pomper(5ms);) --Reste;
+  }
   DossierEssai Dossier;
   BoucleQt Boucle;
   FenêtresQt LesVraies{Boucle, Dossier.Chemin()};
-  IFenêtres& Fenêtres() override { return LesVraies; }
-
-  /// Pumps until Fini, for two seconds at most.
-  bool JusquÀ(const std::function<bool()>& Fini);
-  /// Lets everything run that is waiting.
-  void Vider() {
-    while (Boucle.Pomper(std::chrono::milliseconds(5))) {
-    }
-  }
+  FauxCanal Canal;
+  ÉtatPlugIn État{*this, Canal};
+  FauxServices Services;
+  std::string Trace;
+  std::vector<IBoucle::Jeton> Jetons;
 };
-
-/// The visible top-level window of this title, or nullptr.
-QWidget* FenêtreNommée(const std::string& Titre);
-/// The visible button of this text in the window. Fails the test and gives an unseen one when there is none.
-QPushButton& LeBouton(QWidget& Fenêtre, const std::string& Libellé);
 
 }  // namespace Ombrey::Essais

@@ -1,141 +1,199 @@
-// Boxes, pictures and the printer on Qt.
-#include <gtest/gtest.h>
+// Boxes, dialogs and windows on Qt and the ways out of them; pictures and the printer.
+#include <fstream>
 
-#include <QApplication>
-#include <QClipboard>
-#include <QImage>
-#include <QScreen>
-#include <QTest>
-#include <QTextEdit>
-#include <array>
-#include <deque>
-
-#include "monitor/error_printout.h"
-#include "platform/qt/qt_windows.h"
+#include "monitor/monitoring_window.h"
+#include "platform/qt/qt_host_window.h"
+#include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
+#include "tests/transfer/small_cooperative.h"
+#include "transfer/transfer_window.h"
 
 namespace Ombrey::Essais {
-namespace {
 
-using namespace std::chrono_literals;
+constexpr const char* TitreTransfert = "Chargement des données vers le RG80";
+constexpr const char* TitreTransmission = "Transmission des données";
+constexpr const char* TitrePort = "Port du RG80";
+constexpr const char* TitreSuivi = "Liste des chargements";
 
-class Bureau : public testing::Test {
- protected:
-  MachineQt Machine;
+struct FenêtresDeQt : Bureau {
+  QuestionnairePortQt Questionnaire{LesVraies.Contexte(),
+                                    [] {
+                                      return std::vector<PortTrouvé>{{"COM1:", "ttyS0"}, {"COM2:", ""}};
+                                    },
+                                    ChoixUsuels()};
+  RéglagesPort Ligne{"COM2:", "9600", "N", "1", "8"};
+  std::function<std::string(const RéglagesPort&)> Essayer;
+  std::function<bool()> DemanderPort = [this] { return Questionnaire.Demander(Ligne, Essayer); };
+  FChargntDonnées Transfert{État};
+  std::function<bool()> Transférer = [this] { return Transfert.Afficher(Services, CréerRetard({})), false; };
 };
 
-TEST_F(Bureau, EachAnswerOfABox) {
-  using enum RéponseBoîte;
-  const struct {
-    const char* Nom;
-    std::function<void(QWidget&)> Geste;
-    BoutonsBoîte Boutons;
-    RéponseBoîte Réponse;
-  } Table[] = {
-      {"ok", [](QWidget& B) { QTest::mouseClick(&LeBouton(B, "OK"), Qt::LeftButton); }, BoutonsBoîte::Ok, Ok},
-      {"return", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Return); }, BoutonsBoîte::RecommencerAnnuler,
-       Recommencer},
-      {"mnemonic", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_A, Qt::AltModifier); },
-       BoutonsBoîte::RecommencerAnnuler, Annuler},
-      {"escape", [](QWidget& B) { QTest::keyClick(&B, Qt::Key_Escape); }, BoutonsBoîte::RecommencerAnnuler, Annuler},
-      {"frame", [](QWidget& B) { B.close(); }, BoutonsBoîte::Ok, Ok},
-      {"end", [&](QWidget&) { Machine.LesVraies.Finir(); }, BoutonsBoîte::RecommencerAnnuler, Annuler},
+TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
+  FSuiviChargnt Suivi(État, Services);
+  const auto Ok = [&] { return LesVraies.Boîte("Lecture", "Boîte", BoutonsBoîte::Ok) == RéponseBoîte::Ok; };
+  const auto Deux = [&] {
+    const auto Réponse = LesVraies.Boîte("Coopérateurs\r\nNon (NACK).", "Boîte", BoutonsBoîte::RecommencerAnnuler);
+    return Réponse == RéponseBoîte::Recommencer;
   };
+  const auto Liste = [&] { return Suivi.Afficher(), !LesRéglages.Contenu.empty(); };
+  // clang-format off
+  const struct { const char* Titre; std::function<bool()> Montrer; Geste Faire; bool AcceptéOuSauvé; } Table[] = {
+      {"Boîte", Ok, Clic("OK"), true}, {"Boîte", Ok, Touche(Qt::Key_Escape), true}, {"Boîte", Ok, Cadre, true},
+      {"Boîte", Deux, Clic("&Recommencer"), true}, {"Boîte", Deux, Touche(Qt::Key_Return), true},
+      {"Boîte", Deux, Clic("&Annuler"), false}, {"Boîte", Deux, Touche(Qt::Key_A, Qt::AltModifier), false},
+      {"Boîte", Deux, Touche(Qt::Key_Escape), false}, {"Boîte", Deux, Cadre, false},
+      {TitrePort, DemanderPort, Clic("&Annuler"), false}, {TitrePort, DemanderPort, Touche(Qt::Key_Escape), false},
+      {TitrePort, DemanderPort, Cadre, false},
+      {TitreTransfert, Transférer, Clic("&Fermer"), false}, {TitreTransfert, Transférer, Touche(Qt::Key_Escape), false},
+      {TitreTransfert, Transférer, Touche(Qt::Key_F, Qt::AltModifier), false}, {TitreTransfert, Transférer, Cadre, false},
+      {TitreSuivi, Liste, Touche(Qt::Key_Escape), false}, {TitreSuivi, Liste, Cadre, true}};
+  // clang-format on
   for (const auto& Cas : Table) {
-    SCOPED_TRACE(Cas.Nom);
-    const auto Jeton = Machine.Boucle.Après(20ms, [&] {
-      QWidget* const Boîte = FenêtreNommée("Titre");
-      ASSERT_NE(Boîte, nullptr);
-      const auto& Zone = *Boîte->findChild<QTextEdit*>();
-      EXPECT_LE(Zone.document()->size().height(), Zone.viewport()->height()) << "cut off";
-      Cas.Geste(*Boîte);
+    SCOPED_TRACE(std::string(Cas.Titre) + " " + std::to_string(&Cas - Table));
+    Dès(Cas.Titre, [&](QWidget& Fenêtre) {
+      const auto* const Texte = Fenêtre.findChild<QTextEdit*>();
+      EXPECT_TRUE(!Texte || Texte->document()->size().height() <= Texte->viewport()->height()) << "cut off";
+      for (QComboBox* Saisie : Fenêtre.findChildren<QComboBox*>()) Saisie->setEditText("COM9:");
+      Cas.Faire(Fenêtre);
     });
-    EXPECT_EQ(Machine.LesVraies.Boîte("Coopérateurs\r\nLe RG80 n'est pas prêt (NACK).", "Titre", Cas.Boutons),
-              Cas.Réponse);
+    EXPECT_EQ(Cas.Montrer(), Cas.AcceptéOuSauvé);
   }
+  EXPECT_EQ(Ligne.Port, "COM2:");
 }
 
-TEST_F(Bureau, ALongTextIsScrolledAndABoxMayStandAboveAnother) {
-  const std::string Long(5000, 'W');
-  std::vector<std::string> Ordre;
-  const auto Jeton = Machine.Boucle.Après(20ms, [&] {
-    QWidget* const Première = FenêtreNommée("longue");
-    ASSERT_NE(Première, nullptr);
-    const QSize Écran = QApplication::primaryScreen()->availableSize();
-    EXPECT_LT(Première->width(), Écran.width());
-    EXPECT_LT(Première->height(), Écran.height());
-    const auto Autre = Machine.Boucle.Après(20ms, [&] { QTest::keyClick(FenêtreNommée("seconde"), Qt::Key_Return); });
-    Machine.LesVraies.Boîte("texte", "seconde", BoutonsBoîte::Ok);
-    Ordre.emplace_back("seconde");
-    QTest::keyClick(Première, Qt::Key_Return);
+TEST_F(FenêtresDeQt, ALongTextStaysOnTheScreenAndTheStationsEndClosesAllThatStandsOpen) {
+  Services.SurTransmission = [](std::int32_t, std::vector<Octets>&) { return "Aucune réponse du RG80."; };
+  Dès(TitreTransfert, Clic("&Transférer"));
+  Dès(TitreTransmission, [&](QWidget&) { LesVraies.Boîte(std::string(5000, 'W'), "Longue", BoutonsBoîte::Ok); });
+  Dès("Longue", [&](QWidget& Boîte) {
+    EXPECT_EQ(Boîte.size().boundedTo(Boîte.screen()->availableSize()), Boîte.size());
+    EXPECT_FALSE(DemanderPort());
   });
-  Machine.LesVraies.Boîte(Long, "longue", BoutonsBoîte::Ok);
-  Ordre.emplace_back("longue");
-  EXPECT_EQ(Ordre, (std::vector<std::string>{"seconde", "longue"}));
+  Dès(TitrePort, [&](QWidget&) {
+    État.Abandon = true;
+    LesVraies.Finir();
+    Transfert.Décharger();
+  });
+  Transférer();
+  EXPECT_EQ(LesVraies.Boîte("trop tard", "t", BoutonsBoîte::RecommencerAnnuler), RéponseBoîte::Annuler);
 }
 
-TEST_F(Bureau, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
-  const Image Petite{16, std::vector<std::uint32_t>(256, 0xFF102030)};
+TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetriesFromTheFailedSet) {
+  const PetiteCoopérative Coopérative;
+  const auto Hôte = std::make_shared<FausseBaseDeD>();
+  Hôte->Base = Coopérative.Base;
+  État.BaseDeD = Hôte;
+  Dès(TitreTransfert, [&](QWidget& Vue) {
+    EXPECT_EQ(Vue.minimumSize(), Vue.maximumSize());
+    EXPECT_LE(Le<QLabel>(Vue).sizeHint().width(), Le<QLabel>(Vue).width());
+    QString Ordre;
+    for (; !Ordre.endsWith("&Fermer|"); QTest::keyClick(Vue.focusWidget(), Qt::Key_Tab))
+      Ordre += Vue.focusWidget()->property("text").toString() + '|';
+    EXPECT_EQ(Ordre, "Appelations|Coopérateurs|Badges|Groupements|Observations|&Transférer|&Fermer|");
+    const auto Compter = [Cases = Vue.findChildren<QCheckBox*>()](auto Q) { return std::ranges::count_if(Cases, Q); };
+    const auto EnGras = [](const QCheckBox* Case) { return Case->font().bold(); };
+    EXPECT_EQ(Compter(&QCheckBox::isChecked), 5);
+    Services.SurTransmission = [&](std::int32_t Numéro, std::vector<Octets>&) -> std::string {
+      Trace += std::to_string(Numéro);
+      EXPECT_TRUE(QApplication::overrideCursor() != nullptr && !Vue.isEnabled() && Compter(EnGras) == 1);
+      Touche(Qt::Key_Escape)(Vue);
+      Cadre(Vue);
+      Vider();
+      EXPECT_TRUE(Vue.isVisible());
+      return Trace == "41" ? "Le RG80 n'est pas prêt (NACK)." : "";
+    };
+    // A double click counts once: the window is closed to the second.
+    Clic("&Transférer")(Vue);
+    Clic("&Transférer")(Vue);
+    Dès(TitreTransmission, [](QWidget& Boîte) {
+      EXPECT_EQ(QApplication::overrideCursor(), nullptr) << "a box shows the normal pointer";
+      EXPECT_EQ(Le<QTextEdit>(Boîte).toPlainText(), "Coopérateurs\nLe RG80 n'est pas prêt (NACK).");
+      Clic("&Recommencer")(Boîte);
+    });
+    Vider();
+    EXPECT_EQ(Trace, "411526");
+    EXPECT_TRUE(QApplication::overrideCursor() == nullptr && Compter(&QCheckBox::isChecked) + Compter(EnGras) == 0);
+    Le<QPushButton>(Vue, "&Fermer").setFocus();
+    QTest::keyClick(Vue.focusWidget(), Qt::Key_Return);
+  });
+  Transférer();
+}
+
+TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
+  Dès(TitrePort, [&](QWidget& Dialogue) {
+    auto& Saisie = Le<QComboBox>(Dialogue);
+    EXPECT_EQ(Saisie.currentText() + Saisie.itemText(0), "COM2:COM1:  –  ttyS0");
+    Saisie.setCurrentIndex(0);
+    Q_EMIT Saisie.activated(0);
+    for (const std::string Raison : {"", "Le port est pris.", "levée"}) {
+      Essayer = [&Raison](const RéglagesPort& Voulus) {
+        EXPECT_EQ(Voulus.Port + Voulus.Bauds + Voulus.TailleMots, "COM1:96008");
+        return Raison == "levée" ? throw ErreurExécution(Raison) : Raison;
+      };
+      Clic("&Essayer")(Dialogue);
+      Vider();
+      Le<QLabel>(Dialogue, Raison.empty() ? "Essai réussi : le port COM1: s'ouvre." : "Essai manqué. " + Raison);
+    }
+    Saisie.setEditText("  ");
+    for (const char* Bouton : {"E&nregistrer", "&Essayer"}) EXPECT_FALSE(Le<QPushButton>(Dialogue, Bouton).isEnabled());
+    Saisie.setEditText(" /dev/ttyUSB0 ");
+    Saisie.setFocus();
+    QTest::keyClick(Saisie.lineEdit(), Qt::Key_Return);
+  });
+  EXPECT_TRUE(DemanderPort());
+  EXPECT_EQ(Ligne, (RéglagesPort{"/dev/ttyUSB0", "9600", "N", "1", "8"}));
+}
+
+TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
+  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), "cave.db");
+  Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
+  Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
+  Fenêtre.OffrirMenu("&Charger");
+  Fenêtre.show();
+  QTest::mouseClick(&Le<QToolButton>(Fenêtre), Qt::LeftButton);
+  for (const QAction* Menu : Fenêtre.menuBar()->actions()) {
+    for (QAction* Entrée : Menu->menu()->actions()) Entrée->trigger();
+  }
+  Cadre(Fenêtre);
+  EXPECT_EQ(Trace, "") << "nothing runs inside Qt's dispatch";
+  Vider();
+  EXPECT_TRUE(Fenêtre.isVisible());
+  EXPECT_EQ(Trace, "bcqbmq");
+}
+
+TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
   Image Grande{24, std::vector<std::uint32_t>(576, 0xFF405060)};
   Grande.Pixels[24] = 0xFFABCDEF;  // second row, first column
-  Machine.LesVraies.PoserImages({Petite, Grande});
-  const QImage Posée = QApplication::clipboard()->image();
-  EXPECT_EQ(Posée.size(), QSize(24, 24));
-  EXPECT_EQ(Posée.pixel(0, 1), 0xFFABCDEF);
-  const QIcon& Icône = Machine.LesVraies.DernièreImage();
-  EXPECT_EQ(Icône.availableSizes(), (QList<QSize>{{16, 16}, {24, 24}}));
-  EXPECT_EQ(Icône.pixmap(QSize(16, 16), 1.0).toImage().pixel(3, 3), 0xFF102030);
+  LesVraies.PoserImages({{16, std::vector<std::uint32_t>(256, 0xFF102030)}, Grande});
+  EXPECT_EQ(QApplication::clipboard()->image().pixel(0, 1), 0xFFABCDEF);
+  EXPECT_EQ(LesVraies.DernièreImage().pixmap(QSize(16, 16), 1.0).toImage().pixel(3, 3), 0xFF102030);
   Grande.Pixels.pop_back();
-  EXPECT_THROW(Machine.LesVraies.PoserImages({Grande}), ErreurExécution);
+  EXPECT_THROW(LesVraies.PoserImages({Grande}), ErreurExécution);
 }
 
-TEST_F(Bureau, FiveHundredErrorsGoToAFileOfAsManyPagesAsTheyNeed) {
-  std::deque<std::string> Lignes;
-  for (int Rang = 0; Rang < 500; ++Rang) Lignes.push_front("08:30:00 : erreur " + std::to_string(Rang));
-  {
-    const auto Abandonnée = Machine.LesVraies.OuvrirImprimante();
-    Abandonnée->Imprimer("jamais");
-  }
-  EXPECT_TRUE(std::filesystem::is_empty(Machine.Dossier.Chemin()));
-
-  std::string Annonce;
-  const auto Jeton = Machine.Boucle.Après(20ms, [&] {
-    QWidget* const Boîte = FenêtreNommée("Liste des erreurs");
-    ASSERT_NE(Boîte, nullptr);
-    Annonce = Boîte->findChild<QTextEdit*>()->toPlainText().toStdString();
-    QTest::keyClick(Boîte, Qt::Key_Return);
-  });
-  const auto Imprimante = Machine.LesVraies.OuvrirImprimante();
-  const double Hauteur = Imprimante->HauteurPage();
+TEST_F(FenêtresDeQt, PrintsThePagesThatWereBegunToAFileOrSaysThatItCannot) {
+  LesVraies.OuvrirImprimante()->Imprimer("abandonnée");
+  EXPECT_TRUE(std::filesystem::is_empty(Dossier.Chemin()));
+  const auto Imprimante = LesVraies.OuvrirImprimante();
   Imprimante->FixerPolice(10, false, false);
-  const double Avant = Imprimante->PositionVerticale();
-  Imprimante->Imprimer("");
-  const double Interligne = Imprimante->PositionVerticale() - Avant;
-  const auto Neuve = Machine.LesVraies.OuvrirImprimante();
-  ImprimerErreurs(*Neuve, {2026, 9, 22, 8, 30, 0}, Lignes);
-
-  const std::filesystem::path Fichier = std::filesystem::directory_iterator(Machine.Dossier.Chemin())->path();
-  EXPECT_NE(Annonce.find(Fichier.string()), std::string::npos) << Annonce;
-  EXPECT_EQ(Fichier.filename().string().substr(0, 13), "Erreurs RG80 ");
-  EXPECT_EQ(Fichier.extension(), ".pdf");
-  std::FILE* const Info = popen(("pdfinfo '" + Fichier.string() + "' | sed -n 's/^Pages: *//p'").c_str(), "r");
-  ASSERT_NE(Info, nullptr);
-  std::array<char, 32> Réponse{};
-  const bool Lue = std::fgets(Réponse.data(), static_cast<int>(Réponse.size()), Info) != nullptr;
-  pclose(Info);
-  if (!Lue) GTEST_SKIP() << "pdfinfo isn't here";
-  const int ParPage = static_cast<int>(0.9 * Hauteur / Interligne) + 1;
-  const int Attendues = (500 + 5 + ParPage - 1) / ParPage;
-  EXPECT_NEAR(std::stoi(Réponse.data()), Attendues, 1);
-  EXPECT_GT(Attendues, 5);
-}
-
-TEST_F(Bureau, NoFileCanBeWritten) {
-  std::filesystem::remove_all(Machine.Dossier.Chemin());
-  const auto Imprimante = Machine.LesVraies.OuvrirImprimante();
-  Imprimante->Imprimer("perdue");
+  int Pages = 1;
+  for (int Rang = 0; Rang < 500; ++Rang) {
+    Imprimante->Imprimer("08:30:00 : erreur");
+    if (Imprimante->PositionVerticale() < 0.9 * Imprimante->HauteurPage()) continue;
+    Imprimante->NouvellePage();
+    ++Pages;
+  }
+  EXPECT_NEAR(Pages, 10, 4);
+  Dès("Liste des erreurs", [&](QWidget& Fenêtre) {
+    Trace = Le<QTextEdit>(Fenêtre).toPlainText().toStdString();
+    Cadre(Fenêtre);
+  });
+  Imprimante->TerminerDocument();
+  std::ifstream Flux(Trace.substr(Trace.find('\n') + 1), std::ios::binary);
+  const std::string Contenu(std::istreambuf_iterator<char>(Flux), {});
+  EXPECT_NE(Contenu.find("/Count " + std::to_string(Pages) + "\n"), std::string::npos) << Trace;
+  std::filesystem::remove_all(Dossier.Chemin());
   EXPECT_THROW(Imprimante->TerminerDocument(), ErreurExécution);
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais
