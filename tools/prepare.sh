@@ -23,17 +23,18 @@ missing_packages() {
   if [ "$1" = tests ]; then
     have_header gtest/gtest.h || echo libgtest-dev
     command -v Xvfb >/dev/null || echo xvfb
+    command -v xdotool >/dev/null || echo xdotool
   fi
 }
 
-# Qt and Xvfb widen the build and the tests; without the others there is none.
+# Qt, Xvfb and xdotool widen the build and the tests; without the others there is none.
 install_packages() {
   local wanted needed
   wanted=$(missing_packages "$1")
   [ -z "$wanted" ] && return 0
   say "Installing:" $wanted
   if ! { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $wanted fonts-dejavu-core; } >"$log" 2>&1; then
-    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb || true)
+    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool || true)
     [ -z "$needed" ] || { tail -5 "$log" >&2; fail "Missing and not to be installed here:" $needed; }
     say "Without" $(missing_packages "$1") "the console edition is built alone"
   fi
