@@ -78,16 +78,16 @@ TEST(FaultyLine, APortThatAnotherProgramHoldsIsNamedAndTakenWhenItIsFree) {
 
 TEST(FaultyLine, AStationKilledAtAnyMomentLosesAndDoublesNothing) {
   Poste P;
-  P.LancerTerminal("--hasard 40 --jusqu-a-vide");
-  for (int Mort = 0; Mort < 30; ++Mort) {
+  P.LancerTerminal("--hasard 12 --jusqu-a-vide");
+  for (int Mort = 0; Mort < 6; ++Mort) {
     P.LancerStation();
     ASSERT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
-    std::this_thread::sleep_for(std::chrono::microseconds(1700 * Mort));
+    std::this_thread::sleep_for(std::chrono::microseconds(8500 * Mort));
     P.Station->Signaler(SIGKILL);
     EXPECT_EQ(P.Station->Fin(), -SIGKILL);
   }
   P.LancerStation();
-  P.Finir("40 40 0");
+  P.Finir("12 12 0");
 }
 
 }  // namespace

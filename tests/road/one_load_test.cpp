@@ -57,11 +57,10 @@ struct OneLoad : Poste, testing::Test {
  private:
   void Répondre(const std::string& Texte) {
     if (Texte == "\5A") return Plateforme.Port->Envoyer(Offerts_);
-    if (Texte.size() == 1) Réponse_ += Texte == "\6" ? "ACK" : Texte == "\x15" ? "NAK" : "?";
-    if (Texte.size() > 1)
-      Plateforme.Port->Envoyer(Octets(std::string(Texte[0] == '\5' ? "\6"
-                                                                     "8"
-                                                                   : "\6")));
+    // An EOT ends the reply; anything else alone is a fault.
+    if (Texte.size() == 1) Réponse_ += Texte == "\6" ? "ACK" : Texte == "\x15" ? "NAK" : Texte == "\4" ? "" : "?";
+    const bool Annonce = Texte[0] == '\5';
+    if (Texte.size() > 1) Plateforme.Port->Envoyer(Octets(std::string_view(Annonce ? "\6\x38" : "\6")));
     if (Texte.size() > 2) ++Cumuls;
   }
   Octets Offerts_;
@@ -174,8 +173,10 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
       {"UPDATE MSysEtats SET LongChps = LongChps || char(13) || 'Rien' || char(9) || 'texte'",
        "UPDATE MSysEtats SET LongChps = substr(LongChps, 1, length(LongChps) - 11)", Refusé},
       {"CREATE TRIGGER T BEFORE INSERT ON Chargement BEGIN SELECT RAISE(ABORT, 'x'); END", "DROP TRIGGER T", Refusé},
-      {"INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, IdGrp) VALUES ('0', '123', '456', '5')",
-       "DELETE FROM Métayage WHERE Part IS NULL", "Utilisation incorrecte de Null"},
+      {"UPDATE Métayage SET Part = NULL WHERE IdMétayage = '4'; INSERT INTO Métayage (IdMétayage, Propriétaire,"
+       " Récoltant, IdGrp) VALUES ('99', '123', '456', '5')",
+       "UPDATE Métayage SET Part = 100 WHERE IdMétayage = '4'; DELETE FROM Métayage WHERE IdMétayage = '99'",
+       "Utilisation incorrecte de Null"},
       {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
       {"$ mkdir -p 'poste/import/RG80 import.txt/x'", "$ rm -r poste/import", Écriture},
       {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
