@@ -37,7 +37,8 @@ class Programme {
   Programme(const Programme&) = delete;
   Programme& operator=(const Programme&) = delete;
   ~Programme() {
-    if (Enfant_ > 0) kill(Enfant_, SIGKILL), waitpid(Enfant_, nullptr, 0);
+    Signaler(SIGKILL);
+    if (Enfant_ > 0) waitpid(Enfant_, nullptr, 0);
     close(Fil_);
   }
 
@@ -48,7 +49,7 @@ class Programme {
     Vu_ = Dit_.find(Extrait, Vu_) + Extrait.size();
     return true;
   }
-  void Signaler(int Signal) const { kill(Enfant_, Signal); }
+  void Signaler(int Signal) const { Enfant_ > 0 ? kill(Enfant_, Signal) : 0; }
   /// The exit code, or minus the signal that ended it; EnCours when it is still running after Patience.
   int Fin(std::chrono::milliseconds Patience = 15s, bool EnLisant = true) {
     int État = 0;
