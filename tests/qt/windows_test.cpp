@@ -72,7 +72,6 @@ TEST_F(FenêtresDeQt, ALongTextStaysOnTheScreenAndTheStationsEndClosesAllThatSta
   Dès(TitrePort, [&](QWidget&) {
     État.Abandon = true;
     LesVraies.Finir();
-    Transfert.Décharger();
   });
   Transférer();
   EXPECT_EQ(LesVraies.Boîte("trop tard", "t", BoutonsBoîte::RecommencerAnnuler), RéponseBoîte::Annuler);

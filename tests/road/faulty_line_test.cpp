@@ -5,48 +5,38 @@
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
-namespace {
 
-std::size_t Fois(const std::string& Texte, const std::string& Extrait) {
+static std::size_t Fois(const std::string& Texte, const std::string& Extrait) {
   std::size_t Nombre = 0;
   for (std::size_t Place = 0; (Place = Texte.find(Extrait, Place)) != std::string::npos; ++Place) ++Nombre;
   return Nombre;
 }
 
-/// The number behind Quoi in the terminal's last line.
-std::size_t Bilan(const Poste& P, const std::string& Quoi) {
-  const std::string& Dit = P.Rg80->Dit();
-  return std::stoul(Dit.substr(Dit.find(Quoi, Dit.rfind("bilan : ")) + Quoi.size()));
-}
-
 /// All lines at once: most of the time is spent in waiting.
 TEST(FaultyLine, EveryLoadComesInOnceWhateverTheLineDoes) {
-  const struct {
+  struct {
     const char* Pannes;
     std::size_t Manqués;   ///< offers that weren't acknowledged, at least
     std::size_t Réponses;  ///< replies that come through, at least
-  } Table[] = {
+    Poste P{};
+  } Lignes[] = {
       // clang-format off
       {"silence=0.2", 0, 0}, {"nak=0.4", 0, 0}, {"checksum=0.4", 1, 0}, {"bruit=0.5", 0, 0}, {"coupe=0.3", 1, 8},
       {"retard=0.2", 0, 0}, {"ack-perdu=0.4", 1, 0}, {"silence=0 --cadence 9600", 0, 8},
       {"silence=0.05,nak=0.1,checksum=0.1,bruit=0.2,coupe=0.1,ack-perdu=0.2", 1, 0},
       // clang-format on
   };
-  std::vector<Poste> Postes(std::size(Table));
-  for (std::size_t Rang = 0; Rang < Postes.size(); ++Rang) {
-    Postes[Rang].LancerTerminal(std::string("--hasard 8 --graine 7 --jusqu-a-vide --panne ") + Table[Rang].Pannes);
-    Postes[Rang].LancerStation();
+  for (auto& L : Lignes) {
+    L.P.LancerTerminal(std::string("--hasard 8 --graine 7 --jusqu-a-vide --panne ") + L.Pannes);
+    L.P.LancerStation();
   }
-  for (std::size_t Rang = 0; Rang < Postes.size(); ++Rang) {
-    const Poste& P = Postes[Rang];
-    SCOPED_TRACE(Table[Rang].Pannes);
+  for (const auto& [Pannes, Manqués, Réponses, P] : Lignes) {
     P.Finir("8 8 0");
-    EXPECT_EQ(Bilan(P, "acquittés "), 8U);
-    EXPECT_GE(Bilan(P, "envoyés "), 8 + Table[Rang].Manqués) << P.Dit();
-    EXPECT_GE(Bilan(P, "réponses reçues "), Table[Rang].Réponses) << P.Dit();
-    EXPECT_GE(Bilan(P, "réponses reçues ") + Fois(P.Dit(), "CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS."), 8U)
-        << "a reply went missing unsaid\n"
-        << P.Dit();
+    const std::string Dit = Pannes + P.Dit();
+    EXPECT_GE(Fois(Dit, " offert, essai "), 8 + Manqués) << Dit;
+    EXPECT_GE(Fois(Dit, "réponse reçue : "), Réponses) << Dit;
+    // No reply goes missing unsaid.
+    EXPECT_GE(Fois(Dit, "réponse reçue : ") + Fois(Dit, "CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS."), 8U) << Dit;
   }
 }
 
@@ -78,17 +68,19 @@ TEST(FaultyLine, APortThatAnotherProgramHoldsIsNamedAndTakenWhenItIsFree) {
 
 TEST(FaultyLine, AStationKilledAtAnyMomentLosesAndDoublesNothing) {
   Poste P;
-  P.LancerTerminal("--hasard 12 --jusqu-a-vide");
-  for (int Mort = 0; Mort < 6; ++Mort) {
+  P.LancerTerminal("--hasard 40 --jusqu-a-vide");
+  for (int Mort = 0; Mort < 30; ++Mort) {
     P.LancerStation();
     ASSERT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
-    std::this_thread::sleep_for(std::chrono::microseconds(8500 * Mort));
+    std::this_thread::sleep_for(1700us * Mort);
     P.Station->Signaler(SIGKILL);
     EXPECT_EQ(P.Station->Fin(), -SIGKILL);
   }
-  P.LancerStation();
-  P.Finir("12 12 0");
+  // Nobody reads what the last one says: enough to fill the pipe.
+  std::string Bavard;
+  while (Bavard.size() < 5 * 300) Bavard += "aide\n";
+  P.LancerStation(Bavard + "interroger");
+  P.Finir("40 40 0");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

@@ -17,9 +17,10 @@
 
 namespace Ombrey::Essais {
 
-/// A load that the sample cooperative knows: number of four digits, owner 123 and harvester 456, 1234 kg.
-inline std::string Enregistrement(const std::string& Numéro) {
-  return Numéro + "220926083009150001230004560071000000050112521234007";
+/// A load that the sample cooperative knows (number 12, owner 123, harvester 456, 1234 kg), with another text at a
+/// place.
+inline std::string Enregistrement(std::size_t Place = 0, const std::string& Texte = "") {
+  return std::string("0012220926083009150001230004560071000000050112521234007").replace(Place, Texte.size(), Texte);
 }
 
 struct Poste {
@@ -30,14 +31,11 @@ struct Poste {
     const auto Modèle = Modèles.Chemin() / "cave.db";
     if (!std::filesystem::exists(Modèle)) Tarvel::CréerBase(Modèle, true);
     std::filesystem::copy_file(Modèle, En("cave.db"));
-    Régler(En("ligne"));
+    std::ofstream(En("tarvel.ini")) << "[PlugInOmbrey]\nPort=" << En("ligne") << "\nBauds=9600\nParité=aucune\n"
+                                    << "BitsStop=1\nTailleMots=8\nPériode interrogation=20\n";
   }
 
   [[nodiscard]] std::string En(const std::string& Nom) const { return Dossier.Chemin() / Nom; }
-  void Régler(const std::string& Port) const {
-    std::ofstream(En("tarvel.ini")) << "[PlugInOmbrey]\nPort=" << Port << "\nBauds=9600\nParité=aucune\nBitsStop=1\n"
-                                    << "TailleMots=8\nPériode interrogation=20\n";
-  }
   [[nodiscard]] std::shared_ptr<ConnexionSqlite> Base() const { return ConnexionSqlite::Ouvrir(En("cave.db")); }
   /// SQL on the database or, behind "$ ", a command of the shell in the folder.
   void Faire(const std::string& Acte) const {

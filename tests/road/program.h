@@ -35,7 +35,6 @@ class Programme {
     Fil_ = Fils[0];
   }
   Programme(const Programme&) = delete;
-  Programme& operator=(const Programme&) = delete;
   ~Programme() {
     Signaler(SIGKILL);
     if (Enfant_ > 0) waitpid(Enfant_, nullptr, 0);
@@ -45,31 +44,28 @@ class Programme {
   void Taper(const std::string& Ligne) const { send(Fil_, (Ligne + "\n").data(), Ligne.size() + 1, MSG_NOSIGNAL); }
   /// True once Extrait stands in what was said since the last call that found something; waits for it.
   bool Attendre(const std::string& Extrait, std::chrono::milliseconds Patience = 15s) {
-    if (!Bientôt([&] { return Lire().find(Extrait, Vu_) != std::string::npos; }, Patience)) return false;
-    Vu_ = Dit_.find(Extrait, Vu_) + Extrait.size();
-    return true;
+    const bool EstDit = Bientôt([&] { return Dit().find(Extrait, Vu_) != std::string::npos; }, Patience);
+    if (EstDit) Vu_ = Dit_.find(Extrait, Vu_) + Extrait.size();
+    return EstDit;
   }
   void Signaler(int Signal) const { Enfant_ > 0 ? kill(Enfant_, Signal) : 0; }
   /// The exit code, or minus the signal that ended it; EnCours when it is still running after Patience.
-  int Fin(std::chrono::milliseconds Patience = 15s, bool EnLisant = true) {
+  int Fin(std::chrono::milliseconds Patience = 15s) {
     int État = 0;
-    const auto EstFini = [&] { return (EnLisant ? Lire() : Dit_, waitpid(Enfant_, &État, WNOHANG)) != 0; };
-    if (!Bientôt(EstFini, Patience)) return EnCours;
+    if (!Bientôt([&] { return waitpid(Enfant_, &État, WNOHANG) != 0; }, Patience)) return EnCours;
     Enfant_ = 0;
-    if (EnLisant) Lire();
     return WIFEXITED(État) ? WEXITSTATUS(État) : -WTERMSIG(État);
   }
-  static constexpr int EnCours = 1000;
-  [[nodiscard]] const std::string& Dit() const { return Dit_; }
-
- private:
-  const std::string& Lire() {
+  /// All that it has said by now. Nobody else reads it.
+  const std::string& Dit() {
     char Place[4096];
     for (ssize_t Lus = 0; (Lus = recv(Fil_, Place, sizeof Place, MSG_DONTWAIT)) > 0;)
       Dit_.append(Place, static_cast<std::size_t>(Lus));
     return Dit_;
   }
+  static constexpr int EnCours = 1000;
 
+ private:
   pid_t Enfant_ = 0;
   int Fil_ = -1;
   std::string Dit_;

@@ -2,21 +2,19 @@
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
-namespace {
-
 /// All stations at once: a plug-in that has no window yet polls after ten seconds only.
 TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
   const std::string SansPort = "Le greffon n'est pas initialisé. Erreur de configuration du port de communication";
   const std::string Relevé = "Vérification de nouveaux chargements sur le RG80. ";
   const std::string Échec = "Echec de lecture de données du RG80 : ";
   const std::string Prêt = "Module initialisé.";
-  const std::string Boîte = "boîte «Erreur du port» (OK) : Le port ";
-  const struct {
+  struct {
     const char* Acte;      ///< on the settings, on the database
     std::string Attendu;   ///< said at the start
     std::string AuRelevé;  ///< said by the first poll
     int Code = 0;
-  } Table[] = {
+    Poste P{};
+  } Cas[] = {
       // clang-format off
       {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
       {"$ rm tarvel.ini; mkdir tarvel.ini", "hôte : Le greffon a échoué : ", ""},
@@ -29,8 +27,8 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       {"$ sed -i s/9600/38400/ tarvel.ini", "Bauds = « 38400 »", Échec},
       {"$ sed -i 's,=/.*,=/dev/tty,; s/9600/9601/' tarvel.ini", Prêt, "la vitesse"},
       {"$ sed -i s/aucune/peut-être/ tarvel.ini", Prêt, "peut-être"},
-      {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, Boîte + "/dev/absent est absent de cette machine."},
-      {"$ sed -i s,=/.*,=/dev/null, tarvel.ini", Prêt, Boîte + "/dev/null n'est pas un port série."},
+      {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, "(OK) : Le port /dev/absent est absent de cette machine."},
+      {"$ sed -i s,=/.*,=/dev/null, tarvel.ini", Prêt, "(OK) : Le port /dev/null n'est pas un port série."},
       {"$ sed -i s,=/.*,=COM99:, tarvel.ini", "Impossible d'initialiser le port de communication.", Relevé},
       {"$ sed -i s/=20/=-5/ tarvel.ini", Prêt, "Erreur du port de communication au RG80."},
       {"$ sed -i s/=20/=99999999999/ tarvel.ini", "Dépassement de capacité", "Erreur du port"},
@@ -41,18 +39,15 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       {"DROP TABLE Métayage", "tarvel : ", "Il manque : Métayage", 1},
       // clang-format on
   };
-  std::vector<Poste> Postes(std::size(Table));
-  for (std::size_t Rang = 0; Rang < Postes.size(); ++Rang) {
-    Postes[Rang].Faire(Table[Rang].Acte);
-    Postes[Rang].LancerStation();
+  for (auto& C : Cas) {
+    C.P.Faire(C.Acte);
+    C.P.LancerStation();
   }
-  for (std::size_t Rang = 0; Rang < Postes.size(); ++Rang) {
-    SCOPED_TRACE(Table[Rang].Acte);
-    Programme& Station = *Postes[Rang].Station;
-    EXPECT_TRUE(Station.Attendre(Table[Rang].Attendu)) << Station.Dit();
-    EXPECT_TRUE(Station.Attendre(Table[Rang].AuRelevé)) << Station.Dit();
-    Station.Taper("fin");
-    EXPECT_EQ(Station.Fin(), Table[Rang].Code);
+  for (const auto& [Acte, Attendu, AuRelevé, Code, P] : Cas) {
+    EXPECT_TRUE(P.Station->Attendre(Attendu)) << Acte << P.Dit();
+    EXPECT_TRUE(P.Station->Attendre(AuRelevé)) << Acte << P.Dit();
+    P.Station->Taper("fin");
+    EXPECT_EQ(P.Station->Fin(), Code) << Acte << P.Dit();
   }
 }
 
@@ -75,26 +70,23 @@ TEST(Databases, AReadOnlyOneIsSaidAndTheLoadStaysAtTheTerminal) {
 
 /// Short: the lock goes in time. Long: it stays until the terminal has been refused.
 TEST(Databases, OneThatIsLockedDelaysTheLoadOrHasItRefusedInTime) {
-  Poste Court, Long;
-  const auto Verrouiller = [](Poste& P) {
-    P.LancerTerminal("--hasard 1 --jusqu-a-vide");
-    P.LancerStation("messages");
-    EXPECT_TRUE(P.Station->Attendre("commande «menu»"));
-    auto Autre = P.Base();
-    Autre->Exécuter("BEGIN IMMEDIATE");
-    P.Station->Taper("interroger");
-    EXPECT_TRUE(P.Rg80->Attendre("chargement 0001 offert"));
-    return Autre;
-  };
-  auto VerrouCourt = Verrouiller(Court);
-  auto VerrouLong = Verrouiller(Long);
+  struct : Poste {
+    std::shared_ptr<ConnexionSqlite> Verrou = Base();
+  } Court, Long;
+  for (auto* P : {&Court, &Long}) {
+    P->LancerTerminal("--hasard 1 --jusqu-a-vide");
+    P->LancerStation("messages");
+    EXPECT_TRUE(P->Station->Attendre("commande «menu»"));
+    P->Verrou->Exécuter("BEGIN IMMEDIATE");
+    P->Station->Taper("interroger");
+  }
+  EXPECT_TRUE(Court.Rg80->Attendre("chargement 0001 offert"));
   EXPECT_FALSE(Court.Rg80->Attendre("acquitté", 5s)) << "acknowledged ahead of the commit";
-  VerrouCourt.reset();
+  Court.Verrou.reset();
   EXPECT_TRUE(Court.Rg80->Attendre("bilan : envoyés 1, acquittés 1, refusés 0, sans réponse 0, réponses reçues 1"));
   EXPECT_TRUE(Long.Rg80->Attendre("chargement 0001 refusé, reste en attente")) << Long.Dit();
-  VerrouLong.reset();
-  for (const Poste* P : {&Court, &Long}) P->Finir("1 1 0");
+  Long.Verrou.reset();
+  for (const auto* P : {&Court, &Long}) P->Finir("1 1 0");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

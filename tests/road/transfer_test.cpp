@@ -2,10 +2,8 @@
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
-namespace {
-
 /// The whole of the five files as bytes; a slash stands for the blanks that fill a record up on the right.
-const struct {
+static const struct {
   const char* Nom;
   std::size_t Longueur;
   std::string Enregistrements;
@@ -38,17 +36,13 @@ TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBackAndIsRightToTheByt
   P.Faire("INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES ('900', 'Sans terre')");
   P.LancerTerminal("");
   P.LancerStation("menu", "");
-  const auto Dire = [&](const char* Réponse, const char* Suite) {
-    P.Station->Taper(Réponse);
-    EXPECT_TRUE(P.Station->Attendre(Suite)) << P.Dit();
-  };
-  ASSERT_TRUE(P.Station->Attendre("Communication établie avec le RG80.")) << P.Dit();
-  Dire("transferer", "(Recommencer, Annuler) : Appelations ⏎ Le RG80 n'est pas prêt (NACK).");
+  EXPECT_TRUE(P.Station->Attendre("Communication établie avec le RG80.")) << P.Dit();
+  P.Station->Taper("transferer");
+  EXPECT_TRUE(P.Station->Attendre("(Recommencer, Annuler) : Appelations ⏎ Le RG80 n'est pas prêt (NACK).")) << P.Dit();
   // The terminal goes away altogether and comes back waiting for files.
-  P.Rg80->Signaler(SIGKILL);
-  EXPECT_EQ(P.Rg80->Fin(), -SIGKILL);
-  Dire("recommencer", "boîte «Erreur du port» (OK)");
-  Dire("ok", "Appelations ⏎ Erreur du port de communication au RG80.");
+  P.Rg80.reset();
+  P.Station->Taper("recommencer\nok");
+  EXPECT_TRUE(P.Station->Attendre("Appelations ⏎ Erreur du port de communication au RG80.")) << P.Dit();
   P.LancerTerminal("--f6");
   P.Station->Taper("recommencer");
   EXPECT_TRUE(P.Rg80->Attendre("(observations) reçu, enregistrements : 4")) << P.Dit();
@@ -64,5 +58,4 @@ TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBackAndIsRightToTheByt
   P.Finir("0 0 0");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais
