@@ -65,8 +65,7 @@ std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> Even
     if (État_.Abandon) return "";
     NomPort = Section(État_).Lire(CléPort);
   }
-  std::string Erreur =
-      NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
+  std::string Erreur = NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
   LirePériode();
   if (Erreur.empty()) {
     Canal_.AjouterMessage("Module initialisé.", true);

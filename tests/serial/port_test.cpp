@@ -135,10 +135,11 @@ TEST_F(Port, LostIsOpenedAgainAtTheNextWriteUnderItsName) {
   EXPECT_EQ(Reçus_.at(0), "\x02reste");
   ExpectErreur(*LePort_, Lien_, "a été perdu");
   EXPECT_FALSE(Boucle_.Pomper(20ms)) << "a lost port must not keep the loop busy";
+  // Ahead of the attempt: the number of a closed pseudo-terminal is free for any test that runs beside this one.
+  std::filesystem::remove(Lien_);
   EXPECT_FALSE(LePort_->Ecrire(Octets("x")));
   ExpectErreur(*LePort_, Lien_, "absent");
   const PseudoTerminal Nouveau;
-  std::filesystem::remove(Lien_);
   std::filesystem::create_symlink(Nouveau.Nom(), Lien_);
   EXPECT_TRUE(LePort_->Ecrire(Octets("me revoilà"))) << LePort_->DernièreErreurPort();
   EXPECT_EQ(Nouveau.Recevoir(), "me revoilà");
