@@ -61,10 +61,6 @@ DateHeure SystèmeMachine::Maintenant() const {
   return {Locale.tm_year + AnnéeZéro, Locale.tm_mon + 1, Locale.tm_mday, Locale.tm_hour, Locale.tm_min, Locale.tm_sec};
 }
 
-std::filesystem::path SystèmeMachine::DossierImportsConservés() const {
-  auto Dossier = Dossier_ / "imports-refusés";
-  CréerDossier(Dossier);
-  return Dossier;
-}
+std::filesystem::path SystèmeMachine::DossierImportsConservés() const { return Dossier_ / "imports-refusés"; }
 
 }  // namespace Ombrey

@@ -58,6 +58,10 @@ void DéplacerFichier(const std::filesystem::path& De, const std::filesystem::pa
   std::error_code Code;
   if (std::filesystem::exists(Vers, Code)) throw ErreurExécution("Le fichier existe déjà : " + TexteChemin(Vers));
   std::filesystem::rename(De, Vers, Code);
+  if (Code == std::errc::cross_device_link) {
+    std::filesystem::copy_file(De, Vers, Code);
+    if (!Code) std::filesystem::remove(De, Code);
+  }
   if (Code) throw Échec("Impossible de déplacer le fichier ", De, Code);
 }
 

@@ -33,8 +33,7 @@ class ISystème {
   [[nodiscard]] virtual Régional FormesRégionales() const = 0;
   /// The working folder, which holds "données" and the import files.
   [[nodiscard]] virtual std::filesystem::path CheminApplication() const = 0;
-  /// Folder for import files whose import failed; it exists, for its owner alone, when the call returns.
-  /// Raises ErreurExécution when it can't be made.
+  /// Folder for import files whose import failed; it need not exist yet.
   [[nodiscard]] virtual std::filesystem::path DossierImportsConservés() const = 0;
   /// Lets one waiting event run, or waits until one comes or AttenteMax is over. True when an event ran. After it
   /// the world may have changed.

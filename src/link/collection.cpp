@@ -2,7 +2,9 @@
 #include "link/collection.h"
 
 #include <filesystem>
+#include <memory>
 #include <optional>
+#include <string_view>
 #include <system_error>
 
 #include "common/ansi_text.h"
@@ -49,8 +51,8 @@ class Dialogue {
   void Finir();
   void VérifierErreurEnAttente();
   std::filesystem::path FichierConservé() const;
+  void ConserverFichierImport();
   void Clore();
-  Attente AttendreAccord(std::size_t LongMin) const;
 
   ÉtatPlugIn& État_;
   Échange& Échange_;
@@ -111,48 +113,35 @@ void Dialogue::OuvrirFichierErreurs() {
   Erreurs_.emplace(FichierErreursDuJour(Système_));
 }
 
-Attente Dialogue::AttendreAccord(std::size_t LongMin) const {
-  const Octets Code(CodeDemande);
-  return {.LongMin = LongMin, .Motif3 = Octets(1, ACK) + Code, .Motif4 = Octets(1, NAK) + Code};
-}
-
 bool Dialogue::DemanderChargement() {
   État_.TamponRéception.Vider();
-  Attente Demande = AttendreAccord(2);
-  Demande.Texte = Requête(Octets(CodeDemande));
-  return Accordé(Demande, "Aucun chargement à récupérer.");
+  return Accordé(Requête(Octets(CodeDemande)), "Aucun chargement à récupérer.");
 }
 
 bool Dialogue::AttendreTrame() {
+  Attente Trame = Requête(Octets(CodeDemande));
+  Trame.Texte.Vider();
   // The answer to the request stays at the head of the buffer and counts.
-  const auto LongTrame = static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
-  return Accordé(AttendreAccord(LongTrame), std::string(TexteÉchecLecture) + TextePasPrêt);
+  Trame.LongMin = static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
+  return Accordé(Trame, std::string(TexteÉchecLecture) + TextePasPrêt);
 }
 
 /// Runs one exchange; false ends the dialogue in words, Refus being those for a NAK.
 bool Dialogue::Accordé(const Attente& Demande, const std::string& Refus) {
-  switch (Échange_.AttendreRéponse(Demande, RéponseRG80_)) {
-    case CodeÉchange::Silence:
-      Résultat_ = std::string(TexteÉchecLecture) + TexteSilence;
-      return false;
-    case CodeÉchange::Motif4:
-      Résultat_ = Refus;
-      return false;
-    case CodeÉchange::ErreurPort:
-      Résultat_ = std::string(TexteÉchecLecture) + TexteErreurPort;
-      return false;
-    default:
-      return true;
-  }
+  const CodeÉchange Code = Échange_.AttendreRéponse(Demande, RéponseRG80_);
+  const std::string Panne = TextePanne(Code);
+  if (!Panne.empty()) Résultat_ = TexteÉchecLecture + Panne;
+  if (Code == CodeÉchange::Motif4) Résultat_ = Refus;
+  return Résultat_.empty();
 }
 
 bool Dialogue::EcrireFichierImport() {
   const Octets Texte = VersAnsi(TexteImport_);
   // A file that a killed station left behind isn't this load's.
-  const bool EstEcrit = Texte.Taille() > 1;
-  if (EstEcrit) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
+  const bool EstÉcrit = Texte.Taille() > 1;
+  if (EstÉcrit) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
   Etape_ = 3;
-  return EstEcrit && !NoChargement_.empty();
+  return EstÉcrit && !NoChargement_.empty();
 }
 
 void Dialogue::Importer() {
@@ -180,10 +169,16 @@ std::filesystem::path Dialogue::FichierConservé() const {
          Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
 }
 
+void Dialogue::ConserverFichierImport() {
+  const std::filesystem::path Vers = FichierConservé();
+  CréerDossier(Vers.parent_path());
+  DéplacerFichier(FichierImport_, Vers);
+}
+
 /// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
 void Dialogue::RefuserImport() {
   constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
-  DéplacerFichier(FichierImport_, FichierConservé());
+  ConserverFichierImport();
   État_.Avertir(Échec);
   État_.Canal.AjouterMessage(Échec, true);
   NoterRefus();
@@ -194,7 +189,7 @@ void Dialogue::RefuserImport() {
 void Dialogue::RefuserImportAvecErreur() {
   NoterRefus();
   État_.Canal.AjouterMessage(EtatBdD_->DernièreErreur(), true);
-  DéplacerFichier(FichierImport_, FichierConservé());
+  ConserverFichierImport();
   RefuserAuTerminal();
 }
 
@@ -238,7 +233,8 @@ void Dialogue::Finir() {
 
 /// A called operation can leave a failure recorded without raising it. It stays recorded.
 void Dialogue::VérifierErreurEnAttente() {
-  if (État_.Erreur.EstPrésente()) État_.Avertir(État_.Erreur.Texte(), "Erreur etape " + std::to_string(Etape_));
+  if (État_.Erreur.EstPrésente() && !État_.Abandon)
+    État_.Avertir(État_.Erreur.Texte(), "Erreur etape " + std::to_string(Etape_));
 }
 
 void Dialogue::Clore() {

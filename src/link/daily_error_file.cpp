@@ -38,7 +38,9 @@ FichierErreurs::FichierErreurs(std::filesystem::path Fichier)
     : Fichier_(std::move(Fichier)), Ouvrable_(std::ofstream(Fichier_, std::ios::binary | std::ios::app).is_open()) {}
 
 void FichierErreurs::Ajouter(const std::string& Ligne) {
-  if (Ouvrable_) AjouterAuFichier(Fichier_, Ligne + "\r\n");
+  if (!Ouvrable_) return;
+  CréerDossier(Fichier_.parent_path());
+  AjouterAuFichier(Fichier_, Ligne + "\r\n");
 }
 
 }  // namespace Ombrey

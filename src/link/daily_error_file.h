@@ -22,8 +22,8 @@ class FichierErreurs {
   /// Makes a missing file. Raises nothing.
   explicit FichierErreurs(std::filesystem::path Fichier);
   /// Appends one line, on the disk's side of the program when the call returns. The file is opened for each: while
-  /// the dialogue waits, the end of the plug-in may have cleaned it away. Raises ErreurExécution when it can't be
-  /// written.
+  /// the dialogue waits, the end of the plug-in may have cleaned it away, or somebody its folder. Raises
+  /// ErreurExécution when it can't be written.
   void Ajouter(const std::string& Ligne);
 
  private:

@@ -1,13 +1,17 @@
 // The waiting primitive and the link test.
 #include "link/exchange.h"
 
-#include "link/checksum.h"
+#include <utility>
+
+#include "contracts/line_characters.h"
 
 namespace Ombrey {
 namespace {
 
 /// Request code of the link test; the cumul reply is announced by the same.
 constexpr std::string_view CodeTest = "8";
+/// ACK or NAK, and the code.
+constexpr std::size_t LongRéponse = 2;
 
 bool EstEnTête(const Octets& Tampon, const Octets& Motif) { return !Motif.EstVide() && Tampon.CommencePar(Motif); }
 
@@ -15,7 +19,18 @@ bool Assez(const Octets& Tampon, std::size_t LongMin) { return LongMin == 0 || T
 
 }  // namespace
 
-Octets Requête(const Octets& Code) { return Octets(1, ENQ) + Code; }
+std::string TextePanne(CodeÉchange Code) {
+  if (Code == CodeÉchange::Silence) return "Aucune réponse du RG80.";
+  if (Code == CodeÉchange::ErreurPort) return "Erreur du port de communication au RG80.";
+  return "";
+}
+
+Attente Requête(const Octets& Code) {
+  return {.Texte = Octets(1, ENQ) + Code,
+          .LongMin = LongRéponse,
+          .Motif3 = Octets(1, ACK) + Code,
+          .Motif4 = Octets(1, NAK) + Code};
+}
 
 bool Échange::Envoyer(const Octets& Texte) {
   const auto Port = Exiger(État_.PortComm);
@@ -82,12 +97,11 @@ std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octet
 bool Échange::RéponseÀLaRequêteDeTest() {
   if (!État_.PortComm) return false;
   État_.TamponRéception.Vider();
-  const Octets Code(CodeTest);
-  const Attente Test{.Texte = Requête(Code),
-                     .LongMin = 2,
-                     .Motif1 = Octets(1, ACK) + Code,
-                     .Motif2 = Octets(1, NAK) + Code,
-                     .Resynchroniser = false};
+  // Only an answer at the head of the buffer counts.
+  Attente Test = Requête(Octets(CodeTest));
+  std::swap(Test.Motif1, Test.Motif3);
+  std::swap(Test.Motif2, Test.Motif4);
+  Test.Resynchroniser = false;
   Octets Réponse;
   const CodeÉchange Obtenu = AttendreRéponse(Test, Réponse);
   // A NAK comes from a terminal, too.

@@ -2,6 +2,8 @@
 #pragma once
 
 #include <chrono>
+#include <optional>
+#include <string>
 
 #include "common/plugin_state.h"
 #include "contracts/octets.h"
@@ -21,10 +23,10 @@ enum class CodeÉchange {
   ErreurPort = 5,  ///< the port refused the sending; the operator has seen why
 };
 
-/// The operator's words for an exchange that failed.
-inline constexpr const char* TexteSilence = "Aucune réponse du RG80.";
+/// The operator's words for an exchange without an answer; empty when there was one.
+[[nodiscard]] std::string TextePanne(CodeÉchange Code);
+/// His words for a request that the terminal declined.
 inline constexpr const char* TextePasPrêt = "Le RG80 n'est pas prêt (NACK).";
-inline constexpr const char* TexteErreurPort = "Erreur du port de communication au RG80.";
 
 /// What to send and what to wait for. An empty text or pattern isn't used.
 struct Attente {
@@ -39,8 +41,9 @@ struct Attente {
   bool Resynchroniser = true;  ///< whether the last two count; what precedes them is dropped
 };
 
-/// The request that opens an exchange: ENQ and its code.
-[[nodiscard]] Octets Requête(const Octets& Code);
+/// The request that opens an exchange: ENQ and its code. The terminal repeats the code to grant it (third pattern) or
+/// to decline it (fourth).
+[[nodiscard]] Attente Requête(const Octets& Code);
 
 class Échange {
  public:

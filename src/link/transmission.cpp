@@ -57,22 +57,10 @@ Envoi::Suite Envoi::EnvoyerLigne(Octets& Ligne) {
 
 bool Envoi::Annoncer() {
   État_.TamponRéception.Vider();
-  const Attente Annonce{
-      .Texte = Requête(Code_), .LongMin = 2, .Motif3 = Octets(1, ACK) + Code_, .Motif4 = Octets(1, NAK) + Code_};
   Octets Réponse;
-  switch (Échange_.AttendreRéponse(Annonce, Réponse)) {
-    case CodeÉchange::Silence:
-      Erreur_ = TexteSilence;
-      return false;
-    case CodeÉchange::Motif4:
-      Erreur_ = TextePasPrêt;
-      return false;
-    case CodeÉchange::ErreurPort:
-      Erreur_ = TexteErreurPort;
-      return false;
-    default:
-      return true;
-  }
+  const CodeÉchange Code = Échange_.AttendreRéponse(Requête(Code_), Réponse);
+  Erreur_ = Code == CodeÉchange::Motif4 ? TextePasPrêt : TextePanne(Code);
+  return Erreur_.empty();
 }
 
 Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
@@ -80,24 +68,15 @@ Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
   const Attente Trame{
       .Texte = CalculerCheckSum(Ligne), .LongMin = 1, .Motif1 = Octets(1, ACK), .Motif2 = Octets(1, NAK)};
   Octets Réponse;
-  switch (Échange_.AttendreRéponse(Trame, Réponse)) {
-    case CodeÉchange::Motif1:
-      Erreur_.clear();
-      return Suite::Suivante;
-    case CodeÉchange::Motif2:
-      if (NACKs_ == EssaisAprèsRefus) {
-        Erreur_ = "Erreur de données ou de checksum renvoyée par le RG80 " + DepuisAnsi(Ligne);
-        return Suite::Arrêt;
-      }
-      ++NACKs_;
-      return Suite::Encore;
-    case CodeÉchange::ErreurPort:
-      Erreur_ = TexteErreurPort;
-      return Suite::Arrêt;
-    default:
-      Erreur_ = TexteSilence;
-      return Suite::Arrêt;
+  const CodeÉchange Code = Échange_.AttendreRéponse(Trame, Réponse);
+  if (Code == CodeÉchange::Motif1) return Suite::Suivante;
+  if (Code == CodeÉchange::Motif2 && NACKs_ < EssaisAprèsRefus) {
+    ++NACKs_;
+    return Suite::Encore;
   }
+  Erreur_ = Code == CodeÉchange::Motif2 ? "Erreur de données ou de checksum renvoyée par le RG80 " + DepuisAnsi(Ligne)
+                                        : TextePanne(Code);
+  return Suite::Arrêt;
 }
 
 }  // namespace

@@ -222,6 +222,7 @@ struct Banc : Liaison, ITraitementChargement {
   void MettreAJourCumuls(std::string&) override { PendantCumuls(); }
   void SignalerAuHôte(const std::string& Texte) override { Signalés.push_back(Texte); }
   std::ptrdiff_t Fichiers(const std::filesystem::path& Où) const {
+    if (!std::filesystem::is_directory(Où)) return 0;
     return std::distance(std::filesystem::directory_iterator(Où), std::filesystem::directory_iterator());
   }
 
@@ -275,7 +276,9 @@ const Issue Issues[] = {
        d.Etat.Importe = false;
        d.Fenêtres.PendantBoîte = [&d] { d.Terminer(); };
      }, "?A", "", {Refus}, 1, 1},
-    {"end in the figures", [](Banc& d) { d.PendantCumuls = [&d] { d.Terminer(); }; }, "?A^", "", {}, 0, 1}};
+    {"end in the figures", [](Banc& d) {
+       d.PendantCumuls = [&d] { d.État.Erreur.Noter(ErreurExécution("panne")), d.Terminer(); };
+     }, "?A^", "Erreur panne - ", {}, 0, 1}};
 // clang-format on
 
 struct IssueDuDialogue : Banc, testing::WithParamInterface<Issue> {};
@@ -304,6 +307,15 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
   EXPECT_EQ(Noté.size() < 3 ? "" : Noté,
             Cas.Gardés ? "\r\n08:30:00 : TableImporter = TRUE : " + Etat.Erreur + " - voir " + Voir : "");
   EXPECT_GE(Canal.Rafraîchissements, Base->Actualisations);
+}
+
+TEST_F(Banc, ARefusalIsSaidAndNotedEvenWhenItsFileCannotBeKept) {
+  Etat.Erreur = "Masse : « x »";
+  EcrireFichier(Système.DossierImportsConservés(), "");
+  UneInterrogation.Retard_FinTempo("");
+  EXPECT_EQ(Canal.Messages.at(0), std::pair(Etat.Erreur, true));
+  EXPECT_GT(std::filesystem::file_size(FichierErreursDuJour(Système)), Etat.Erreur.size());
+  EXPECT_EQ(Fenêtres.Dites().size(), 1U);
 }
 
 TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromTheEnd) {

@@ -100,7 +100,7 @@ TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
                 Issue)
           << Place << Texte;
       Faire("DELETE FROM Chargement");
-      Faire("$ rm -f poste/imports-refusés/*");
+      Faire("$ rm -rf poste/imports-refusés");
     }
 }
 
@@ -165,14 +165,14 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
     EXPECT_TRUE(Boîte.empty() ? Issue.empty() : Issue.starts_with(Boîte)) << Issue;
     EXPECT_TRUE(Boîte == Refusé ? Issue.ends_with("NAK") : !Issue.ends_with("K")) << Issue;
     // A refused import file is kept for the operator; none is left in the way.
-    EXPECT_EQ(std::filesystem::is_empty(Plateforme.LeSystème.DossierImportsConservés()), Boîte != Refusé);
+    EXPECT_EQ(std::filesystem::exists(Plateforme.LeSystème.DossierImportsConservés()), Boîte == Refusé);
     EXPECT_FALSE(std::filesystem::is_regular_file(En("poste/import/RG80 import.txt")));
     Faire(Réparer);
     EXPECT_EQ(Rentrés() + std::to_string(Cumuls), "0 0 00");
     EXPECT_EQ(Relever(Offre(Enregistrement())), "ACK");
     EXPECT_EQ(Rentrés() + std::to_string(std::exchange(Cumuls, 0)), "1 1 01");
     Faire("DELETE FROM Chargement");
-    Faire("$ rm -f poste/imports-refusés/*");
+    Faire("$ rm -rf poste/imports-refusés");
   }
   // Figures that can't be worked out don't take a load back.
   Faire(Sans("Sélection", "").Casser);

@@ -36,10 +36,7 @@ struct FauxSystème : ISystème {
   DateHeure Maintenant() const override { return Mur; }
   Régional FormesRégionales() const override { return {}; }
   std::filesystem::path CheminApplication() const override { return Dossier; }
-  std::filesystem::path DossierImportsConservés() const override {
-    std::filesystem::create_directories(Dossier / "imports-refusés");
-    return Dossier / "imports-refusés";
-  }
+  std::filesystem::path DossierImportsConservés() const override { return Dossier / "imports-refusés"; }
   bool Pomper(milliseconds AttenteMax) override {
     if (++Pompages > 1'000'000) throw std::logic_error("a wait that never ends");
     const auto Prochain = File_.begin();

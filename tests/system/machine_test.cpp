@@ -89,7 +89,7 @@ TEST_F(Machine, KeepsUserSettingsInFoldersOfTheirOwnerAloneAndFormsOfNumbers) {
   EXPECT_EQ(Réglages.Lire("A", "F", "Left", "-1"), "0");
   EXPECT_EQ(Réglages.Lire("B", "F", "Left", "-1"), " 8");
   EXPECT_EQ(Réglages.Lire("B", "G", "Left", "-1"), "-1");
-  for (const fs::path& Fait : {D_ / "config", D_ / "a", D_ / "a" / "b", Machine_.Système().DossierImportsConservés()})
+  for (const fs::path& Fait : {D_ / "config", D_ / "a", D_ / "a" / "b"})
     EXPECT_EQ(fs::status(Fait).permissions(), fs::perms::owner_all) << Fait;
   setenv("XDG_CONFIG_HOME", "relatif", 1);
   setenv("HOME", "/maison", 1);
