@@ -11,6 +11,11 @@ as_root() {
 have_compiler() { command -v c++ >/dev/null && echo 'int main(){}' | c++ -std=c++20 -x c++ -fsyntax-only - 2>/dev/null; }
 # True when the compiler finds the header.
 have_header() { have_compiler && echo "#include <$1>" | c++ -std=c++20 -x c++ -fsyntax-only - 2>/dev/null; }
+# True when Clang links fuzz programs.
+have_fuzzer() {
+  echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
+    clang++ -fsanitize=fuzzer,address,undefined -x c++ - -o /dev/null 2>/dev/null
+}
 have_cmake_package() { compgen -G "/usr/lib/*/cmake/$1/$1Config.cmake" >/dev/null || compgen -G "/usr/lib/cmake/$1/*onfig.cmake" >/dev/null; }
 
 # Prints the Debian packages whose purpose isn't met yet. $1: "tests" adds what only the tests need.
@@ -24,19 +29,20 @@ missing_packages() {
     have_header gtest/gtest.h || echo libgtest-dev
     command -v Xvfb >/dev/null || echo xvfb
     command -v xdotool >/dev/null || echo xdotool
+    have_fuzzer || printf 'clang\nlibclang-rt-dev\n'
   fi
 }
 
-# Qt, Xvfb and xdotool widen the build and the tests; without the others there is none.
+# Qt, Xvfb, xdotool and Clang widen the build and the tests; without the others there is none.
 install_packages() {
   local wanted needed
   wanted=$(missing_packages "$1")
   [ -z "$wanted" ] && return 0
   say "Installing:" $wanted
   if ! { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $wanted fonts-dejavu-core; } >"$log" 2>&1; then
-    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool || true)
+    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool -e clang || true)
     [ -z "$needed" ] || { tail -5 "$log" >&2; fail "Missing and not to be installed here:" $needed; }
-    say "Without" $(missing_packages "$1") "the console edition is built alone"
+    say "Going on without" $(missing_packages "$1")
   fi
 }
 

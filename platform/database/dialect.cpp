@@ -240,11 +240,13 @@ class Traducteur {
     const auto FinDroite = FinSource(Droite);
     if (!EstMotcléLà(Mot, "JOIN") || !FinDroite || !EstMotcléLà(SauterBlancs(*FinDroite), "ON")) return std::nullopt;
 
-    const std::string Devant = Copie(Place, Gauche);
+    // A parenthesis or a bracket needs no blank beside it; the name that takes its place does.
+    const bool ColléDevant = Gauche == Place && Place > 0 && Jetons_[Place - 1].Sorte == Genre::Motclé;
+    const std::string Devant = ColléDevant ? " " : Copie(Place, Gauche);
     const std::string Conservée = Suite(Droite, *FinDroite);
     const std::string Facultative = Suite(Gauche, *FinGauche);
     Place = *FinDroite;
-    return Devant + Conservée + " LEFT JOIN " + Facultative;
+    return Devant + Conservée + " LEFT JOIN " + Facultative + (Jetons_[Place].Sorte == Genre::Blanc ? "" : " ");
   }
 
   std::vector<Jeton> Jetons_;
