@@ -29,7 +29,8 @@ class ModèleGrille : public QAbstractTableModel {
 class GrilleChargements : public QTableView {
  public:
   explicit GrilleChargements(QWidget* Parent);
-  /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
+  /// A column has room for usual contents and widens to what comes to stand in it, until its width is given by
+  /// FixerLargeur or by hand.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
   void FixerLargeur(int Colonne, int Pixels);
