@@ -46,6 +46,7 @@ void FSuiviChargnt::Form_Load() {
     Place.Gauche = -Place.Largeur;  // out of sight, yet Esc still presses it
     Vue_->PlacerContrôle(ContrôleSuivi::BtnMasquer, Place);
   });
+  Ignorer(Ignorée, [this] { ReprendrePlace(); });  // a window that is never shown saves its place all the same
 }
 
 void FSuiviChargnt::Form_Unload() {
@@ -167,11 +168,7 @@ void FSuiviChargnt::MontrerLigne(const std::string& Texte) {
 
 void FSuiviChargnt::Form_Activate() {
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] {
-    const Rectangle Présente = Vue_->PlaceFenêtre();
-    const Rectangle Réglée = RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LirePlace(Présente);
-    if (Réglée != Présente) Vue_->PlacerFenêtre(Réglée);
-  });
+  Ignorer(Ignorée, [this] { ReprendrePlace(); });
   Rafraîchir();
   Ignorer(Ignorée, [this] { Vue_->MettreDevant(); });
 }
@@ -185,6 +182,12 @@ bool FSuiviChargnt::Form_QueryUnload(bool ParUtilisateur) {
   Vue_->Cacher();
   if (!Sauvé) AjouterMessage("La place de la fenêtre n'a pas pu être enregistrée : " + Erreur.Texte(), false);
   return true;
+}
+
+void FSuiviChargnt::ReprendrePlace() {
+  const Rectangle Présente = Vue_->PlaceFenêtre();
+  const Rectangle Réglée = RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LirePlace(Présente);
+  if (Réglée != Présente) Vue_->PlacerFenêtre(Réglée);
 }
 
 void FSuiviChargnt::SauverPlacement() {

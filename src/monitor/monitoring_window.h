@@ -47,6 +47,7 @@ class FSuiviChargnt final : public IGestesSuivi {
  private:
   void Form_Load();
   void Form_Unload();
+  void ReprendrePlace();
   void SauverPlacement();
   void MontrerLigne(const std::string& Texte);
   void RemplirGrille();

@@ -131,8 +131,12 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
     Fenêtre->Form_Activate();
     EXPECT_EQ(Vue().Fenêtre, Attendue);
   }
+  Fenêtre.reset();
+  Réglages = Place("0", "45", "7000", "5000");
+  Ouvrir();  // never shown: what is read is what is saved
+  Fenêtre.reset();
+  EXPECT_EQ(std::exchange(Réglages, {}), Place("0", "45", "7000", "5000"));
   Ouvrir();
-  Réglages.clear();
   Vue().Visible = true;
   EXPECT_TRUE(!Fenêtre->Form_QueryUnload(false) && Réglages.empty());
   EXPECT_TRUE(Fenêtre->Form_QueryUnload(true) && !Vue().Visible);
