@@ -6,6 +6,7 @@
 #include <iostream>
 #include <utility>
 
+#include "common/ansi_text.h"
 #include "common/failures.h"
 #include "common/files.h"
 #include "common/regional_forms.h"
@@ -15,7 +16,6 @@ namespace Tarvel {
 namespace {
 
 using Ombrey::ConnexionSqlite;
-using Ombrey::ErreurExécution;
 using Ombrey::EstNull;
 using Ombrey::ValeurChamp;
 
@@ -38,20 +38,20 @@ struct TexteErreur {
   const char* Texte;
 };
 
-constexpr std::array<TexteErreur, 6> Textes = {{
+constexpr std::array<TexteErreur, 5> Textes = {{
     {ErreurBase::CodeInvalide, "le code n'est pas un nombre de six chiffres au plus"},
     {ErreurBase::CodeExistant, "ce code existe déjà"},
     {ErreurBase::CoopérateurInconnu, "le propriétaire ou le récoltant est inconnu"},
     {ErreurBase::PartInvalide, "la part n'est pas un nombre entre 0 et 999,9999"},
-    {ErreurBase::CodesEpuisés, "il n'y a plus de code d'exploitation libre"},
-    {ErreurBase::Echec, "échec de la base de données"},
+    {ErreurBase::CodesÉpuisés, "il n'y a plus de code d'exploitation libre"},
 }};
 
 }  // namespace
 
 std::string KVSynchroTarvel::CodeSiteCourant() {
   const std::string Code = TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'"));
-  return Code.empty() ? SiteParDéfaut : Code;
+  // As the import file, whose bytes are those of the line, can write it: else the site wouldn't find its own loads.
+  return Code.empty() ? SiteParDéfaut : DepuisAnsi(Ombrey::VersAnsi(Code));
 }
 
 std::int64_t KVSynchroTarvel::DernierChargement() {
@@ -127,7 +127,10 @@ BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey:
       KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_)),
       EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_)),
       BaseDAO_(std::make_shared<Ombrey::BaseSqlite>(Connexion_)),
-      Figures_(*Connexion_, Système) {}
+      Figures_(*Connexion_, Système) {
+  // Also when the port opens later and nobody activates the base.
+  KVSynchro_->Mémoriser();
+}
 
 void BaseDeDTarvel::ActiverBase(bool& Drapeau) {
   KVSynchro_->Mémoriser();
@@ -151,15 +154,9 @@ std::string BaseDeDTarvel::ListeCépages(std::optional<std::string> Filtre, std:
 
 template <class Création>
 std::int16_t BaseDeDTarvel::Créer(Création&& Faire) {
-  ErreurBase Résultat = ErreurBase::Echec;
-  try {
-    Ombrey::Transaction Tout(*Connexion_);
-    Résultat = Faire();
-    if (Résultat == ErreurBase::Aucune) Tout.Valider();
-  } catch (const ErreurExécution& Erreur) {
-    DernierEchec_ = Erreur.what();
-    Résultat = ErreurBase::Echec;
-  }
+  Ombrey::Transaction Tout(*Connexion_);
+  const ErreurBase Résultat = Faire();
+  if (Résultat == ErreurBase::Aucune) Tout.Valider();
   return static_cast<std::int16_t>(Résultat);
 }
 
@@ -171,16 +168,16 @@ std::optional<std::int64_t> BaseDeDTarvel::CodeNumérique(const std::string& Tex
   return Ombrey::ArrondirEntier32(Code);
 }
 
-ValeurChamp BaseDeDTarvel::CodeEcrit(const char* Sql, const std::string& Code) const {
+ValeurChamp BaseDeDTarvel::CodeÉcrit(const char* Sql, const std::string& Code) const {
   const auto Nombre = CodeNumérique(Code);
   return Nombre ? Connexion_->Lire(Sql, {*Nombre}) : ValeurChamp{};
 }
 
-ValeurChamp BaseDeDTarvel::GroupeEcrit(const std::string& Groupe) const {
-  ValeurChamp Connu = CodeEcrit(GroupeParCode, Groupe);
+ValeurChamp BaseDeDTarvel::GroupeÉcrit(const std::string& Groupe) const {
+  ValeurChamp Connu = CodeÉcrit(GroupeParCode, Groupe);
   if (!EstNull(Connu)) return Connu;
   const auto Nombre = CodeNumérique(Groupe);
-  if (!Nombre || *Nombre == 0 || *Nombre > GroupeLePlusHaut) return {};
+  if (!Nombre || *Nombre > GroupeLePlusHaut) return {};
   return std::to_string(*Nombre);
 }
 
@@ -188,7 +185,7 @@ std::int16_t BaseDeDTarvel::AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nou
   return Créer([&] {
     const auto Code = CodeNumérique(Nouveau.IdCoopérateur);
     if (!Code) return ErreurBase::CodeInvalide;
-    if (!EstNull(CodeEcrit(CoopérateurParCode, Nouveau.IdCoopérateur))) return ErreurBase::CodeExistant;
+    if (!EstNull(CodeÉcrit(CoopérateurParCode, Nouveau.IdCoopérateur))) return ErreurBase::CodeExistant;
     const auto Création = Ombrey::LireDate(Nouveau.Horodatage);
     Connexion_->Exécuter(
         "INSERT INTO Coopérateur (IdCoopérateur, Nom, Prénom, DateCréation) VALUES (?1, ?2, '', ?3)",
@@ -207,20 +204,20 @@ std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, c
     if (!NormaliserNombre(TextePart, Formes)) return ErreurBase::PartInvalide;
     const double NombrePart = EnRéel(TextePart, Formes);
     if (NombrePart < 0 || NombrePart > PartLaPlusHaute) return ErreurBase::PartInvalide;
-    const ValeurChamp CodePropriétaire = CodeEcrit(CoopérateurParCode, Propriétaire);
-    const ValeurChamp CodeRécoltant = CodeEcrit(CoopérateurParCode, Récoltant);
+    const ValeurChamp CodePropriétaire = CodeÉcrit(CoopérateurParCode, Propriétaire);
+    const ValeurChamp CodeRécoltant = CodeÉcrit(CoopérateurParCode, Récoltant);
     if (EstNull(CodePropriétaire) || EstNull(CodeRécoltant)) return ErreurBase::CoopérateurInconnu;
     const auto NombreBadge = CodeNumérique(Badge);
 
     const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(CAST(IdMétayage AS INTEGER)) FROM Métayage");
     const std::int64_t Suivant = EstNull(Dernier) ? 1 : std::get<std::int64_t>(Dernier) + 1;
-    if (Suivant > CodeLePlusHaut) return ErreurBase::CodesEpuisés;
+    if (Suivant > CodeLePlusHaut) return ErreurBase::CodesÉpuisés;
     Nouveau = std::to_string(Suivant);
     Connexion_->Exécuter(
         "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp)"
         " VALUES (?1, ?2, ?3, ?4, ?5, ?6)",
         {Nouveau, CodePropriétaire, CodeRécoltant, NombrePart, NombreBadge ? ValeurChamp{*NombreBadge} : ValeurChamp{},
-         GroupeEcrit(Groupe)});
+         GroupeÉcrit(Groupe)});
     return ErreurBase::Aucune;
   });
   if (Résultat == static_cast<std::int16_t>(ErreurBase::Aucune)) Code = Nouveau;
@@ -228,10 +225,8 @@ std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, c
 }
 
 std::string BaseDeDTarvel::TexteErreurBase(std::int16_t Erreur) {
-  for (const TexteErreur& T : Textes) {
-    if (static_cast<std::int16_t>(T.Erreur) != Erreur) continue;
-    return T.Erreur == ErreurBase::Echec ? T.Texte + std::string(" : ") + DernierEchec_ : T.Texte;
-  }
+  for (const TexteErreur& T : Textes)
+    if (static_cast<std::int16_t>(T.Erreur) == Erreur) return T.Texte;
   return Erreur < 0 ? "erreur inconnue n° " + std::to_string(Erreur) : "";
 }
 

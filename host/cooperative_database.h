@@ -14,15 +14,14 @@
 
 namespace Tarvel {
 
-/// Why a creation failed; TexteErreurBase words it.
+/// Why a creation was refused; TexteErreurBase words it.
 enum class ErreurBase : std::int16_t {
   Aucune = 0,
   CodeInvalide = -1,
   CodeExistant = -2,
   CoopérateurInconnu = -3,
   PartInvalide = -4,
-  CodesEpuisés = -5,
-  Echec = -6,  ///< the database refused; the text carries its reason
+  CodesÉpuisés = -5,
 };
 
 class KVSynchroTarvel : public Ombrey::IKVSynchro {
@@ -88,9 +87,10 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   [[nodiscard]] std::string ListeCépages(std::optional<std::string> Filtre, std::string& Sélection,
                                          bool PremierSeul) override;
 
+  /// These two raise ErreurExécution, and create nothing, when the database can't be written.
   std::int16_t AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) override;
   /// The new code is the highest so far and one more. Both members must exist, and are written as their own rows write
-  /// them, so that the tables join; so is the group. A group from 1 to 999 that doesn't exist is written as a number,
+  /// them, so that the tables join; so is the group. A group from 0 to 999 that doesn't exist is written as a number,
   /// so that the pair's loads get their figures until the group has a row; any other is left out. Part is a percentage.
   std::int16_t AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant, std::string& Code,
                                const std::string& Part, const std::string& Groupe, const std::string& Badge) override;
@@ -110,9 +110,9 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   std::int16_t Créer(Création&& Faire);
   [[nodiscard]] std::optional<std::int64_t> CodeNumérique(const std::string& Texte) const;
   /// Code as its own row writes it; Null when there is no such row.
-  [[nodiscard]] Ombrey::ValeurChamp CodeEcrit(const char* Sql, const std::string& Code) const;
+  [[nodiscard]] Ombrey::ValeurChamp CodeÉcrit(const char* Sql, const std::string& Code) const;
 
-  [[nodiscard]] Ombrey::ValeurChamp GroupeEcrit(const std::string& Groupe) const;
+  [[nodiscard]] Ombrey::ValeurChamp GroupeÉcrit(const std::string& Groupe) const;
 
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   Ombrey::ISystème& Système_;
@@ -120,7 +120,6 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   std::shared_ptr<EtatBdDTarvel> EtatBdD_;
   std::shared_ptr<Ombrey::BaseSqlite> BaseDAO_;
   Figures Figures_;
-  std::string DernierEchec_;
 };
 
 }  // namespace Tarvel

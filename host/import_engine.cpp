@@ -66,9 +66,9 @@ struct Choix {
 };
 
 /// Writes loads into the table, inside a transaction of the caller's.
-class Ecriture {
+class Écriture {
  public:
-  Ecriture(ConnexionSqlite& Connexion, const DéfinitionImport& Définition)
+  Écriture(ConnexionSqlite& Connexion, const DéfinitionImport& Définition)
       : Connexion_(Connexion), Définition_(Définition) {}
 
   ChargementImporté Ecrire(const std::vector<ValeurChamp>& Valeurs) {
@@ -179,7 +179,7 @@ std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre,
   std::vector<ChargementImporté> Importés;
   Importés.reserve(Chargements.size());
   Ombrey::Transaction Tout(Connexion_);
-  Ecriture Table(Connexion_, Définition);
+  Écriture Table(Connexion_, Définition);
   for (const auto& Valeurs : Chargements) Importés.push_back(Table.Ecrire(Valeurs));
   Tout.Valider();
   return Importés;

@@ -46,9 +46,9 @@ class MoteurImport {
 
   /// Imports the whole file or nothing of it; when the call returns, all is on the disk. Site, number, date and time,
   /// and holding make a load: the same load again changes its row, and another load of the same site and number moves
-  /// the former one to ChargementArchive. Within a day, the same load is also one that differs in nothing but its
-  /// dates, or in a holding that was "0"; the row keeps its first dates. Raises ErreurContenu for a value that can't be
-  /// used, and ErreurExécution when the file, the layout or the database can't be.
+  /// the former one to ChargementArchive. The same load is also one that differs in nothing but a holding that was "0",
+  /// or dates within a day one of which is the time of its import; the row keeps its first dates. Raises ErreurContenu
+  /// for a value that can't be used, and ErreurExécution when the file, the layout or the database can't be.
   [[nodiscard]] std::vector<ChargementImporté> Importer(const std::string& Titre, const std::string& Fichier);
 
  private:

@@ -118,11 +118,6 @@ std::vector<std::string> Découper(std::string_view Ligne, const std::string& S�
   return Valeurs;
 }
 
-std::string TexteOuVide(const ValeurChamp& Valeur) {
-  const auto* Texte = std::get_if<std::string>(&Valeur);
-  return Texte ? *Texte : "";
-}
-
 }  // namespace
 
 bool EstIdentité(std::string_view Nom) {
@@ -141,9 +136,9 @@ DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std:
       Connexion.Préparer("SELECT LongChps, Format FROM MSysEtats WHERE Titre = ?1 AND Exportation = 0");
   if (!Requête.Lier({Titre}).Avancer()) throw ErreurExécution("Définition d'import inconnue : " + Titre);
 
-  DéfinitionImport Définition{{}, TexteOuVide(Requête.Valeur(1))};
+  DéfinitionImport Définition{{}, Ombrey::TexteOuVide(Requête.Valeur(1), {})};
   if (Définition.Séparateur.empty()) throw ErreurExécution("Définition d'import sans séparateur : " + Titre);
-  for (const std::string& Texte : ListeChamps("\r").Décomposer(TexteOuVide(Requête.Valeur(0)))) {
+  for (const std::string& Texte : ListeChamps("\r").Décomposer(Ombrey::TexteOuVide(Requête.Valeur(0), {}))) {
     Définition.Colonnes.push_back(LireColonne(Texte));
     const std::string& Nom = Définition.Colonnes.back().Nom;
     if (EstNull(Connexion.Lire("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2", {TableChargements, Nom})))

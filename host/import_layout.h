@@ -22,10 +22,16 @@ struct Critère {
   const char* Proche;  ///< the same for a load that is sent again and whose date or holding could not be had at first
 };
 
+/// The time of an import, which stands for a date that is none, has seconds; the terminal's own dates have whole
+/// minutes, and two of them that differ are two loads.
+inline constexpr const char* DateProche =
+    "(SELECT abs(DateCh - V) < 0.5 / 86400 OR abs(DateCh - V) < 1"
+    " AND max(abs(DateCh * 1440 - round(DateCh * 1440)), abs(V * 1440 - round(V * 1440))) > 0.01 FROM (SELECT ? AS V))";
+
 inline constexpr std::array<Critère, 4> Identité = {{
     {"CodeSite", "CodeSite = ?", "CodeSite = ?"},
     {"NoChargement", "NoChargement = ?", "NoChargement = ?"},
-    {"DateCh", "abs(DateCh - ?) < 0.5 / 86400", "abs(DateCh - ?) < 1"},  // half a second; a day
+    {"DateCh", "abs(DateCh - ?) < 0.5 / 86400", DateProche},  // half a second
     {"Métayage", "Métayage = ?", "Métayage IN (?, '0')"},
 }};
 /// So many of them, from the first, find at most one row of the table of loads.

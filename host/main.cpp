@@ -11,6 +11,7 @@
 
 #include "common/failures.h"
 #include "common/files.h"
+#include "common/regional_forms.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/options.h"
@@ -44,7 +45,8 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
 /// A database without its tables isn't one of a cooperative; one that can't be written can still be looked at.
 std::shared_ptr<Ombrey::IBaseDeD> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
                                              Tarvel::IÉdition& Édition) {
-  const auto Connexion = Ombrey::ConnexionSqlite::Ouvrir(Choisies.Base);
+  const auto Connexion =
+      Ombrey::ConnexionSqlite::Ouvrir(Choisies.Base, [&Système] { return NuméroDeJour(Système.Maintenant()); });
   std::string Absentes;
   for (const std::string& Table : Tarvel::TablesManquantes(*Connexion)) Absentes += " " + Table;
   const std::string Nom = "La base «" + Ombrey::TexteChemin(Choisies.Base) + "»";

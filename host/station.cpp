@@ -21,7 +21,7 @@ constexpr std::uint8_t NumBouton = 1;
 constexpr std::uint8_t NumMenu = 1;
 constexpr auto AttenteParPompe = 1h;
 /// Between two tries of a loop that fails by itself, so that it can't eat the machine.
-constexpr auto RepitAprèsPanne = 100ms;
+constexpr auto RépitAprèsPanne = 100ms;
 
 class ÉchoHôte final : public Ombrey::IEventPlugin {
  public:
@@ -109,7 +109,7 @@ void Station::Pomper() {
     Boucle_.Pomper(AttenteParPompe);
   } catch (const std::exception& Erreur) {
     Édition_.Dire(Erreur.what());
-    std::this_thread::sleep_for(RepitAprèsPanne);
+    std::this_thread::sleep_for(RépitAprèsPanne);
   }
 }
 

@@ -10,6 +10,9 @@
 namespace Ombrey {
 namespace {
 
+/// The engine reads no deeper, and refuses what is copied as it stands.
+constexpr int ProfondeurMax = 100;
+
 enum class Genre { Blanc, Littéral, Nombre, Nom, Motclé, Signe };
 
 struct Jeton {
@@ -201,8 +204,15 @@ class Traducteur {
   /// What stands between two parentheses; Place then stands behind the closing one.
   std::string Intérieur(std::size_t& Place, std::size_t Fermante) {
     ++Place;
+    if (Profondeur_ == ProfondeurMax) {
+      std::string Texte = Copie(Place, Fermante);
+      ++Place;
+      return Texte;
+    }
+    ++Profondeur_;
     std::string Texte = JointureRetournée(Place).value_or("");
     Texte += Suite(Place, Fermante);
+    --Profondeur_;
     Place = Fermante + 1;
     return Texte;
   }
@@ -250,7 +260,8 @@ class Traducteur {
   }
 
   std::vector<Jeton> Jetons_;
-  bool OrdreLibre_;  ///< no result column depends on the order of the tables
+  int Profondeur_ = 0;  ///< of the parentheses that stand open
+  bool OrdreLibre_;     ///< no result column depends on the order of the tables
 };
 
 }  // namespace

@@ -5,7 +5,6 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <ctime>
 #include <iostream>
 #include <system_error>
 #include <utility>
@@ -19,15 +18,6 @@
 namespace Ombrey {
 namespace {
 
-double HorlogeMurale() {
-  const std::time_t Instant = std::time(nullptr);
-  std::tm Locale{};
-  localtime_r(&Instant, &Locale);
-  constexpr int AnnéeZéro = 1900;
-  return NuméroDeJour(
-      {Locale.tm_year + AnnéeZéro, Locale.tm_mon + 1, Locale.tm_mday, Locale.tm_hour, Locale.tm_min, Locale.tm_sec});
-}
-
 struct Lieur {
   sqlite3_stmt* Brute;
   int Rang;
@@ -39,9 +29,9 @@ struct Lieur {
   }
 };
 
-bool EstRemplissage(std::string_view Reste) { return Reste.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
-
 }  // namespace
+
+bool EstRemplissage(std::string_view Reste) { return Reste.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
 
 void Instruction::Finir::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
 
@@ -115,7 +105,7 @@ ConnexionSqlite::ConnexionSqlite(const std::filesystem::path& Fichier, Horloge M
   if (!Base) throw ErreurExécution(TexteÉchec(SQLITE_NOMEM, "sqlite3_open_v2"));
   if (Code != SQLITE_OK) LeverÉchec(Base);
   sqlite3_busy_timeout(Base, static_cast<int>(AttenteVerrou.count()));
-  InscrireFonctions(Base, Maintenant ? std::move(Maintenant) : HorlogeMurale);
+  InscrireFonctions(Base, std::move(Maintenant));
   Exécuter("SELECT count(*) FROM sqlite_master");  // the file is first read here
   if (!EstEnLectureSeule()) PasserEnJournalAnticipé();
   ExécuterTout("PRAGMA synchronous = FULL");

@@ -21,6 +21,9 @@ namespace Ombrey {
 /// answer to its load, so that a refusal reaches it.
 inline constexpr std::chrono::milliseconds AttenteVerrou{8'000};
 
+/// True when nothing but blanks and semicolons stands behind a statement.
+[[nodiscard]] bool EstRemplissage(std::string_view Reste);
+
 /// One prepared statement. Values are numbered ?1, ?2, … and never part of its text. Every operation raises
 /// ErreurExécution in French when the engine refuses.
 class Instruction {
@@ -53,7 +56,7 @@ class Instruction {
 /// aren't enforced: a load is kept even when its holding is unknown.
 class ConnexionSqlite {
  public:
-  /// Gives the present moment in days since 1899-12-30; the clock on the wall when left out.
+  /// Gives the present moment in days since 1899-12-30. Without it, queries that ask for the date fail.
   using Horloge = std::function<double()>;
 
   /// Opens a file that is there; when it may only be read, only reading works. Raises ErreurExécution when it is

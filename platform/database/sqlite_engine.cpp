@@ -126,8 +126,7 @@ std::unique_ptr<IRecordset> BaseSqlite::OpenRecordset(const std::string& Sql, Ty
   const std::string Traduite = TraduireEnSqlite(Sql);
   std::string_view Reste;
   Instruction Requête(Connexion_->Brute(), Traduite, &Reste);
-  const bool EstSeule = Reste.find_first_not_of(" \t\r\n;") == std::string_view::npos;
-  if (!EstSeule || !Requête.NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
+  if (!EstRemplissage(Reste) || !Requête.NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
   if (Type == TypeRecordset::VersLAvant) return std::make_unique<RecordsetVersLAvant>(std::move(Requête));
   return Instantané(std::move(Requête));
 }

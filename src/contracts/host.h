@@ -80,7 +80,8 @@ class IBaseDeD {
   /// plug-in; PremierSeul is always true.
   [[nodiscard]] virtual std::string ListeCépages(std::optional<std::string> Filtre, std::string& Sélection,
                                                  bool PremierSeul) = 0;
-  /// These two create a row. A negative result is a failure that TexteErreurBase words.
+  /// These two create a row. A negative result is a refusal that TexteErreurBase words. They raise ErreurExécution when
+  /// the database can't be written: the load is offered again.
   virtual std::int16_t AjouterCoopérateur(NouveauCoopérateur& Nouveau) = 0;
   /// Code is "0" on entry and holds the new holding's IdMétayage when the call worked.
   virtual std::int16_t AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant, std::string& Code,
@@ -156,8 +157,7 @@ class IPlugInTarvel {
 };
 
 /// The one symbol that the plug-in's library exports, under this name: fills PlugIn with a new plug-in that works on
-/// Plateforme, which must outlive it. Raises what Plateforme
-/// raises, and there is no plug-in then.
+/// Plateforme, which must outlive it. Raises what Plateforme raises, and there is no plug-in then.
 inline constexpr const char* NomFabrique = "PlgInOmbrey_CreerPlugIn";
 using FabriquePlugIn = void (*)(IPlateforme& Plateforme, std::shared_ptr<IPlugInTarvel>& PlugIn);
 

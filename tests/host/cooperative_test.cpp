@@ -122,7 +122,7 @@ TEST_F(Base, CreatesMembersAndHoldingsThatTheQueriesFind) {
   Connexion_->Exécuter("INSERT INTO Groupement (IdGrp) VALUES ('008')");
   int Code = 17;
   for (const auto& [Groupe, Ecrit] :
-       {std::pair{"8", "008"}, {"042", "42"}, {"999", "999"}, {"1000", ""}, {"", ""}, {"0", ""}}) {
+       {std::pair{"8", "008"}, {"042", "42"}, {"999", "999"}, {"1000", ""}, {"", ""}, {"0", "0"}}) {
     EXPECT_EQ(Exploitation("900", "900", "100.0000", Groupe), std::to_string(Code));
     EXPECT_EQ(Lire("SELECT IdGrp FROM Métayage WHERE IdMétayage = '" + std::to_string(Code++) + "'"), Ecrit) << Groupe;
   }
@@ -175,7 +175,7 @@ struct Nouvelles : Ombrey::IÉcouteurKVSynchro {
 
 TEST_F(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
   for (const auto& [Changement, Site] :
-       {std::pair{"UPDATE Paramètre SET Valeur = 'A'", "A"}, {"DELETE FROM Paramètre", "1"}}) {
+       {std::pair{"UPDATE Paramètre SET Valeur = 'Œ Ω'", "Œ ?"}, {"DELETE FROM Paramètre", "1"}}) {
     Connexion_->Exécuter(Changement);
     EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), Site);
   }
@@ -186,13 +186,17 @@ TEST_F(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
   EXPECT_EQ(Base_->ListeCépages("M", Rouge, true), "Mourvèdre");
   EXPECT_EQ(Base_->ListeCépages({}, Inconnue, true), "");
 
+  // What stands there at the start is no news, even if nobody activates the base.
+  ASSERT_EQ(Importer("3" + Ligne().substr(1)), "");
+  Rouvrir();
   Nouvelles Écouteur;
   Base_->KVSynchro()->Connecter(&Écouteur);
-  bool Drapeau = false;
-  Base_->ActiverBase(Drapeau);
   ASSERT_EQ(Importer(Ligne()), "");
   Base_->Actualiser();
   EXPECT_EQ(Écouteur.Sites, "");
+  ASSERT_EQ(Importer("3" + Ligne("8").substr(1)), "");
+  bool Drapeau = false;
+  Base_->ActiverBase(Drapeau);
   ASSERT_EQ(Importer("2" + Ligne("9").substr(1)), "");
   Base_->Actualiser();
   Base_->Actualiser();

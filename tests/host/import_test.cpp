@@ -55,14 +55,15 @@ TEST_F(Import, KnowsALoadThatIsSentAgainWithTheDateOrTheHoldingItLackedAtFirst) 
   const std::tuple<std::string, std::string, const char*> Cas[] = {
       // No date: the time of each import stands for it.
       {Ligne("12", "22/09/2026 23:59:50"), Tardive, "22/09/2026 23:59 09:15 4"},
-      {Ligne("12", "22/09/2026 10:00:00", "4", "", ""), Ligne("12", "22/09/2026 09:00:00", "4", "", ""),
+      {Ligne("12", "22/09/2026 10:00:00", "4", "", ""), Ligne("12", "22/09/2026 09:00:01", "4", "", ""),
        "22/09/2026 10:00 09:15 4"},
       // The holding could be created only at the second time.
       {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/26 08:30", "4"), "22/09/2026 08:30 09:15 4"},
       {Ligne("12", "22/09/26 08:30", "0"), Ligne("12", "22/09/2026 11:22:33", "4"), "22/09/2026 08:30 09:15 4"},
-      // Two loads: another holding, another weight, another day.
+      // Two loads: another holding, another weight, another time or day of the terminal's own.
       {Ligne(), Ligne("12", "22/09/26 08:30", "5"), nullptr},
       {Ligne(), Ligne("12", "22/09/26 08:31", "4", "05", "1235"), nullptr},
+      {Ligne(), Ligne("12", "22/09/26 08:31"), nullptr},
       {Ligne(), Ligne("12", "23/09/26 08:30"), nullptr},
   };
   // clang-format on
@@ -178,9 +179,8 @@ TEST_F(Import, SaysThatTheFileIsReadOnly) {
     if (geteuid() == 0 && setuid(Personne) != 0) _exit(2);
     Rouvrir();
     Ombrey::NouveauCoopérateur Nouveau{"900", "Nom", ""};
-    const bool EstDit =
-        Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau)).find("en lecture seule") != std::string::npos;
-    _exit(EstDit && Importer(Ligne()).starts_with("faux : La base de données est en lecture seule") ? 0 : 3);
+    EXPECT_THROW(Base_->AjouterCoopérateur(Nouveau), Ombrey::ErreurExécution);
+    _exit(!HasFailure() && Importer(Ligne()).starts_with("faux : La base de données est en lecture seule") ? 0 : 3);
   }
   int Etat = 0;
   ASSERT_EQ(waitpid(Enfant, &Etat, 0), Enfant);
