@@ -107,6 +107,8 @@ void PlugIn::IPlugInTarvel_MenuAppelé(std::int16_t Num, const std::string&) {
 }
 
 void PlugIn::TransférerDonnées() {
+  // Asked for twice: the window is on its way already, or open.
+  if (!FChargntDonnées_.expired()) return;
   const auto Tenu = État_.PlugInCourant;
   const auto Ligne =
       État_.Ligne.PrendreOuReporter(DemandeLigne::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });

@@ -49,12 +49,12 @@ void PlugIn::NettoyerFichiersImport() {
   std::string Nom;
   Exiger(État_.EtatBdD)->ObtenirFichierImport(Dossier, Nom);
   std::vector<std::filesystem::path> Restes;
+  std::error_code Code;
   for (const auto& Entrée : std::filesystem::directory_iterator(Chemin(Dossier))) {
     const bool EstImport = TexteChemin(Entrée.path().filename()).starts_with(DébutFichierImport);
-    if (EstImport && !Entrée.is_directory()) Restes.push_back(Entrée.path());
+    if (EstImport && !Entrée.is_directory(Code)) Restes.push_back(Entrée.path());
     if (Restes.size() == MaxFichiersNettoyés) break;
   }
-  std::error_code Code;
   for (const auto& Reste : Restes) std::filesystem::remove(Reste, Code);
 }
 

@@ -146,6 +146,7 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
     ++Ouvertures;
     // Polling is suspended: a poll asked for while the window is open comes behind its closing.
     Vue().Gestes.BtnInterroger_Click();
+    LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
     Dans(60000, [&] {
       EXPECT_EQ(Port->Ecrits.size(), 2U) << "poll first, then the window's link test";
       Fenêtre.Gestes.BtnFermer_Click();
@@ -160,6 +161,7 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   Lancer();
   const std::map<std::string, bool> Fichiers = {{"RG80 a.txt", false}, {"RG80 b.txt", false}, {"autre.txt", true}};
   for (const auto& [Nom, Reste] : Fichiers) std::ofstream(Dossier.Chemin() / Nom) << "\r\n";
+  std::filesystem::create_symlink("RG80 boucle", Dossier.Chemin() / "RG80 boucle");
   Laisser(10000);
   ASSERT_TRUE(std::filesystem::exists(FichierErreursDuJour(Système)));
   for (int i = 0; i < 2; ++i) EXPECT_EQ(LePlugIn->IPlugInTarvel_Terminer(), "");
