@@ -58,6 +58,8 @@ TEST(Dialecte, TurnsWhatSqliteLacksAndNothingElse) {
        "SELECT x FROM (B INNER JOIN C AS D ON B.i = D.i) LEFT JOIN A ON A.i = B.i WHERE y"},
       {"SELECT x FROM A RIGHT JOIN (B RIGHT JOIN C ON B.i = C.i) ON A.i = B.i",
        "SELECT x FROM (C LEFT JOIN B ON B.i = C.i) LEFT JOIN A ON A.i = B.i"},
+      {"SELECT x FROM(A)RIGHT JOIN B ON y", "SELECT x FROM B LEFT JOIN (A) ON y"},
+      {"SELECT x FROM A RIGHT JOIN(B)ON y", "SELECT x FROM (B) LEFT JOIN A ON y"},
       {"SELECT * FROM A RIGHT JOIN B ON A.i = B.i", "SELECT * FROM A RIGHT JOIN B ON A.i = B.i"},
       {"SELECT Count(*), a*-1 FROM t ORDER BY a DESC;", "SELECT Count(*), a*-1 FROM t ORDER BY a DESC;"},
       {"SELECT (a & b FROM t", "SELECT (a & b FROM t"}, {"SELECT a) FROM t", "SELECT a) FROM t"},
@@ -65,6 +67,8 @@ TEST(Dialecte, TurnsWhatSqliteLacksAndNothingElse) {
   };
   // clang-format on
   for (const auto& [Jet, Sqlite] : Cas) EXPECT_EQ(TraduireEnSqlite(Jet), Sqlite);
+  const std::string Profonde = std::string(10'000, '(') + "a & b" + std::string(10'000, ')');
+  EXPECT_EQ(TraduireEnSqlite(Profonde), Profonde);
 }
 
 TEST_F(BaseVigne, RunsTheDialect) {
