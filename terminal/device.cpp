@@ -36,7 +36,22 @@ constexpr std::array<Vitesse, 9> Vitesses{{{300, B300},
                                            {57600, B57600},
                                            {115200, B115200}}};
 
-std::string Cause() { return std::system_category().message(errno); }
+std::string Cause(int Numéro) {
+  switch (Numéro) {
+    case ENOENT:
+      return "introuvable";
+    case EACCES:
+      return "accès refusé";
+    case EBUSY:
+      return "déjà utilisé par un autre programme";
+    case EIO:
+      return "erreur d'entrée-sortie";
+    case ENOTDIR:
+      return "un élément du chemin n'est pas un dossier";
+    default:
+      return "erreur système " + std::to_string(Numéro);
+  }
+}
 
 speed_t CodeVitesse(unsigned Bauds) {
   const auto* const Trouvée =
@@ -76,7 +91,7 @@ void Lier(const std::string& Cible, const std::string& Lien) {
     fs::remove(Lien, Erreur);
   }
   fs::create_symlink(Cible, Lien, Erreur);
-  if (Erreur) throw ErreurDemande("Lien " + Lien + " impossible : " + Erreur.message() + ".");
+  if (Erreur) throw ErreurDemande("Lien " + Lien + " impossible : " + Cause(Erreur.value()) + ".");
 }
 
 }  // namespace
@@ -87,12 +102,12 @@ Ligne Ligne::SurLien(const std::string& Lien) {
   std::array<char, 128> Nom{};
   if (Neuve.Principal_ < 0 || grantpt(Neuve.Principal_) != 0 || unlockpt(Neuve.Principal_) != 0 ||
       ptsname_r(Neuve.Principal_, Nom.data(), Nom.size()) != 0) {
-    throw ErreurDemande("Pseudo-terminal impossible : " + Cause() + ".");
+    throw ErreurDemande("Pseudo-terminal impossible : " + Cause(errno) + ".");
   }
   Neuve.CheminSecondaire_ = Nom.data();
   Neuve.Secondaire_ = open(Nom.data(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   if (Neuve.Secondaire_ < 0 || !MettreEnBrut(Neuve.Secondaire_, B9600)) {
-    throw ErreurDemande(Neuve.CheminSecondaire_ + " : " + Cause() + ".");
+    throw ErreurDemande(Neuve.CheminSecondaire_ + " : " + Cause(errno) + ".");
   }
   Lier(Neuve.CheminSecondaire_, Lien);
   Neuve.Lien_ = Lien;
@@ -104,7 +119,7 @@ Ligne Ligne::SurPort(const std::string& Chemin, unsigned Bauds) {
   const speed_t Code = CodeVitesse(Bauds);
   Ligne Neuve;
   Neuve.Principal_ = open(Chemin.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
-  if (Neuve.Principal_ < 0) throw ErreurDemande("Port " + Chemin + " : " + Cause() + ".");
+  if (Neuve.Principal_ < 0) throw ErreurDemande("Port " + Chemin + " : " + Cause(errno) + ".");
   if (!MettreEnBrut(Neuve.Principal_, Code)) throw ErreurDemande("Port " + Chemin + " : pas un port série.");
   tcflush(Neuve.Principal_, TCIOFLUSH);
   Neuve.Description_ = Chemin + ", " + std::to_string(Bauds) + " bauds";
@@ -131,14 +146,14 @@ std::string Ligne::Lire(std::size_t Max) {
   constexpr std::size_t TailleLecture = 65536;
   std::string Octets(std::min(Max, TailleLecture), '\0');
   const ssize_t Lus = read(Principal_, Octets.data(), Octets.size());
-  if (Lus < 0 && errno != EAGAIN && errno != EINTR) throw std::runtime_error("Ligne perdue : " + Cause() + ".");
+  if (Lus < 0 && errno != EAGAIN && errno != EINTR) throw std::runtime_error("Ligne perdue : " + Cause(errno) + ".");
   Octets.resize(static_cast<std::size_t>(std::max<ssize_t>(Lus, 0)));
   return Octets;
 }
 
 std::size_t Ligne::Écrire(std::string_view Octets) {
   const ssize_t Écrits = write(Principal_, Octets.data(), Octets.size());
-  if (Écrits < 0 && errno != EAGAIN && errno != EINTR) throw std::runtime_error("Ligne perdue : " + Cause() + ".");
+  if (Écrits < 0 && errno != EAGAIN && errno != EINTR) throw std::runtime_error("Ligne perdue : " + Cause(errno) + ".");
   return static_cast<std::size_t>(std::max<ssize_t>(Écrits, 0));
 }
 

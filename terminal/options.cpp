@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <set>
 
 #include "terminal/loads.h"
 
@@ -101,13 +102,12 @@ TauxDePannes LireTaux(std::string_view Texte) {
 
 Options LireOptions(const std::vector<std::string>& Arguments) {
   Options Lues;
-  for (const std::string& Argument : Arguments) {
-    Lues.Aide = Lues.Aide || Argument == "--help";
-    Lues.Version = Lues.Version || Argument == "--version";
-  }
-  if (Lues.Aide || Lues.Version) return Lues;
+  std::set<std::string_view> Données;
   for (std::size_t Rang = 0; Rang < Arguments.size(); ++Rang) {
     const Option& Trouvée = TrouverOption(Arguments[Rang]);
+    if (!Données.insert(Trouvée.Nom).second) {
+      throw ErreurDemande("L'option " + std::string(Trouvée.Nom) + " est donnée deux fois.");
+    }
     std::string Valeur;
     if (!Trouvée.Valeur.empty()) {
       if (++Rang == Arguments.size() || Arguments[Rang].empty()) {
@@ -116,6 +116,7 @@ Options LireOptions(const std::vector<std::string>& Arguments) {
       Valeur = Arguments[Rang];
     }
     Trouvée.Poser(Lues, Trouvée.Nom, Valeur);
+    if (Lues.Aide || Lues.Version) return Lues;
   }
   if (Lues.Lien.empty() == Lues.Port.empty()) throw ErreurDemande("Il faut --lien ou --port, et un seul des deux.");
   return Lues;

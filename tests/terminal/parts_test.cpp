@@ -69,7 +69,7 @@ TEST(Pace, TakesTheWireTimeAndCatchesUp) {
 TEST(CommandLine, SaysWhatIsWrong) {
   // clang-format off
   const std::pair<const char*, const char*> Rows[] = {  // what the message must name
-      {"--f6", "--lien ou --port"}, {"--lien a --port b", "un seul"}, {"--lien", "--lien demande une valeur"},
+      {"--f6", "--lien ou --port"}, {"--lien a --port b", "un seul"}, {"--f6 --f6", "deux fois"}, {"--lien", "--lien demande une valeur"},
       {"--lien  --f6", "--lien demande une valeur"}, {"--lien a --vite", "--vite"}, {"--lien a b", "inconnue : b"},
       {"--cadence 0", "--cadence"}, {"--cadence 96OO", "96OO"}, {"--hasard -1", "-1"},
       {"--hasard 99999999999", "--hasard"}, {"--graine 1.5", "1.5"}, {"--panne foudre=1", "foudre"},
