@@ -40,6 +40,11 @@ std::string ValeurÉcrite(std::string_view Valeur) {
   return ÀProtéger ? '"' + std::string(Valeur) + '"' : std::string(Valeur);
 }
 
+bool EstAscii(std::string_view Bruts) {
+  constexpr unsigned char PremierAccent = 0x80;
+  return std::all_of(Bruts.begin(), Bruts.end(), [](char C) { return static_cast<unsigned char>(C) < PremierAccent; });
+}
+
 /// True when a name can be written so that it is found again.
 bool EstNom(std::string_view Nom, std::string_view Interdits) {
   return Rogner(Nom).size() == Nom.size() && Nom.find_first_of(Interdits) == std::string_view::npos &&
@@ -152,19 +157,25 @@ void TexteIni::Ecrire(std::string_view Section, std::string_view Clé, std::stri
   const std::string Écrite = DansLeFichier(ValeurÉcrite(Valeur));
   const std::string NouvelleLigne = DansLeFichier(std::string(Clé)) + "=" + Écrite + FinDeLigne_;
   const Recherche Trouvé = Chercher(Section, Clé);
+  std::string Nouveaux = Bruts_;
   if (Trouvé.Valeur) {
     const auto [Début, Fin] = *Trouvé.Valeur;
-    Bruts_.replace(Début, Fin - Début, Écrite);
-    return;
+    Nouveaux.replace(Début, Fin - Début, Écrite);
+  } else {
+    const std::size_t Place = Trouvé.Ajout.value_or(Bruts_.size());
+    const bool Coller = Place > 0 && Bruts_[Place - 1] != '\n' && Bruts_ != Marque;
+    std::string Ajout = Coller ? FinDeLigne_ : "";
+    if (!Trouvé.Ajout) {
+      const bool Séparer = !Bruts_.empty() && Bruts_ != Marque;
+      Ajout += (Séparer ? FinDeLigne_ : "") + "[" + DansLeFichier(std::string(Section)) + "]" + FinDeLigne_;
+    }
+    Nouveaux.insert(Place, Ajout + NouvelleLigne);
   }
-  const std::size_t Place = Trouvé.Ajout.value_or(Bruts_.size());
-  const bool Coller = Place > 0 && Bruts_[Place - 1] != '\n' && Bruts_ != Marque;
-  std::string Ajout = Coller ? FinDeLigne_ : "";
-  if (!Trouvé.Ajout) {
-    const bool Séparer = !Bruts_.empty() && Bruts_ != Marque;
-    Ajout += (Séparer ? FinDeLigne_ : "") + "[" + DansLeFichier(std::string(Section)) + "]" + FinDeLigne_;
-  }
-  Bruts_.insert(Place, Ajout + NouvelleLigne);
+  // Accents that happen to look like UTF-8 are told from it by the others alone.
+  if (!Utf8_ && EstUtf8(Nouveaux) && !EstAscii(Nouveaux))
+    throw ErreurExécution(
+        "Avec ce réglage, le fichier ne serait plus lu en Windows-1252 : il faut l'enregistrer en UTF-8.");
+  Bruts_ = std::move(Nouveaux);
 }
 
 }  // namespace Ombrey

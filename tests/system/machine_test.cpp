@@ -64,6 +64,9 @@ TEST(TexteIni, ChangesOneLineAndNoOtherByte) {
     EXPECT_EQ(Texte.Bruts(), "[S]\n");
   }
   EXPECT_THROW(TexteIni("[S]\n;\xE9\n").Ecrire("S", "K", "Ω"), ErreurExécution);
+  for (const auto* Bruts : {"[S]\nK=\xE9\n", "[S]\nK=\xE9\n;\xC3\xA9\n"})  // the rest would be read as UTF-8
+    EXPECT_THROW(TexteIni(Bruts).Ecrire("S", "K", "Ã©"), ErreurExécution);
+  EXPECT_NO_THROW(TexteIni("[S]\nK=\xE9\n").Ecrire("S", "K", "x"));
   EXPECT_THROW(TexteIni("\xFF\xFE["), ErreurExécution);
 }
 
