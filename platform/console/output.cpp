@@ -24,19 +24,26 @@ bool AttendrePlace(int Descripteur, int DuréeMs) {
 }  // namespace
 
 void SortieConsole::Ligne(std::string_view Texte) {
-  const std::string Entière = TexteVisible(Texte) + '\n';
-  std::string_view Reste = Entière;
+  if (Perdues_ > 0 && Passer("console : lignes perdues : " + std::to_string(Perdues_) + '\n')) Perdues_ = 0;
+  if (Perdues_ > 0 || !Passer(TexteVisible(Texte) + '\n')) ++Perdues_;
+}
+
+bool SortieConsole::Passer(const std::string& Entière) {
+  const std::string Depuis = EstCoupée_ ? '\n' + Entière : Entière;
+  std::string_view Reste = Depuis;
   while (!Reste.empty()) {
     // A writing that blocks would stop the station: it is tried only where a piece of this size has place.
     EstBouchée_ = !AttendrePlace(Descripteur_, EstBouchée_ ? 0 : PatienceMs);
-    if (EstBouchée_) return;
+    if (EstBouchée_) break;
     const ssize_t Écrits = write(Descripteur_, Reste.data(), std::min<std::size_t>(Reste.size(), PIPE_BUF));
     if (Écrits > 0) {
       Reste.remove_prefix(static_cast<std::size_t>(Écrits));
     } else if (Écrits >= 0 || (errno != EINTR && errno != EAGAIN)) {
-      return;
+      break;
     }
   }
+  EstCoupée_ = !Reste.empty() && (EstCoupée_ || Reste.size() < Depuis.size());
+  return Reste.empty();
 }
 
 }  // namespace Ombrey

@@ -1,13 +1,15 @@
 // The console's way out: whole lines, each on its way at once.
 #pragma once
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace Ombrey {
 
 /// Writes lines to a file descriptor that stays its owner's. SIGPIPE must be ignored. A reader that has gone away, or
-/// that takes nothing for a second, loses lines and never stops the station.
+/// that takes nothing for a second, loses lines and never stops the station; when he is back, a line tells him how
+/// many.
 class SortieConsole {
  public:
   explicit SortieConsole(int Descripteur) : Descripteur_(Descripteur) {}
@@ -15,7 +17,12 @@ class SortieConsole {
   void Ligne(std::string_view Texte);
 
  private:
+  /// True when all of it went out.
+  bool Passer(const std::string& Entière);
+
   int Descripteur_;
+  std::size_t Perdues_ = 0;
+  bool EstCoupée_ = false;   ///< the last thing that went out lacks its end
   bool EstBouchée_ = false;  ///< the last line found no place: the next one doesn't wait for it again
 };
 

@@ -1,5 +1,6 @@
 // The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
 #include <gtest/gtest.h>
+#include <fcntl.h>
 #include <sys/socket.h>
 
 #include <array>
@@ -209,6 +210,20 @@ TEST(QuestionsPort, AsksForThePortLineByLine) {
     EXPECT_EQ(R, Attendus) << Tapé;
     EXPECT_EQ(EstRetenu, Attendus != Présents) << Tapé;
   }
+}
+
+TEST(Console, TellsAReaderWhoComesBackHowManyLinesHeMissed) {
+  int Bouts[2];
+  ASSERT_EQ(pipe2(Bouts, O_CLOEXEC | O_NONBLOCK), 0);
+  const Descripteur Lecteur(Bouts[0]), Écrivain(Bouts[1]);
+  ASSERT_EQ(fcntl(Bouts[1], F_SETPIPE_SZ, 16384), 16384);
+  SortieConsole Sortie(Bouts[1]);
+  for (int Fois = 0; Fois < 6; ++Fois) Sortie.Ligne(std::string(4000, 'x'));
+  std::string Lus(32768, '\0');
+  ASSERT_EQ(read(Bouts[0], Lus.data(), Lus.size()), 4 * 4001);
+  Sortie.Ligne("de retour");
+  Lus.resize(static_cast<std::size_t>(std::max<ssize_t>(read(Bouts[0], Lus.data(), Lus.size()), 0)));
+  EXPECT_EQ(Lus, "console : lignes perdues : 2\nde retour\n");
 }
 
 /// Task, files and switches; or why the line can't be followed. Two blanks in a row stand for an empty argument.
