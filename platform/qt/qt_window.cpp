@@ -36,7 +36,13 @@ void FenêtreQt::resizeEvent(QResizeEvent* Événement) {
 
 bool FenêtreQt::event(QEvent* Événement) {
   const bool Traité = QWidget::event(Événement);
-  if (Événement->type() == QEvent::WindowActivate && SurActivation) SurActivation();
+  if (Événement->type() == QEvent::Show) CédéeÀNous_ = false;
+  if (Événement->type() == QEvent::WindowDeactivate) {
+    const QWidget* const Modale = QApplication::activeModalWidget();
+    CédéeÀNous_ = Modale != nullptr && Modale != this;
+  }
+  if (Événement->type() == QEvent::WindowActivate && !std::exchange(CédéeÀNous_, false) && SurActivation)
+    SurActivation();
   return Traité;
 }
 

@@ -20,7 +20,7 @@ class FenêtreQt : public QWidget {
  public:
   std::function<void()> SurFermeture;   ///< by its frame
   std::function<void()> SurEchap;       ///< the Esc key, wherever the focus is
-  std::function<void()> SurActivation;  ///< it became the active window
+  std::function<void()> SurActivation;  ///< it became the active window, but not by the end of a box of our own
   std::function<void()> SurTaille;      ///< shown for the first time, or resized
 
   explicit FenêtreQt(Qt::WindowFlags Drapeaux);
@@ -29,6 +29,9 @@ class FenêtreQt : public QWidget {
   void closeEvent(QCloseEvent* Événement) override;
   void resizeEvent(QResizeEvent* Événement) override;
   bool event(QEvent* Événement) override;
+
+ private:
+  bool CédéeÀNous_ = false;  ///< a box of our own has taken over
 };
 
 /// A button whose text breaks into lines where it is too long for one.

@@ -67,6 +67,15 @@ TEST_F(SuiviQt, NoClickChangesATickAndADoubleClickShowsTheLine) {
       Cadre(Boîte);
     });
     QTest::mouseDClick(Messages.viewport(), Qt::LeftButton, {}, Coche);
+    Vider();
+    LesRéglages.Contenu["FSuiviChargnt/Left"] = "1500";
+    for (const bool DUneBoîte : {true, false}) {
+      Fenêtre.move(33, 33);
+      QEvent Retour(QEvent::WindowActivate);
+      QApplication::sendEvent(&Fenêtre, &Retour);
+      Vider();
+      EXPECT_EQ(Fenêtre.x(), DUneBoîte ? 33 : 100);
+    }
   });
   EXPECT_EQ(Trace, "08:30:00 : <b>reçue</b>");
   EXPECT_EQ(Services.Interrogations, 0) << "the window stands behind the box";
