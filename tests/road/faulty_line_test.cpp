@@ -47,6 +47,8 @@ TEST(FaultyLine, WorkGoesOnByItselfWhenThePortComesBack) {
   P.LancerStation();
   ASSERT_TRUE(P.Rg80->Attendre("chargement 0001 offert")) << P.Dit();
   std::this_thread::sleep_for(400ms);
+  // The link goes first: the number of a closed pseudo-terminal is free for any test that runs beside this one.
+  std::filesystem::remove(P.En("ligne"));
   P.Rg80->Signaler(SIGKILL);
   EXPECT_TRUE(P.Station->Attendre("Echec de lecture de données du RG80 : ")) << P.Dit();
   EXPECT_TRUE(P.Station->Attendre("boîte «Erreur du port» (OK) : Le port " + P.En("ligne"))) << P.Dit();
