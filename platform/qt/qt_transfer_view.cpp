@@ -91,7 +91,11 @@ void VueChargntDonnéesQt::MontrerModale() {
 
 void VueChargntDonnéesQt::FixerTitre(const std::string& Titre) { Fenêtre_->setWindowTitle(Texte(Titre)); }
 
-void VueChargntDonnéesQt::Activer(bool Active) { Fenêtre_->setEnabled(Active); }
+void VueChargntDonnéesQt::Activer(bool Active) {
+  if (Fenêtre_->isEnabled()) Foyer_ = Fenêtre_->focusWidget();  // a window that is disabled drops it
+  Fenêtre_->setEnabled(Active);
+  if (Active && Foyer_ != nullptr) Foyer_->setFocus();
+}
 
 bool VueChargntDonnéesQt::EstCochée(const std::string& Case) const { return LaCase(Case).isChecked(); }
 

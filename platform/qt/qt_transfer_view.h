@@ -33,6 +33,7 @@ class VueChargntDonnéesQt : public IVueChargntDonnées {
   IGestesChargntDonnées& Gestes_;
   TenueFenêtre Fenêtre_;
   std::map<std::string, QAbstractButton*> Cases_;
+  QWidget* Foyer_ = nullptr;  ///< where the keys go, or went when the window was disabled
 };
 
 }  // namespace Ombrey

@@ -112,8 +112,7 @@ TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetri
     Vider();
     EXPECT_EQ(Trace, "411526");
     EXPECT_TRUE(QApplication::overrideCursor() == nullptr && Compter(&QCheckBox::isChecked) + Compter(EnGras) == 0);
-    Le<QPushButton>(Vue, "&Fermer").setFocus();
-    QTest::keyClick(Vue.focusWidget(), Qt::Key_Return);
+    for (const auto LaTouche : {Qt::Key_Tab, Qt::Key_Return}) QTest::keyClick(Vue.focusWidget(), LaTouche);
   });
   Transférer();
 }
