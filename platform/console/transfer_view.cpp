@@ -50,6 +50,10 @@ void VueChargntConsole::Cacher() {
   Fenêtres_.Ligne("fenêtre «" + Titre_ + "» fermée");
 }
 
+void VueChargntConsole::Activer(bool Active) {
+  if (!std::exchange(Active_, Active) && Active) DireCases();
+}
+
 void VueChargntConsole::FixerTitre(const std::string& Titre) {
   if (std::exchange(Titre_, Titre) != Titre) Fenêtres_.Ligne("titre : " + Titre);
 }
@@ -75,15 +79,9 @@ bool VueChargntConsole::CocherParNom(const std::string& Nom, bool Cochée) {
   return false;
 }
 
-std::vector<std::string> VueChargntConsole::Cases() const {
-  std::vector<std::string> Textes;
-  for (const auto& C : Cases_) Textes.push_back((C.Cochée ? "[x] " : "[ ] ") + C.Légende);
-  return Textes;
-}
-
-void VueChargntConsole::DireCases() {
+void VueChargntConsole::DireCases() const {
   std::string Ligne = " ";
-  for (const std::string& Case : Cases()) Ligne += " " + Case;
+  for (const auto& C : Cases_) Ligne += (C.Cochée ? " [x] " : " [ ] ") + C.Légende;
   Fenêtres_.Ligne(Ligne);
 }
 

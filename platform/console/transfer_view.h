@@ -23,7 +23,8 @@ class VueChargntConsole : public IVueChargntDonnées {
   void Cacher() override;
   void FixerTitre(const std::string& Titre) override;
   void Repeindre() override {}
-  void Activer(bool Active) override { Active_ = Active; }
+  /// At the end of a transfer the boxes are shown again: those of the sets that arrived are cleared.
+  void Activer(bool Active) override;
   [[nodiscard]] bool EstCochée(const std::string& Case) const override;
   void Cocher(const std::string& Case, bool Cochée) override;
   void MettreEnGras(const std::string& /*Case*/, bool /*Gras*/) override {}
@@ -34,8 +35,6 @@ class VueChargntConsole : public IVueChargntDonnées {
   /// The operator ticks or clears a box by its name in the program or its caption, accents and case aside. False when
   /// there is no such box.
   bool CocherParNom(const std::string& Nom, bool Cochée);
-  /// Each check box as the console shows it: "[x] Badges".
-  [[nodiscard]] std::vector<std::string> Cases() const;
 
  private:
   struct CaseÀCocher {
@@ -43,7 +42,7 @@ class VueChargntConsole : public IVueChargntDonnées {
     std::string Légende;
     bool Cochée;
   };
-  void DireCases();
+  void DireCases() const;
 
   FenêtresConsole& Fenêtres_;
   IGestesChargntDonnées& Gestes_;

@@ -1,6 +1,6 @@
 // The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
-#include <gtest/gtest.h>
 #include <fcntl.h>
+#include <gtest/gtest.h>
 #include <sys/socket.h>
 
 #include <array>
@@ -102,6 +102,8 @@ class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGest
   void BtnMasquer_Click() override { Suivi.reset(); }
   void Form_Activate() override { Suivi->RemplirGrille({"N°", "Propriétaire"}, {{"7", "Estève Anaïs"}, {"12", ""}}); }
   void BtnTransférer_Click() override {
+    Transfert->Cocher("ChkBadges", false);
+    for (const bool Active : {false, false, true, true}) Transfert->Activer(Active);
     for (int Fois = 0; Fois < 2; ++Fois) Transfert->FixerTitre(Transfert->EstCochée("ChkCoop") ? "Tout" : "Badges");
   }
   void BtnFermer_Click() override { Transfert->Cacher(); }
@@ -165,7 +167,8 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
       {"transferer\nmenu\ndécocher COOPERATEURS\ncocher rien\ninterroger\ntransferer\nfermer\n",
        "console : la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.\n" TRANSFERT
        "  [ ] Coopérateurs [x] Badges\nconsole : il n'y a pas de case «rien».\n"
-       "console : fermez d'abord la fenêtre de transfert.\ntitre : Badges\nfenêtre «Badges» fermée\n> fin\n"},
+       "console : fermez d'abord la fenêtre de transfert.\n  [ ] Coopérateurs [ ] Badges\ntitre : Badges\n"
+       "fenêtre «Badges» fermée\n> fin\n"},
       {"menu\nfin\n", TRANSFERT "> fin\nfenêtre «Transfert» fermée\n> fin\n"},
       {"menu\n", TRANSFERT "fenêtre «Transfert» fermée\n", {"--duree", "60"}},
   };
