@@ -7,10 +7,11 @@
 #include <utility>
 
 #include "common/failures.h"
+#include "common/visible_text.h"
 #include "platform/console/input.h"
 #include "platform/console/monitoring_view.h"
 #include "platform/console/transfer_view.h"
-#include "platform/console/visible_text.h"
+#include "platform/console/typed_text.h"
 
 namespace Ombrey {
 namespace {

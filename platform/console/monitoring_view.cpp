@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/console/visible_text.h"
+#include "common/visible_text.h"
 
 namespace Ombrey {
 namespace {

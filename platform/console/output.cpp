@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <climits>
 
-#include "platform/console/visible_text.h"
+#include "common/visible_text.h"
 
 namespace Ombrey {
 namespace {

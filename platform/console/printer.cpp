@@ -2,7 +2,7 @@
 #include "platform/console/printer.h"
 
 #include "common/failures.h"
-#include "platform/console/visible_text.h"
+#include "common/visible_text.h"
 #include "platform/system/safe_file.h"
 
 namespace Ombrey {

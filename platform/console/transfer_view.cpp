@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "platform/console/visible_text.h"
+#include "platform/console/typed_text.h"
 
 namespace Ombrey {
 namespace {

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "common/ansi_text.h"
+#include "common/visible_text.h"
 #include "contracts/line_characters.h"
 
 namespace Ombrey {
@@ -29,28 +30,14 @@ std::span<const DessinContrôle> Dessin() {
   return Contrôles;
 }
 
-/// A byte as a character that a box can show: Unicode has a sign for each of the first 32.
-std::string SigneVisible(const Octets& Octet) {
-  constexpr unsigned char PremierVisible = 0x20;
-  constexpr unsigned char Suppression = 0x7F;
-  constexpr const char* PremierAprèsContrôles = "\u00A0";
-  const unsigned char Code = Octet[0];
-  if (Code == Suppression) return "␡";
-  if (Code >= PremierVisible) {
-    const std::string Signe = DepuisAnsi(Octet);
-    const bool SansPlace = Signe.size() == 2 && Signe < PremierAprèsContrôles;
-    return SansPlace ? "�" : Signe;
-  }
-  return std::string("\xE2\x90") + static_cast<char>(0x80 + Code);
-}
-
 /// A refused frame comes back whole behind the reason: a file that no box can hold.
 std::string TrameAbrégée(const std::string& Raison) {
   const std::size_t Début = Raison.find(STX);
   if (Début == std::string::npos) return Raison;
+  const Octets Trame = VersAnsi(std::string_view(Raison).substr(Début));
   std::string Abrégée = Raison.substr(0, Début);
-  const Octets Trame = VersAnsi(std::string_view(Raison).substr(Début)).Extrait(0, CaractèresDeTrameMontrés);
-  for (std::size_t Rang = 0; Rang < Trame.Taille(); ++Rang) Abrégée += SigneVisible(Trame.Extrait(Rang, 1));
+  Abrégée += TexteVisible(DepuisAnsi(Trame.Extrait(0, CaractèresDeTrameMontrés)));
+  if (Trame.Taille() > CaractèresDeTrameMontrés) Abrégée += "… (" + std::to_string(Trame.Taille()) + " caractères)";
   return Abrégée;
 }
 

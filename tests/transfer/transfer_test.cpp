@@ -167,7 +167,7 @@ TEST_F(Transfert, TakesAnyFailureOfASetAsItsReason) {
   EXPECT_EQ(Fenêtres.Dites(), Mots{T + "Appelations\r\nErreur d'écriture ?"});
   Services.SurTransmission = [](auto, auto&) { return "Refusé \x02é\x7F" + std::string(5000, '0'); };
   Ouvrir(Transférer);
-  EXPECT_EQ(Fenêtres.Dites(), Mots{T + "Appelations\r\nRefusé ␂é␡" + std::string(77, '0') + " ?"});
+  EXPECT_EQ(Fenêtres.Dites(), Mots{T + "Appelations\r\nRefusé ␂é␡" + std::string(77, '0') + "… (5003 caractères) ?"});
 }
 
 TEST_F(Transfert, OpensNoWindowWithoutAnAnswer) {

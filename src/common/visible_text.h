@@ -1,4 +1,4 @@
-// Text as a console shows it: one line, control characters made visible; and the forms for comparing and lining up.
+// Text as it is shown on one line, control characters made visible; and its length in characters.
 #pragma once
 
 #include <cstddef>
@@ -10,9 +10,6 @@ namespace Ombrey {
 /// The text on one line: a line break (CR LF, CR or LF) becomes " ⏎ ", any other control character a visible sign.
 /// Bytes that are no UTF-8 are read as Windows-1252.
 [[nodiscard]] std::string TexteVisible(std::string_view Texte);
-
-/// Small letters without accents, for comparing what an operator typed: "Coopérateurs" gives "cooperateurs".
-[[nodiscard]] std::string FormeComparable(std::string_view Texte);
 
 /// Number of characters of a UTF-8 text.
 [[nodiscard]] std::size_t NombreCaractères(std::string_view Texte);

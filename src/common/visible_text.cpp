@@ -1,7 +1,5 @@
-// Text as a console shows it.
-#include "platform/console/visible_text.h"
-
-#include <array>
+// Text as it is shown.
+#include "common/visible_text.h"
 
 #include "common/ansi_text.h"
 
@@ -10,9 +8,6 @@ namespace {
 
 constexpr unsigned char PremierVisible = 0x20;
 constexpr unsigned char Suppression = 0x7F;
-constexpr unsigned char PremièreCapitaleAccentuée = 0xC0;
-/// The letters of Windows-1252 from 0xC0 on, without their accents; the multiplying and dividing signs stay out.
-constexpr std::string_view SansAccent = "aaaaaaaceeeeiiiidnooooo*ouuuuypsaaaaaaaceeeeiiiidnooooo/ouuuuypy";
 
 /// The sign that Unicode has for a control character below 0x20, or for DEL.
 std::string SigneContrôle(unsigned char Code) {
@@ -48,22 +43,6 @@ std::string TexteVisible(std::string_view Texte) {
     }
   }
   return Visible;
-}
-
-std::string FormeComparable(std::string_view Texte) {
-  std::string Forme;
-  const Octets Lettres = VersAnsi(Texte);
-  for (std::size_t Rang = 0; Rang < Lettres.Taille(); ++Rang) {
-    const unsigned char Lettre = Lettres[Rang];
-    if (Lettre >= PremièreCapitaleAccentuée) {
-      Forme += SansAccent[Lettre - PremièreCapitaleAccentuée];
-    } else if (Lettre >= 'A' && Lettre <= 'Z') {
-      Forme += static_cast<char>(Lettre - 'A' + 'a');
-    } else {
-      Forme += static_cast<char>(Lettre);
-    }
-  }
-  return Forme;
 }
 
 std::size_t NombreCaractères(std::string_view Texte) {
