@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "common/failures.h"
+#include "common/text_helpers.h"
 #include "common/visible_text.h"
 #include "platform/console/input.h"
 #include "platform/console/monitoring_view.h"
@@ -15,14 +16,6 @@
 
 namespace Ombrey {
 namespace {
-
-constexpr const char* Blancs = " \t";
-
-std::string SansBlancs(const std::string& Texte) {
-  const std::size_t Début = Texte.find_first_not_of(Blancs);
-  if (Début == std::string::npos) return "";
-  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
-}
 
 std::string Usage(const CommandeConsole& Commande) {
   return Commande.Argument.empty() ? Commande.Nom : Commande.Nom + " " + Commande.Argument;
@@ -45,7 +38,7 @@ CommandesConsole::CommandesConsole(FenêtresConsole& Fenêtres) : Fenêtres_(Fen
 }
 
 bool CommandesConsole::Exécuter(const std::string& Ligne) {
-  const std::string Texte = SansBlancs(Ligne);
+  const std::string Texte(SansBlancs(Ligne));
   const std::size_t FinMot = std::min(Texte.find_first_of(Blancs), Texte.size());
   const CommandeConsole* Commande = Trouver(FormeComparable(Texte.substr(0, FinMot)));
   const bool Urgente = Commande != nullptr && Commande->Quand == Moment::Toujours;
@@ -55,7 +48,7 @@ bool CommandesConsole::Exécuter(const std::string& Ligne) {
   } else if (Question_ && !Fenêtres_.BoîteOuverte() && !Urgente) {
     std::exchange(Question_, nullptr)(Texte);
   } else if (Commande != nullptr) {
-    Lancer(*Commande, SansBlancs(Texte.substr(FinMot)));
+    Lancer(*Commande, std::string(SansBlancs(std::string_view(Texte).substr(FinMot))));
   } else if (!Texte.empty()) {
     Indiquer("commande inconnue : «" + Texte + "». «aide» donne la liste des commandes.");
   }

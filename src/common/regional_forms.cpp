@@ -9,11 +9,11 @@
 #include <limits>
 
 #include "common/failures.h"
+#include "common/text_helpers.h"
 
 namespace Ombrey {
 namespace {
 
-constexpr std::string_view Blancs = " \t";
 constexpr int ChiffresSignificatifs = 15;
 constexpr int PremierSiècleDeuxChiffres = 1930;  // "30" is 1930, "29" is 2029
 constexpr int PremièreAnnée = 100;
@@ -21,12 +21,6 @@ constexpr double SecondesParJour = 86400;
 constexpr std::chrono::sys_days JourZéro = std::chrono::year{1899} / 12 / 30;
 constexpr double PremierJour = -657434;  // 1 January 100
 constexpr double JourDeFin = 2958466;    // the day behind 31 December 9999
-
-std::string_view SansBlancs(std::string_view Texte) {
-  const std::size_t Début = Texte.find_first_not_of(Blancs);
-  if (Début == std::string_view::npos) return {};
-  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
-}
 
 bool EstChiffre(char Caractère) { return Caractère >= '0' && Caractère <= '9'; }
 

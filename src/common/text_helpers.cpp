@@ -1,4 +1,4 @@
-// Small helpers for numbers held as text.
+// Small helpers for texts, most of them numbers.
 #include "common/text_helpers.h"
 
 #include <algorithm>
@@ -28,6 +28,12 @@ bool NormaliserNombre(std::string& Texte, const Régional& Formes) {
   if (!EstNumérique(Corrigé, Formes)) return false;
   Texte = std::move(Corrigé);
   return true;
+}
+
+std::string_view SansBlancs(std::string_view Texte) {
+  const std::size_t Début = Texte.find_first_not_of(Blancs);
+  if (Début == std::string_view::npos) return {};
+  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
 }
 
 std::string SupprZéroDébut(std::string Texte) {
