@@ -164,7 +164,8 @@ void TexteIni::Ecrire(std::string_view Section, std::string_view Clé, std::stri
   } else {
     const std::size_t Place = Trouvé.Ajout.value_or(Bruts_.size());
     const bool Coller = Place > 0 && Bruts_[Place - 1] != '\n' && Bruts_ != Marque;
-    std::string Ajout = Coller ? FinDeLigne_ : "";
+    const bool EstCoupée = Coller && Bruts_[Place - 1] == '\r';  // the line end lacks its other half
+    std::string Ajout = !Coller ? "" : EstCoupée ? "\n" : FinDeLigne_;
     if (!Trouvé.Ajout) {
       const bool Séparer = !Bruts_.empty() && Bruts_ != Marque;
       Ajout += (Séparer ? FinDeLigne_ : "") + "[" + DansLeFichier(std::string(Section)) + "]" + FinDeLigne_;

@@ -36,6 +36,7 @@ const std::string Écritures[][4] = {
     {"", "Port", "COM1:", "[S]\nPort=COM1:\n"}, {"\xEF\xBB\xBF", "Port", "x", "\xEF\xBB\xBF[S]\nPort=x\n"},
     {"[A]\r\nx=1\r\n", "Port", "y", "[A]\r\nx=1\r\n\r\n[S]\r\nPort=y\r\n"},
     {"[A]\nx=1", "Port", "y", "[A]\nx=1\n\n[S]\nPort=y\n"}, {"[S]", "Port", "y", "[S]\nPort=y\n"},
+    {"[S]\r\nx=1\r", "Port", "y", "[S]\r\nx=1\r\nPort=y\r\n"},
     {"[S]\nBauds=1\n\n; next\n[B]\nz=2\n", "Port", "y", "[S]\nBauds=1\nPort=y\n\n; next\n[B]\nz=2\n"},
     {"[S]\n[B]\n[S]\nBauds=1\n", "Port", "y", "[S]\nPort=y\n[B]\n[S]\nBauds=1\n"},
     {"[S]\r\n  port \t= COM1:\t \r\nport=2\r\n;x", "Port", "COM22:", "[S]\r\n  port \t= COM22:\t \r\nport=2\r\n;x"},
