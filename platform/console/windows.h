@@ -17,8 +17,8 @@ namespace Ombrey {
 class VueChargntConsole;
 class VueSuiviConsole;
 
-/// Boxes, views, pointer, clipboard and printer without a screen. Whoever reads the operator's commands works the
-/// open boxes and windows through this class. Outlives the views that it makes.
+/// Boxes, views and printer without a screen; a console has neither pointer nor clipboard. Whoever reads the operator's
+/// commands works the open boxes and windows through this class. Outlives the views that it makes.
 class FenêtresConsole : public IFenêtres {
  public:
   FenêtresConsole(IBoucle& Boucle, SortieConsole& Sortie) : Boucle_(Boucle), Sortie_(Sortie) {}
@@ -27,8 +27,8 @@ class FenêtresConsole : public IFenêtres {
   ~FenêtresConsole() override = default;
 
   RéponseBoîte Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) override;
-  void FixerSablier(bool Sablier) override { Sablier_ = Sablier; }
-  void PoserImages(const std::vector<Image>& Tailles) override { PressePapiers_ = Tailles; }
+  void FixerSablier(bool /*Sablier*/) override {}
+  void PoserImages(const std::vector<Image>& /*Tailles*/) override {}
   [[nodiscard]] std::unique_ptr<IImprimante> OuvrirImprimante() override;
   [[nodiscard]] std::unique_ptr<IVueSuiviChargnt> CréerVueSuivi(IGestesSuivi& Gestes, const std::string& Légende,
                                                                 const Rectangle& Intérieur,
@@ -61,8 +61,6 @@ class FenêtresConsole : public IFenêtres {
     if (VueChargnt_ == &Vue) VueChargnt_ = nullptr;
   }
 
-  [[nodiscard]] bool Sablier() const { return Sablier_; }
-  [[nodiscard]] const std::vector<Image>& PressePapiers() const { return PressePapiers_; }
   /// The file that the next document goes to, and that one alone: without a file there is no printer.
   void FixerFichierImpression(std::string Fichier) { FichierImpression_ = std::move(Fichier); }
 
@@ -100,8 +98,6 @@ class FenêtresConsole : public IFenêtres {
   bool EntréeFermée_ = false;
   bool EnFin_ = false;
   int Occupée_ = 0;
-  bool Sablier_ = false;
-  std::vector<Image> PressePapiers_;
   std::optional<std::string> FichierImpression_;
   std::vector<std::shared_ptr<BoîteEnCours>> Boîtes_;  ///< open and not yet answered, the innermost last
   VueSuiviConsole* VueSuivi_ = nullptr;
