@@ -16,10 +16,6 @@ namespace {
 constexpr QSize TailleAuDépart(640, 380);
 constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;
-
-QString SurUneLigne(QString Ligne) {
-  return Ligne.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
-}
 }  // namespace
 
 FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const std::string& Sujet)
@@ -79,11 +75,10 @@ QMenu& FenêtrePrincipaleQt::MenuGreffons() {
 }
 
 void FenêtrePrincipaleQt::Dire(const std::string& Message) {
-  const QString Dit = Texte(Message);
-  État_->setText(SurUneLigne(Dit));
-  État_->setToolTip(Dit.toHtmlEscaped());
-  Journal_->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" : ") +
-                            SurUneLigne(Dit));
+  const QString Ligne = SurUneLigne(Message);
+  État_->setText(Ligne);
+  État_->setToolTip(Texte(Message).toHtmlEscaped());
+  Journal_->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" : ") + Ligne);
 }
 
 void FenêtrePrincipaleQt::closeEvent(QCloseEvent* Événement) {

@@ -50,6 +50,12 @@ QRect RamenéeSurÉcran(const QRect& Fenêtre) {
           std::clamp(Bornée.top(), Libre.top(), Libre.bottom() + 1 - Taille.height()), Taille.width(), Taille.height()};
 }
 
+QString SurUneLigne(const std::string& Utf8) {
+  QString Ligne = Texte(Utf8);
+  Ligne.replace(QLatin1String("\r\n"), QLatin1String(" "));
+  return Ligne.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+}
+
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale) {
   const QRect Place = Contrôle.rect().adjusted(MargeHorizontale, MargeVerticale, -MargeHorizontale, -MargeVerticale);
   QFont Police = Contrôle.font();

@@ -28,6 +28,8 @@ struct CadreNominal {
 [[nodiscard]] QRect RamenéeSurÉcran(const QRect& Fenêtre);
 
 [[nodiscard]] inline QString Texte(const std::string& Utf8) { return QString::fromStdString(Utf8); }
+/// A list shows a text's line breaks as blanks; a box or a tool tip shows them as they are.
+[[nodiscard]] QString SurUneLigne(const std::string& Utf8);
 
 /// Makes the control's letters smaller, as far as they can be read, until Libellé fits into its present size.
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale);

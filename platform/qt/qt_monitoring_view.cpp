@@ -39,13 +39,6 @@ class ListeSousBoutons : public QListWidget {
   void RéserverBas(int Pixels) { setViewportMargins(0, 0, 0, Pixels); }
 };
 
-/// A list shows a line's breaks as blanks; the box of a double click shows them as they are.
-QString SurUneLigne(const std::string& Ligne) {
-  QString Plate = Texte(Ligne);
-  Plate.replace(QLatin1String("\r\n"), QLatin1String(" "));
-  return Plate.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
-}
-
 int Rang(std::size_t Ligne) { return static_cast<int>(std::min<std::size_t>(Ligne, 1U << 30U)); }
 
 bool SurLaBande(ContrôleSuivi Contrôle) {
@@ -140,11 +133,8 @@ QPushButton* VueSuiviChargntQt::CréerBouton(const DessinContrôleSuivi& Dessin)
 
 void VueSuiviChargntQt::Brancher() {
   IGestesSuivi& G = Gestes_;
-  Fenêtre_->SurEchap = Fenêtre_.EnSaisie([&G] { G.BtnMasquer_Click(); });
-  Fenêtre_->SurFermeture = Fenêtre_.EnSaisie([this, &G] {
-    const auto Vie = Fenêtre_.Vie();
-    if (!G.Form_QueryUnload(true) && !Vie.expired()) Cacher();
-  });
+  Fenêtre_->SurÉchap = Fenêtre_.EnSaisie([&G] { G.BtnMasquer_Click(); });
+  Fenêtre_->SurFermeture = Fenêtre_.EnSaisie([&G] { G.Form_QueryUnload(true); });
   Fenêtre_->SurActivation = Fenêtre_.EnÉvénement([&G] { G.Form_Activate(); });
   Fenêtre_->SurTaille = Fenêtre_.SurPlace([&G] { G.Form_Resize(); });
   QObject::connect(Onglets_, &QTabBar::currentChanged, Fenêtre_.EnÉvénement([&G] { G.Onglets_Click(); }));

@@ -51,7 +51,7 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
   for (std::size_t Rang = 1; Rang < Ordre.size(); ++Rang)
     QWidget::setTabOrder(Ordre[Rang - 1].second, Ordre[Rang].second);
   if (!Ordre.empty()) Ordre.front().second->setFocus();
-  Fenêtre_->SurEchap = Fenêtre_->SurFermeture = Fenêtre_.EnSaisie([&Gestes] { Gestes.BtnFermer_Click(); });
+  Fenêtre_->SurÉchap = Fenêtre_->SurFermeture = Fenêtre_.EnSaisie([&Gestes] { Gestes.BtnFermer_Click(); });
 }
 
 QWidget* VueChargntDonnéesQt::Créer(const DessinContrôle& Dessin) {

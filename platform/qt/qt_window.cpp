@@ -18,9 +18,9 @@ constexpr int MargeTexte = 3;
 
 FenêtreQt::FenêtreQt(Qt::WindowFlags Drapeaux) : QWidget(nullptr, Drapeaux) {
   setAttribute(Qt::WA_QuitOnClose, false);
-  auto* const Echap = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-  connect(Echap, &QShortcut::activated, this, [this] {
-    if (SurEchap) SurEchap();
+  auto* const Échap = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+  connect(Échap, &QShortcut::activated, this, [this] {
+    if (SurÉchap) SurÉchap();
   });
 }
 
@@ -60,7 +60,7 @@ void BoutonQt::paintEvent(QPaintEvent* /*Événement*/) {
 namespace {
 void Enterrer(FenêtreQt* Fenêtre) {
   Fenêtre->SurFermeture = nullptr;
-  Fenêtre->SurEchap = nullptr;
+  Fenêtre->SurÉchap = nullptr;
   Fenêtre->SurActivation = nullptr;
   Fenêtre->SurTaille = nullptr;
   Fenêtre->hide();

@@ -19,7 +19,7 @@ inline constexpr std::chrono::hours PatienceParPompe(1);
 class FenêtreQt : public QWidget {
  public:
   std::function<void()> SurFermeture;   ///< by its frame
-  std::function<void()> SurEchap;       ///< the Esc key, wherever the focus is
+  std::function<void()> SurÉchap;       ///< the Esc key, wherever the focus is
   std::function<void()> SurActivation;  ///< it became the active window, but not by the end of a box of our own
   std::function<void()> SurTaille;      ///< shown for the first time, or resized
 
@@ -67,8 +67,6 @@ class TenueFenêtre {
   [[nodiscard]] std::function<void()> EnÉvénement(std::function<void()> Faire) const;
   /// Runs at once; what it raises leaves the next pump.
   [[nodiscard]] std::function<void()> SurPlace(std::function<void()> Faire) const;
-  /// Expires with this object.
-  [[nodiscard]] std::weak_ptr<const void> Vie() const { return Fenêtre_; }
 
   /// Shows the window modally and runs the loop until it is hidden or dropped, or the station ends. May outlive this
   /// object. On a window in sight: brings it to the front and returns.

@@ -22,7 +22,7 @@ constexpr int MargesLargeurGrille = 220;
 constexpr int MargesHauteurGrille = 520;
 constexpr int MargesLargeurListe = 420;
 constexpr int MargeDroiteBoutons = 320;
-constexpr int EcartBoutons = 100;
+constexpr int ÉcartBoutons = 100;
 
 struct CléPlace {
   const char* Clé;
@@ -84,7 +84,7 @@ void DisposerContrôles(IVueSuiviChargnt& Vue) {
   const Rectangle Interroger = AuCoin(Vue.PlaceContrôle(BtnInterroger), Bande);
   Poser(BtnInterroger, Interroger);
   Rectangle Forcer = Vue.PlaceContrôle(BtnForcerCumulsRG80);
-  Forcer.Gauche = Interroger.Gauche - Forcer.Largeur - EcartBoutons;
+  Forcer.Gauche = Interroger.Gauche - Forcer.Largeur - ÉcartBoutons;
   Forcer.Haut = Interroger.Haut;
   Poser(BtnForcerCumulsRG80, Forcer);
   Poser(BtnImprimer, AuCoin(Vue.PlaceContrôle(BtnImprimer), Bande));
