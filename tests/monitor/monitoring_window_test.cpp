@@ -62,7 +62,7 @@ TEST_F(Suivi, PrintsEveryErrorOldestFirstAndBreaksBehindNineTenthsOfAPage) {
   Fenêtre->BtnImprimer_Click();  // nothing to print
   for (int Rang = 2; Rang <= 21; ++Rang) Fenêtre->AjouterErreur("erreur " + std::to_string(Rang / 2));
   Fenêtre->BtnImprimer_Click();
-  ASSERT_TRUE(Fenêtres.Imprimé.size() == 24 && Fenêtres.DocumentsTerminés == 1);
+  ASSERT_TRUE(Fenêtres.Imprimé.size() == 25 && Fenêtres.Imprimé[24] == "end");
   EXPECT_EQ(Fenêtres.Imprimé[1], "1 14gs      22/09/2026 08:30:00 - Liste des erreurs survenues :");
   EXPECT_EQ(Fenêtres.Imprimé[4], "1 10      08:30:00 : erreur 1");
   // Twenty lines to a page: a line at position 18 still stands on it, one at 19 doesn't.

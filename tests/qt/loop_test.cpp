@@ -1,7 +1,6 @@
-// The loop on Qt's: one event at a time, waits that hold nothing up, failures, tokens dropped anywhere.
+// The loop on Qt's: one event at a time, bytes and room to write, failures, tokens dropped anywhere.
 #include <termios.h>
 
-#include "platform/serial/port_server.h"
 #include "tests/qt/qt_fixture.h"
 #include "tests/serial/pseudo_terminal.h"
 
@@ -60,6 +59,9 @@ TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
     EXPECT_EQ(Trace, Attendue);
   }
   EXPECT_FALSE(Boucle.Pomper(5ms));
+  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Attente::Ecriture, [&] { Trace += 'e'; });
+  EXPECT_TRUE(Boucle.Pomper(1s) && Trace == "...e") << "there is room to write";
+  Place.reset();
   Loin.Maître.Fermer();
   EXPECT_TRUE(Boucle.Pomper(1s)) << "the end is an event";
 }
@@ -80,36 +82,6 @@ TEST_F(BoucleDeQt, AnActionMayDropItsOwnTokenAndOthersAndPump) {
   QTest::qSleep(2);
   Vider();
   EXPECT_EQ(Trace, std::string(99, 'x'));
-}
-
-TEST_F(BoucleDeQt, LivesWhileABoxIsOpenAFileIsWrittenAndTheTerminalIsSilent) {
-  const ContextePort Contexte{Boucle, {}, nullptr};
-  const auto Client = std::make_shared<ClientPortComm>(Contexte, [](const Octets&) {});
-  const auto LePort = ServeurPortComm(Contexte).ObtenirPort(Loin.Nom(), Client);
-  LePort->FixerBauds(9600);
-  LePort->FixerTailleMots(8);
-  LePort->FixerParité("N");
-  LePort->FixerBitsStop(1);
-  Près.Fermer();
-  ASSERT_TRUE(LePort->Ouvrir()) << LePort->DernièreErreurPort();
-  const std::function<void()> Battre = [&] {
-    Trace += Loin.Recevoir() + '.';
-    Jetons.push_back(Boucle.Après(2ms, Battre));
-  };
-  Battre();
-  // clang-format off
-  const std::pair<const char*, std::function<void()>> Attentes[] = {
-      {"box", [&] { LesVraies.Boîte("texte", "boîte", BoutonsBoîte::Ok); }},
-      {"file", [&] { EXPECT_TRUE(LePort->Ecrire(Octets(400, 'F'))); }},
-      {"silence", [&] { while (!Trace.ends_with('!')) Boucle.Pomper(1h); }}};
-  // clang-format on
-  for (const auto& [Nom, Attendre] : Attentes) {
-    Trace.clear();
-    const auto Fin = Boucle.Après(400ms, [&] { Trace += '!', QApplication::closeAllWindows(); });
-    Attendre();
-    // On average at least every 50 ms: this machine may have more to do.
-    EXPECT_GT(std::ranges::count(Trace, '.'), 8) << Nom;
-  }
 }
 
 }  // namespace Ombrey::Essais

@@ -157,9 +157,10 @@ struct BoîteMontrée {
   BoutonsBoîte Boutons;
 };
 
-/// Twenty lines of any size to a page. A line is recorded as "page size[g][s] text", g for bold, s for underlined.
+/// Twenty lines of any size to a page. A line is recorded as "page size[g][s] text", g for bold, s for underlined; then
+/// the document's end.
 struct FausseImprimante : IImprimante {
-  FausseImprimante(Mots& Imprimé, int& Terminés) : Imprimé_(Imprimé), Terminés_(Terminés) {}
+  explicit FausseImprimante(Mots& Imprimé) : Imprimé_(Imprimé) {}
   void FixerPolice(int Points, bool Gras, bool Souligné) override {
     Police_ = std::to_string(Points) + (Gras ? "g" : "") + (Souligné ? "s" : "");
   }
@@ -173,11 +174,10 @@ struct FausseImprimante : IImprimante {
     ++Page_;
     Position_ = 0;
   }
-  void TerminerDocument() override { ++Terminés_; }
+  void TerminerDocument() override { Imprimé_.emplace_back("end"); }
 
  private:
   Mots& Imprimé_;
-  int& Terminés_;
   std::string Police_;
   int Page_ = 1;
   int Position_ = 0;
@@ -193,7 +193,6 @@ struct FaussesFenêtres : IFenêtres {
   bool Sablier = false;
   std::vector<Image> PressePapiers;
   Mots Imprimé;
-  int DocumentsTerminés = 0;
   FausseVueSuivi* VueSuivi = nullptr;                                                 ///< the living one
   FausseVueChargntDonnées* VueChargntDonnées = nullptr;                               ///< the living one
   std::function<void(FausseVueChargntDonnées&)> SurVueChargntDonnées = [](auto&) {};  ///< called when it is shown
@@ -216,9 +215,7 @@ struct FaussesFenêtres : IFenêtres {
   }
   void FixerSablier(bool EstSablier) override { Sablier = EstSablier; }
   void PoserImages(const std::vector<Image>& Tailles) override { PressePapiers = Tailles; }
-  std::unique_ptr<IImprimante> OuvrirImprimante() override {
-    return std::make_unique<FausseImprimante>(Imprimé, DocumentsTerminés);
-  }
+  std::unique_ptr<IImprimante> OuvrirImprimante() override { return std::make_unique<FausseImprimante>(Imprimé); }
   std::unique_ptr<IVueSuiviChargnt> CréerVueSuivi(IGestesSuivi& Gestes, Mot, const Rectangle&,
                                                   std::span<const DessinContrôleSuivi> Dessin) override {
     auto Vue = std::make_unique<FausseVueSuivi>(Gestes, Système, VueSuivi);
