@@ -300,7 +300,6 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
         "commande «menu» : Charger les données vers le RG80\n", "fenêtre «Liste des chargements» masquée\n",
         "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
       {Absent, "bouton\nok\n", {"fenêtre «Liste des chargements» ouverte\n"}, Absent},
-      {Absent, "configurer\n/dev/autre\n4800\nAnnuler\nfin\n", {"réglages du port : inchangés.\n"}, Absent},
       {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
       {"", "/dev/autre\n\n\n\n\noui\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
       {"", "annuler\nfin\n", {"Erreur de configuration du port de communication"}, SansPort},
