@@ -1,24 +1,16 @@
-// The collection dialogue with the poll around it. The input is what the terminal sends, cut by commands of the
-// machine:
-// "~" and a letter, of which Jouer has the list.
-#include <fstream>
-
-#include "common/ansi_text.h"
-#include "common/files.h"
+// The collection dialogue with the poll around it. The input is what the terminal sends, cut by "~" and a letter: what
+// happens on the machine meanwhile, as Jouer and Gestes have it.
+#include "common/text_helpers.h"
 #include "fuzz/input.h"
 #include "fuzz/station.h"
-#include "link/daily_error_file.h"
 #include "link/polling.h"
 
 namespace Ombrey::Essais {
 namespace {
 
-const Octets DemandeChargement(
-    "\x05"
-    "A");
-const Octets DemandeChiffres(
-    "\x05"
-    "8");
+const Octets DemandeChargement{std::string{ENQ, 'A'}};
+const Octets DemandeChiffres{std::string{ENQ, '8'}};
+const std::string Oui{ACK, 'A'};
 const std::string Record = "0012190908083009150001230004560071000000050112521234007";
 const std::string LigneImport = "1;12;19/09/08 08:30;19/09/08 09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r\n";
 
@@ -60,17 +52,14 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     }
     if (!Guéri) return Jouer();
     Reçu = Texte == DemandeChargement ? BonneRéponse
-           : Texte == DemandeChiffres ? "\x06"
-                                        "8"
-                                      : "\x06";
+           : Texte == DemandeChiffres ? std::string{ACK, '8'}
+                                      : std::string{ACK};
     Port->Envoyer(Octets(Reçu));
   }
 
   /// What came from the first STX behind the terminal's yes on.
   std::string_view Trame() const {
-    return std::string_view(Reçu).substr(std::min(Reçu.find(STX, Reçu.find("\x06"
-                                                                           "A")),
-                                                  Reçu.size()));
+    return std::string_view(Reçu).substr(std::min(Reçu.find(STX, Reçu.find(Oui)), Reçu.size()));
   }
 
   /// Plays the input up to the next "~s": the terminal's answer to one writing.
@@ -94,32 +83,13 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
         Morceau += LeSceau.Passer(C);
         continue;
       }
-      switch (const char Commande = E.Octet()) {
-        case 's':
-          Livrer(true);
-          return;
-        case 'd':  // the piece goes, and time passes
-          Livrer(true);
-          Quand = std::min(Quand + milliseconds(16 * static_cast<unsigned char>(E.Octet())), milliseconds(10'000));
-          break;
-        case 'l':  // the piece waits to be read
-          Livrer(false);
-          break;
-        case 'a':
-          Plus([this] { Terminer(); });
-          break;
-        case 'b':
-          Plus([this] { Interroger(""); });
-          break;
-        case 'w':
-          Plus([this] { Port->EcritureRefusée = !Port->EcritureRefusée; });
-          break;
-        case 'p':
-          Plus([this] { Fenêtres.PendantBoîte = [this] { Système.Laisser(milliseconds(500)); }; });
-          break;
-        default:  // how the next imports end
-          Import = Commande;
-      }
+      const char Commande = E.Octet();
+      if (Commande != 'l') Livrer(true);
+      if (Commande == 's') return;
+      if (Commande == 'l') Livrer(false);  // waits to be read
+      if (Commande == 'd') Quand = std::min(Quand + milliseconds(16 * static_cast<unsigned char>(E.Octet())), Plafond);
+      if (Gestes.contains(Commande)) Plus(Gestes.at(Commande));
+      if (std::string_view("tfexq").find(Commande) != std::string_view::npos) Import = Commande;
     }
     Livrer(true);
   }
@@ -143,7 +113,8 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Gardés += !Importe || !Erreur.empty() ? 1 : 0;
     Exiger(!Répondu && !État.Abandon && CommenceParTrame(Trame()), "what is imported came in a whole frame");
     const bool Fait = FauxEtatBdD::TableImporter(Titre, Fichier, Drapeau);
-    Exiger(Importés.back().ends_with("\r\n"), "the import file is whole");
+    const std::string Début = "1;" + SupprZéroDébut(std::string(Trame().substr(1, 4))) + ";";
+    Exiger(Importés.back().starts_with(Début) && Importés.back().ends_with("\r\n"), "the import file is the frame's");
     Accordé = Fait && Erreur.empty();
     if (Import == 'q') Terminer();
     return Fait;
@@ -180,19 +151,22 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Système.Laisser(milliseconds(200));
   }
 
+  const std::map<char, std::function<void()>> Gestes{
+      {'a', [this] { Terminer(); }},
+      {'b', [this] { Interroger(""); }},
+      {'w', [this] { Port->EcritureRefusée = !Port->EcritureRefusée; }},
+      {'p', [this] { Fenêtres.PendantBoîte = [this] { Système.Laisser(milliseconds(500)); }; }}};
+  static constexpr milliseconds Plafond{10'000};
   Entrée E;
   Sceau LeSceau;
   DossierEssai DossierDuBanc;
-  const std::string BonneRéponse =
-      "\x06"
-      "A" +
-      Sceau().PasserTout("\x02" + Record + "\x03##");
+  const std::string BonneRéponse = Oui + Sceau().PasserTout("\x02" + Record + "\x03##");
   std::shared_ptr<PortScripté> Port = Plateforme.Port;
   Échange UnÉchange{État};
   Collecte UneCollecte{État, UnÉchange, *this};
   Interrogation UneInterrogation{État, UneCollecte};
-  std::string Reçu;  ///< since the request
-  char Import = 't';
+  std::string Reçu;   ///< since the request
+  char Import = 't';  ///< how the next imports end: true, false, with an error text, raising, the plug-in ending
   bool Répondu = false, Accordé = false, Guéri = false;
   int Acquittés = 0;
   std::ptrdiff_t Gardés = 0;
