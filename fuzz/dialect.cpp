@@ -97,7 +97,9 @@ struct Inventeur {
         return Converti;
       }
       default: {
+        ++Profondeur;
         Expression X = Facteur();
+        --Profondeur;
         return X.Nombre ? Entier("- " + X.Sql, -*X.Nombre) : X;
       }
     }
