@@ -302,7 +302,7 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
       {Absent, "bouton\nok\n", {"fenêtre «Liste des chargements» ouverte\n"}, Absent},
       {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
       {"", "/dev/autre\n\n\n\n\noui\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
-      {"", "annuler\nfin\n", {"Erreur de configuration du port de communication"}, SansPort},
+      {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
       {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
       {"", "", {"README.md» ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
       {"", "", {"absent.so» est introuvable"}, "", {"--greffon", "absent.so"}},

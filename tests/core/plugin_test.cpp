@@ -59,6 +59,10 @@ TEST_F(Hôte, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
   EXPECT_EQ(Port->Appels, (Mots{"NomPort COM2:", "Bauds 9600", "Parité N", "BitsStop 1", "TailleMots 8", "Mode 0",
                                 "Activer 1", "DossierB c:\\temp", "DossierA c:\\temp", "Ouvrir ", "Activer 1"}));
   EXPECT_EQ(Base->Activations, 1);
+  const auto Suivante = std::make_shared<FausseBaseDeD>();
+  LePlugIn->IPlugInTarvel_FixerBaseDeD(Suivante);
+  EXPECT_TRUE(!Base->Etat->Écouteur && !Base->Etat->Synchro->Écouteur);
+  EXPECT_TRUE(Suivante->Etat->Écouteur && Suivante->Etat->Synchro->Écouteur);
   EXPECT_FALSE(Vue().Visible);
   Laisser(9999);
   EXPECT_TRUE(Port->Ecrits.empty());
@@ -106,13 +110,17 @@ TEST_P(Démarrage, EndsAsTold) {
   }
   EXPECT_EQ(std::count(Port->Appels.begin(), Port->Appels.end(), "Ouvrir "), Cas.Ouvertures);
   EXPECT_EQ(Ini["Période interrogation"], Cas.Période);
+  const bool SansPort = !Résultat.empty() && !Levée.EstPrésente();
   // Whatever went wrong, polling starts, and each poll says what is missing.
   LePlugIn->IPlugInTarvel_Afficher();
   Laisser(10000);
   EXPECT_TRUE(Message().starts_with("Vérification de nouveaux chargements sur le RG80. ")) << Message();
+  EXPECT_EQ(Port->Ecrits.empty(), SansPort);
 }
 
 TEST_F(Hôte, KeepsTheFirstNumbersThatItIsOffered) {
+  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(0, "");  // not yet offered
+  LePlugIn->IPlugInTarvel_MenuAppelé(0, "");
   for (const auto& [Offert, Pris] : {std::pair{0, false}, {3, true}, {4, false}, {3, true}}) {
     const auto Numéro = static_cast<std::uint8_t>(Offert);
     EXPECT_EQ(LePlugIn->IPlugInTarvel_AjouterBouton(Numéro, Style, Texte), Pris) << Offert;
@@ -120,7 +128,8 @@ TEST_F(Hôte, KeepsTheFirstNumbersThatItIsOffered) {
   }
   EXPECT_EQ(Texte, "&Charger les données vers le RG80");
   EXPECT_EQ(Style, 7);
-  EXPECT_EQ(Fenêtres.PressePapiers.size(), 2U);
+  ASSERT_EQ(Fenêtres.PressePapiers.size(), 2U);
+  EXPECT_EQ(Fenêtres.PressePapiers[0].Pixels[0], 0U) << "nothing is drawn in its corner";
 }
 
 TEST_F(Hôte, ToolbarButtonTestsTheLinkAndShowsTheWindow) {
@@ -172,6 +181,16 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   EXPECT_EQ(Base->Etat->Écouteur, nullptr);
   LePlugIn->IPlugInTarvel_ChargementAjouté("1", "12");
   EXPECT_EQ(Fenêtres.VueSuivi, nullptr) << "no window comes back";
+}
+
+TEST_F(Hôte, AsksNothingMoreBehindItsEnd) {
+  Lancer();
+  int Questions = 0;
+  Port->SurConfigurer = [&] { return ++Questions > 0; };
+  Dans(10500, [this] { LePlugIn->IPlugInTarvel_Configurer(); });
+  Dans(10600, [this] { LePlugIn->IPlugInTarvel_Terminer(); });
+  Laisser(15000);
+  EXPECT_EQ(Questions, 0);
 }
 
 TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {

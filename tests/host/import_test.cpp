@@ -105,10 +105,11 @@ TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
     EXPECT_EQ(Importer(Contenu), Attendu);
     EXPECT_EQ(Annonces_ + Lire("SELECT count(*) FROM Chargement"), "0");
   }
+  EXPECT_EQ(Importer(Ligne()), "") << "the next file is judged by itself";
 }
 
 TEST_F(Import, TakesQuotesForOrdinaryText) {
-  EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "4", "'\"", "") + Ligne("13", "22/09/26 08:31", "')--")), "");
+  EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "4", "'\"", "") + Ligne("13", "22/09/26 08:31", "')--", "éé")), "");
   EXPECT_EQ(Lire("SELECT Sélection || ifnull(Masse, ' sans masse') FROM Chargement WHERE NoChargement = 12"),
             "'\" sans masse");
   EXPECT_EQ(Lire("SELECT Métayage FROM Chargement WHERE NoChargement = 13"), "')--");

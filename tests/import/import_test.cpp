@@ -127,7 +127,7 @@ TEST_F(Import, TheHoldingIsChosenByShareThenByGroup) {
       {"000200", "000201", "033.0000", "007", "6001"},   // whole numbers count, the first of two wins
       {"000200", "000201", "066.0000", "008", "6002"},   // 66,5 rounds to the even neighbour
       {"000200", "000201", "067.0000", "009", "6004"},   // so this share fits none, and the group decides
-      {"000200", "000201", "012.0000", "999", "6001"},   // neither: the first row
+      {"000200", "000201", "012.0000", "000", "6001"},   // neither, and no group isn't group 0: the first row
       {"000200", "000201", "x12.0000", "007", "6001"},   // an unreadable share fits every row
       {"000200", "000202", "099.0000", "007", "6020"},   // the pair's only holding
       {"000000", "000201", "099.0000", "007", "6010"}};  // no owner: the harvester with himself

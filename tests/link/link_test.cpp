@@ -125,12 +125,12 @@ TEST_F(Liaison, GivesCodeAndLeavesTheRest) {
 }
 
 TEST_F(Liaison, AnswerCountsUpToTheTimeOutAndNotBeyondAlsoAcrossTheWrapOfTheTickCount) {
-  Système.Horloge = 0xFFFFFFFFULL - 500;
-  Port->Envoyer(Ligne("^"), milliseconds(2000));
-  EXPECT_EQ(Obtenir(Trame()), Motif1);
-  Port->Envoyer(Ligne("^"), milliseconds(2001));
-  EXPECT_EQ(Obtenir(Trame()), Silence);
-  EXPECT_EQ(Système.Horloge, 0xFFFFFFFFULL - 500 + 2000 + 2001);
+  for (const auto& [Quand, Code] : {std::pair{2000U, Motif1}, {2001U, Silence}}) {
+    Système.Horloge = 0xFFFFFFFFULL - 500;
+    Port->Envoyer(Ligne("^"), milliseconds(Quand));
+    EXPECT_EQ(Obtenir(Trame()), Code);
+    EXPECT_EQ(Système.Horloge, 0xFFFFFFFFULL - 500 + Quand);
+  }
   EXPECT_LT(Système.Pompages, 8) << "an idle wait is one pump, not a busy loop";
 }
 
@@ -211,6 +211,7 @@ struct Banc : Liaison, ITraitementChargement {
     État.EtatBdD = Base->Etat;
     État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { UneInterrogation.Retard_FinTempo(Code); });
     Canal.Visible = true;
+    État.TamponRéception = Ligne("!A");  // an answer that came too late
     Répondre({"^A" + std::string(59, 'x')});
   }
   std::string TraiterDonnéesReçues(Octets&, Octets& Réponse, std::string& NoChargement) override {
@@ -254,7 +255,7 @@ const Issue Issues[] = {
     {"imported", [](Banc&) {}, "?A^", "", {}, 0, 1},
     {"no load", [](Banc& d) { d.Répondre({"!A"}); }, "?A", "Aucun chargement à récupérer.", {}, 0, 0},
     {"silence", [](Banc& d) { d.Répondre({}); }, "?A", Muet, {}, 0, 0},
-    {"frame too late", [](Banc& d) { d.Répondre({"^A<00"}); }, "?A", Muet, {}, 0, 0},
+    {"frame too late", [](Banc& d) { d.Répondre({"^A" + std::string(56, 'x')}); }, "?A", Muet, {}, 0, 0},
     {"port", [](Banc& d) { d.Port->EcritureRefusée = true; }, "", Echec + PORT, {"Erreur du port | "}, 0, 0},
     {"no state object", [](Banc& d) { d.État.EtatBdD.reset(); }, "", "", {}, 0, 0},
     {"refused frame", [](Banc& d) { d.Accusé = Ligne("!"); d.Import = d.Numéro = ""; }, "?A!", Rien, {}, 0, 0},
@@ -301,7 +302,7 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
   EXPECT_EQ(Signalés, Mots(Signalé, "ChargementAjouté:12"));
   EXPECT_EQ(Base->Actualisations, Signalé);
   EXPECT_TRUE(!État.Abandon || Système.Horloge < 1100) << "the end waits for nothing";
-  std::ifstream Flux(FichierErreursDuJour(Système), std::ios::binary);
+  std::ifstream Flux(Système.Dossier / "données/RG80 Err Import 0922.txt", std::ios::binary);
   const std::string Noté(std::istreambuf_iterator<char>(Flux), {});
   const std::string Voir = Système.Dossier.string() + "/imports-refusés/ImportRG80 22 09 08 30 00.txt\r\n";
   EXPECT_EQ(Noté.size() < 3 ? "" : Noté,

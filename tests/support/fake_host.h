@@ -33,8 +33,9 @@ struct FauxCanal : ICanalOpérateur {
 
 struct FauxKVSynchro : IKVSynchro {
   std::string Site = "1";
+  IÉcouteurKVSynchro* Écouteur = nullptr;
   std::string CodeSiteCourant() override { return Site; }
-  void Connecter(IÉcouteurKVSynchro*) override {}
+  void Connecter(IÉcouteurKVSynchro* LÉcouteur) override { Écouteur = LÉcouteur; }
 };
 
 struct FauxEtatBdD : IEtatBdD {

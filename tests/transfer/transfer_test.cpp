@@ -114,7 +114,8 @@ TEST_F(Transfert, FilesLeaveOutQuotasBeyondTheSixth) {
   EXPECT_EQ(Construire(3), "0077" + Blancs(19) + "110000000112000000011300000001140000000115000000011600000001"
                            "0088" + Blancs(19) + "110000000212000000021300000002140000000215000000021600000002");
   // clang-format on
-  EXPECT_EQ(Canal.Messages.at(0).first.find("Groupement 7 : quotas non transmis : 2 ("), 0U);
+  ASSERT_EQ(Canal.Messages.size(), 1U);
+  EXPECT_EQ(Canal.Messages[0].first.find("Groupement 7 : quotas non transmis : 2 ("), 0U);
 }
 
 TEST_F(Transfert, FilesFailWhenTheDataDontFit) {
@@ -127,6 +128,28 @@ TEST_F(Transfert, FilesFailWhenTheDataDontFit) {
   for (const auto& [Script, Rang, Raison] : Table) {
     Exécuter(Script);
     EXPECT_EQ(Construire(Rang), Raison);
+  }
+}
+
+/// Another station writes behind every query.
+struct BaseChangeante : IDatabase {
+  explicit BaseChangeante(PetiteCoopérative& LaSienne) : Sienne(LaSienne) {}
+  std::string Name() const override { return Sienne.Base->Name(); }
+  std::unique_ptr<IRecordset> OpenRecordset(Mot Sql, TypeRecordset Type) override {
+    auto Lignes = Sienne.Base->OpenRecordset(Sql, Type);
+    Sienne.Connexion->ExécuterTout(Changement);
+    return Lignes;
+  }
+  PetiteCoopérative& Sienne;
+  std::string Changement;
+};
+
+TEST_F(Transfert, FilesFailWhenTheDataChangeBetweenCountAndReading) {
+  const auto Base = std::make_shared<BaseChangeante>(Coopérative);
+  Hôte->Base = Base;
+  for (const char* Changement : {"INSERT INTO Qualité VALUES('1','')", "DELETE FROM Qualité"}) {
+    Base->Changement = Changement;
+    EXPECT_EQ(Construire(4), "Les données ont changé pendant la lecture");
   }
 }
 
