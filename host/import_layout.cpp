@@ -9,6 +9,7 @@
 
 #include "common/delimited_list.h"
 #include "common/regional_forms.h"
+#include "common/visible_text.h"
 #include "host/import_engine.h"
 
 namespace Tarvel {
@@ -55,14 +56,6 @@ ColonneImport LireColonne(const std::string& Texte) {
   return {Nom, *Genre, *Nombre};
 }
 
-std::size_t NombreCaractères(std::string_view Texte) {
-  constexpr unsigned MasqueSuite = 0xC0;
-  constexpr unsigned OctetDeSuite = 0x80;
-  return static_cast<std::size_t>(std::count_if(Texte.begin(), Texte.end(), [](char C) {
-    return (static_cast<unsigned char>(C) & MasqueSuite) != OctetDeSuite;
-  }));
-}
-
 bool EstCommande(char C) {
   constexpr unsigned char PremierImprimable = 0x20;
   constexpr char Effacement = 0x7F;
@@ -99,7 +92,7 @@ ValeurChamp LireValeur(const ColonneImport& Colonne, const std::string& Texte, c
     if (Colonne.Genre == GenreValeur::Booléen) return std::int64_t{0};
     return std::monostate{};
   }
-  const bool EstTropLong = Colonne.Largeur > 0 && NombreCaractères(Texte) > Colonne.Largeur;
+  const bool EstTropLong = Colonne.Largeur > 0 && Ombrey::NombreCaractères(Texte) > Colonne.Largeur;
   if (EstTropLong) throw Refus("valeur trop longue : « " + Texte + " »");
   auto Valeur = Interpréter(Colonne.Genre, Texte, Formes);
   if (!Valeur) throw Refus("valeur illisible : « " + Texte + " »");

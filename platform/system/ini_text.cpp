@@ -6,19 +6,13 @@
 
 #include "common/ansi_text.h"
 #include "common/failures.h"
+#include "common/text_helpers.h"
 
 namespace Ombrey {
 
 namespace {
 
 constexpr std::string_view Marque = "\xEF\xBB\xBF";
-constexpr std::string_view Blancs = " \t";
-
-std::string_view Rogner(std::string_view Texte) {
-  const std::size_t Début = Texte.find_first_not_of(Blancs);
-  if (Début == std::string_view::npos) return {};
-  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
-}
 
 char Minuscule(char C) { return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C; }
 
@@ -36,7 +30,7 @@ std::string_view SansGuillemets(std::string_view Texte) {
 }
 
 std::string ValeurÉcrite(std::string_view Valeur) {
-  const bool ÀProtéger = Rogner(Valeur).size() != Valeur.size() || EntreGuillemets(Valeur);
+  const bool ÀProtéger = SansBlancs(Valeur).size() != Valeur.size() || EntreGuillemets(Valeur);
   return ÀProtéger ? '"' + std::string(Valeur) + '"' : std::string(Valeur);
 }
 
@@ -47,7 +41,7 @@ bool EstAscii(std::string_view Bruts) {
 
 /// True when a name can be written so that it is found again.
 bool EstNom(std::string_view Nom, std::string_view Interdits) {
-  return Rogner(Nom).size() == Nom.size() && Nom.find_first_of(Interdits) == std::string_view::npos &&
+  return SansBlancs(Nom).size() == Nom.size() && Nom.find_first_of(Interdits) == std::string_view::npos &&
          Nom.find_first_of(std::string_view("\r\n\0", 3)) == std::string_view::npos;
 }
 
@@ -106,16 +100,16 @@ TexteIni::Ligne TexteIni::LigneÀ(std::size_t Début) const {
   Lue.Suivante = Saut == std::string::npos ? Bruts_.size() : Saut + 1;
   if (Lue.Fin > Début && Bruts_[Lue.Fin - 1] == '\r') --Lue.Fin;
   const std::string_view Toute = std::string_view(Bruts_).substr(Début, Lue.Fin - Début);
-  const std::string_view Utile = Rogner(Toute);
+  const std::string_view Utile = SansBlancs(Toute);
   if (Utile.empty() || Utile.front() == ';' || Utile.front() == '#') return Lue;
   if (Utile.front() == '[') {
     if (const std::size_t Crochet = Utile.find(']'); Crochet != std::string_view::npos)
-      Lue.Section = EnUtf8(Rogner(Utile.substr(1, Crochet - 1)));
+      Lue.Section = EnUtf8(SansBlancs(Utile.substr(1, Crochet - 1)));
     return Lue;
   }
   const std::size_t Égal = Toute.find('=');
   if (Égal == std::string_view::npos) return Lue;
-  Lue.Clé = EnUtf8(Rogner(Toute.substr(0, Égal)));
+  Lue.Clé = EnUtf8(SansBlancs(Toute.substr(0, Égal)));
   const std::size_t Premier = Toute.find_first_not_of(Blancs, Égal + 1);
   Lue.DébutValeur = Premier == std::string_view::npos ? Lue.Fin : Début + Premier;
   Lue.FinValeur = Premier == std::string_view::npos ? Lue.Fin : Début + Toute.find_last_not_of(Blancs) + 1;
