@@ -2,11 +2,13 @@
 #include <gtest/gtest.h>
 
 #include <array>
+#include <cerrno>
 #include <tuple>
 
 #include "common/ansi_text.h"
 #include "common/delimited_list.h"
 #include "common/failures.h"
+#include "common/system_error.h"
 #include "common/text_helpers.h"
 
 namespace Ombrey {
@@ -50,6 +52,11 @@ TEST(DelimitedList, ItemsAndPlaces) {
   Liste.Séparateur("");
   EXPECT_EQ(Liste.Décomposer("a;b"), Éléments{"a;b"});
   EXPECT_THROW(static_cast<void>(ListeChamps().Nombre(std::string(32768, ';'))), ErreurExécution);
+}
+
+TEST(SystemError, WhatAnOperatorMeetsHasWords) {
+  for (const int Numéro : {EACCES, ENOENT, ENOSPC, EROFS, EBUSY, EIO})
+    EXPECT_EQ(TexteErreurSystème(Numéro).find(std::to_string(Numéro)), std::string::npos) << Numéro;
 }
 
 TEST(TextHelpers, WrongSeparatorIsPutRight) {

@@ -331,6 +331,11 @@ TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromThe
   EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3001, 5502}));
 }
 
+TEST_F(Banc, AFileThatMovesWritesOverNoOther) {
+  for (const char* Nom : {"a", "b"}) EcrireFichier(Dossier.Chemin() / Nom, "");
+  EXPECT_THROW(DéplacerFichier(Dossier.Chemin() / "a", Dossier.Chemin() / "b"), ErreurExécution);
+}
+
 TEST_F(Banc, DailyFileGoesWhenItHoldsOnlyBlanks) {
   for (const auto& [Contenu, Reste] : {std::pair{"\r\n \r\n", false}, {"", false}, {"\r\nx", true}, {"\t", true}}) {
     EcrireFichier(FichierErreursDuJour(Système), Contenu);

@@ -5,6 +5,7 @@
 #include <csignal>
 
 #include "common/failures.h"
+#include "common/regional_forms.h"
 #include "platform/loop/poll_loop.h"
 #include "platform/system/ini_text.h"
 #include "platform/system/machine_platform.h"
@@ -17,6 +18,7 @@ namespace Ombrey {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::chrono_literals;
 
 TEST(TexteIni, ReadsKeysInAnyLayout) {
   // clang-format off
@@ -98,6 +100,8 @@ TEST_F(Machine, KeepsUserSettingsInFoldersOfTheirOwnerAloneAndFormsOfNumbers) {
   setenv("XDG_CONFIG_HOME", "relatif", 1);
   setenv("HOME", "/maison", 1);
   EXPECT_EQ(FichierRéglagesUtilisateur(), "/maison/.config/ombrey/reglages.ini");
+  const auto Epoque = std::chrono::system_clock::now().time_since_epoch();  // in UTC: a day apart at most
+  EXPECT_NEAR(NuméroDeJour(Machine_.Système().Maintenant()), 25569.0 + static_cast<double>(Epoque / 24h), 1.6);
   for (const char* Nom : {"C", "POSIX", "C.UTF-8", "nulle_PART", "fr_FR.UTF-8"}) {
     setenv("LC_ALL", Nom, 1);
     EXPECT_EQ(FormesDeLEnvironnement().SéparateurDécimal, ',') << Nom;
