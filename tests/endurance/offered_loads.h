@@ -27,7 +27,7 @@ inline std::string EnChiffres(std::int64_t Valeur, std::size_t Largeur) {
 }
 
 /// Records of one day ("ddmmyy"), numbered one behind the other. The last two holdings are unknown to the sample
-/// cooperative, one for its cooperators, too: only the first half of the loads may name them.
+/// cooperative, and some of their cooperators, too.
 inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned Nombre, const std::string& Jour,
                                                    Dé& Hasard) {
   // Owner, harvester, group and share.
@@ -42,7 +42,7 @@ inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned No
     const unsigned Arrivée = Hasard(40);
     std::string Texte = EnChiffres(Premier + Rang, 4) + Jour + Heure + EnChiffres(Arrivée, 2) + Heure;
     Texte += EnChiffres(Arrivée + 1 + Hasard(19), 2);
-    Texte += Exploitations[Hasard(Exploitations.size() - (Rang < Nombre / 2 ? 0 : 2))];
+    Texte += Exploitations[Hasard(Exploitations.size())];
     Texte += Appellations[Hasard(Appellations.size())] + EnChiffres(1 + Hasard(4), 2);
     Texte += EnChiffres(95 + Hasard(54), 3) + EnChiffres(1 + Hasard(3), 1);
     Tous.push_back(Texte += EnChiffres(200 + Hasard(1300), 4) + EnChiffres(1 + Hasard(24), 3));
