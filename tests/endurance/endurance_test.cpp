@@ -134,7 +134,7 @@ class Voie {
   [[nodiscard]] std::string Extrait(const std::string& Numéro) const {
     return "\n--- terminal\n" + Autour(P_.Rg80->Dit(), Numéro) + "--- ligne\n" +
            Autour(Contenu(P_.En("journal.txt")), "<STX>" + Numéro) + "--- station\n" +
-           Autour(Passé_ + P_.Station->Dit(), "n° " + std::to_string(std::atoi(Numéro.c_str())));
+           Autour(Passé_ + P_.Station->Dit(), "n° " + std::to_string(std::stol("0" + Numéro)));
   }
 
   Dé Hasard_;
@@ -275,13 +275,16 @@ void Voie::VérifierFichiers() {
 TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   constexpr unsigned NombreVoies = 8, Courte = 64;
   const auto Nombre = static_cast<unsigned>(Réglage("ENDURANCE_CHARGEMENTS", Courte)) / NombreVoies;
-  const auto Graine = static_cast<std::uint32_t>(Réglage("ENDURANCE_GRAINE", 1));
-  const bool EstLongue = Nombre > Courte;
+  const auto Graine = static_cast<std::uint32_t>(Réglage("ENDURANCE_GRAINE", 4));
+  const bool EstLongue = Nombre * NombreVoies > Courte;
+  std::printf("endurance: seed %u\n", Graine);
+  std::fflush(stdout);
   const auto Début = std::chrono::steady_clock::now();
   std::deque<Voie> Voies;
   for (unsigned Rang = 0; Rang < NombreVoies; ++Rang)
     Voies.emplace_back(Graine * NombreVoies + Rang, 1 + Rang * Nombre, Nombre, EstLongue);
   std::vector<std::thread> Fils;
+  Fils.reserve(NombreVoies);
   for (Voie& Une : Voies)
     Fils.emplace_back([&Une, EstLongue] {
       try {
@@ -297,7 +300,7 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
     for (const auto& [Nom, Combien] : Une.Comptes) Somme[Nom] += Combien;
   }
   const auto Durée = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - Début);
-  std::printf("endurance: seed %u, %lld s", Graine, static_cast<long long>(Durée.count()));
+  std::printf("endurance: seed %u, %lld s, lines %u", Graine, static_cast<long long>(Durée.count()), NombreVoies);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
   std::puts("");
 }

@@ -40,7 +40,8 @@ inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned No
   for (unsigned Rang = 0; Rang < Nombre; ++Rang) {
     const std::string Heure = EnChiffres(7 + Hasard(12), 2);
     const unsigned Arrivée = Hasard(40);
-    std::string Texte = EnChiffres(Premier + Rang, 4) + Jour + Heure + EnChiffres(Arrivée, 2) + Heure;
+    std::string Texte = EnChiffres(Premier + Rang, 4) + Jour;
+    Texte.append(Heure).append(EnChiffres(Arrivée, 2)).append(Heure);
     Texte += EnChiffres(Arrivée + 1 + Hasard(19), 2);
     Texte += Exploitations[Hasard(Exploitations.size())];
     Texte += Appellations[Hasard(Appellations.size())] + EnChiffres(1 + Hasard(4), 2);
