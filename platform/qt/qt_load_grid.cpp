@@ -13,9 +13,6 @@ namespace {
 /// So many rows are looked at to find a column's width: a long day must not slow the first refresh.
 constexpr int LignesMesurées = 50;
 constexpr int InterligneSupplémentaire = 6;
-constexpr int LargeurUsuelle = 1440;  ///< twips: a date with its time fits
-/// What stands in a column is seldom more than so many times as wide as its heading.
-constexpr int EntêtesParColonne = 2;
 }  // namespace
 
 void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
@@ -105,12 +102,14 @@ void GrilleChargements::FixerLargeur(int Colonne, int Pixels) {
   LargeursFixées_.insert(Colonne);
 }
 
+int GrilleChargements::LargeurFixée(int Colonne) const {
+  return LargeursFixées_.contains(Colonne) ? columnWidth(Colonne) : 0;
+}
+
 void GrilleChargements::Élargir() {
   for (int Colonne = 0; Colonne < NombreColonnes(); ++Colonne) {
     if (LargeursFixées_.contains(Colonne)) continue;
-    // A list that happens to be empty, or full of short names, must not leave its columns too narrow for the next.
-    const int Voulue = std::max({sizeHintForColumn(Colonne), EnPixels(LargeurUsuelle, logicalDpiX()),
-                                 EntêtesParColonne * horizontalHeader()->sectionSizeHint(Colonne)});
+    const int Voulue = std::max(sizeHintForColumn(Colonne), horizontalHeader()->sectionSizeHint(Colonne));
     if (Voulue > columnWidth(Colonne)) setColumnWidth(Colonne, Voulue);
   }
 }

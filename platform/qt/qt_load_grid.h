@@ -29,11 +29,13 @@ class ModèleGrille : public QAbstractTableModel {
 class GrilleChargements : public QTableView {
  public:
   explicit GrilleChargements(QWidget* Parent);
-  /// A column has room for usual contents and widens to what comes to stand in it, until its width is given by
-  /// FixerLargeur or by hand.
+  /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
   void FixerLargeur(int Colonne, int Pixels);
+  /// The width that was given to the column; 0 as long as it follows its contents. To remember that of an empty list,
+  /// or of a day of short names, would leave the column too narrow for good.
+  [[nodiscard]] int LargeurFixée(int Colonne) const;
 
  private:
   void Élargir();

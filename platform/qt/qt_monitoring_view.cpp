@@ -153,7 +153,7 @@ void VueSuiviChargntQt::RemplirGrille(std::vector<std::string> Entêtes, std::ve
 std::size_t VueSuiviChargntQt::NombreColonnes() const { return static_cast<std::size_t>(Grille_->NombreColonnes()); }
 
 int VueSuiviChargntQt::LargeurColonne(std::size_t Colonne) const {
-  return EnTwips(Grille_->columnWidth(Rang(Colonne)), Résolution());
+  return EnTwips(Grille_->LargeurFixée(Rang(Colonne)), Résolution());
 }
 
 void VueSuiviChargntQt::FixerLargeurColonne(std::size_t Colonne, int Twips) {

@@ -103,7 +103,8 @@ class IVueSuiviChargnt {
   /// Replaces the grid's contents without flicker. Each row has as many texts as there are headings.
   virtual void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) = 0;
   [[nodiscard]] virtual std::size_t NombreColonnes() const = 0;
-  [[nodiscard]] virtual int LargeurColonne(std::size_t Colonne) const = 0;  ///< twips
+  /// In twips; 0 while the column has no width of its own to remember.
+  [[nodiscard]] virtual int LargeurColonne(std::size_t Colonne) const = 0;
   virtual void FixerLargeurColonne(std::size_t Colonne, int Twips) = 0;
 
   /// Coché counts in the message list alone: the error list has no tick boxes.
