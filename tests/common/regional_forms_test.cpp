@@ -71,14 +71,6 @@ TEST(Numbers, TextFormReadsBack) {
   EXPECT_EQ(TexteNombre(12.5, {'.'}), "12.5");
 }
 
-TEST(Values, NullIsRefusedOrEmpty) {
-  EXPECT_EQ(TexteValeur(ValeurChamp(std::int64_t{-7}), Français), "-7");
-  EXPECT_EQ(TexteValeur(ValeurChamp(33.25), Français), "33,25");
-  EXPECT_EQ(TexteValeur(ValeurChamp(std::string("007")), Français), "007");
-  EXPECT_EQ(TexteOuVide({}, Français), "");
-  EXPECT_EQ(DescriptionDe([] { static_cast<void>(TexteValeur({}, Français)); }), "Utilisation incorrecte de Null");
-}
-
 TEST(Dates, StrictlyDayMonthYear) {
   for (const auto& [Texte, Valeur] : Dates) {
     EXPECT_EQ(LireDate(Texte), Valeur) << Texte;
@@ -88,13 +80,6 @@ TEST(Dates, StrictlyDayMonthYear) {
                             "2008/09/19", "19/ 9/08", "19/09/08 08:30 x", "aa/bb/cc dd:ee", "19/09/0000", "-1/09/08"}) {
     EXPECT_FALSE(EstDate(Texte)) << Texte;
   }
-}
-
-TEST(Dates, TextForms) {
-  const DateHeure Moment{2026, 11, 2, 8, 5, 9};
-  EXPECT_EQ(TexteDateHeure(Moment), "02/11/2026 08:05:09");
-  EXPECT_EQ(TexteHeure(Moment), "08:05:09");
-  EXPECT_EQ(TexteFormaté(Moment, "aaaa jj mm hh nn ss ?"), "2026 02 11 08 05 09 ?");
 }
 
 TEST(Dates, DayNumbers) {

@@ -1,5 +1,4 @@
 // The tables, the queries of the plug-in on the sample, creations and figures.
-#include "monitor/load_list.h"
 #include "platform/database/dialect.h"
 #include "tests/host/cooperative_fixture.h"
 
@@ -8,17 +7,6 @@ namespace {
 
 using Base = Coopérative;
 
-/// Keeps the last query that went through it.
-struct Espion : Ombrey::IDatabase {
-  explicit Espion(Ombrey::IDatabase& LaSienne) : Sienne(LaSienne) {}
-  std::string Name() const override { return Sienne.Name(); }
-  std::unique_ptr<Ombrey::IRecordset> OpenRecordset(const std::string& Sql, Ombrey::TypeRecordset Type) override {
-    return Sienne.OpenRecordset(Vue = Sql, Type);
-  }
-  Ombrey::IDatabase& Sienne;
-  std::string Vue;
-};
-
 TEST_F(Base, LooksUpByIndexSoThatGrowthCostsNothing) {
   const auto Plan = [&](const std::string& Sql) {
     std::string Texte;
@@ -26,25 +14,13 @@ TEST_F(Base, LooksUpByIndexSoThatGrowthCostsNothing) {
     while (Étapes.Avancer()) Texte += std::get<std::string>(Étapes.Valeur(3)) + "\n";
     return Texte;
   };
-  Espion Liste(*Base_->BaseDAO());
-  static_cast<void>(Ombrey::LireChargementsDuJour(Liste, {}));
-  // clang-format off
-  for (const std::string& Sql : {
-           Liste.Vue, std::string("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'"),
-           std::string("SELECT IdMétayage,* FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'"),
-           std::string("SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
-                       "WHERE NoChargement = 12 AND CodeSite = '1'")})
-    // clang-format on
+  // The year's loads grow, and so do the members; the list of the day's loads is the first.
+  for (const char* Sql : {"SELECT * FROM Chargement WHERE DateCh > Date() ORDER BY DateCh DESC",
+                          "SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
+                          "SELECT * FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'",
+                          "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
+                          "WHERE NoChargement = 12 AND CodeSite = '1'"})
     EXPECT_EQ(Plan(Sql).find("SCAN"), std::string::npos) << Sql << "\n" << Plan(Sql);
-}
-
-TEST_F(Base, LeavesAnExistingFileAlone) {
-  EXPECT_THROW(CréerBase(Fichier_, false), Ombrey::ErreurExécution);
-  EXPECT_EQ(Lire("SELECT count(*) FROM Coopérateur"), "12");
-
-  EXPECT_TRUE(TablesManquantes(*Connexion_).empty());
-  Connexion_->Exécuter("DROP TABLE QuotasGrp");
-  EXPECT_EQ(TablesManquantes(*Connexion_), std::vector<std::string>{"QuotasGrp"});
 }
 
 TEST_F(Base, CreatesMembersAndHoldingsThatTheQueriesFind) {

@@ -1,25 +1,14 @@
 // Import files of every kind, and what becomes of the table of loads.
-#include <sys/wait.h>
-
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
 namespace {
 
 using Import = Coopérative;
-namespace fs = std::filesystem;
-
-TEST_F(Import, WritesTheLoadAndAnnouncesIt) {
-  EXPECT_EQ(Importer(Ligne()), "");
-  EXPECT_EQ(Annonces_, "importé Chargement 1/12\n");
-  EXPECT_EQ(
-      Lire("SELECT Arrivée || ' ' || Sortie || ' ' || Métayage || Sélection || Cépage || Qualité || ' ' || Degré || ' '"
-           " || Masse || ' ' || Cuve || Synchronisé FROM ChargementLisible"),
-      "22/09/2026 08:30 22/09/2026 09:15 405Syrah01 12.5 1234 70");
-}
 
 TEST_F(Import, KeepsEachLoadOnce) {
   ASSERT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Annonces_, "importé Chargement 1/12\n");
   EXPECT_EQ(Importer(Ligne("12", "22/09/2026 08:30:00", "4", "05", "1300")), "");
   EXPECT_EQ(Annonces_, "mis à jour Chargement 1/12\n");
   EXPECT_EQ(Lire("SELECT Masse || '/' || count(*) FROM Chargement"), "1300/1");
@@ -108,13 +97,6 @@ TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
   EXPECT_EQ(Importer(Ligne()), "") << "the next file is judged by itself";
 }
 
-TEST_F(Import, TakesQuotesForOrdinaryText) {
-  EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "4", "'\"", "") + Ligne("13", "22/09/26 08:31", "')--", "éé")), "");
-  EXPECT_EQ(Lire("SELECT Sélection || ifnull(Masse, ' sans masse') FROM Chargement WHERE NoChargement = 12"),
-            "'\" sans masse");
-  EXPECT_EQ(Lire("SELECT Métayage FROM Chargement WHERE NoChargement = 13"), "')--");
-}
-
 TEST_F(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine) {
   const std::string Long = "Muscat à petits grains blancs de la plaine";
   for (const auto& [Table, Colonne] : {std::pair{"Cépage", "Désignation"}, {"Paramètre", "Valeur"}}) {
@@ -154,7 +136,6 @@ TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
       {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')",
        "faux : Définition d'import : il manque la colonne DateCh"},
       {"UPDATE MSysEtats SET Format = NULL", "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
-      {"DROP TABLE ChargementArchive", "faux : Table introuvable : ChargementArchive (no such table: ChargementArchive)"},
       {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats (no such table: MSysEtats)"},
   };
   // clang-format on
@@ -163,29 +144,10 @@ TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
     EXPECT_EQ(Importer(Ligne()), Attendu);
     Connexion_.reset();
     Base_.reset();
-    fs::remove(Fichier_);
+    std::filesystem::remove(Fichier_);
     CréerBase(Fichier_, true);
     Rouvrir();
   }
-}
-
-TEST_F(Import, SaysThatTheFileIsReadOnly) {
-  fs::permissions(Fichier_, fs::perms{0444});
-  fs::permissions(Dossier_, fs::perms{0777});
-  Base_.reset();
-  Connexion_.reset();
-  const pid_t Enfant = fork();
-  if (Enfant == 0) {
-    constexpr uid_t Personne = 65534;
-    if (geteuid() == 0 && setuid(Personne) != 0) _exit(2);
-    Rouvrir();
-    Ombrey::NouveauCoopérateur Nouveau{"900", "Nom", ""};
-    EXPECT_THROW(Base_->AjouterCoopérateur(Nouveau), Ombrey::ErreurExécution);
-    _exit(!HasFailure() && Importer(Ligne()).starts_with("faux : La base de données est en lecture seule") ? 0 : 3);
-  }
-  int Etat = 0;
-  ASSERT_EQ(waitpid(Enfant, &Etat, 0), Enfant);
-  EXPECT_EQ(WEXITSTATUS(Etat), 0);
 }
 
 }  // namespace

@@ -1,13 +1,10 @@
-// The poll loop, the timer on it, and the signals that end a program.
+// The poll loop and the timer on it.
 #include "platform/loop/poll_loop.h"
 
 #include <gtest/gtest.h>
 #include <sys/eventfd.h>
 
-#include <csignal>
-
 #include "platform/loop/descriptor.h"
-#include "platform/loop/signals.h"
 #include "platform/loop/timer.h"
 
 namespace Ombrey {
@@ -98,17 +95,6 @@ TEST_F(Pompe, ATimerComesOnceAndMayBeStartedAgainAndDroppedWithinItsOwnEvent) {
   Retard->Démarrer(-1, "a");
   Vider();
   EXPECT_EQ(Trace, "abb");
-}
-
-TEST_F(Pompe, SignalsBecomeEventsAndAreGivenBack) {
-  {
-    const SignauxFin Signaux(Boucle, [&] { Trace += 's'; });
-    ASSERT_EQ(raise(SIGTERM) + raise(SIGINT), 0);
-    EXPECT_EQ(Trace, "");
-    Vider();
-  }
-  EXPECT_EQ(Trace, "ss");
-  EXPECT_EQ(std::signal(SIGTERM, SIG_DFL), SIG_DFL);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-// The port on a pseudo-terminal: receiving, writing at line pace, loss and return, what it refuses.
-#include <sys/stat.h>
+// The port on a pseudo-terminal: receiving, writing at line pace, loss and return.
 #include <termios.h>
 
 #include <filesystem>
@@ -146,28 +145,6 @@ TEST_F(Port, LostIsOpenedAgainAtTheNextWriteUnderItsName) {
   Nouveau.Envoyer("bon");
   while (Reçus_.size() < 2) ASSERT_TRUE(Boucle_.Pomper(1s));
   EXPECT_EQ(Reçus_.back(), "bon");
-}
-
-TEST_F(Port, SaysWhyItCannotBeHadAndIsHadOnceItIsFree) {
-  const PseudoTerminal Interdit;
-  ASSERT_TRUE(chmod(Loin_.Nom().c_str(), 0666) == 0 && chmod(Interdit.Nom().c_str(), 0) == 0);
-  const uid_t Moi = geteuid();
-  // clang-format off
-  const std::pair<std::string, const char*> Cas[] = {
-      {"/dev/ttyRIEN", "est absent"}, {"/tmp", "n'est pas un port série"}, {"/dev/null", "n'est pas un port série"},
-      {Loin_.Nom(), "déjà utilisé par un autre programme"}, {Interdit.Nom(), "sudo usermod -aG "}};
-  // clang-format on
-  for (const auto& [Nom, Mots] : Cas) {
-    const auto Essai = Obtenir(Nom);
-    ASSERT_EQ(seteuid(Moi == 0 ? 65534 : Moi), 0);
-    EXPECT_FALSE(Essai->Ouvrir());
-    ASSERT_EQ(seteuid(Moi), 0);
-    ExpectErreur(*Essai, Nom, Mots);
-  }
-  LePort_->Fermer();
-  EXPECT_TRUE(Obtenir(Loin_.Nom())->Ouvrir());
-  EXPECT_FALSE(Serveur_.ObtenirPort("COM99:", nullptr));
-  EXPECT_NE(Serveur_.ErreurServeur().find("COM99:"), std::string::npos);
 }
 
 }  // namespace

@@ -178,18 +178,23 @@ TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
   Port->FixerBitsStop(1);
   ASSERT_TRUE(Port->Ouvrir()) << Port->DernièreErreurPort();
   const PseudoTerminal Libre;
+  const PseudoTerminal Interdit;
+  ASSERT_EQ(chmod(Interdit.Nom().c_str(), 0) + chmod(Libre.Nom().c_str(), 0666) + chmod(Loin_.Nom().c_str(), 0666), 0);
   // clang-format off
   const std::pair<RéglagesPort, std::string> Cas[] = {
       {{Libre.Nom(), "9600", "N", "1", "8"}, ""}, {{Loin_.Nom(), "9600", "N", "1", "8"}, "déjà utilisé"},
       {{Libre.Nom(), "vite", "N", "1", "8"}, "« vite »"}, {{Libre.Nom(), "115200", "N", "1", "8"}, "« 115200 »"},
       {{Libre.Nom(), "9600", "?", "1", "8"}, "« ? »"}, {{Libre.Nom(), "9600", "N", "", "8"}, "«  »"},
-      {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{"/dev/ttyRIEN", "9600", "N", "1", "8"}, "absent"}};
+      {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{Interdit.Nom(), "9600", "N", "1", "8"}, "sudo usermod -aG "}};
   // clang-format on
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
+    const uid_t Moi = geteuid();
+    EXPECT_EQ(seteuid(Moi == 0 ? 65534 : Moi), 0);
     for (const auto& [Réglages, Mots] : Cas) {
       const std::string Texte = Essayer(Réglages);
       EXPECT_TRUE(Texte.empty() == Mots.empty() && Texte.find(Mots) != std::string::npos) << Mots << ": " << Texte;
     }
+    EXPECT_EQ(seteuid(Moi), 0);
     return false;
   };
   EXPECT_FALSE(Machine_.CréerClientPortComm({})->Configurer(Ini_, "S"));

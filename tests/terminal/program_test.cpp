@@ -51,12 +51,16 @@ struct ProgramTest : testing::Test {
   Ombrey::Descripteur Peer;
 };
 
-TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
+TEST_F(ProgramTest, RunsOneDialogueAtLinePaceIdlesWithoutAPeerAndEndsByItself) {
   const std::string Load = "0012190908083009150001230004560071000000050112521234007";
   std::ofstream(In("loads")) << Load << '\n';
   std::filesystem::create_symlink("/dev/pts/no-such", In("line"));  // what a killed run leaves
+  const std::clock_t Before = Work();
   Start("--lien line --jusqu-a-vide --cadence 9600 --chargements loads --sortie kept --journal journal");
   Connect();
+  Peer.Fermer();
+  std::this_thread::sleep_for(1s);
+  Reconnect();
   const auto Begin = std::chrono::steady_clock::now();
   EXPECT_EQ(Ask("\5A", 61), "<ACK>A<STX>" + Load + "<ETX><;");
   const auto Taken = std::chrono::steady_clock::now() - Begin;
@@ -65,28 +69,12 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceAndEndsByItself) {
   EXPECT_EQ(Ask("\002000000000123000456000789\3;2", 1), "<ACK>");
   EXPECT_EQ(Ask("\4", 0), "");
   EXPECT_EQ(Program->Fin(), 0);
+  EXPECT_LT(Work() - Before, sysconf(_SC_CLK_TCK) / 5);
   EXPECT_EQ(Text("kept/reponses.txt"), "000000000123000456000789\n");
   EXPECT_TRUE(Program->Dit().ends_with(
       "bilan : envoyés 1, acquittés 1, refusés 0, sans réponse 0, réponses reçues 1, fichiers reçus 0\n"));
   EXPECT_NE(Text("journal").find("émis <ACK>A<STX>" + Load + "<ETX><;\n"), std::string::npos);
   EXPECT_FALSE(std::filesystem::is_symlink(In("line")));
-}
-
-TEST_F(ProgramTest, KeepsAFileAsItCameAndIdlesWithoutAPeer) {
-  const std::clock_t Before = Work();
-  Start("--f6 --lien line --sortie kept");
-  Connect();
-  Peer.Fermer();
-  std::this_thread::sleep_for(1s);
-  Reconnect();
-  std::string File;
-  for (int Rank = 0; Rank < 300; ++Rank) File += "000123Coopérative" + std::string(23, ' ');
-  EXPECT_EQ(Ask("\0051", 2), "<ACK>1");
-  EXPECT_EQ(Ask(Rg80::Encadrer(File), 1), "<ACK>");
-  Program->Signaler(SIGTERM);
-  EXPECT_EQ(Program->Fin(), 0);
-  EXPECT_TRUE(Text("kept/fichier-1.txt") == File);
-  EXPECT_LT(Work() - Before, sysconf(_SC_CLK_TCK) / 5);
 }
 
 TEST_F(ProgramTest, RefusesWhatItCannotServeWithCode2) {
