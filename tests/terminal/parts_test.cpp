@@ -1,4 +1,4 @@
-// The terminal's small parts: checksum, readable bytes, loads, pace, command line.
+// The terminal's small parts: checksum, readable bytes, loads, command line.
 #include <gtest/gtest.h>
 
 #include <sstream>
@@ -6,12 +6,9 @@
 #include "terminal/frame.h"
 #include "terminal/loads.h"
 #include "terminal/options.h"
-#include "terminal/pace.h"
 
 namespace Rg80 {
 namespace {
-
-using namespace std::chrono_literals;
 
 TEST(Frame, HasTheChecksumWorkedOutByHandAndIsReadable) {
   const std::pair<std::string, const char*> Rows[] = {{"abc", "2;"}, {"\xE9", ">>"}, {"}}", "??"}, {"}~", "00"}};
@@ -49,21 +46,6 @@ TEST(RandomLoads, AreWellFormedAndTheSameForTheSameSeed) {
     EXPECT_EQ(Text, Second[Rank].Enregistrement);
   }
   EXPECT_EQ(NuméroSuivant(Made), 0U) << "9999 is followed by 0";
-}
-
-TEST(Pace, TakesTheWireTimeAndCatchesUp) {
-  Cadence Line(9600);
-  const Instant Start{};
-  Line.Éveiller(Start);
-  EXPECT_EQ(Line.Dus(Start + 1041us), 0U);
-  EXPECT_EQ(Line.Dus(Start + 1042us), 1U);
-  EXPECT_EQ(Line.Dus(Start + 5300us), 5U) << "a late look finds all that came meanwhile";
-  Instant Now = Start;
-  for (std::size_t Through = 0; Through < 123000; Now += 1700us) {
-    Through += Line.Dus(Now);
-    Line.Compter(Line.Dus(Now));
-  }
-  EXPECT_LT(Now - Start, 128125ms + 4ms);
 }
 
 TEST(CommandLine, SaysWhatIsWrong) {
