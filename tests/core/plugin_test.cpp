@@ -79,7 +79,6 @@ struct Début {
 };
 // clang-format off
 const Début Débuts[] = {
-    {"good", [](Hôte&) {}, "", 1, "2000"},
     {"busy port", [](Hôte& H) { H.Port->Ouvrable = false; }, "", 1, "2000"},
     {"no setting", [](Hôte& H) { H.Ini.erase("Port"); }, "Erreur de configuration du port de communication", 0, "2000"},
     {"operator fills in the settings", [](Hôte& H) {
@@ -126,22 +125,13 @@ TEST_F(Hôte, KeepsTheFirstNumbersThatItIsOffered) {
     EXPECT_EQ(LePlugIn->IPlugInTarvel_AjouterBouton(Numéro, Style, Texte), Pris) << Offert;
     EXPECT_EQ(LePlugIn->IPlugInTarvel_AjouterMenu(Numéro, Texte), Pris) << Offert;
   }
+  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(4, "");  // another plug-in's
+  LePlugIn->IPlugInTarvel_MenuAppelé(4, "");
+  EXPECT_TRUE(Port->Ecrits.empty() && Fenêtres.Dites().empty());
   EXPECT_EQ(Texte, "&Charger les données vers le RG80");
   EXPECT_EQ(Style, 7);
   ASSERT_EQ(Fenêtres.PressePapiers.size(), 2U);
   EXPECT_EQ(Fenêtres.PressePapiers[0].Pixels[0], 0U) << "nothing is drawn in its corner";
-}
-
-TEST_F(Hôte, ToolbarButtonTestsTheLinkAndShowsTheWindow) {
-  Lancer();
-  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(4, "");
-  EXPECT_TRUE(Port->Ecrits.empty()) << "another plug-in's button";
-  TerminalVide();
-  Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });
-  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
-  EXPECT_EQ(Message(0), "Connexion établie avec le RG80.");
-  EXPECT_EQ(Message(1), "Communication établie avec le RG80.");
-  EXPECT_EQ(Système.Horloge, 2000U) << "shown until it is hidden";
 }
 
 TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
@@ -164,6 +154,9 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
   Laisser(75000);
   EXPECT_EQ(Ouvertures, 1);
   EXPECT_GT(Port->Ecrits.size(), 3U) << "polling goes on";
+  Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });
+  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+  EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
 }
 
 TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
@@ -183,22 +176,13 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   EXPECT_EQ(Fenêtres.VueSuivi, nullptr) << "no window comes back";
 }
 
-TEST_F(Hôte, AsksNothingMoreBehindItsEnd) {
-  Lancer();
-  int Questions = 0;
-  Port->SurConfigurer = [&] { return ++Questions > 0; };
-  Dans(10500, [this] { LePlugIn->IPlugInTarvel_Configurer(); });
-  Dans(10600, [this] { LePlugIn->IPlugInTarvel_Terminer(); });
-  Laisser(15000);
-  EXPECT_EQ(Questions, 0);
-}
-
 TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
   LePlugIn->IPlugInTarvel_Terminer();
   // The host drops its reference at once. A poll lasts from 10 to 12 seconds, one put off in it waits, then lasts two
   // more.
-  const std::pair<std::string, std::uint64_t> Table[] = {{"poll", 10100}, {"put off", 11000}, {"put off", 13000},
-                                                         {"test", 1000},  {"window", 3000},   {"transfer", 3000}};
+  const std::pair<std::string, std::uint64_t> Table[] = {{"poll", 10100},    {"dialog", 10600}, {"put off", 11000},
+                                                         {"put off", 13000}, {"test", 1000},    {"window", 3000},
+                                                         {"transfer", 3000}};
   for (const auto& [Ici, Quand] : Table) {
     LePlugIn = PlugIn::Créer(Plateforme);
     LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
@@ -206,6 +190,8 @@ TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
     if (Ici == "transfer") TerminalVide();
     const std::weak_ptr<PlugIn> Faible = LePlugIn;
     const auto Début = Système.Horloge;
+    Port->SurConfigurer = [] { return ADD_FAILURE() << "a question behind the end", false; };
+    if (Ici == "dialog") Dans(10500, [&] { LePlugIn->IPlugInTarvel_Configurer(); });
     if (Ici == "put off") Dans(10500, [&] { LePlugIn->Retard_FinTempo(""); });
     Dans(Quand, [&] {
       LePlugIn->IPlugInTarvel_Terminer();

@@ -59,16 +59,6 @@ TEST_F(Import, WorkedFrame) {
   }
 }
 
-TEST_F(Import, AFrameCutAnywhereWaitsForTheNextDialogue) {
-  for (std::size_t Longueur = 0; Longueur < TrameModèle.size(); ++Longueur) {
-    const std::string Début = TrameModèle.substr(0, Longueur);
-    EXPECT_EQ(Traiter(Oui + Début), "");
-    EXPECT_EQ(Tampon, Octets(Longueur ? Début : Oui));
-    EXPECT_EQ(Réponse, Octets("lu"));
-    EXPECT_EQ(Fenêtres.Dites(), Mots(Longueur > 0, "RG80 Ombrey | Données trop courtes"));
-  }
-}
-
 TEST_F(Import, AWrongChecksumIsRefusedAndItsFrameGoesUnlessThePlugInEnds) {
   std::string Trame = TrameModèle;
   Trame[10] = '1';

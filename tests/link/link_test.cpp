@@ -182,19 +182,6 @@ TEST_F(Liaison, TransmissionEndsAsTold) {
   }
 }
 
-TEST_F(Liaison, FailureOfThePortAtRequestAndAtFrameIsShownInItsWords) {
-  Port->Erreur = "COM1: est absent";
-  Port->SurEcriture = [this](const Octets&) {
-    Port->Envoyer(Ligne("^8"));
-    Système.Après(milliseconds(4), [this] { Port->EcritureRefusée = true; });
-  };
-  for (const int Fois : {1, 2}) {  // the second time the port refuses from the start
-    EXPECT_EQ(Envoyer({"abc"}), PORT) << Fois;
-    EXPECT_EQ(Ecrit(), Ligne("?8"));
-  }
-  EXPECT_EQ(Fenêtres.Dites(), Mots(2, "Erreur du port | COM1: est absent"));
-}
-
 TEST_F(Liaison, PendingFailureOfACalleeIsReported) {
   État.Erreur.Noter(ErreurExécution("panne"));
   EXPECT_EQ(Envoyer({""}), "Transmission de l'exportation vers le RG80 : panne");
@@ -256,10 +243,14 @@ const Issue Issues[] = {
     {"no load", [](Banc& d) { d.Répondre({"!A"}); }, "?A", "Aucun chargement à récupérer.", {}, 0, 0},
     {"silence", [](Banc& d) { d.Répondre({}); }, "?A", Muet, {}, 0, 0},
     {"frame too late", [](Banc& d) { d.Répondre({"^A" + std::string(56, 'x')}); }, "?A", Muet, {}, 0, 0},
-    {"port", [](Banc& d) { d.Port->EcritureRefusée = true; }, "", Echec + PORT, {"Erreur du port | "}, 0, 0},
+    {"port", [](Banc& d) { d.Port->EcritureRefusée = !(d.Port->Erreur = "absent").empty(); }, "", Echec + PORT,
+     {"Erreur du port | absent"}, 0, 0},
     {"no state object", [](Banc& d) { d.État.EtatBdD.reset(); }, "", "", {}, 0, 0},
     {"refused frame", [](Banc& d) { d.Accusé = Ligne("!"); d.Import = d.Numéro = ""; }, "?A!", Rien, {}, 0, 0},
-    {"good frame, unknown holding: no answer", [](Banc& d) { d.Import = d.Numéro = ""; }, "?A", Rien, {}, 0, 0},
+    {"good frame, unknown holding: no answer, and none for what a killed station left behind", [](Banc& d) {
+       d.Import = d.Numéro = "";
+       EcrireFichier(d.Etat.Dossier + "RG80 import.txt", "12;Aligoté;");
+     }, "?A", Rien, {}, 0, 0},
     {"load number 0000: no answer", [](Banc& d) { d.Numéro = ""; }, "?A", Rien, {}, 0, 0},
     {"engine gives up", [](Banc& d) { d.Etat.Importe = false; }, "?A!", "", {Refus}, 1, 1},
     {"engine leaves an error text", [](Banc& d) { d.Etat.Erreur = "Masse : « x »"; }, "?A!", "", {}, 1, 1},

@@ -146,28 +146,6 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
   EXPECT_EQ(Réglages, Place("1000", "800", "9525", "11265"));
 }
 
-TEST_F(Suivi, EndsInTheMidstOfEveryCall) {
-  const auto Finir = [this] { Fenêtre.reset(); };
-  Système.Après(milliseconds(10), Finir);  // only what is shown lets it come
-  Fenêtres.PendantBoîte = Services.SurInterrogation = Finir;
-  Services.SurCumuls = [&] {
-    Finir();
-    throw ErreurExécution("trop tard");
-  };
-  // clang-format off
-  const std::function<void()> Appels[] = {
-      [&] { Fenêtre->Afficher(); }, [&] { Fenêtre->ListeMessages_DblClick(Onglet::Suivis); },
-      [&] { Fenêtre->BtnInterroger_Click(); }, [&] { Fenêtre->BtnForcerCumulsRG80_Click(); }};
-  // clang-format on
-  for (const auto& Appel : Appels) {
-    Ouvrir();
-    Fenêtre->AjouterMessage("ligne", true);
-    Appel();
-    EXPECT_EQ(Fenêtre, nullptr);
-    EXPECT_FALSE(État.Ligne.EstPrise());
-  }
-}
-
 TEST_F(Suivi, SendsTheFiguresOnceTheLineIsFreeUnlessTheWindowHasGone) {
   Services.SurCumuls = [this] {
     EXPECT_TRUE(État.Ligne.EstPrise());

@@ -1,4 +1,4 @@
-// The station ended in the middle of its work: at every byte of a dialogue, in a box, by command.
+// The station ended in the middle of its work.
 #include "link/checksum.h"
 #include "tests/road/post.h"
 #include "tests/serial/pseudo_terminal.h"
@@ -31,21 +31,6 @@ TEST(Endings, TermAtEveryByteOfADialogueEndsProperlyAndAcknowledgesNothingThatIs
     EXPECT_TRUE(P.Rentrés() == "1 1 0" || (P.Rentrés() == "0 0 0" && !EstAcquitté)) << P.Rentrés();
     EXPECT_FALSE(std::filesystem::exists(P.En("poste/import/RG80 import.txt")));
   }
-}
-
-TEST(Endings, CommandsAndTermEndWhateverGoesOn) {
-  for (const char* Commandes : {"fin", "interroger\nfin", "bouton\nfin", "menu\nfermer\nfin", "liste\nmessages\nfin"}) {
-    Poste P;
-    P.LancerTerminal("--hasard 3");
-    P.LancerStation(Commandes);
-    EXPECT_EQ(P.Station->Fin(5s), 0) << Commandes << P.Dit();
-  }
-  // A box waits for an operator.
-  Poste P;
-  P.LancerStation("interroger", "");
-  ASSERT_TRUE(P.Station->Attendre("boîte «Erreur du port» (OK) : Le port " + P.En("ligne") + " est absent"));
-  P.Station->Signaler(SIGTERM);
-  EXPECT_EQ(P.Station->Fin(2s), 0) << P.Dit();
 }
 
 }  // namespace Ombrey::Essais

@@ -1,4 +1,7 @@
-// Settings and databases as they shouldn't be: each start says what is wrong, and a station that can run does.
+// Settings, ports and databases as they shouldn't be: each start says what is wrong, and a station that can run does.
+#include <fcntl.h>
+#include <sys/file.h>
+
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
@@ -18,19 +21,13 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       // clang-format off
       {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
       {"$ rm tarvel.ini; mkdir tarvel.ini", "hôte : Le greffon a échoué : ", ""},
-      {"$ sed -i 1d tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
       {"$ sed -i /Port/d tarvel.ini", SansPort, Relevé},
       {"$ printf '\\001\\200\\377[[[\\n=\\n\\n;[PlugInOmbrey\\n' > tarvel.ini", SansPort, Relevé},
       {"$ printf '\\377\\376[\\001' > tarvel.ini", "a échoué : Le fichier de réglages est en UTF-16", Relevé},
-      {"$ sed -i s/9600/vite/ tarvel.ini", "Bauds = « vite »", Échec},
-      {"$ sed -i /Bauds/d tarvel.ini", "Bauds = «  »", Échec},
-      {"$ sed -i s/9600/38400/ tarvel.ini", "Bauds = « 38400 »", Échec},
-      {"$ sed -i 's,=/.*,=/dev/tty,; s/9600/9601/' tarvel.ini", Prêt, "la vitesse"},
       {"$ sed -i s/aucune/peut-être/ tarvel.ini", Prêt, "peut-être"},
       {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, "(OK) : Le port /dev/absent est absent de cette machine."},
-      {"$ sed -i s,=/.*,=/dev/null, tarvel.ini", Prêt, "(OK) : Le port /dev/null n'est pas un port série."},
       {"$ sed -i s,=/.*,=COM99:, tarvel.ini", "Impossible d'initialiser le port de communication.", Relevé},
-      {"$ sed -i s/=20/=-5/ tarvel.ini", Prêt, "Erreur du port de communication au RG80."},
+      {"$ sed -i s,=/.*,=/dev/null, tarvel.ini", Prêt, "(OK) : Le port /dev/null n'est pas un port série."},
       {"$ sed -i s/=20/=99999999999/ tarvel.ini", "Dépassement de capacité", "Erreur du port"},
       {"$ rm cave.db", "tarvel : ", "fichier introuvable", 1},
       {"$ rm cave.db; mkdir cave.db", "tarvel : ", "ce n'est pas un fichier", 1},
@@ -49,6 +46,18 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
     P.Station->Taper("fin");
     EXPECT_EQ(P.Station->Fin(), Code) << Acte << P.Dit();
   }
+}
+
+TEST(Start, NamesAPortThatAnotherProgramHoldsAndTakesItWhenItIsFree) {
+  Poste P;
+  P.LancerTerminal("--hasard 1 --jusqu-a-vide");
+  const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
+  P.LancerStation();
+  EXPECT_TRUE(P.Station->Attendre(P.En("ligne") + " est déjà utilisé par un autre programme.")) << P.Dit();
+  EXPECT_TRUE(P.Station->Attendre("Echec de lecture de données du RG80 : Erreur du port de communication au RG80."));
+  close(Autre);
+  P.Finir("1 1 0");
 }
 
 /// The superuser may write everything: the station runs as nobody then.
