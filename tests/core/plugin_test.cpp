@@ -190,7 +190,10 @@ TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
     if (Ici == "transfer") TerminalVide();
     const std::weak_ptr<PlugIn> Faible = LePlugIn;
     const auto Début = Système.Horloge;
-    Port->SurConfigurer = [] { return ADD_FAILURE() << "a question behind the end", false; };
+    Port->SurConfigurer = [] {
+      ADD_FAILURE() << "a question behind the end";
+      return false;
+    };
     if (Ici == "dialog") Dans(10500, [&] { LePlugIn->IPlugInTarvel_Configurer(); });
     if (Ici == "put off") Dans(10500, [&] { LePlugIn->Retard_FinTempo(""); });
     Dans(Quand, [&] {

@@ -22,7 +22,6 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
       {"$ rm tarvel.ini; mkdir tarvel.ini", "hôte : Le greffon a échoué : ", ""},
       {"$ sed -i /Port/d tarvel.ini", SansPort, Relevé},
-      {"$ printf '\\001\\200\\377[[[\\n=\\n\\n;[PlugInOmbrey\\n' > tarvel.ini", SansPort, Relevé},
       {"$ printf '\\377\\376[\\001' > tarvel.ini", "a échoué : Le fichier de réglages est en UTF-16", Relevé},
       {"$ sed -i s/aucune/peut-être/ tarvel.ini", Prêt, "peut-être"},
       {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, "(OK) : Le port /dev/absent est absent de cette machine."},
