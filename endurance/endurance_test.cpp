@@ -5,8 +5,8 @@
 #include <set>
 #include <sstream>
 
-#include "tests/endurance/adapter.h"
-#include "tests/endurance/offered_loads.h"
+#include "endurance/adapter.h"
+#include "endurance/offered_loads.h"
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
