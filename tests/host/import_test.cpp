@@ -104,10 +104,11 @@ TEST_F(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine
     for (const char* Coupure : {";", "\r", "\n", "\t", "\x7F"})
       EXPECT_THROW(Connexion_->Exécuter(Sql, {Long + Coupure}), Ombrey::ErreurExécution) << Table << " " << Coupure;
   }
-  std::string Texte = Ligne();
+  std::string Texte = Ligne("12", "22/09/26 08:30", "4", "é'");  // two characters, as wide as the column
   Texte.replace(Texte.find("Syrah"), 5, Long).replace(0, 1, "Cave de Saint-Cœur");
   EXPECT_EQ(Importer(Texte), "");
-  EXPECT_EQ(Lire("SELECT CodeSite || '/' || Cépage FROM Chargement"), "Cave de Saint-Cœur/" + Long);
+  EXPECT_EQ(Lire("SELECT CodeSite || '/' || Sélection || '/' || Cépage FROM Chargement"),
+            "Cave de Saint-Cœur/é'/" + Long);
 }
 
 TEST_F(Import, StaysDoneWhenAListenerFails) {
