@@ -168,8 +168,7 @@ TEST_F(Import, TheLayoutAloneOrdersTheLine) {
       {"InfoChargnt3\rQualité\rInfoChargnt1\rRamassage", "|", "  |  |0|0|"},  // two blanks are a value
       {"Cépage\rCodeSite\rSélection\r", "\t", "Pinot\tgris\tS'2\t05\t"},
       {"nochargement\rInconnue\r\rMasse", ";", ";;;1234;"},  // names are exact
-      {"Sélection\rMasse", ";", ""},                         // no column takes the variety
-      {"", ";", ""}};
+      {"Sélection\rMasse", ";", ""}};                        // no column takes the variety
   // clang-format on
   const Mots Données = {"12", "d", "s", "5001", "05", "  ", "12,5", "2", "1234", "7", "  "};
   Hôte->Cépages = "Pinot\tgris\rAligoté";

@@ -163,7 +163,6 @@ const Envoi Envois[] = {
     {"framed already", {"<abc>"}, {"^8", "^"}, "", T "$"},
     {"silence to the request", {"abc"}, {""}, MUET, "?8"},
     {"not ready", {"abc", "abc"}, {"!8"}, "Le RG80 n'est pas prêt (NACK).", "?8"},
-    {"silence to the frame", {"abc"}, {"^8", ""}, MUET, T},
     {"stray character ahead of the answer", {"abc"}, {"^8", "x^"}, MUET, T},
     {"four refusals, then taken", {"abc"}, {N, N, N, N, "^8", "^"}, "", T "$" T "$" T "$" T "$" T "$"},
     {"fifth refusal", {"abc"}, {N, N, N, N, "^8", "!"}, REFUS, T "$" T "$" T "$" T "$" T},
