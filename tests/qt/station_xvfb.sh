@@ -38,7 +38,10 @@ shot() { [ -z "$pictures" ] || import -window root "$pictures/$1-$dpi.png"; }
 # A picture of one window alone, once it has been drawn.
 picture() { [ -z "$pictures" ] || { sleep 0.5; import -window "$(window "$1")" "$pictures/$2-$dpi.png"; }; }
 # There is no window manager: who gets the keys must be said.
-press() { xdotool windowfocus "$(window "$1")" && sleep 0.2 && xdotool key --clearmodifiers "$2"; sleep 0.2; }
+press() { xdotool windowfocus --sync "$(window "$1")" key --clearmodifiers "$2"; }
+# Opens a menu of the main window by its letter and picks an entry by its own, until the window that it leads to is there.
+pick() { press '^Tarvel' "$1" && xdotool key "$2"; for _ in 1 2 3 4 5; do ! seen "$3" || return 0; sleep 0.1; done; xdotool key Escape; return 1; }
+same_place() { [ "$(place "$1")" = "$2" ]; }
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
@@ -90,7 +93,6 @@ picture '^RG80 Ombrey$' box
 press '^RG80 Ombrey$' Return
 await "end of the box" gone '^RG80 Ombrey$'
 await "eight replies" replies
-sleep 1
 picture '^Liste des chargements$' monitoring-errors
 step "print the errors"
 press '^Liste des chargements$' alt+i
@@ -101,10 +103,8 @@ press '^Liste des erreurs$' Return
 await "end of the box" gone '^Liste des erreurs$'
 step "place the window, show its messages"
 list=$(window '^Liste des chargements$')
-xdotool windowsize "$list" $((1000 * dpi / 96)) $((640 * dpi / 96)) windowmove "$list" $((90 * dpi / 96)) $((70 * dpi / 96))
-sleep 0.5
+xdotool windowsize --sync "$list" $((1000 * dpi / 96)) $((640 * dpi / 96)) windowmove --sync "$list" $((90 * dpi / 96)) $((70 * dpi / 96))
 xdotool mousemove --window "$list" $((15 * dpi / 96)) $((480 * dpi / 96)) click 1
-sleep 0.5
 picture '^Liste des chargements$' monitoring
 placed=$(place '^Liste des chargements$')
 step "an idle station"
@@ -118,9 +118,7 @@ await "hidden window" gone '^Liste des chargements$'
 picture '^Tarvel' main
 
 step "the five files"
-press '^Tarvel' alt+g
-xdotool key c
-await "transfer window" seen '^Chargement des données vers le RG80$'
+await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
 picture '^Chargement des données' transfer
 press '^Chargement des données' alt+t
 await "end of the transfer" seen '^Transmission des données$'
@@ -130,11 +128,8 @@ await "closed transfer window" gone '^Transmission des données$'
 
 step "the port's dialog, cancelled"
 cp "$work/tarvel.ini" "$work/before.ini"
-press '^Tarvel' alt+s
-xdotool key c
-await "port dialog" seen '^Port du RG80$'
+await "port dialog" pick alt+s c '^Port du RG80$'
 press '^Port du RG80$' alt+e
-sleep 0.5
 picture '^Port du RG80$' port
 press '^Port du RG80$' Escape
 await "closed port dialog" gone '^Port du RG80$'
@@ -149,8 +144,7 @@ step "start again: the place is remembered"
 start 2
 press '^Tarvel' F5
 await "monitoring window" seen '^Liste des chargements$'
-sleep 0.5
-[ "$(place '^Liste des chargements$')" = "$placed" ] || fail "the place changed: $placed became $(place '^Liste des chargements$')"
+await "remembered place, $placed" same_place '^Liste des chargements$' "$placed"
 kill $station
 wait $station || fail "exit code $? at SIGTERM"
 echo "done"

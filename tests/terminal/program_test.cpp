@@ -59,7 +59,7 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceIdlesWithoutAPeerAndEndsByItself) {
   Start("--lien line --jusqu-a-vide --cadence 9600 --chargements loads --sortie kept --journal journal");
   Connect();
   Peer.Fermer();
-  std::this_thread::sleep_for(1s);
+  std::this_thread::sleep_for(1s);  // what it works in that time is measured
   Reconnect();
   const auto Begin = std::chrono::steady_clock::now();
   EXPECT_EQ(Ask("\5A", 61), "<ACK>A<STX>" + Load + "<ETX><;");
