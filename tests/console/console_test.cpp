@@ -248,6 +248,8 @@ TEST(Options, AreReadOrRefusedWithAReason) {
   const Tarvel::Options Lues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
   EXPECT_TRUE(Lues.SansOpérateur && !Lues.Console && Lues.Durée == 9s && Lues.Dossier == "/d");
   EXPECT_EQ(Tarvel::LireOptions(Arguments{"--creer-base", "b"}).Base, std::filesystem::current_path() / "b");
+  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--help", "traînard"}).QueFaire, Tarvel::Tâche::Aide);
+  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--version"}).QueFaire, Tarvel::Tâche::Version);
 }
 
 TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
