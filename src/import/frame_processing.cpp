@@ -74,11 +74,11 @@ std::optional<std::string> TraitementTrame::TraiterEnregistrement(const Octets& 
   const std::string CodeExploitation = TrouverExploitation(Enregistrement);
   if (CodeExploitation.empty() || État_.Abandon) return std::nullopt;
 
-  DonnéesReçues[Élément::Métayage] = CodeExploitation;
-  DonnéesReçues[Élément::DateCh] = TexteDate(Enregistrement, PositionFixe::Heure, PositionFixe::Minute);
-  DonnéesReçues[Élément::DateSortie] = TexteDate(Enregistrement, PositionFixe::HeureSortie, PositionFixe::MinuteSortie);
-  DonnéesReçues[Élément::NoChargement] = SupprZéroDébut(DonnéesReçues[Élément::NoChargement]);
-  NoChargement = DonnéesReçues[Élément::NoChargement];
+  DonnéesReçues[Champ::Métayage] = CodeExploitation;
+  DonnéesReçues[Champ::DateCh] = TexteDate(Enregistrement, PositionFixe::Heure, PositionFixe::Minute);
+  DonnéesReçues[Champ::DateSortie] = TexteDate(Enregistrement, PositionFixe::HeureSortie, PositionFixe::MinuteSortie);
+  DonnéesReçues[Champ::NoChargement] = SupprZéroDébut(DonnéesReçues[Champ::NoChargement]);
+  NoChargement = DonnéesReçues[Champ::NoChargement];
   MettreAuPropre(DonnéesReçues);
   return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
 }
@@ -120,9 +120,9 @@ std::string TraitementTrame::TexteDate(const Octets& Enregistrement, Position He
 
 void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) const {
   const Régional Formes = État_.Formes();
-  std::string& Degré = DonnéesReçues[Élément::Degré];
+  std::string& Degré = DonnéesReçues[Champ::Degré];
   Degré = TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes);
-  for (const std::size_t Place : {Élément::NoQuai, Élément::Cuve}) {
+  for (const std::size_t Place : {Champ::NoQuai, Champ::Cuve}) {
     DonnéesReçues[Place] = SupprZéroDébut(DonnéesReçues[Place]);
   }
 }

@@ -13,7 +13,7 @@ class MiseEnFormeImport {
  public:
   explicit MiseEnFormeImport(ÉtatPlugIn& État) : État_(État) {}
 
-  /// The values of DonnéesReçues (places: Élément) in the layout's order, the layout's separator behind each, without a
+  /// The values of DonnéesReçues (places: Champ) in the layout's order, the layout's separator behind each, without a
   /// line end. Empty when there is no layout or a value can't be had. Raises when the layout itself can't be read.
   [[nodiscard]] std::string MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues);
 

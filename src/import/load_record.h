@@ -33,7 +33,7 @@ inline constexpr Position PartDécimale{37, 4};
 }  // namespace PositionFixe
 
 /// Places in DonnéesReçues, in the order of the field table, of the fields that are reworked; the rest stay as cut.
-namespace Élément {
+namespace Champ {
 inline constexpr std::size_t NoChargement = 0;
 inline constexpr std::size_t DateCh = 1;
 inline constexpr std::size_t DateSortie = 2;
@@ -41,7 +41,7 @@ inline constexpr std::size_t Métayage = 3;
 inline constexpr std::size_t Degré = 6;
 inline constexpr std::size_t NoQuai = 7;
 inline constexpr std::size_t Cuve = 9;
-}  // namespace Élément
+}  // namespace Champ
 
 /// Items that one field takes in the field table: name, first position, length.
 inline constexpr std::int16_t ÉlémentsParChamp = 3;
