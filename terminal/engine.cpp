@@ -56,22 +56,22 @@ void Terminal::Recevoir(std::string_view Octets, Instant Maintenant) {
 }
 
 void Terminal::RecevoirOctet(char Octet, Instant Maintenant) {
-  if (Etat_ == Etat::EnTrame) {
+  if (État_ == État::EnTrame) {
     RecevoirDansTrame(Octet, Maintenant);
   } else if (Octet == ENQ) {
     OuvrirDemande(Maintenant);
-  } else if (Etat_ == Etat::AttendCode) {
+  } else if (État_ == État::AttendCode) {
     ServirDemande(Octet, Maintenant);
-  } else if (Etat_ == Etat::AttendAccord && (Octet == ACK || Octet == NAK)) {
+  } else if (État_ == État::AttendAccord && (Octet == ACK || Octet == NAK)) {
     RecevoirAccord(Octet == ACK, Maintenant);
-  } else if (Etat_ == Etat::AttendTrame && Octet == STX) {
+  } else if (État_ == État::AttendTrame && Octet == STX) {
     SignalerIgnorés();
-    Passer(Etat::EnTrame, Maintenant);
+    Passer(État::EnTrame, Maintenant);
     RecevoirDansTrame(Octet, Maintenant);
   } else if (Octet == EOT) {
     SignalerIgnorés();
     Suite_.Consigner(Sens::Reçu, {&Octet, 1});
-    if (RéponseGardée_ && Etat_ == Etat::Repos) RéponseClose_ = Maintenant;
+    if (RéponseGardée_ && État_ == État::Repos) RéponseClose_ = Maintenant;
   } else {
     Ignorer(Octet, Maintenant);
   }
@@ -80,7 +80,7 @@ void Terminal::RecevoirOctet(char Octet, Instant Maintenant) {
 void Terminal::Ignorer(char Octet, Instant Maintenant) {
   ++NombreIgnorés_;
   if (Ignorés_.size() < IgnorésMontrésMax) Ignorés_ += Octet;
-  if (Etat_ == Etat::Repos) Échéance_ = Maintenant + SilenceIgnorés;
+  if (État_ == État::Repos) Échéance_ = Maintenant + SilenceIgnorés;
 }
 
 void Terminal::SignalerIgnorés() {
@@ -93,23 +93,23 @@ void Terminal::SignalerIgnorés() {
 
 void Terminal::OuvrirDemande(Instant Maintenant) {
   SignalerIgnorés();
-  if (Etat_ == Etat::AttendAccord) NoterSansRéponse("nouvelle demande");
-  if (Etat_ == Etat::AttendTrame) Suite_.Annoncer(std::string("demande ") + CodeAnnoncé_ + " : sans trame");
+  if (État_ == État::AttendAccord) NoterSansRéponse("nouvelle demande");
+  if (État_ == État::AttendTrame) Suite_.Annoncer(std::string("demande ") + CodeAnnoncé_ + " : sans trame");
   // An answer that comes behind the next request would be taken for the answer to that one.
   if (std::exchange(Tardive_, std::nullopt)) Suite_.Annoncer("réponse tardive abandonnée : nouvelle demande");
-  Passer(Etat::AttendCode, Maintenant);
+  Passer(État::AttendCode, Maintenant);
 }
 
 void Terminal::ServirDemande(char Code, Instant Maintenant) {
   Suite_.Consigner(Sens::Reçu, Paire(ENQ, Code));
-  Passer(Etat::Repos, Maintenant);
+  Passer(État::Repos, Maintenant);
   if (Code == CodeChargement) {
     OffrirChargement(Maintenant);
   } else if (Code == CodeRéponse || TrouverFichier(Code) != nullptr) {
     AnnoncerTrame(Code, Maintenant);
   } else {
     Suite_.Annoncer("demande inconnue " + Lisible({&Code, 1}) + " : refusée");
-    Répondre(Paire(NAK, Code), {}, Etat::Repos, Maintenant);
+    Répondre(Paire(NAK, Code), {}, État::Repos, Maintenant);
   }
 }
 
@@ -118,7 +118,7 @@ void Terminal::OffrirChargement(Instant Maintenant) {
   if (File_.empty()) {
     Suite_.Annoncer("interrogation : aucun chargement" + Actives.Mention());
     const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
-    Répondre(Parasites + Paire(NAK, CodeChargement), Actives, Etat::Repos, Maintenant);
+    Répondre(Parasites + Paire(NAK, CodeChargement), Actives, État::Repos, Maintenant);
     return;
   }
   Chargement& Offert = File_.front();
@@ -127,9 +127,9 @@ void Terminal::OffrirChargement(Instant Maintenant) {
   Suite_.Annoncer("chargement " + Offert.Numéro() + " offert, essai " + std::to_string(Offert.Essais) +
                   Actives.Mention());
   if (Actives.A(Panne::Nak)) {
-    Répondre(Paire(NAK, CodeChargement), Actives, Etat::Repos, Maintenant);
+    Répondre(Paire(NAK, CodeChargement), Actives, État::Repos, Maintenant);
   } else {
-    Répondre(Paire(ACK, CodeChargement) + TrameDeChargement(Offert, Actives), Actives, Etat::AttendAccord, Maintenant);
+    Répondre(Paire(ACK, CodeChargement) + TrameDeChargement(Offert, Actives), Actives, État::AttendAccord, Maintenant);
   }
 }
 
@@ -147,10 +147,10 @@ void Terminal::RecevoirAccord(bool Accepté, Instant Maintenant) {
   Suite_.Consigner(Sens::Reçu, {&Octet, 1});
   if (PannesDuChargement_.A(Panne::AckPerdu) && Accepté) {
     NoterSansRéponse("acquittement perdu");
-    Passer(Etat::Repos, Maintenant);
+    Passer(État::Repos, Maintenant);
     return;
   }
-  Passer(Etat::Repos, Maintenant);
+  Passer(État::Repos, Maintenant);
   const std::string Numéro = File_.front().Numéro();
   if (!Accepté) {
     ++Bilan_.Refusés;
@@ -176,7 +176,7 @@ void Terminal::AnnoncerTrame(char Code, Instant Maintenant) {
       Fichier == nullptr ? "demande 8" : std::string("fichier ") + Code + " (" + std::string(Fichier->Nom) + ")";
   if (Fichier != nullptr && !EnFichiers_) {
     Suite_.Annoncer(Objet + " refusé : pas en attente de fichiers (F6)");
-    Répondre(Paire(NAK, Code), {}, Etat::Repos, Maintenant);
+    Répondre(Paire(NAK, Code), {}, État::Repos, Maintenant);
     return;
   }
   const Pannes Actives = Dés_.Tirer();
@@ -184,7 +184,7 @@ void Terminal::AnnoncerTrame(char Code, Instant Maintenant) {
   Suite_.Annoncer(Objet + (Prêt ? " : prêt" : " : pas prêt") + Actives.Mention());
   CodeAnnoncé_ = Code;
   const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
-  Répondre(Parasites + Paire(Prêt ? ACK : NAK, Code), Actives, Prêt ? Etat::AttendTrame : Etat::Repos, Maintenant);
+  Répondre(Parasites + Paire(Prêt ? ACK : NAK, Code), Actives, Prêt ? État::AttendTrame : État::Repos, Maintenant);
 }
 
 void Terminal::RecevoirDansTrame(char Octet, Instant Maintenant) {
@@ -207,7 +207,7 @@ void Terminal::FinirTrame(bool Juste, Instant Maintenant) {
   Suite_.Consigner(Sens::Reçu, Trame_);
   const Pannes Actives = Dés_.Tirer();
   const std::string Trame = std::exchange(Trame_, {});
-  Passer(Etat::Repos, Maintenant);
+  Passer(État::Repos, Maintenant);
   if (Actives.A(Panne::Silence)) {
     Suite_.Annoncer("trame reçue, laissée sans réponse" + Actives.Mention());
     return;
@@ -226,7 +226,7 @@ void Terminal::FinirTrame(bool Juste, Instant Maintenant) {
     }
   }
   const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
-  Répondre(Parasites + (Accepté ? ACK : NAK), Actives, Etat::Repos, Maintenant);
+  Répondre(Parasites + (Accepté ? ACK : NAK), Actives, État::Repos, Maintenant);
 }
 
 bool Terminal::GarderTexte(std::string_view Texte) {
@@ -253,7 +253,7 @@ bool Terminal::GarderTexte(std::string_view Texte) {
   return true;
 }
 
-void Terminal::Répondre(std::string Octets, const Pannes& Actives, Etat Ensuite, Instant Maintenant) {
+void Terminal::Répondre(std::string Octets, const Pannes& Actives, État Ensuite, Instant Maintenant) {
   if (Actives.A(Panne::Silence)) return;
   if (Actives.A(Panne::Retard)) {
     Tardive_ = RéponseTardive{std::move(Octets), Maintenant + RetardDePanne, Ensuite};
@@ -262,29 +262,29 @@ void Terminal::Répondre(std::string Octets, const Pannes& Actives, Etat Ensuite
   Partir(Octets, Ensuite, Maintenant);
 }
 
-void Terminal::Partir(const std::string& Octets, Etat Ensuite, Instant Maintenant) {
+void Terminal::Partir(const std::string& Octets, État Ensuite, Instant Maintenant) {
   Suite_.Consigner(Sens::Émis, Octets);
   Suite_.Émettre(Octets);
-  if (Ensuite == Etat::AttendAccord) ++Bilan_.Envoyés;
+  if (Ensuite == État::AttendAccord) ++Bilan_.Envoyés;
   Passer(Ensuite, Maintenant);
 }
 
-void Terminal::Passer(Etat Nouveau, Instant Maintenant) {
-  Etat_ = Nouveau;
+void Terminal::Passer(État Nouveau, Instant Maintenant) {
+  État_ = Nouveau;
   Échéance_.reset();
   switch (Nouveau) {
-    case Etat::Repos:
+    case État::Repos:
       break;
-    case Etat::AttendCode:
+    case État::AttendCode:
       Échéance_ = Maintenant + DélaiCode;
       break;
-    case Etat::AttendAccord:
+    case État::AttendAccord:
       Échéance_ = Maintenant + DélaiAccord;
       break;
-    case Etat::AttendTrame:
+    case État::AttendTrame:
       Échéance_ = Maintenant + DélaiTrame;
       break;
-    case Etat::EnTrame:
+    case État::EnTrame:
       Trame_.clear();
       SommeTrame_ = 0;
       TrameTropLongue_ = false;
@@ -300,13 +300,13 @@ void Terminal::Avancer(Instant Maintenant) {
   if (!Échéance_ || Maintenant < *Échéance_) return;
   Échéance_.reset();
   SignalerIgnorés();
-  if (Etat_ == Etat::EnTrame) {
+  if (État_ == État::EnTrame) {
     FinirTrame(false, Maintenant);
     return;
   }
-  if (Etat_ == Etat::AttendCode) Suite_.Annoncer("demande sans code abandonnée");
-  if (Etat_ == Etat::AttendAccord) NoterSansRéponse("délai dépassé");
-  Passer(Etat::Repos, Maintenant);
+  if (État_ == État::AttendCode) Suite_.Annoncer("demande sans code abandonnée");
+  if (État_ == État::AttendAccord) NoterSansRéponse("délai dépassé");
+  Passer(État::Repos, Maintenant);
 }
 
 std::optional<Instant> Terminal::ProchaineÉchéance() const {
@@ -322,9 +322,9 @@ std::optional<Instant> Terminal::MomentDeFin() const {
 
 Bilan Terminal::Terminer() {
   SignalerIgnorés();
-  if (Etat_ == Etat::AttendAccord) {
+  if (État_ == État::AttendAccord) {
     NoterSansRéponse("fin du terminal");
-    Etat_ = Etat::Repos;
+    État_ = État::Repos;
   }
   return Bilan_;
 }

@@ -81,11 +81,11 @@ class Terminal {
   [[nodiscard]] Bilan Terminer();
 
  private:
-  enum class Etat { Repos, AttendCode, AttendAccord, AttendTrame, EnTrame };
+  enum class État { Repos, AttendCode, AttendAccord, AttendTrame, EnTrame };
   struct RéponseTardive {
     std::string Octets;
     Instant Départ;
-    Etat Ensuite;
+    État Ensuite;
   };
 
   void RecevoirOctet(char Octet, Instant Maintenant);
@@ -102,9 +102,9 @@ class Terminal {
   void FinirTrame(bool Juste, Instant Maintenant);
   [[nodiscard]] bool GarderTexte(std::string_view Texte);
 
-  void Répondre(std::string Octets, const Pannes& Actives, Etat Ensuite, Instant Maintenant);
-  void Partir(const std::string& Octets, Etat Ensuite, Instant Maintenant);
-  void Passer(Etat Nouveau, Instant Maintenant);
+  void Répondre(std::string Octets, const Pannes& Actives, État Ensuite, Instant Maintenant);
+  void Partir(const std::string& Octets, État Ensuite, Instant Maintenant);
+  void Passer(État Nouveau, Instant Maintenant);
   void NoterSansRéponse(const std::string& Raison);
 
   std::deque<Chargement> File_;
@@ -112,7 +112,7 @@ class Terminal {
   Hasard& Dés_;
   ISuite& Suite_;
 
-  Etat Etat_ = Etat::Repos;
+  État État_ = État::Repos;
   std::optional<Instant> Échéance_;
   std::optional<RéponseTardive> Tardive_;
   Pannes PannesDuChargement_;

@@ -59,7 +59,7 @@ TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
     EXPECT_EQ(Trace, Attendue);
   }
   EXPECT_FALSE(Boucle.Pomper(5ms));
-  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Attente::Ecriture, [&] { Trace += 'e'; });
+  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Attente::Écriture, [&] { Trace += 'e'; });
   EXPECT_TRUE(Boucle.Pomper(1s) && Trace == "...e") << "there is room to write";
   Place.reset();
   Loin.Maître.Fermer();
