@@ -94,15 +94,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Livrer(true);
   }
 
-  /// The end of the plug-in as a wait sees it.
-  void Terminer() {
-    État.Abandon = Port->EcritureRefusée = true;
-    État.Ligne.Terminer();
-    État.PortComm.reset();
-    État.BaseDeD.reset();
-    État.EtatBdD.reset();
-    État.Retard.reset();
-  }
+  void Terminer() { Achever(État, *Port); }
 
   bool TableImporter(Mot Titre, Mot Fichier, bool& Drapeau) override {
     Lève = Import == 'x';

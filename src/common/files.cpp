@@ -60,7 +60,9 @@ void DéplacerFichier(const std::filesystem::path& De, const std::filesystem::pa
   std::filesystem::rename(De, Vers, Code);
   if (Code == std::errc::cross_device_link) {
     std::filesystem::copy_file(De, Vers, Code);
-    if (!Code) std::filesystem::remove(De, Code);
+    // What goes is the half of a copy, or what has been copied whole.
+    std::error_code Ignoré;
+    std::filesystem::remove(Code ? Vers : De, Ignoré);
   }
   if (Code) throw Échec("Impossible de déplacer le fichier ", De, Code);
 }

@@ -40,14 +40,7 @@ struct Liaison : testing::Test {
       if (Rang < Dessins.size()) Port->Envoyer(Ligne(Dessins[Rang]));
     };
   }
-  /// The end of the plug-in as the wait sees it.
-  void Terminer() {
-    État.Abandon = Port->EcritureRefusée = true;
-    État.PortComm.reset();
-    État.BaseDeD.reset();
-    État.EtatBdD.reset();
-    État.Retard.reset();
-  }
+  void Terminer() { Achever(État, *Port); }
   CodeÉchange Obtenir(const Attente& Demande) { return UnÉchange.AttendreRéponse(Demande, Reçu); }
   std::string Envoyer(const Mots& Dessins) {
     std::vector<Octets> Lignes;

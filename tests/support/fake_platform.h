@@ -1,6 +1,7 @@
 // The machine in memory: settings in maps, a port with a scripted terminal behind it.
 #pragma once
 
+#include "common/plugin_state.h"
 #include "tests/support/fake_windows.h"
 
 namespace Ombrey::Essais {
@@ -136,5 +137,15 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
   }
   std::string ErreurServeur() const override { return "port inconnu"; }
 };
+
+/// The end of the plug-in as a wait sees it.
+inline void Achever(ÉtatPlugIn& État, PortScripté& Port) {
+  État.Abandon = Port.EcritureRefusée = true;
+  État.Ligne.Terminer();
+  État.PortComm.reset();
+  État.BaseDeD.reset();
+  État.EtatBdD.reset();
+  État.Retard.reset();
+}
 
 }  // namespace Ombrey::Essais
