@@ -12,7 +12,7 @@
 #include "platform/console/windows.h"
 #include "platform/loop/descriptor.h"
 #include "platform/loop/poll_loop.h"
-#include "platform/system/machine_platform.h"
+#include "host/machine_platform.h"
 
 namespace Ombrey::Mesures {
 

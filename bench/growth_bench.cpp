@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "bench/cooperative.h"
-#include "common/files.h"
+#include "base/files.h"
 #include "common/plugin_state.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"

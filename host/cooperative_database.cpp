@@ -6,11 +6,11 @@
 #include <iostream>
 #include <utility>
 
-#include "common/ansi_text.h"
-#include "common/failures.h"
-#include "common/files.h"
-#include "common/regional_forms.h"
-#include "common/text_helpers.h"
+#include "base/ansi_text.h"
+#include "base/failures.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
 
 namespace Tarvel {
 namespace {

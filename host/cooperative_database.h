@@ -10,7 +10,7 @@
 #include "contracts/system.h"
 #include "host/figures.h"
 #include "host/import_engine.h"
-#include "platform/database/sqlite_engine.h"
+#include "platform/database/sqlite/sqlite_engine.h"
 
 namespace Tarvel {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <limits>
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 
 namespace Tarvel {
 namespace {

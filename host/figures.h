@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "contracts/system.h"
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 

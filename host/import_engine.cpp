@@ -6,9 +6,9 @@
 #include <optional>
 #include <span>
 
-#include "common/ansi_text.h"
-#include "common/files.h"
-#include "common/regional_forms.h"
+#include "base/ansi_text.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
 #include "host/import_layout.h"
 
 namespace Tarvel {

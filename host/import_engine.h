@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "contracts/system.h"
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 

@@ -7,9 +7,9 @@
 #include <optional>
 #include <utility>
 
-#include "common/delimited_list.h"
-#include "common/regional_forms.h"
-#include "common/visible_text.h"
+#include "base/delimited_list.h"
+#include "base/regional_forms.h"
+#include "base/visible_text.h"
 #include "host/import_engine.h"
 
 namespace Tarvel {

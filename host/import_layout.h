@@ -9,7 +9,7 @@
 
 #include "contracts/database.h"
 #include "contracts/system.h"
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 

@@ -9,16 +9,16 @@
 #include <string>
 #include <vector>
 
-#include "common/failures.h"
-#include "common/files.h"
-#include "common/regional_forms.h"
+#include "base/failures.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/options.h"
 #include "host/schema.h"
 #include "host/station.h"
 #include "host/windows_module.h"
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace {
 

@@ -6,7 +6,7 @@
 #include <functional>
 #include <set>
 
-#include "common/files.h"
+#include "base/files.h"
 
 namespace Tarvel {
 namespace {

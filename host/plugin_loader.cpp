@@ -6,8 +6,8 @@
 #include <string>
 #include <system_error>
 
-#include "common/failures.h"
-#include "common/files.h"
+#include "base/failures.h"
+#include "base/files.h"
 
 namespace Tarvel {
 namespace {

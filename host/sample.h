@@ -1,7 +1,7 @@
 // A small cooperative to try the station out on.
 #pragma once
 
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 

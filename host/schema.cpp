@@ -4,7 +4,7 @@
 #include <array>
 #include <system_error>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "host/sample.h"
 
 namespace Tarvel {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 

@@ -7,10 +7,10 @@
 #include <thread>
 #include <utility>
 
-#include "common/files.h"
+#include "base/files.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
-#include "platform/system/machine_platform.h"
+#include "host/machine_platform.h"
 
 namespace Tarvel {
 namespace {

@@ -9,8 +9,8 @@
 #include <string>
 #include <system_error>
 
-#include "common/failures.h"
-#include "common/files.h"
+#include "base/failures.h"
+#include "base/files.h"
 #include "host/plugin_loader.h"
 
 namespace Tarvel {

@@ -6,9 +6,9 @@
 #include <memory>
 #include <utility>
 
-#include "common/failures.h"
-#include "common/text_helpers.h"
-#include "common/visible_text.h"
+#include "base/failures.h"
+#include "base/text_helpers.h"
+#include "base/visible_text.h"
 #include "platform/console/input.h"
 #include "platform/console/monitoring_view.h"
 #include "platform/console/transfer_view.h"

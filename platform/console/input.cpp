@@ -7,7 +7,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "common/ansi_text.h"
+#include "base/ansi_text.h"
 
 namespace Ombrey {
 

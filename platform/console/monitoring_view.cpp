@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/visible_text.h"
+#include "base/visible_text.h"
 
 namespace Ombrey {
 namespace {

@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <climits>
 
-#include "common/visible_text.h"
+#include "base/visible_text.h"
 
 namespace Ombrey {
 namespace {

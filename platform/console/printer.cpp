@@ -1,8 +1,8 @@
 // A text of pages in a file.
 #include "platform/console/printer.h"
 
-#include "common/failures.h"
-#include "common/visible_text.h"
+#include "base/failures.h"
+#include "base/visible_text.h"
 #include "platform/system/safe_file.h"
 
 namespace Ombrey {

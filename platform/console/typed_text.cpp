@@ -1,7 +1,7 @@
 // What an operator typed, in a form for comparing.
 #include "platform/console/typed_text.h"
 
-#include "common/ansi_text.h"
+#include "base/ansi_text.h"
 
 namespace Ombrey {
 namespace {

@@ -4,7 +4,7 @@
 #include <chrono>
 #include <utility>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/console/monitoring_view.h"
 #include "platform/console/printer.h"
 #include "platform/console/transfer_view.h"

@@ -7,8 +7,8 @@
 #include <cerrno>
 #include <utility>
 
-#include "common/failures.h"
-#include "common/system_error.h"
+#include "base/failures.h"
+#include "base/system_error.h"
 
 namespace Ombrey {
 

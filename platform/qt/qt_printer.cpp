@@ -7,7 +7,7 @@
 #include <system_error>
 #include <utility>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {

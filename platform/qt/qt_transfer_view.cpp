@@ -7,7 +7,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {

@@ -8,7 +8,7 @@
 #include <QStandardPaths>
 #include <utility>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 #include "platform/qt/qt_monitoring_view.h"

@@ -14,8 +14,8 @@
 #include <cerrno>
 #include <iterator>
 
-#include "common/failures.h"
-#include "common/system_error.h"
+#include "base/failures.h"
+#include "base/system_error.h"
 
 namespace Ombrey {
 

@@ -7,7 +7,7 @@
 #include <iterator>
 #include <string_view>
 
-#include "common/failures.h"
+#include "base/failures.h"
 
 namespace Ombrey {
 

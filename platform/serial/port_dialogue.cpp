@@ -3,7 +3,7 @@
 
 #include <charconv>
 
-#include "common/failures.h"
+#include "base/failures.h"
 
 namespace Ombrey {
 

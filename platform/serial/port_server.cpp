@@ -3,7 +3,7 @@
 
 #include <utility>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/serial/port_dialogue.h"
 
 namespace Ombrey {

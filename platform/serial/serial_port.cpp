@@ -4,8 +4,8 @@
 #include <array>
 #include <utility>
 
-#include "common/failures.h"
-#include "common/system_error.h"
+#include "base/failures.h"
+#include "base/system_error.h"
 #include "platform/serial/port_dialogue.h"
 
 namespace Ombrey {

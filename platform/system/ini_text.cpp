@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <utility>
 
-#include "common/ansi_text.h"
-#include "common/failures.h"
-#include "common/text_helpers.h"
+#include "base/ansi_text.h"
+#include "base/failures.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 

@@ -9,8 +9,8 @@
 #include <ctime>
 #include <string_view>
 
-#include "common/failures.h"
-#include "common/files.h"
+#include "base/failures.h"
+#include "base/files.h"
 #include "platform/system/safe_file.h"
 
 namespace Ombrey {

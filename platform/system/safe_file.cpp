@@ -11,8 +11,8 @@
 #include <cstdlib>
 #include <utility>
 
-#include "common/failures.h"
-#include "common/system_error.h"
+#include "base/failures.h"
+#include "base/system_error.h"
 #include "platform/loop/descriptor.h"
 
 namespace Ombrey {

@@ -6,8 +6,8 @@
 
 #include <cstdlib>
 
-#include "common/failures.h"
-#include "common/files.h"
+#include "base/failures.h"
+#include "base/files.h"
 #include "platform/system/ini_text.h"
 #include "platform/system/safe_file.h"
 

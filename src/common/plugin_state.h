@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "common/line_use.h"
 #include "common/operator_channel.h"
 #include "contracts/platform.h"

@@ -1,5 +1,5 @@
 // Start of the link: settings, port, polling period, first tick.
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 #include "core/plugin.h"
 
 namespace Ombrey {

@@ -1,7 +1,7 @@
 // The plug-in towards its host: name, button, menu, database, and the calls that lead into the rooms.
 #include "core/plugin.h"
 
-#include "common/text_helpers.h"
+#include "base/text_helpers.h"
 #include "core/button_picture.h"
 #include "import/load_record.h"
 

@@ -18,7 +18,7 @@
 #include "link/exchange.h"
 #include "link/polling.h"
 #include "link/transmission.h"
-#include "quotas/cumuls.h"
+#include "quotas/reply.h"
 #include "transfer/transfer_window.h"
 
 namespace Ombrey {

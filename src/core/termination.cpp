@@ -3,7 +3,7 @@
 #include <system_error>
 #include <vector>
 
-#include "common/files.h"
+#include "base/files.h"
 #include "core/plugin.h"
 #include "link/daily_error_file.h"
 

@@ -1,10 +1,10 @@
 // Finding, checking and taking apart the terminal's data frame.
 #include "import/frame_processing.h"
 
-#include "common/ansi_text.h"
-#include "common/delimited_list.h"
-#include "common/regional_forms.h"
-#include "common/text_helpers.h"
+#include "base/ansi_text.h"
+#include "base/delimited_list.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
 #include "link/checksum.h"
 
 namespace Ombrey {

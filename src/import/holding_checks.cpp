@@ -1,8 +1,8 @@
 // Looking up and creating cooperators and holdings.
 #include "import/holding_checks.h"
 
-#include "common/regional_forms.h"
-#include "common/text_helpers.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 namespace {

@@ -1,7 +1,7 @@
 // What the host tells about loads.
 #include "import/import_notifications.h"
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 
 namespace Ombrey {
 namespace {

@@ -6,8 +6,8 @@
 #include <optional>
 #include <string_view>
 
-#include "common/delimited_list.h"
-#include "common/regional_forms.h"
+#include "base/delimited_list.h"
+#include "base/regional_forms.h"
 #include "import/load_record.h"
 
 namespace Ombrey {

@@ -7,9 +7,9 @@
 #include <string_view>
 #include <system_error>
 
-#include "common/ansi_text.h"
-#include "common/files.h"
-#include "common/regional_forms.h"
+#include "base/ansi_text.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
 

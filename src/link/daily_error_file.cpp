@@ -5,8 +5,8 @@
 #include <system_error>
 #include <utility>
 
-#include "common/files.h"
-#include "common/regional_forms.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
 
 namespace Ombrey {
 

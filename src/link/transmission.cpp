@@ -1,7 +1,7 @@
 // Request, frame, answer, EOT; and once more on a refusal.
 #include "link/transmission.h"
 
-#include "common/ansi_text.h"
+#include "base/ansi_text.h"
 #include "link/checksum.h"
 
 namespace Ombrey {

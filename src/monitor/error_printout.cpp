@@ -1,7 +1,7 @@
 // The error list on paper.
 #include "monitor/error_printout.h"
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 
 namespace Ombrey {
 namespace {

@@ -1,7 +1,7 @@
 // Today's loads: the query and its rows as texts.
 #include "monitor/load_list.h"
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 
 namespace Ombrey {
 namespace {

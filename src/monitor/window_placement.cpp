@@ -5,7 +5,7 @@
 #include <array>
 #include <string>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "common/plugin_state.h"
 
 namespace Ombrey {

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <span>
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 #include "contracts/system.h"
 #include "contracts/toolkit.h"
 

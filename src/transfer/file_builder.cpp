@@ -3,8 +3,8 @@
 
 #include <memory>
 
-#include "common/regional_forms.h"
-#include "common/text_helpers.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 namespace {

@@ -1,9 +1,9 @@
 // The fields of the terminal's file records: fixed width, no separators.
 #include "transfer/record_encoders.h"
 
-#include "common/ansi_text.h"
-#include "common/regional_forms.h"
-#include "common/text_helpers.h"
+#include "base/ansi_text.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <array>
 
-#include "common/ansi_text.h"
-#include "common/visible_text.h"
+#include "base/ansi_text.h"
+#include "base/visible_text.h"
 #include "contracts/line_characters.h"
 
 namespace Ombrey {

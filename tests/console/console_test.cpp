@@ -7,7 +7,7 @@
 #include <csignal>
 #include <fstream>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "host/console_station.h"
 #include "host/station.h"
 #include "platform/loop/descriptor.h"

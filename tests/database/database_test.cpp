@@ -3,10 +3,10 @@
 #include <malloc.h>
 #include <sqlite3.h>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/database/dialect.h"
 #include "platform/database/packed_rows.h"
-#include "platform/database/sqlite_engine.h"
+#include "platform/database/sqlite/sqlite_engine.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey {

@@ -13,7 +13,7 @@ fast=--gtest_fail_fast
 [ "${1:-}" = --all ] && { fast=; shift; }
 pattern=${1:-.}
 # Cheap ones first.
-programs="common link import quotas monitor transfer core rooms loop system database host terminal serial console qt road"
+programs="base link import quotas monitor transfer core rooms loop system database host terminal serial console qt road"
 
 die() { echo "$*" >&2; exit 2; }
 # Puts fault number $1 into the tree; the old text must stand in its file exactly once.
@@ -57,6 +57,7 @@ verdict() {
   local p room targets=
   case $1 in
     host/*) room="host console" ;;
+    platform/database/*) room=database ;;
     terminal/*) room=terminal targets=rg80 ;;
     *) room=$(basename "$(dirname "$1")") ;;
   esac

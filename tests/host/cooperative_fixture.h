@@ -5,8 +5,8 @@
 
 #include <fstream>
 
-#include "common/ansi_text.h"
-#include "common/regional_forms.h"
+#include "base/ansi_text.h"
+#include "base/regional_forms.h"
 #include "host/cooperative_database.h"
 #include "host/schema.h"
 #include "tests/support/fake_platform.h"

@@ -5,7 +5,7 @@
 
 #include <numeric>
 
-#include "common/files.h"
+#include "base/files.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
 #include "link/polling.h"

@@ -2,7 +2,7 @@
 #include <fstream>
 
 #include "monitor/monitoring_window.h"
-#include "platform/qt/qt_host_window.h"
+#include "host/windows/qt_host_window.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
 #include "tests/transfer/small_cooperative.h"

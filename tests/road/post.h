@@ -9,9 +9,9 @@
 #include <iterator>
 #include <memory>
 
-#include "common/regional_forms.h"
+#include "base/regional_forms.h"
 #include "host/schema.h"
-#include "platform/database/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/road/program.h"
 #include "tests/support/test_folder.h"
 

@@ -19,24 +19,26 @@ struct Mur {
 };
 
 constexpr const char* Norme = "[a-z_]+";  // those of systems and toolkits have a folder, ".h" or a capital
-constexpr const char* Posix = "(?!sqlite3|Q[A-Z]|Qt).*";  // anything but the database's and the windows' own
-constexpr const char* Dessous = "src/(contracts|common)|platform/.*";
+constexpr const char* Posix = "(?!sqlite3|libpq|Q[A-Z]|Qt).*";  // anything but the database's and the windows' own
+constexpr const char* Dessous = "src/(contracts|base)|platform/.*";
 
 // clang-format off
 constexpr Mur Murs[] = {
     {"src/contracts/.*", "src/contracts", Norme},
-    {"src/common/.*", "src/(contracts|common)", Norme},
-    {"src/link/.*", "src/(contracts|common|link)", Norme},
-    {"src/monitor/.*", "src/(contracts|common|monitor)", Norme},
-    {"src/import/.*", "src/(contracts|common|link|monitor|import)", Norme},
-    {"src/quotas/.*", "src/(contracts|common|link|monitor|quotas)", Norme},
-    {"src/transfer/.*", "src/(contracts|common|link|monitor|transfer)", Norme},
+    {"src/base/.*", "src/(contracts|base)", Norme},
+    {"src/common/.*", "src/(contracts|base|common)", Norme},
+    {"src/link/.*", "src/(contracts|base|common|link)", Norme},
+    {"src/monitor/.*", "src/(contracts|base|common|monitor)", Norme},
+    {"src/import/.*", "src/(contracts|base|common|link|monitor|import)", Norme},
+    {"src/quotas/.*", "src/(contracts|base|common|link|monitor|quotas)", Norme},
+    {"src/transfer/.*", "src/(contracts|base|common|link|monitor|transfer)", Norme},
     {"src/core/.*", "src/.*", Norme},
-    {"platform/qt/.*", Dessous, "(?!sqlite3).*"},
-    {"platform/database/.*", Dessous, "(?!Q[A-Z]|Qt).*"},
+    {"platform/qt/.*", Dessous, "(?!sqlite3|libpq).*"},
+    {"platform/database/sqlite/.*", Dessous, "(?!libpq|Q[A-Z]|Qt).*"},
+    {"platform/database/postgresql/.*", Dessous, "(?!sqlite3|Q[A-Z]|Qt).*"},
     {"platform/.*", Dessous, Posix},
-    {"host/main_qt.cpp", "src/(contracts|common)|platform/.*|host", "(?!sqlite3).*"},
-    {"host/.*", "src/(contracts|common)|platform/.*|host", Posix},
+    {"host/windows/.*", "src/(contracts|base)|platform/.*|host(/windows)?", "(?!sqlite3|libpq).*"},
+    {"host/.*", "src/(contracts|base)|platform/.*|host", Posix},
     {"terminal/.*", "terminal", Posix}};
 // clang-format on
 

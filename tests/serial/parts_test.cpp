@@ -4,7 +4,7 @@
 #include <filesystem>
 #include <fstream>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "platform/serial/burst.h"
 #include "platform/serial/line_settings.h"
 #include "platform/serial/machine_ports.h"

@@ -5,7 +5,7 @@
 #include <fstream>
 #include <iterator>
 
-#include "common/failures.h"
+#include "base/failures.h"
 #include "common/operator_channel.h"
 #include "contracts/host.h"
 

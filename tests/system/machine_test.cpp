@@ -4,11 +4,11 @@
 
 #include <csignal>
 
-#include "common/failures.h"
-#include "common/regional_forms.h"
+#include "base/failures.h"
+#include "base/regional_forms.h"
 #include "platform/loop/poll_loop.h"
 #include "platform/system/ini_text.h"
-#include "platform/system/machine_platform.h"
+#include "host/machine_platform.h"
 #include "platform/system/safe_file.h"
 #include "tests/serial/pseudo_terminal.h"
 #include "tests/support/fake_platform.h"

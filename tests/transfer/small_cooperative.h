@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "common/plugin_state.h"
-#include "platform/database/sqlite_engine.h"
+#include "platform/database/sqlite/sqlite_engine.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"

@@ -1,0 +1,89 @@
+// The module of the windows: the station as the operator sees it on a screen.
+#include <QApplication>
+#include <QIcon>
+#include <clocale>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <string>
+
+#include "base/files.h"
+#include "host/windows_module.h"
+#include "host/windows/qt_host_window.h"
+#include "platform/qt/qt_port_dialog.h"
+#include "platform/qt/qt_windows.h"
+#include "platform/system/settings_files.h"
+
+namespace Tarvel {
+namespace {
+
+constexpr int SansÉcran = 2;
+
+/// Without a display Qt knows no other way than to abort; nothing of the station has begun by then.
+void DireÉchecDeQt(QtMsgType Genre, const QMessageLogContext& /*Lieu*/, const QString& Texte) {
+  if (Genre != QtFatalMsg) return;
+  std::fprintf(stderr, "tarvel : l'écran ne répond pas ; l'option --console s'en passe\n%s\n",
+               Texte.toUtf8().constData());
+  std::_Exit(SansÉcran);
+}
+
+/// Qt's application object, made as a program without arguments of its own.
+class ApplicationQt {
+ public:
+  ApplicationQt() {
+    const QtMessageHandler Avant = qInstallMessageHandler(DireÉchecDeQt);
+    Application_ = std::make_unique<QApplication>(Nombre_, Arguments_);
+    qInstallMessageHandler(Avant);
+    std::setlocale(LC_NUMERIC, "C");  // Qt took the user's; numbers in files and queries have a point
+    QApplication::setQuitOnLastWindowClosed(false);
+  }
+
+ private:
+  int Nombre_ = 1;
+  char Nom_[7] = "tarvel";
+  char* Arguments_[2] = {Nom_, nullptr};
+  std::unique_ptr<QApplication> Application_;
+};
+
+class ÉditionFenêtrée final : public IÉdition {
+ public:
+  explicit ÉditionFenêtrée(const Options& Choisies)
+      : Fenêtres_(Boucle_, Choisies.Dossier),
+        Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
+        Principale_(Fenêtres_.Contexte(), Ombrey::TexteChemin(Choisies.Base.filename())) {
+    if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
+    Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
+  }
+
+  Ombrey::IBoucle& Boucle() override { return Boucle_; }
+  Ombrey::IFenêtres& Fenêtres() override { return Fenêtres_; }
+  Ombrey::IQuestionnairePort& Questionnaire() override { return Questionnaire_; }
+  std::filesystem::path FichierRéglages() const override { return Ombrey::FichierRéglagesUtilisateur(); }
+  void Raccorder(IGestesStation& Gestes) override {
+    Principale_.Raccorder({[&Gestes] { Gestes.Bouton(); }, [&Gestes] { Gestes.Menu(); },
+                           [&Gestes] { Gestes.Configurer(); }, [&Gestes] { Gestes.Finir(); }});
+    Principale_.show();
+  }
+  void OffrirBouton(const std::string& Infobulle) override {
+    Principale_.OffrirBouton(Fenêtres_.DernièreImage(), Infobulle);
+    QApplication::setWindowIcon(Fenêtres_.DernièreImage());
+  }
+  void OffrirMenu(const std::string& Texte) override { Principale_.OffrirMenu(Texte); }
+  void Dire(const std::string& Texte) override { Principale_.Dire(Texte); }
+  void Finir() override { Fenêtres_.Finir(); }
+
+ private:
+  ApplicationQt Application_;
+  Ombrey::BoucleQt Boucle_;
+  Ombrey::FenêtresQt Fenêtres_;
+  Ombrey::QuestionnairePortQt Questionnaire_;
+  Ombrey::FenêtrePrincipaleQt Principale_;
+};
+
+}  // namespace
+}  // namespace Tarvel
+
+extern "C" [[gnu::visibility("default")]] void Tarvel_CreerEditionFenetree(const Tarvel::Options& Choisies,
+                                                                           std::unique_ptr<Tarvel::IÉdition>& Édition) {
+  Édition = std::make_unique<Tarvel::ÉditionFenêtrée>(Choisies);
+}

@@ -1,0 +1,55 @@
+// Small helpers for texts, most of them numbers.
+#include "base/text_helpers.h"
+
+#include <algorithm>
+
+#include "base/regional_forms.h"
+
+namespace Ombrey {
+
+bool NormaliserNombre(std::string& Texte, const Régional& Formes) {
+  if (EstNumérique(Texte, Formes)) return true;
+  const bool Point = EstNumérique("1.1", Formes);
+  const char Juste = Point ? '.' : ',';
+  const char Faux = Point ? ',' : '.';
+
+  const std::size_t Place = Texte.find(Faux);
+  if (Place == std::string::npos) return false;
+  const std::string Avant = Texte.substr(0, Place);
+  const std::string Après = Texte.substr(Place + 1);
+  std::string Corrigé;
+  if (Avant.empty()) {
+    Corrigé = std::string("0") + Juste + Après;
+  } else if (Après.empty()) {
+    Corrigé = Avant;
+  } else {
+    Corrigé = Avant + Juste + Après;
+  }
+  if (!EstNumérique(Corrigé, Formes)) return false;
+  Texte = std::move(Corrigé);
+  return true;
+}
+
+std::string_view SansBlancs(std::string_view Texte) {
+  const std::size_t Début = Texte.find_first_not_of(Blancs);
+  if (Début == std::string_view::npos) return {};
+  return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
+}
+
+std::string SupprZéroDébut(std::string Texte) {
+  Texte.erase(0, std::min(Texte.find_first_not_of('0'), Texte.size()));
+  return Texte;
+}
+
+std::string SupprZéroFin(std::string Texte) {
+  while (Texte.size() > 1 && Texte.back() == '0') Texte.pop_back();
+  return Texte;
+}
+
+std::string TexteSql(const std::string& Texte) {
+  std::string Littéral = "'";
+  for (const char Caractère : Texte) Littéral.append(Caractère == '\'' ? 2 : 1, Caractère);
+  return Littéral + "'";
+}
+
+}  // namespace Ombrey

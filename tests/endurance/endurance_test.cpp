@@ -1,0 +1,309 @@
+// The promise, put to the proof: each load once and only once, whatever befalls the line, the station and the database.
+#include <cstdio>
+#include <deque>
+#include <regex>
+#include <set>
+#include <sstream>
+
+#include "tests/endurance/adapter.h"
+#include "tests/endurance/offered_loads.h"
+#include "tests/road/post.h"
+
+namespace Ombrey::Essais {
+namespace {
+
+/// What the station must wait out takes it two seconds.
+constexpr const char* TauxLongs =
+    "silence=0.02,nak=0.05,checksum=0.04,bruit=0.03,coupe=0.03,retard=0.02,ack-perdu=0.03";
+constexpr const char* TauxCourts =
+    "silence=0.01,nak=0.08,checksum=0.08,bruit=0.02,coupe=0.02,retard=0.01,ack-perdu=0.02";
+constexpr const char* MotDeMort = "=== station tuée";
+using Décompte = std::map<std::string, std::size_t>;
+
+std::size_t Réglage(const char* Nom, std::size_t Ordinaire) {
+  const char* const Texte = std::getenv(Nom);
+  return Texte ? std::stoul(Texte) : Ordinaire;
+}
+
+std::string JourCourt() {
+  const std::time_t Maintenant = std::time(nullptr);
+  std::tm Local{};
+  char Texte[8] = "";
+  return {Texte, std::strftime(Texte, sizeof Texte, "%d%m%y", localtime_r(&Maintenant, &Local))};
+}
+
+std::vector<std::string> Lignes(const std::string& Texte) {
+  std::vector<std::string> Toutes;
+  std::istringstream Flux(Texte);
+  for (std::string Une; std::getline(Flux, Une);) Toutes.push_back(Une);
+  return Toutes;
+}
+
+std::string Contenu(const std::filesystem::path& Fichier) {
+  std::ifstream Flux(Fichier, std::ios::binary);
+  return {std::istreambuf_iterator<char>(Flux), {}};
+}
+
+/// Every file of a folder that may be missing.
+std::vector<std::string> ContenusDe(const std::filesystem::path& Dossier) {
+  std::vector<std::string> Tous;
+  if (!std::filesystem::exists(Dossier)) return Tous;
+  for (const auto& Fichier : std::filesystem::directory_iterator(Dossier)) Tous.push_back(Contenu(Fichier.path()));
+  return Tous;
+}
+
+/// What stands around each line that holds Extrait.
+std::string Autour(const std::string& Texte, const std::string& Extrait) {
+  constexpr std::size_t Marge = 15;
+  const auto Toutes = Lignes(Texte);
+  std::set<std::size_t> Rangs;
+  for (std::size_t Rang = 0; Rang < Toutes.size(); ++Rang)
+    for (std::size_t Voisin = Rang - std::min(Rang, Marge);
+         Toutes[Rang].find(Extrait) != std::string::npos && Voisin < std::min(Rang + Marge, Toutes.size()); ++Voisin)
+      Rangs.insert(Voisin);
+  std::string Choisies;
+  for (const std::size_t Rang : Rangs) Choisies += std::to_string(Rang + 1) + ": " + Toutes[Rang] + "\n";
+  return Choisies;
+}
+
+/// A terminal with its queue, a station with its database, and what befalls them.
+class Voie {
+ public:
+  Voie(std::uint32_t Graine, unsigned Premier, unsigned Nombre, bool EstLongue)
+      : Hasard_(Graine), Offerts_(ChargementsOfferts(Premier, Nombre, Jour_, Hasard_)), VerrouLongDû_(EstLongue) {
+    std::ofstream File(P_.En("file.txt"));
+    for (const std::string& Un : Offerts_) File << Un << '\n';
+    File.close();
+    P_.Faire("$ sed -i s,/ligne$,/adaptateur, tarvel.ini");
+    P_.LancerTerminal("--chargements file.txt --journal journal.txt --jusqu-a-vide --graine " + std::to_string(Graine) +
+                      " --panne " + (EstLongue ? TauxLongs : TauxCourts) + (Graine % 2 == 0 ? " --cadence 9600" : ""));
+    Adaptateur_.emplace(P_.En("ligne"), P_.En("adaptateur"));
+  }
+
+  /// Until the queue is empty, then a proper end. What stays behind is looked at by Vérifier.
+  void Tenir(std::chrono::seconds Patience) {
+    const auto Limite = std::chrono::steady_clock::now() + Patience;
+    P_.LancerStation();
+    while (!EstVide() && std::chrono::steady_clock::now() < Limite) Malmener();
+    ASSERT_TRUE(EstVide()) << Extrait(Courant());
+    EXPECT_EQ(P_.Rg80->Fin(), 0);
+    EXPECT_NE(P_.Rg80->Dit().find(", acquittés " + std::to_string(Offerts_.size()) + ","), std::string::npos);
+    P_.Station->Taper("fin");
+    EXPECT_EQ(P_.Station->Fin(), 0) << P_.Station->Dit();
+    Passé_ += P_.Station->Dit();
+  }
+  void Vérifier();
+  Décompte Comptes;
+
+ private:
+  void Malmener();
+  void Tuer();
+  void VérifierBase();
+  void VérifierRéponses();
+  void VérifierFichiers();
+
+  [[nodiscard]] bool EstVide() const {
+    const std::string& Dit = P_.Rg80->Dit();
+    return Dit.find("\nbilan : ", Dit.size() - std::min<std::size_t>(Dit.size(), 300)) != std::string::npos;
+  }
+  /// The load that the terminal offered last.
+  [[nodiscard]] std::string Courant() const {
+    const std::string& Dit = P_.Rg80->Dit();
+    const std::size_t Place = Dit.rfind(" offert, essai ");
+    return Place == std::string::npos ? "" : Dit.substr(Place - 4, 4);
+  }
+  /// Until one of the two says it, from now on.
+  bool Attendre(const std::string& Mots, std::chrono::milliseconds Patience) const {
+    const std::size_t Terminal = P_.Rg80->Dit().size(), Station = P_.Station->Dit().size();
+    return Bientôt(
+        [&] {
+          return P_.Station->Dit().find(Mots, Station) != std::string::npos ||
+                 P_.Rg80->Dit().find(Mots, Terminal) != std::string::npos || EstVide();
+        },
+        Patience);
+  }
+  /// Some moment of a dialogue, or a few milliseconds behind it.
+  void AttendreUnMoment() {
+    static const std::vector<std::string> Moments = {
+        "offert, essai",      "acquitté, en attente", "Importation d'un nouveau", "demande 8 : prêt",
+        "Mise à jour des cu", "réponse reçue : ",     "ChargementAjouté:",        "Vérification de nouveaux"};
+    Attendre(Moments[Hasard_(Moments.size())], std::chrono::milliseconds(Hasard_(400)));
+    Attendre("bilan : ", std::chrono::milliseconds(Hasard_(30)));
+  }
+  /// For a failure: the terminal, the line and the station around a load.
+  [[nodiscard]] std::string Extrait(const std::string& Numéro) const {
+    return "\n--- terminal\n" + Autour(P_.Rg80->Dit(), Numéro) + "--- ligne\n" +
+           Autour(Contenu(P_.En("journal.txt")), "<STX>" + Numéro) + "--- station\n" +
+           Autour(Passé_ + P_.Station->Dit(), "n° " + std::to_string(std::stol("0" + Numéro)));
+  }
+
+  Dé Hasard_;
+  std::string Jour_ = JourCourt();
+  std::vector<std::string> Offerts_;
+  bool VerrouLongDû_;
+  Poste P_;
+  std::optional<Adaptateur> Adaptateur_;
+  std::string Passé_;              ///< what the stations have said
+  std::set<std::string> Mortels_;  ///< loads on offer when a station was killed
+};
+
+/// Another program that writes.
+struct Verrou {
+  explicit Verrou(const Poste& P) : Base(P.Base()), Tout(*Base) {
+    Base->Exécuter("UPDATE Paramètre SET Valeur = Valeur");
+  }
+  std::shared_ptr<ConnexionSqlite> Base;
+  Transaction Tout;
+};
+
+void Voie::Malmener() {
+  for (unsigned Encore = Hasard_(8); Encore > 0; --Encore) Attendre("acquitté, en attente", 2s);
+  AttendreUnMoment();
+  std::optional<Verrou> Pris;
+  if (VerrouLongDû_ && Courant() > Offerts_[Offerts_.size() / 2].substr(0, 4)) {
+    VerrouLongDû_ = false;
+    ++Comptes["long locks"];
+    Pris.emplace(P_);
+    Attendre("Erreur d'importation des données", AttenteVerrou + 4s);
+    return;
+  }
+  const bool Débranche = Hasard_(3) == 0, Tue = Hasard_(2) == 0, Relance = Hasard_(2) == 0;
+  if (Hasard_(3) == 0) Pris.emplace(P_);
+  Comptes["locks"] += Pris ? 1 : 0;
+  Comptes["port losses"] += Débranche ? 1 : 0;
+  Adaptateur_->Brancher(!Débranche);
+  if (Tue) Tuer();
+  if (Tue && Relance) P_.LancerStation();
+  AttendreUnMoment();
+  if (Pris && Hasard_(2) == 0) Pris->Tout.Valider();
+  Pris.reset();
+  Adaptateur_->Brancher(true);
+  if (Tue && !Relance) P_.LancerStation();
+}
+
+void Voie::Tuer() {
+  P_.Station->Signaler(SIGKILL);
+  EXPECT_EQ(P_.Station->Fin(), -SIGKILL) << "ended by itself" << P_.Station->Dit();
+  ++Comptes["kills"];
+  Mortels_.insert(Courant());
+  Passé_ += P_.Station->Dit() + "\n" + MotDeMort + "\n";
+}
+
+void Voie::Vérifier() {
+  Comptes["loads"] = Offerts_.size();
+  VérifierBase();
+  VérifierRéponses();
+  VérifierFichiers();
+}
+
+void Voie::VérifierBase() {
+  EXPECT_EQ(P_.Valeur("PRAGMA integrity_check"), "ok");
+  const auto Rentrés = ChargementsRentrés(*P_.Base());
+  EXPECT_EQ(Rentrés.size(), Offerts_.size()) << Extrait(Courant());
+  for (std::size_t Rang = 0; Rang < std::min(Rentrés.size(), Offerts_.size()); ++Rang)
+    ASSERT_EQ(Rentrés[Rang], Offerts_[Rang]) << Extrait(Offerts_[Rang].substr(0, 4));
+  const auto EstOfferte = [this](const std::string& Exploitation) {
+    return std::any_of(Offerts_.begin(), Offerts_.end(),
+                       [&](const std::string& Un) { return Un.compare(18, Exploitation.size(), Exploitation) == 0; });
+  };
+  // What the terminal doesn't say; nothing archived; what was created, created once.
+  EXPECT_EQ(P_.Valeur("SELECT count(*) FROM Chargement AS C WHERE CodeSite = '1' AND InfoChargnt3 = Qualité"
+                      " AND Operateur || Ramassage || InfoChargnt1 || InfoChargnt2 || InfoChargnt4 = '00000'"
+                      " AND Cépage IS (SELECT Désignation FROM Cépage WHERE Sélection = C.Sélection AND Rang = 1)"),
+            std::to_string(Offerts_.size()));
+  EXPECT_EQ(P_.Valeur("SELECT count(*) FROM ChargementArchive"), "0");
+  const int Première = EstOfferte("000801000802"), Seconde = EstOfferte("000101000803");
+  EXPECT_EQ(P_.Valeur("SELECT count(*) FROM Métayage"), std::to_string(15 + Première + Seconde));
+  EXPECT_EQ(P_.Valeur("SELECT count(*) FROM Coopérateur"), std::to_string(12 + 2 * Première + Seconde));
+}
+
+void Voie::VérifierRéponses() {
+  // A run that passes midnight has replies of two days.
+  const auto Base = P_.Base();
+  const auto Dues = RéponsesDues(Offerts_, Jour_, *Base), DuesDemain = RéponsesDues(Offerts_, JourCourt(), *Base);
+  std::set<std::string> Servis = Mortels_;
+  std::size_t Rang = 0;
+  for (const std::string& Ligne : Lignes(P_.Rg80->Dit())) {
+    constexpr std::string_view Réponse = "réponse reçue : ", Panne = "[panne : ";
+    if (Ligne.find(" offert, essai ") != std::string::npos) {
+      ++Comptes["offers"];
+      Rang = std::stoul(Ligne.substr(Ligne.find(' '))) - std::stoul(Offerts_[0].substr(0, 4));
+    }
+    const std::string Numéro = Offerts_.at(Rang).substr(0, 4);
+    if (Ligne.starts_with(Réponse)) {
+      ++Comptes["replies"];
+      Servis.insert(Numéro);
+      const std::string Reçue = Ligne.substr(Réponse.size());
+      EXPECT_TRUE(Reçue == Dues[Rang] || Reçue == DuesDemain[Rang])
+          << Reçue << " instead of " << Dues[Rang] << Extrait(Numéro);
+    }
+    if (const std::size_t Place = Ligne.find(Panne); Place != std::string::npos) {
+      std::istringstream Noms(Ligne.substr(Place + Panne.size(), Ligne.size() - Place - Panne.size() - 1));
+      for (std::string Nom; std::getline(Noms >> std::ws, Nom, ',');) ++Comptes["fault " + Nom];
+    }
+  }
+  bool EstDit = false;
+  for (const std::string& Ligne : Lignes(Passé_)) {
+    constexpr std::string_view Ajouté = "hôte : ChargementAjouté:";
+    if (Ligne.find("CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS.") != std::string::npos) EstDit = true;
+    if (Ligne.starts_with(Ajouté) && EstDit) Servis.insert(EnChiffres(std::stol(Ligne.substr(Ajouté.size())), 4));
+    if (Ligne.starts_with(Ajouté) || Ligne == MotDeMort) EstDit = false;
+  }
+  for (const std::string& Un : Offerts_)
+    EXPECT_TRUE(Servis.contains(Un.substr(0, 4))) << "no reply, and nobody said so" << Extrait(Un.substr(0, 4));
+}
+
+void Voie::VérifierFichiers() {
+  EXPECT_EQ(ContenusDe(P_.En("poste/import")), std::vector<std::string>());
+  // A station killed between the two has put the file away without naming it.
+  std::size_t Nommés = 0;
+  for (const std::string& Fichier : ContenusDe(P_.En("poste/données")))
+    for (const std::string& Ligne : Lignes(Fichier)) {
+      static const std::regex Refus("[0-9:]{8} : TableImporter = TRUE : .+ - voir .+/ImportRG80 [0-9 ]{14}\\.txt\r");
+      EXPECT_TRUE(Ligne == "\r" || std::regex_match(Ligne, Refus)) << Ligne;
+      Nommés += Ligne == "\r" ? 0 : 1;
+    }
+  const auto Gardés = ContenusDe(P_.En("poste/imports-refusés"));
+  for (const std::string& Fichier : Gardés)
+    EXPECT_TRUE(std::regex_match(Fichier, std::regex("1;[0-9]+;[^\r\n]+;\r\n"))) << Fichier;
+  EXPECT_LE(Nommés, Gardés.size());
+  EXPECT_LE(Gardés.size(), Nommés + Comptes["kills"]);
+  Comptes["refused imports"] = Gardés.size();
+}
+
+/// The environment can make it long (loads in all) and repeat another seed.
+TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
+  constexpr unsigned NombreVoies = 8, Courte = 64;
+  const auto Nombre = static_cast<unsigned>(Réglage("ENDURANCE_CHARGEMENTS", Courte)) / NombreVoies;
+  const auto Graine = static_cast<std::uint32_t>(Réglage("ENDURANCE_GRAINE", 4));
+  const bool EstLongue = Nombre * NombreVoies > Courte;
+  std::printf("endurance: seed %u\n", Graine);
+  std::fflush(stdout);
+  const auto Début = std::chrono::steady_clock::now();
+  std::deque<Voie> Voies;
+  for (unsigned Rang = 0; Rang < NombreVoies; ++Rang)
+    Voies.emplace_back(Graine * NombreVoies + Rang, 1 + Rang * Nombre, Nombre, EstLongue);
+  std::vector<std::thread> Fils;
+  Fils.reserve(NombreVoies);
+  for (Voie& Une : Voies)
+    Fils.emplace_back([&Une, EstLongue] {
+      try {
+        Une.Tenir(EstLongue ? 240s : 60s);
+      } catch (const std::exception& Erreur) {
+        ADD_FAILURE() << Erreur.what();
+      }
+    });
+  for (std::thread& Fil : Fils) Fil.join();
+  Décompte Somme;
+  for (Voie& Une : Voies) {
+    if (!HasFailure()) Une.Vérifier();
+    for (const auto& [Nom, Combien] : Une.Comptes) Somme[Nom] += Combien;
+  }
+  const auto Durée = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - Début);
+  std::printf("endurance: seed %u, %lld s, lines %u", Graine, static_cast<long long>(Durée.count()), NombreVoies);
+  for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
+  std::puts("");
+}
+
+}  // namespace
+}  // namespace Ombrey::Essais

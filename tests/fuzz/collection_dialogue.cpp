@@ -1,0 +1,174 @@
+// The collection dialogue with the poll around it. The input is what the terminal sends, cut by "~" and a letter: what
+// happens on the machine meanwhile, as Jouer and Gestes have it.
+#include "base/text_helpers.h"
+#include "tests/fuzz/input.h"
+#include "tests/fuzz/station.h"
+#include "link/polling.h"
+
+namespace Ombrey::Essais {
+namespace {
+
+const Octets DemandeChargement{std::string{ENQ, 'A'}};
+const Octets DemandeChiffres{std::string{ENQ, '8'}};
+const std::string Oui{ACK, 'A'};
+const std::string Record = "0012190908083009150001230004560071000000050112521234007";
+const std::string LigneImport = "1;12;19/09/08 08:30;19/09/08 09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r\n";
+
+struct Banc : Station, FauxEtatBdD, ITraitementChargement {
+  explicit Banc(Entrée LEntrée) : E(LEntrée) {
+    Système.Dossier = DossierDuBanc.Chemin();
+    FauxEtatBdD::Dossier = (Système.Dossier / "").string();
+    État.EtatBdD = {std::shared_ptr<void>(), this};
+    État.PortComm = Port;
+    État.EventPlugin = std::make_shared<FauxÉvénements>();
+    État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { Interroger(Code); });
+    État.PériodeInterrogation = 100'000;
+    Port->Client = Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); });
+    Port->SurEcriture = [this](const Octets& Texte) { Ecrit(Texte); };
+  }
+
+  /// One poll on the clock, from the timer or the button.
+  void Interroger(const std::string& Code) {
+    const auto Début = Système.Horloge;
+    UneInterrogation.Retard_FinTempo(Code);
+    Exiger(Système.Horloge - Début < 60'000, "a poll ends");
+    if (État.Ligne.EstPrise()) return;  // the button, put off by a poll that holds the line
+    Exiger(!std::filesystem::exists(Système.Dossier / "RG80 import.txt"), "no import file is left behind");
+  }
+
+  /// What goes on the line is judged, and the terminal's next move follows.
+  void Ecrit(const Octets& Texte) {
+    Exiger(!État.Abandon, "nothing goes on the line once the plug-in ends");
+    const bool EstACK = Texte == Octets(1, ACK);
+    if (Texte == DemandeChargement) {
+      Répondu = Accordé = false;
+      Reçu.clear();
+    }
+    if (EstACK || Texte == Octets(1, NAK)) {
+      Exiger(!std::exchange(Répondu, true), "one answer to a load, no more");
+      Exiger(EstACK == Accordé, "an ACK is for a load that is in the database, a NAK for one that isn't");
+      Exiger(!EstACK || CommenceParTrame(Trame()), "an ACK answers a whole frame");
+      Acquittés += EstACK;
+    }
+    if (!Guéri) return Jouer();
+    Reçu = Texte == DemandeChargement ? BonneRéponse
+           : Texte == DemandeChiffres ? std::string{ACK, '8'}
+                                      : std::string{ACK};
+    Port->Envoyer(Octets(Reçu));
+  }
+
+  /// What came from the first STX behind the terminal's yes on.
+  std::string_view Trame() const {
+    return std::string_view(Reçu).substr(std::min(Reçu.find(STX, Reçu.find(Oui)), Reçu.size()));
+  }
+
+  /// Plays the input up to the next "~s": the terminal's answer to one writing.
+  void Jouer() {
+    milliseconds Quand{1};
+    std::string Morceau;
+    const auto Plus = [&](std::function<void()> Faire) {
+      Système.Après(Quand, [this, Faire = std::move(Faire)] {
+        if (!Guéri) Faire();
+      });
+    };
+    const auto Livrer = [&](bool ParEvénement) {
+      Plus([this, ParEvénement, Texte = std::exchange(Morceau, "")] {
+        Reçu += Texte;
+        ParEvénement ? Port->Client->Lecture(Octets(Texte)) : void(Port->ParLire += Octets(Texte));
+      });
+    };
+    while (!E.Reste.empty()) {
+      const char C = E.Octet();
+      if (C != '~') {
+        Morceau += LeSceau.Passer(C);
+        continue;
+      }
+      const char Commande = E.Octet();
+      if (Commande != 'l') Livrer(true);
+      if (Commande == 's') return;
+      if (Commande == 'l') Livrer(false);  // waits to be read
+      if (Commande == 'd') Quand = std::min(Quand + milliseconds(16 * static_cast<unsigned char>(E.Octet())), Plafond);
+      if (Gestes.contains(Commande)) Plus(Gestes.at(Commande));
+      if (std::string_view("tfexq").find(Commande) != std::string_view::npos) Import = Commande;
+    }
+    Livrer(true);
+  }
+
+  void Terminer() { Achever(État, *Port); }
+
+  bool TableImporter(Mot Titre, Mot Fichier, bool& Drapeau) override {
+    Lève = Import == 'x';
+    Importe = Import != 'f';
+    Erreur = Import == 'e' ? "Colonne Masse : valeur illisible" : "";
+    Système.Mur.Minute = static_cast<int>(Importés.size()) / 60 % 60;
+    Système.Mur.Seconde = static_cast<int>(Importés.size()) % 60;
+    Gardés += !Importe || !Erreur.empty() ? 1 : 0;
+    Exiger(!Répondu && !État.Abandon && CommenceParTrame(Trame()), "what is imported came in a whole frame");
+    const bool Fait = FauxEtatBdD::TableImporter(Titre, Fichier, Drapeau);
+    const std::string Début = "1;" + SupprZéroDébut(std::string(Trame().substr(1, 4))) + ";";
+    Exiger(Importés.back().starts_with(Début) && Importés.back().ends_with("\r\n"), "the import file is the frame's");
+    Accordé = Fait && Erreur.empty();
+    if (Import == 'q') Terminer();
+    return Fait;
+  }
+  std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& No) override {
+    return Traitement.TraiterDonnéesReçues(Tampon, Réponse, No);
+  }
+  void MettreAJourCumuls(std::string&) override {
+    std::vector<Octets> Lignes{Octets(24, '0')};
+    static_cast<void>(Transmission(État, UnÉchange).TransmettreLignes(8, Lignes));
+  }
+  void SignalerAuHôte(Mot Texte) override { UneInterrogation.SignalerAuHôte(Texte); }
+
+  /// Whatever went before, the next poll brings the next load in.
+  void Guérir() {
+    Guéri = true;
+    Port->EcritureRefusée = false;
+    Port->ParLire.Vider();
+    Fenêtres.PendantBoîte = [] {};
+    Import = 't';
+    Importés.clear();
+    const int Avant = Acquittés;
+    Système.Laisser(milliseconds(État.PériodeInterrogation) + milliseconds(10'000));
+    Exiger(Acquittés == Avant + 1 && Importés == Mots{LigneImport}, "the next poll brings the next load in");
+    Exiger(!État.Ligne.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
+  }
+  void JouerTout() {
+    Interroger("");
+    Système.Laisser(milliseconds(90'000));
+    std::error_code Sans;
+    const std::filesystem::directory_iterator Conservés(Système.DossierImportsConservés(), Sans);
+    Exiger(std::distance(Conservés, {}) == Gardés, "every refused import is kept for the operator");
+    if (!État.Abandon) Guérir();
+    Système.Laisser(milliseconds(200));
+  }
+
+  const std::map<char, std::function<void()>> Gestes{
+      {'a', [this] { Terminer(); }},
+      {'b', [this] { Interroger(""); }},
+      {'w', [this] { Port->EcritureRefusée = !Port->EcritureRefusée; }},
+      {'p', [this] { Fenêtres.PendantBoîte = [this] { Système.Laisser(milliseconds(500)); }; }}};
+  static constexpr milliseconds Plafond{10'000};
+  Entrée E;
+  Sceau LeSceau;
+  DossierEssai DossierDuBanc;
+  const std::string BonneRéponse = Oui + Sceau().PasserTout("\x02" + Record + "\x03##");
+  std::shared_ptr<PortScripté> Port = Plateforme.Port;
+  Échange UnÉchange{État};
+  Collecte UneCollecte{État, UnÉchange, *this};
+  Interrogation UneInterrogation{État, UneCollecte};
+  std::string Reçu;   ///< since the request
+  char Import = 't';  ///< how the next imports end: true, false, with an error text, raising, the plug-in ending
+  bool Répondu = false, Accordé = false, Guéri = false;
+  int Acquittés = 0;
+  std::ptrdiff_t Gardés = 0;
+};
+
+}  // namespace
+}  // namespace Ombrey::Essais
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Données, std::size_t Taille) {
+  using namespace Ombrey::Essais;
+  Banc(Entrée(Données, Taille)).JouerTout();
+  return 0;
+}
