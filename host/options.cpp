@@ -11,7 +11,6 @@
 namespace Tarvel {
 namespace {
 
-constexpr const char* Version = "2.0";
 constexpr std::chrono::seconds DuréeMax = std::chrono::hours(24 * 365);
 
 std::chrono::seconds LireDurée(const std::string& Texte) {
@@ -120,6 +119,6 @@ std::string TexteAide() {
   return Texte + "\nEn console, la commande «aide» donne les autres.\n";
 }
 
-std::string TexteVersion() { return std::string("tarvel ") + Version; }
+std::string TexteVersion() { return "tarvel " OMBREY_VERSION; }
 
 }  // namespace Tarvel

@@ -20,6 +20,23 @@ std::string MotifChargement() {
   return Motif == nullptr ? "" : std::string(" (") + Motif + ")";
 }
 
+Ombrey::FabriquePlugIn FabriqueDe(void* Bibliothèque, int VersionContrat) {
+  const std::string Nom = Ombrey::NomFabrique + std::to_string(VersionContrat);
+  return reinterpret_cast<Ombrey::FabriquePlugIn>(dlsym(Bibliothèque, Nom.c_str()));
+}
+
+/// What is wrong with a library without our factory: it may be a plug-in of another time.
+std::string MotifRefus(void* Bibliothèque) {
+  constexpr int DernièreVersion = 99;
+  for (int Autre = 1; Autre <= DernièreVersion; ++Autre) {
+    if (FabriqueDe(Bibliothèque, Autre) == nullptr) continue;
+    return " est fait pour la version " + std::to_string(Autre) + " de l'interface des greffons, et ce programme pour la " +
+           std::to_string(Ombrey::VersionContrat) + " : installez le greffon et le programme de la même version.";
+  }
+  return " n'est pas un greffon de Tarvel : il n'offre pas " + std::string(Ombrey::NomFabrique) +
+         std::to_string(Ombrey::VersionContrat) + ".";
+}
+
 }  // namespace
 
 std::filesystem::path GreffonHabituel() {
@@ -37,10 +54,8 @@ std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::pat
   const std::filesystem::path Chemin = std::filesystem::absolute(Fichier);
   void* Bibliothèque = dlopen(Chemin.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
   if (Bibliothèque == nullptr) throw ErreurExécution(Nom + " ne se charge pas." + MotifChargement());
-  const auto Fabrique = reinterpret_cast<Ombrey::FabriquePlugIn>(dlsym(Bibliothèque, Ombrey::NomFabrique));
-  if (Fabrique == nullptr) {
-    throw ErreurExécution(Nom + " n'est pas un greffon de Tarvel : il n'offre pas " + Ombrey::NomFabrique + ".");
-  }
+  const auto Fabrique = FabriqueDe(Bibliothèque, Ombrey::VersionContrat);
+  if (Fabrique == nullptr) throw ErreurExécution(Nom + MotifRefus(Bibliothèque));
   std::shared_ptr<Ombrey::IPlugInTarvel> PlugIn;
   Fabrique(Plateforme, PlugIn);
   if (!PlugIn) throw ErreurExécution(Nom + " n'a rien créé.");

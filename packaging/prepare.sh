@@ -48,10 +48,11 @@ install_packages() {
 
 # $1: preset; the rest: targets, all of them unless given.
 build() {
-  local preset=$1 targets=()
+  local preset=$1 targets=() windows=
+  have_cmake_package Qt6 || windows=-DOMBREY_WINDOWS=OFF
   shift
   [ $# -eq 0 ] || targets=(--target "$@")
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" >"$log" 2>&1 || { tail -40 "$log" >&2; fail "cmake failed"; }
+  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" $windows >"$log" 2>&1 || { tail -40 "$log" >&2; fail "cmake failed"; }
   cmake --build --preset "$preset" "${targets[@]}" >"$log" 2>&1 || { tail -n 60 "$log" | cut -c -400 >&2; fail "The build failed"; }
 }
 

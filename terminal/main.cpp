@@ -73,7 +73,7 @@ int main(int Nombre, char** Arguments) try {
     return 0;
   }
   if (Demande.Version) {
-    std::cout << "rg80 2.0\n";
+    std::cout << "rg80 " OMBREY_VERSION "\n";
     return 0;
   }
   return Exécuter(Demande);

@@ -9,8 +9,9 @@
 
 namespace Ombrey {
 
-/// A run-time failure. what() is a short French description that an operator can read.
-class ErreurExécution : public std::runtime_error {
+/// A run-time failure. what() is a short French description that an operator can read. Crosses the border between the
+/// plug-in's library and the host's: its type must be the same on both sides.
+class [[gnu::visibility("default")]] ErreurExécution : public std::runtime_error {
  public:
   using std::runtime_error::runtime_error;
 };

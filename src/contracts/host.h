@@ -156,9 +156,12 @@ class IPlugInTarvel {
   virtual void IPlugInTarvel_ChargementAjouté(const std::string& CodeSite, const std::string& NumCharg) = 0;
 };
 
-/// The one symbol that the plug-in's library exports, under this name: fills PlugIn with a new plug-in that works on
-/// Plateforme, which must outlive it. Raises what Plateforme raises, and there is no plug-in then.
-inline constexpr const char* NomFabrique = "PlgInOmbrey_CreerPlugIn";
+/// One more whenever an interface of these headers changes: host and plug-in understand each other only when they were
+/// built with the same one.
+inline constexpr int VersionContrat = 2;
+/// The one symbol that the plug-in's library exports is this name with VersionContrat behind it: fills PlugIn with a new
+/// plug-in that works on Plateforme, which must outlive it. Raises what Plateforme raises, and there is no plug-in then.
+inline constexpr const char* NomFabrique = "PlgInOmbrey_CreerPlugIn_";
 using FabriquePlugIn = void (*)(IPlateforme& Plateforme, std::shared_ptr<IPlugInTarvel>& PlugIn);
 
 }  // namespace Ombrey

@@ -59,7 +59,7 @@ std::string PlugIn::SupprZéroDébut(std::string Texte) const { return Ombrey::S
 std::string PlugIn::SupprZéroFin(std::string Texte) const { return Ombrey::SupprZéroFin(std::move(Texte)); }
 
 std::string PlugIn::IPlugInTarvel_Nom() const { return NomPlugIn; }
-std::string PlugIn::IPlugInTarvel_Version() const { return "2.00"; }
+std::string PlugIn::IPlugInTarvel_Version() const { return OMBREY_VERSION; }
 
 bool PlugIn::IPlugInTarvel_AjouterBouton(std::uint8_t NumBouton, std::int16_t&, std::string& ToolTipText) {
   if (!Retenir(État_.NumBouton, NumBouton)) return false;

@@ -287,6 +287,8 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
       {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
       {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
       {"", "", {"README.md» ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
+      {"", "", {"est fait pour la version 1 de l'interface des greffons, et ce programme pour la 2"}, "",
+       {"--greffon", BIN_DIR "/../tests/former_plugin.so"}},
   };
   // clang-format on
   for (const CasVie& C : Cas) {

@@ -2,11 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
 #include <regex>
 #include <string>
+
+#include "contracts/host.h"
 
 namespace {
 
@@ -72,6 +75,16 @@ TEST(Rooms, IncludeOnlyWhatStandsBelowThem) {
     }
   }
   EXPECT_GT(Jugées, 500) << "the search found nothing to judge";
+}
+
+/// Whatever else it showed could take the place of the host's own.
+TEST(PlugInLibrary, ShowsItsFactoryAndNothingElse) {
+  FILE* const Symboles = popen("nm -D --defined-only " BIN_DIR "/PlgInOmbrey.so | cut -d' ' -f2-", "r");
+  ASSERT_NE(Symboles, nullptr);
+  std::string Lus(200, '\0');
+  Lus.resize(std::fread(Lus.data(), 1, Lus.size(), Symboles));
+  EXPECT_EQ(pclose(Symboles), 0);
+  EXPECT_EQ(Lus, "T " + (Ombrey::NomFabrique + std::to_string(Ombrey::VersionContrat)) + "\n");
 }
 
 }  // namespace
