@@ -30,8 +30,9 @@ std::string MotifRefus(void* Bibliothèque) {
   constexpr int DernièreVersion = 99;
   for (int Autre = 1; Autre <= DernièreVersion; ++Autre) {
     if (FabriqueDe(Bibliothèque, Autre) == nullptr) continue;
-    return " est fait pour la version " + std::to_string(Autre) + " de l'interface des greffons, et ce programme pour la " +
-           std::to_string(Ombrey::VersionContrat) + " : installez le greffon et le programme de la même version.";
+    return " est fait pour la version " + std::to_string(Autre) +
+           " de l'interface des greffons, et ce programme pour la " + std::to_string(Ombrey::VersionContrat) +
+           " : installez le greffon et le programme de la même version.";
   }
   return " n'est pas un greffon de Tarvel : il n'offre pas " + std::string(Ombrey::NomFabrique) +
          std::to_string(Ombrey::VersionContrat) + ".";
