@@ -77,6 +77,26 @@ TEST(Rooms, IncludeOnlyWhatStandsBelowThem) {
   EXPECT_GT(Jugées, 500) << "the search found nothing to judge";
 }
 
+/// A document that sends its reader to a file that has moved is worse than none.
+TEST(Documents, NameFilesThatAreThere) {
+  static const std::regex Nom(
+      R"([`(]((\.\./)?(src|platform|host|terminal|tests|bench|docs|packaging|images)/[\w./-]+)[`)])");
+  int Nommés = 0;
+  for (const char* Dossier : {".", "docs", "src/contracts"}) {
+    for (const auto& Entrée : std::filesystem::directory_iterator(Source / Dossier)) {
+      if (Entrée.path().extension() != ".md") continue;
+      std::ifstream Flux(Entrée.path());
+      const std::string Texte{std::istreambuf_iterator<char>(Flux), {}};
+      for (std::sregex_iterator Trouvé(Texte.begin(), Texte.end(), Nom), Fin; Trouvé != Fin; ++Trouvé, ++Nommés) {
+        const std::string Cible = (*Trouvé)[1];
+        const bool Là = exists(Source / Cible) || exists(Entrée.path().parent_path() / Cible);
+        EXPECT_TRUE(Là) << Entrée.path() << " names " << Cible;
+      }
+    }
+  }
+  EXPECT_GT(Nommés, 100) << "the search found nothing to judge";
+}
+
 /// Whatever else it showed could take the place of the host's own.
 TEST(PlugInLibrary, ShowsItsFactoryAndNothingElse) {
   FILE* const Symboles = popen("nm -D --defined-only " BIN_DIR "/PlgInOmbrey.so | cut -d' ' -f2-", "r");
