@@ -49,7 +49,8 @@ constexpr std::array<TexteErreur, 5> Textes = {{
 }  // namespace
 
 std::string KVSynchroTarvel::CodeSiteCourant() {
-  const std::string Code = TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'"));
+  const std::string Code =
+      CodeSite_.empty() ? TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'")) : CodeSite_;
   // As the import file, whose bytes are those of the line, can write it: else the site wouldn't find its own loads.
   return Code.empty() ? SiteParDéfaut : DepuisAnsi(Ombrey::VersAnsi(Code));
 }
@@ -121,10 +122,11 @@ std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::strin
   return Dossier + Nom;
 }
 
-BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système)
+BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+                             std::string CodeSite)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
-      KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_)),
+      KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_, std::move(CodeSite))),
       EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_)),
       BaseDAO_(std::make_shared<Ombrey::BaseSqlite>(Connexion_)),
       Figures_(*Connexion_, Système) {

@@ -26,8 +26,11 @@ enum class ErreurBase : std::int16_t {
 
 class KVSynchroTarvel : public Ombrey::IKVSynchro {
  public:
-  explicit KVSynchroTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion) : Connexion_(std::move(Connexion)) {}
-  /// The setting "CodeSite" of the table Paramètre; "1" without one, as the loads then bear it.
+  /// CodeSite: the station's own code; empty: the database names it.
+  KVSynchroTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, std::string CodeSite)
+      : Connexion_(std::move(Connexion)), CodeSite_(std::move(CodeSite)) {}
+  /// The station's own code, else the setting "CodeSite" of the table Paramètre; "1" without one, as the loads then
+  /// bear it.
   [[nodiscard]] std::string CodeSiteCourant() override;
   void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
 
@@ -41,6 +44,7 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
   [[nodiscard]] std::int64_t DernierChargement();
 
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::string CodeSite_;
   Ombrey::IÉcouteurKVSynchro* Écouteur_ = nullptr;
   std::int64_t DernierConnu_ = 0;
 };
@@ -69,10 +73,12 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   std::string DernièreErreur_;
 };
 
-/// Works on an open connection; Système must outlive it.
+/// Works on an open connection, for the site of the code (empty: the one that the database names); Système must outlive
+/// it.
 class BaseDeDTarvel : public Ombrey::IBaseDeD {
  public:
-  BaseDeDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système);
+  BaseDeDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+                std::string CodeSite = {});
 
   [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }

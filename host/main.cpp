@@ -45,15 +45,15 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
 /// A database without its tables isn't one of a cooperative; one that can't be written can still be looked at.
 std::shared_ptr<Ombrey::IBaseDeD> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
                                              Tarvel::IÉdition& Édition) {
-  const auto Connexion =
-      Ombrey::ConnexionSqlite::Ouvrir(Choisies.Base, [&Système] { return NuméroDeJour(Système.Maintenant()); });
+  const auto Connexion = Ombrey::ConnexionSqlite::Ouvrir(Ombrey::Chemin(Choisies.Base),
+                                                         [&Système] { return NuméroDeJour(Système.Maintenant()); });
   std::string Absentes;
   for (const std::string& Table : Tarvel::TablesManquantes(*Connexion)) Absentes += " " + Table;
-  const std::string Nom = "La base «" + Ombrey::TexteChemin(Choisies.Base) + "»";
+  const std::string Nom = "La base « " + Choisies.Base + " »";
   if (!Absentes.empty())
     throw Ombrey::ErreurExécution(Nom + " n'est pas celle d'une coopérative. Il manque :" + Absentes);
   if (Connexion->EstEnLectureSeule()) Édition.Dire(Nom + " est en lecture seule : rien n'y sera enregistré.");
-  return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système);
+  return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite);
 }
 
 void Travailler(const Tarvel::Options& Choisies) {
@@ -71,7 +71,7 @@ void Accomplir(const Tarvel::Options& Choisies) {
       std::puts(Tarvel::TexteVersion().c_str());
       break;
     case Tarvel::Tâche::CréerBase:
-      Tarvel::CréerBase(Choisies.Base, Choisies.Exemple);
+      Tarvel::CréerBase(Ombrey::Chemin(Choisies.Base), Choisies.Exemple);
       break;
     case Tarvel::Tâche::Station:
       Travailler(Choisies);

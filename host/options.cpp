@@ -1,81 +1,183 @@
-// The station's command line.
+// The station's command line, and what the settings file adds to it.
 #include "host/options.h"
 
 #include <algorithm>
 #include <charconv>
-#include <functional>
+#include <cstdlib>
 #include <set>
+#include <string_view>
 
 #include "base/files.h"
+#include "platform/system/settings_files.h"
 
 namespace Tarvel {
 namespace {
 
+namespace fs = std::filesystem;
+
 constexpr std::chrono::seconds DuréeMax = std::chrono::hours(24 * 365);
+constexpr const char* SectionTarvel = "Tarvel";
 
 std::chrono::seconds LireDurée(const std::string& Texte) {
   int Secondes = 0;
   const char* Fin = Texte.data() + Texte.size();
   const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Fin, Secondes);
   if (Erreur != std::errc() || Arrêt != Fin || Secondes < 0 || std::chrono::seconds(Secondes) > DuréeMax) {
-    throw ErreurOptions("--duree veut un nombre entier de secondes, d'un an au plus, et non «" + Texte + "»");
+    throw ErreurOptions("--duree veut un nombre entier de secondes, d'un an au plus, et non « " + Texte + " »");
   }
   return std::chrono::seconds(Secondes);
 }
 
-using Poser = void (*)(Options&, const std::string& Valeur);
+constexpr Tâche operator|(Tâche Une, Tâche Autre) {
+  return static_cast<Tâche>(static_cast<unsigned>(Une) | static_cast<unsigned>(Autre));
+}
+constexpr bool Contient(Tâche Ensemble, Tâche Une) {
+  return (static_cast<unsigned>(Ensemble) & static_cast<unsigned>(Une)) != 0;
+}
+
+/// A task, how it is called, and what it can't do without.
+struct TâcheConnue {
+  Tâche Laquelle;
+  const char* Usage;
+  bool VeutRéglages;
+  bool VeutBase;
+};
+
+constexpr TâcheConnue Tâches[] = {
+    {Tâche::Station,
+     "[--base B] --ini F [--site CODE] [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur]", true,
+     true},
+    {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
+    {Tâche::Aide, "--help", false, false},
+    {Tâche::Version, "--version", false, false},
+};
+
+/// The values that stood behind an option, as many as its row names.
+using Mots = std::span<const std::string>;
 
 struct Option {
   const char* Nom;
-  const char* Valeur;  ///< how the help calls it; empty: the option takes none
+  const char* Valeurs;  ///< how the help calls them, a blank between two; empty: the option takes none
   const char* Aide;
-  Tâche Pour;  ///< the task that it goes with, or that it asks for itself
-  Poser Faire;
+  Tâche Pour;    ///< the tasks that it goes with
+  bool Demande;  ///< true when the option asks for its task, the only one then
+  void (*Poser)(Options&, Mots);
 };
 
-const Option Connues[] = {
-    {"--base", "F", "base de la coopérative", Tâche::Station,
-     [](Options& O, const std::string& V) { O.Base = Ombrey::Chemin(V); }},
-    {"--ini", "F", "fichier des réglages", Tâche::Station,
-     [](Options& O, const std::string& V) { O.Ini = Ombrey::Chemin(V); }},
-    {"--dossier", "D", "dossier de travail (sinon celui de la base)", Tâche::Station,
-     [](Options& O, const std::string& V) { O.Dossier = Ombrey::Chemin(V); }},
-    {"--greffon", "F", "bibliothèque du greffon (sinon PlgInOmbrey.so, à côté du programme)", Tâche::Station,
-     [](Options& O, const std::string& V) { O.Greffon = Ombrey::Chemin(V); }},
+constexpr bool Demande = true;
+constexpr bool Précise = false;
+
+constexpr Option Connues[] = {
+    {"--base", "B", "base de la coopérative : un fichier, ou une adresse postgresql://…", Tâche::Station, Précise,
+     [](Options& O, Mots V) { O.Base = V[0]; }},
+    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite et Dossier", Tâche::Station,
+     Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--site", "CODE", "code du site de cette station (sinon celui de la base)", Tâche::Station, Précise,
+     [](Options& O, Mots V) { O.CodeSite = V[0]; }},
+    {"--dossier", "D", "dossier de travail (sinon celui de la base)", Tâche::Station, Précise,
+     [](Options& O, Mots V) { O.Dossier = Ombrey::Chemin(V[0]); }},
+    {"--greffon", "F", "bibliothèque du greffon (sinon PlgInOmbrey.so, à côté du programme)", Tâche::Station, Précise,
+     [](Options& O, Mots V) { O.Greffon = Ombrey::Chemin(V[0]); }},
     {"--console", "", "travaille sans écran : une ligne par événement, commandes sur l'entrée standard", Tâche::Station,
-     [](Options& O, const std::string&) { O.Console = true; }},
-    {"--duree", "S", "s'arrête de soi-même après S secondes", Tâche::Station,
-     [](Options& O, const std::string& V) { O.Durée = LireDurée(V); }},
-    {"--sans-operateur", "", "les boîtes répondent d'elles-mêmes (OK, Annuler)", Tâche::Station,
-     [](Options& O, const std::string&) { O.SansOpérateur = true; }},
-    {"--creer-base", "FICHIER", "crée une base neuve et s'arrête", Tâche::CréerBase,
-     [](Options& O, const std::string& V) { O.Base = Ombrey::Chemin(V); }},
-    {"--exemple", "", "met une petite coopérative dans la base neuve", Tâche::CréerBase,
-     [](Options& O, const std::string&) { O.Exemple = true; }},
-    {"--help", "", "cette aide", Tâche::Aide, [](Options&, const std::string&) {}},
-    {"--version", "", "le numéro de version", Tâche::Version, [](Options&, const std::string&) {}},
+     Précise, [](Options& O, Mots) { O.Console = true; }},
+    {"--duree", "S", "s'arrête de soi-même après S secondes", Tâche::Station, Précise,
+     [](Options& O, Mots V) { O.Durée = LireDurée(V[0]); }},
+    {"--sans-operateur", "", "les boîtes répondent d'elles-mêmes (OK, Annuler)", Tâche::Station, Précise,
+     [](Options& O, Mots) { O.SansOpérateur = true; }},
+    {"--creer-base", "B", "crée une base neuve et s'arrête", Tâche::CréerBase, Demande,
+     [](Options& O, Mots V) { O.Base = V[0]; }},
+    {"--exemple", "", "met une petite coopérative dans la base neuve", Tâche::CréerBase, Précise,
+     [](Options& O, Mots) { O.Exemple = true; }},
+    {"--help", "", "cette aide", Tâche::Aide, Demande, [](Options&, Mots) {}},
+    {"--version", "", "le numéro de version", Tâche::Version, Demande, [](Options&, Mots) {}},
 };
 
 const Option& Trouver(const std::string& Nom) {
-  const auto* Trouvée =
-      std::find_if(std::begin(Connues), std::end(Connues), [&](const auto& O) { return Nom == O.Nom; });
-  if (Trouvée == std::end(Connues)) throw ErreurOptions("argument inconnu : «" + Nom + "»");
+  const auto* Trouvée = std::ranges::find(Connues, Nom, [](const Option& O) { return std::string_view(O.Nom); });
+  if (Trouvée == std::end(Connues)) throw ErreurOptions("argument inconnu : « " + Nom + " »");
   return *Trouvée;
 }
 
-void Vérifier(const Options& Lues, const std::set<std::string>& Données) {
-  const auto Exiger = [&](const char* Nom) {
-    if (!Données.contains(Nom)) throw ErreurOptions(std::string("il manque ") + Nom);
-  };
-  if (Lues.QueFaire == Tâche::CréerBase) {
-    Exiger("--creer-base");
-  } else {
-    Exiger("--base");
-    Exiger("--ini");
+/// The option that asks for a task of the set.
+const Option& CelleQuiDemande(Tâche Ensemble) {
+  return *std::ranges::find_if(Connues, [=](const Option& O) { return O.Demande && Contient(Ensemble, O.Pour); });
+}
+
+std::size_t NombreValeurs(const Option& Une) {
+  const std::string_view Noms = Une.Valeurs;
+  return Noms.empty() ? 0 : 1 + static_cast<std::size_t>(std::ranges::count(Noms, ' '));
+}
+
+/// The option at the head of the arguments, with its values taken from them.
+void LireUne(std::span<const std::string>& Arguments, Options& Lues, std::set<std::string>& Données) {
+  const Option& Trouvée = Trouver(Arguments[0]);
+  if (!Données.insert(Trouvée.Nom).second) throw ErreurOptions(std::string(Trouvée.Nom) + " est donné deux fois");
+  const std::size_t Nombre = NombreValeurs(Trouvée);
+  const Mots Siennes = Arguments.subspan(1, std::min(Nombre, Arguments.size() - 1));
+  if (Siennes.size() < Nombre || std::ranges::any_of(Siennes, &std::string::empty)) {
+    const std::string Combien = Nombre == 1 ? " veut une valeur : " : " veut des valeurs : ";
+    throw ErreurOptions(Trouvée.Nom + Combien + Trouvée.Valeurs);
   }
+  if (Trouvée.Demande && Lues.QueFaire == Tâche::Station) Lues.QueFaire = Trouvée.Pour;
+  Trouvée.Poser(Lues, Siennes);
+  Arguments = Arguments.subspan(1 + Nombre);
+}
+
+void VérifierAccord(const Options& Lues, const std::set<std::string>& Données) {
   for (const std::string& Nom : Données) {
-    if (Trouver(Nom).Pour != Lues.QueFaire) throw ErreurOptions(Nom + " ne va pas avec --creer-base");
+    const Option& Une = Trouver(Nom);
+    if (Contient(Une.Pour, Lues.QueFaire)) continue;
+    if (Lues.QueFaire == Tâche::Station) throw ErreurOptions(std::string("il manque ") + CelleQuiDemande(Une.Pour).Nom);
+    throw ErreurOptions(Nom + " ne va pas avec " + CelleQuiDemande(Lues.QueFaire).Nom);
   }
+}
+
+void Compléter(Options& Lues) {
+  Ombrey::LecteurIniFichier Lecteur;
+  Lecteur.FixerFichier(Ombrey::TexteChemin(Lues.Ini));
+  Lecteur.FixerSection(SectionTarvel);
+  const auto Lire = [&](const char* Clé) {
+    bool Présente = false;
+    Lecteur.FixerClé(Clé);
+    Lecteur.LireValeur(Présente);
+    return Lecteur.Valeur();
+  };
+  const fs::path DossierIni = Lues.Ini.parent_path();
+  const std::string Base = Lire("Base");
+  const std::string Dossier = Lire("Dossier");
+  if (Lues.Base.empty() && !Base.empty())
+    Lues.Base = Base.starts_with(ProtocoleServeur) ? Base : Ombrey::TexteChemin(DossierIni / Ombrey::Chemin(Base));
+  if (Lues.CodeSite.empty()) Lues.CodeSite = Lire("CodeSite");
+  if (Lues.Dossier.empty() && !Dossier.empty()) Lues.Dossier = DossierIni / Ombrey::Chemin(Dossier);
+}
+
+/// Where a station works whose database is no file: the user's data, by the system's habit.
+fs::path DossierUtilisateur() {
+  const char* Données = std::getenv("XDG_DATA_HOME");
+  if (Données && fs::path(Données).is_absolute()) return fs::path(Données) / "ombrey";
+  const char* Maison = std::getenv("HOME");
+  return fs::path(Maison ? Maison : "/tmp") / ".local/share/ombrey";
+}
+
+/// Others of this machine see a command line, and a settings file is copied without a thought.
+void RefuserMotDePasse(const std::string& Adresse) {
+  const std::size_t Début = ProtocoleServeur.size();
+  const std::string Serveurs = Adresse.substr(Début, Adresse.find('/', Début) - Début);
+  const bool DansLeCompte = Serveurs.find(':') < Serveurs.find('@') && Serveurs.find('@') != std::string::npos;
+  if (DansLeCompte || Adresse.find("password=") != std::string::npos)
+    throw ErreurOptions("le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass");
+}
+
+void PréciserChemins(Options& Lues) {
+  if (Lues.EstSurServeur()) {
+    RefuserMotDePasse(Lues.Base);
+    if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();
+  } else {
+    const fs::path Fichier = fs::absolute(Ombrey::Chemin(Lues.Base));
+    Lues.Base = Ombrey::TexteChemin(Fichier);
+    if (Lues.Dossier.empty()) Lues.Dossier = Fichier.parent_path();
+  }
+  Lues.Dossier = fs::absolute(Lues.Dossier);
 }
 
 }  // namespace
@@ -83,40 +185,32 @@ void Vérifier(const Options& Lues, const std::set<std::string>& Données) {
 Options LireOptions(std::span<const std::string> Arguments) {
   Options Lues;
   std::set<std::string> Données;
-  for (std::size_t Rang = 0; Rang < Arguments.size(); ++Rang) {
-    const Option& Trouvée = Trouver(Arguments[Rang]);
-    if (Trouvée.Pour == Tâche::Aide || Trouvée.Pour == Tâche::Version) {
-      Lues.QueFaire = Trouvée.Pour;
-      return Lues;
-    }
-    if (!Données.insert(Trouvée.Nom).second) throw ErreurOptions(std::string(Trouvée.Nom) + " est donné deux fois");
-    std::string Valeur;
-    if (*Trouvée.Valeur != '\0') {
-      if (++Rang < Arguments.size()) Valeur = Arguments[Rang];
-      if (Valeur.empty()) throw ErreurOptions(std::string(Trouvée.Nom) + " veut une valeur : " + Trouvée.Valeur);
-    }
-    if (Trouvée.Pour == Tâche::CréerBase) Lues.QueFaire = Tâche::CréerBase;
-    Trouvée.Faire(Lues, Valeur);
+  while (!Arguments.empty()) {
+    LireUne(Arguments, Lues, Données);
+    if (Lues.QueFaire == Tâche::Aide || Lues.QueFaire == Tâche::Version) return Lues;
   }
-  Vérifier(Lues, Données);
-  Lues.Base = std::filesystem::absolute(Lues.Base);
-  if (!Lues.Ini.empty()) Lues.Ini = std::filesystem::absolute(Lues.Ini);
-  Lues.Dossier = Lues.Dossier.empty() ? Lues.Base.parent_path() : std::filesystem::absolute(Lues.Dossier);
+  VérifierAccord(Lues, Données);
+  const TâcheConnue& Sienne = *std::ranges::find(Tâches, Lues.QueFaire, &TâcheConnue::Laquelle);
+  if (Sienne.VeutRéglages && Lues.Ini.empty()) throw ErreurOptions("il manque --ini");
+  if (!Lues.Ini.empty()) Compléter(Lues);
+  if (Sienne.VeutBase && Lues.Base.empty())
+    throw ErreurOptions("il manque --base, ou la clé Base dans la section [Tarvel] de " +
+                        Ombrey::TexteChemin(Lues.Ini));
+  PréciserChemins(Lues);
   return Lues;
 }
 
 std::string TexteAide() {
-  std::string Texte =
-      "tarvel : station de réception de la coopérative\n"
-      "  tarvel --base F --ini F [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur]\n"
-      "  tarvel --creer-base FICHIER [--exemple]\n\n";
+  std::string Texte = "tarvel : station de réception de la coopérative\n";
+  for (const TâcheConnue& Une : Tâches) Texte += std::string("  tarvel ") + Une.Usage + "\n";
+  Texte += "\n";
   constexpr std::size_t Marge = 24;
   for (const Option& Une : Connues) {
-    std::string Début = std::string("  ") + Une.Nom + " " + Une.Valeur;
+    std::string Début = std::string("  ") + Une.Nom + " " + Une.Valeurs;
     Début.resize(std::max(Marge, Début.size() + 1), ' ');
     Texte += Début + Une.Aide + "\n";
   }
-  return Texte + "\nEn console, la commande «aide» donne les autres.\n";
+  return Texte + "\nEn console, la commande « aide » donne les autres.\n";
 }
 
 std::string TexteVersion() { return "tarvel " OMBREY_VERSION; }

@@ -1,4 +1,4 @@
-// The station's command line.
+// The station's command line, and what the settings file adds to it.
 #pragma once
 
 #include <chrono>
@@ -7,6 +7,7 @@
 #include <span>
 #include <stdexcept>
 #include <string>
+#include <string_view>
 
 namespace Tarvel {
 
@@ -16,21 +17,35 @@ class ErreurOptions : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-enum class Tâche { Station, CréerBase, Aide, Version };
+/// What the program is started for. Values join to a set, by "|".
+enum class Tâche : unsigned { Station = 1, CréerBase = 2, Aide = 4, Version = 8 };
+
+/// How a server's address begins.
+inline constexpr std::string_view ProtocoleServeur = "postgresql://";
 
 struct Options {
   Tâche QueFaire = Tâche::Station;
-  std::filesystem::path Base;     ///< the cooperative's database, to open or to create
+  /// The cooperative's database, to open or to create: the absolute path of a file, or a server's address.
+  std::string Base;
+  std::string CodeSite;           ///< the station's site code; empty: the one that the database names
   std::filesystem::path Ini;      ///< settings file; it may be missing
-  std::filesystem::path Dossier;  ///< working folder; the database's own unless given
+  std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program
   bool Console = false;
   bool SansOpérateur = false;
   bool Exemple = false;
   std::optional<std::chrono::seconds> Durée;
+
+  /// True when Base is a server's address.
+  [[nodiscard]] bool EstSurServeur() const { return Base.starts_with(ProtocoleServeur); }
+  /// What the operator calls the database: the file's name, or the address.
+  [[nodiscard]] std::string NomBase() const { return EstSurServeur() ? Base : Base.substr(Base.rfind('/') + 1); }
 };
 
-/// Reads the arguments behind the program's name. Raises ErreurOptions.
+/// Reads the arguments behind the program's name, then what they leave open from the section [Tarvel] of the settings
+/// file: Base, CodeSite, Dossier. A path there counts from the file's folder. Raises ErreurOptions, and
+/// ErreurExécution when the settings file is there and can't be read: a station mustn't work under a site that is
+/// somebody else's.
 [[nodiscard]] Options LireOptions(std::span<const std::string> Arguments);
 
 [[nodiscard]] std::string TexteAide();

@@ -8,8 +8,8 @@
 #include <string>
 
 #include "base/files.h"
-#include "host/windows_module.h"
 #include "host/windows/qt_host_window.h"
+#include "host/windows_module.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "platform/qt/qt_windows.h"
 #include "platform/system/settings_files.h"
@@ -50,7 +50,7 @@ class ÉditionFenêtrée final : public IÉdition {
   explicit ÉditionFenêtrée(const Options& Choisies)
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
-        Principale_(Fenêtres_.Contexte(), Ombrey::TexteChemin(Choisies.Base.filename())) {
+        Principale_(Fenêtres_.Contexte(), Choisies.NomBase()) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
   }

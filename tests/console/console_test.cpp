@@ -222,32 +222,55 @@ TEST(Console, NeitherWaitsForItsReaderNorEndsWithHimAndTellsHimHowManyLinesHeMis
   Sortie.Ligne("à personne");
 }
 
-TEST(Options, AreReadOrRefusedWithAReason) {
-  // clang-format off
-  const std::pair<Arguments, std::string> Refus[] = {
-      {{}, "il manque --base"},
-      {{"--base", "b"}, "il manque --ini"},
-      {{"--ini", "i", "--base"}, "--base veut une valeur : F"},
-      {{"--base", "", "--ini", "i"}, "--base veut une valeur : F"},
-      {{"--base", "b", "--base", "c", "--ini", "i"}, "--base est donné deux fois"},
-      {{"--base", "b", "--ini", "i", "traînard"}, "argument inconnu : «traînard»"},
-      {{"--creer-base", "b", "--console"}, "--console ne va pas avec --creer-base"},
-      {{"--exemple"}, "il manque --creer-base"},
-      {{"--base", "b", "--ini", "i", "--duree", "99999999999"},
-       "--duree veut un nombre entier de secondes, d'un an au plus, et non «99999999999»"},
-  };
-  // clang-format on
-  for (const auto& [Donnés, Raison] : Refus) {
+struct Options : testing::Test {
+  /// What the settings file says, then the command line: base, site and folder, or why they are refused.
+  static std::string Lues(const std::string& Réglages, const Arguments& Donnés) {
+    std::ofstream(Dossier.Chemin() / "i") << Réglages;
     try {
-      static_cast<void>(Tarvel::LireOptions(Donnés));
-      ADD_FAILURE() << Raison;
+      const Tarvel::Options O = Tarvel::LireOptions(Donnés);
+      return O.Base + " " + O.CodeSite + " " + O.Dossier.string();
     } catch (const Tarvel::ErreurOptions& Erreur) {
-      EXPECT_EQ(Erreur.what(), Raison);
+      return Erreur.what();
     }
   }
-  const Tarvel::Options Lues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
-  EXPECT_TRUE(Lues.SansOpérateur && !Lues.Console && Lues.Durée == 9s && Lues.Dossier == "/d");
-  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--creer-base", "b"}).Base, std::filesystem::current_path() / "b");
+  static inline const DossierEssai Dossier;
+};
+
+TEST_F(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
+  const std::string D = Dossier.Chemin(), Ini = D + "/i", Ici = std::filesystem::current_path();
+  const std::string Tout = "[Tarvel]\nBase=sous/b\nCodeSite=3\nDossier=/d\n";
+  const std::string Serveur = "[Tarvel]\nBase=postgresql://h/cave\nDossier=d\n";
+  const std::tuple<std::string, Arguments, std::string> Cas[] = {
+      // clang-format off
+      {"", {}, "il manque --ini"},
+      {"", {"--base", "b"}, "il manque --ini"},
+      {"", {"--ini", Ini}, "il manque --base, ou la clé Base dans la section [Tarvel] de " + Ini},
+      {"", {"--ini", "i", "--base"}, "--base veut une valeur : B"},
+      {"", {"--base", "", "--ini", "i"}, "--base veut une valeur : B"},
+      {"", {"--base", "b", "--base", "c", "--ini", "i"}, "--base est donné deux fois"},
+      {"", {"--base", "b", "--ini", "i", "traînard"}, "argument inconnu : « traînard »"},
+      {"", {"--creer-base", "b", "--console"}, "--console ne va pas avec --creer-base"},
+      {"", {"--exemple"}, "il manque --creer-base"},
+      {"", {"--base", "b", "--ini", "i", "--duree", "99999999999"},
+       "--duree veut un nombre entier de secondes, d'un an au plus, et non « 99999999999 »"},
+      {"", {"--creer-base", "b"}, Ici + "/b  " + Ici},
+      {"", {"--ini", "absent", "--base", "b"}, Ici + "/b  " + Ici},
+      {Tout, {"--ini", Ini}, D + "/sous/b 3 /d"},
+      {Tout, {"--ini", Ini, "--base", "/c/b", "--site", "é", "--dossier", "e"}, "/c/b é " + Ici + "/e"},
+      {"[Tarvel]\nBase=/c/b\n", {"--ini", Ini}, "/c/b  /c"},
+      {Serveur, {"--ini", Ini}, "postgresql://h/cave  " + D + "/d"},
+      {"", {"--ini", Ini, "--base", "postgresql://h:5432,g/cave?user=a@b"},
+       "postgresql://h:5432,g/cave?user=a@b  " + D + "/ombrey"},
+      {"[Tarvel]\nBase=postgresql://moi:secret@h/cave", {"--ini", Ini},
+       "le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass"},
+      // clang-format on
+  };
+  setenv("XDG_DATA_HOME", D.c_str(), 1);
+  for (const auto& [Réglages, Donnés, Attendu] : Cas) EXPECT_EQ(Lues(Réglages, Donnés), Attendu);
+  const Tarvel::Options Voulues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
+  EXPECT_TRUE(Voulues.SansOpérateur);
+  EXPECT_FALSE(Voulues.Console);
+  EXPECT_EQ(Voulues.Durée, 9s);
   EXPECT_EQ(Tarvel::LireOptions(Arguments{"--help", "traînard"}).QueFaire, Tarvel::Tâche::Aide);
   EXPECT_EQ(Tarvel::LireOptions(Arguments{"--version"}).QueFaire, Tarvel::Tâche::Version);
 }

@@ -20,14 +20,14 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
   } Cas[] = {
       // clang-format off
       {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
-      {"$ rm tarvel.ini; mkdir tarvel.ini", "hôte : Le greffon a échoué : ", ""},
       {"$ sed -i /Port/d tarvel.ini", SansPort, Relevé},
-      {"$ printf '\\377\\376[\\001' > tarvel.ini", "a échoué : Le fichier de réglages est en UTF-16", Relevé},
       {"$ sed -i s/aucune/peut-être/ tarvel.ini", Prêt, "peut-être"},
       {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, "(OK) : Le port /dev/absent est absent de cette machine."},
       {"$ sed -i s,=/.*,=COM99:, tarvel.ini", "Impossible d'initialiser le port de communication.", Relevé},
       {"$ sed -i s,=/.*,=/dev/null, tarvel.ini", Prêt, "(OK) : Le port /dev/null n'est pas un port série."},
       {"$ sed -i s/=20/=99999999999/ tarvel.ini", "Dépassement de capacité", "Erreur du port"},
+      {"$ rm tarvel.ini; mkdir tarvel.ini", "tarvel : ", "tarvel.ini ne peut pas être lu : ", 1},
+      {"$ printf '\\377\\376[\\001' > tarvel.ini", "tarvel : ", "Le fichier de réglages est en UTF-16", 1},
       {"$ rm cave.db", "tarvel : ", "fichier introuvable", 1},
       {"$ rm cave.db; mkdir cave.db", "tarvel : ", "ce n'est pas un fichier", 1},
       {"$ : > cave.db", "tarvel : ", "le fichier est vide", 1},
