@@ -19,6 +19,7 @@
 #include "host/station.h"
 #include "host/windows_module.h"
 #include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/system/service_notice.h"
 
 namespace {
 
@@ -33,6 +34,11 @@ void OccuperFluxStandard() {
     Descripteur = open("/dev/null", O_RDWR);
   } while (Descripteur >= 0 && Descripteur <= STDERR_FILENO);
   if (Descripteur > STDERR_FILENO) close(Descripteur);
+}
+
+void SePlaindre(const std::string& Texte) {
+  const char* const Niveau = Ombrey::MèneAuJournal(STDERR_FILENO) ? "<3>" : "";
+  std::fprintf(stderr, "%starvel : %s\n", Niveau, Texte.c_str());
 }
 
 /// The one place that chooses what the station looks like.
@@ -89,10 +95,10 @@ int main(int Nombre, char** Textes) {
     Accomplir(Tarvel::LireOptions(Arguments));
     return Réussite;
   } catch (const Tarvel::ErreurOptions& Erreur) {
-    std::fprintf(stderr, "tarvel : %s\nL'aide : tarvel --help\n", Erreur.what());
+    SePlaindre(Erreur.what() + std::string("\nL'aide : tarvel --help"));
     return MauvaisesOptions;
   } catch (const std::exception& Erreur) {
-    std::fprintf(stderr, "tarvel : %s\n", Erreur.what());
+    SePlaindre(Erreur.what());
     return Échec;
   }
 }

@@ -43,7 +43,10 @@ std::string MotifRefus(void* Bibliothèque) {
 std::filesystem::path GreffonHabituel() {
   std::error_code Erreur;
   const std::filesystem::path Programme = std::filesystem::read_symlink("/proc/self/exe", Erreur);
-  return Programme.parent_path() / "PlgInOmbrey.so";
+  constexpr const char* Nom = "PlgInOmbrey.so";
+  std::filesystem::path Voisin = Programme.parent_path() / Nom;
+  if (std::filesystem::exists(Voisin, Erreur)) return Voisin;
+  return (Programme.parent_path() / OMBREY_MODULES / Nom).lexically_normal();
 }
 
 std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::path& Fichier,

@@ -9,7 +9,8 @@
 
 namespace Tarvel {
 
-/// The plug-in's library where it stands unless the command line says otherwise: beside the program.
+/// The plug-in's library where it stands unless the command line says otherwise, with the modules beside it: in the
+/// program's own folder, as a build leaves them, or in the library folder of a program that was installed.
 [[nodiscard]] std::filesystem::path GreffonHabituel();
 
 /// Loads the library and has it make a plug-in that works on Plateforme, which must outlive it. The library stays

@@ -49,6 +49,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir) {
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
   Édition_.Raccorder(*this);
   Démarrer(std::move(Base));
+  Service_.Prêt("Collecte des chargements du RG80");
   while (!EnFin_) Pomper();
   PlugIn_.reset();
 }
@@ -85,6 +86,7 @@ void Station::Configurer() {
 void Station::Finir() {
   if (EnFin_) return;
   EnFin_ = true;
+  Service_.Arrêt();
   Édition_.Finir();
   try {
     PlugIn_->IPlugInTarvel_Terminer();

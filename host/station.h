@@ -10,6 +10,7 @@
 #include "host/edition.h"
 #include "host/guarded_loop.h"
 #include "host/options.h"
+#include "platform/system/service_notice.h"
 
 namespace Tarvel {
 
@@ -41,6 +42,7 @@ class Station final : public IGestesStation {
   const Options& Options_;
   IÉdition& Édition_;
   BoucleGardée Boucle_;
+  Ombrey::AvisService Service_{Boucle_};
   std::shared_ptr<Ombrey::IPlugInTarvel> PlugIn_;
   bool EnFin_ = false;
 };
