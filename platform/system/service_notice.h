@@ -27,7 +27,7 @@ class AvisService {
   void Nourrir();
 
   IBoucle& Boucle_;
-  std::string Adresse_;  ///< of a datagram socket: a path, or a name behind a zero byte
+  std::string Adresse_;                  ///< of a datagram socket: a path, or a name behind a zero byte
   std::chrono::milliseconds Rythme_{0};  ///< of the watchdog's food; 0: no watchdog
   IBoucle::Jeton Suite_;
 };

@@ -1,9 +1,8 @@
 // What a service tells its manager, heard at the manager's end of the socket.
+#include <gtest/gtest.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
-
-#include <gtest/gtest.h>
 
 #include <cstddef>
 #include <cstdlib>
