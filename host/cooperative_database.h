@@ -33,6 +33,9 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
   /// bear it.
   [[nodiscard]] std::string CodeSiteCourant() override;
   void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
+  void Déconnecter(const Ombrey::IÉcouteurKVSynchro* Écouteur) override {
+    if (Écouteur_ == Écouteur) Écouteur_ = nullptr;
+  }
 
   /// Loads that are there now aren't news any more.
   void Mémoriser() { DernierConnu_ = DernierChargement(); }
@@ -61,6 +64,9 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   /// Dossier is the folder "import" of the working folder, created for its owner alone. The result is the path of both.
   std::string ObtenirFichierImport(std::string& Dossier, std::string& Nom) override;
   void Connecter(Ombrey::IÉcouteurEtatBdD* Écouteur) override { Écouteur_ = Écouteur; }
+  void Déconnecter(const Ombrey::IÉcouteurEtatBdD* Écouteur) override {
+    if (Écouteur_ == Écouteur) Écouteur_ = nullptr;
+  }
 
  private:
   void Annoncer(const ChargementImporté& Chargement);

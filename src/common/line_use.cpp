@@ -4,7 +4,8 @@
 namespace Ombrey {
 
 std::optional<UsageLigne::Prise> UsageLigne::PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise) {
-  if (!Prise_) return std::optional<Prise>(std::in_place, *this);
+  const bool Passe = Demande == DemandeLigne::Interrogation && !Reportées_.empty();
+  if (!Prise_ && !Passe) return std::optional<Prise>(std::in_place, *this);
   if (Terminée_) return std::nullopt;
   if (!Relance_) Relance_ = Plateforme_.CréerRetard([this](const std::string&) { Reprendre(); });
   Reportées_.insert_or_assign(Demande, std::move(Reprise));

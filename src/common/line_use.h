@@ -11,12 +11,14 @@
 
 namespace Ombrey {
 
-/// What can ask for the line while it is taken, in the order in which it is served afterwards. The last two don't use
-/// it, but would hold up whoever does for as long as the operator looks at them.
-enum class DemandeLigne { Interrogation, Bouton, Menu, Cumuls, Configuration, Lecture };
+/// What can ask for the line while it is taken, in the order in which it is served afterwards. Configuration and
+/// reading don't use it, but would hold up whoever does for as long as the operator looks at them. The poll comes last:
+/// with a short period there is always one that wants the line.
+enum class DemandeLigne { Bouton, Menu, Cumuls, Configuration, Lecture, Interrogation };
 
 /// Marks the line as taken for a poll, a test, a reply or a transfer. A request that comes meanwhile is kept, once for
-/// each kind, and runs from the loop when the line is free again: never within the holder's own call.
+/// each kind, and runs from the loop when the line is free again: never within the holder's own call, and ahead of the
+/// next poll.
 class UsageLigne {
  public:
   /// Holds the line until it is dropped.

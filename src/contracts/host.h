@@ -27,8 +27,10 @@ class IKVSynchro {
   virtual ~IKVSynchro() = default;
   /// Code of the site that this station works for; empty when the host has none.
   [[nodiscard]] virtual std::string CodeSiteCourant() = 0;
-  /// Connects the listener that gets the events; nullptr disconnects it. The listener isn't owned.
+  /// Connects the listener that gets the events from now on, instead of the one before. It isn't owned.
   virtual void Connecter(IÉcouteurKVSynchro* Écouteur) = 0;
+  /// Disconnects the listener; one that has been connected in its place stays.
+  virtual void Déconnecter(const IÉcouteurKVSynchro* Écouteur) = 0;
 };
 
 /// Receives the events of the host's import engine, in the course of TableImporter or whenever the host changes a load.
@@ -54,7 +56,9 @@ class IEtatBdD {
   virtual bool TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) = 0;
   /// Fills Dossier, which ends with the path separator, and Nom, the import file's name without "RG80 " in front.
   virtual std::string ObtenirFichierImport(std::string& Dossier, std::string& Nom) = 0;
+  /// As those of IKVSynchro.
   virtual void Connecter(IÉcouteurEtatBdD* Écouteur) = 0;
+  virtual void Déconnecter(const IÉcouteurEtatBdD* Écouteur) = 0;
 };
 
 /// A cooperator to be created. Only these three are ever set.

@@ -138,8 +138,8 @@ void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
 void PlugIn::DéconnecterÉvénements() {
   // Each on its own: a listener left behind would be called after the plug-in's end.
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.KVSynchro)->Connecter(nullptr); });
-  Ignorer(Ignorée, [this] { Exiger(État_.EtatBdD)->Connecter(nullptr); });
+  Ignorer(Ignorée, [this] { Exiger(État_.KVSynchro)->Déconnecter(&Notifications_); });
+  Ignorer(Ignorée, [this] { Exiger(État_.EtatBdD)->Déconnecter(&Notifications_); });
   État_.KVSynchro.reset();
   État_.EtatBdD.reset();
 }

@@ -50,7 +50,8 @@ class Dialogue {
   void EnvoyerCumuls();
   void Finir();
   void VérifierErreurEnAttente();
-  std::filesystem::path FichierConservé() const;
+  const std::filesystem::path& FichierConservé();
+  bool EstRompu();
   void ConserverFichierImport();
   void Clore();
 
@@ -63,6 +64,8 @@ class Dialogue {
   std::string Résultat_;
   std::optional<FichierErreurs> Erreurs_;
   std::filesystem::path FichierImport_;
+  std::filesystem::path FichierConservé_;
+  std::shared_ptr<IBaseDeD> BaseDeD_;
   Octets RéponseRG80_;
   std::string NoChargement_;
   std::string TexteImport_;
@@ -85,6 +88,7 @@ void Dialogue::SuivreLeCours() {
   OuvrirFichierErreurs();
   Etape_ = 2;
   État_.Erreur.Effacer();
+  BaseDeD_ = État_.BaseDeD;
   EtatBdD_ = État_.EtatBdD;
   if (!EtatBdD_) return;
 
@@ -93,10 +97,10 @@ void Dialogue::SuivreLeCours() {
   EtatBdD_->ObtenirFichierImport(Dossier, Nom);
   FichierImport_ = Chemin(Dossier + "RG80 " + Nom);
 
-  if (!DemanderChargement() || !AttendreTrame()) return;
+  if (!DemanderChargement() || !AttendreTrame() || EstRompu()) return;
   Erreurs_->Ajouter("");
   TexteImport_ = Traitement_.TraiterDonnéesReçues(État_.TamponRéception, RéponseRG80_, NoChargement_);
-  if (État_.Abandon) return;
+  if (EstRompu()) return;
   if (EcrireFichierImport()) {
     Importer();
   } else {
@@ -104,7 +108,15 @@ void Dialogue::SuivreLeCours() {
     // An ACK stays unsent: a load that wasn't imported is never acknowledged.
     if (RéponseRG80_ == Octets(1, NAK)) Exiger(État_.PortComm)->Ecrire(RéponseRG80_);
   }
-  if (!État_.Abandon) Finir();
+  if (!EstRompu()) Finir();
+}
+
+/// True when there is nobody left to answer for: the plug-in is ending, or works on another database now. Holding, row
+/// and figures of one load come from one database, and the terminal offers the load again.
+bool Dialogue::EstRompu() {
+  const bool Changée = !État_.Abandon && État_.BaseDeD != BaseDeD_;
+  if (Changée) Résultat_ = "La base de données a été changée pendant le dialogue.";
+  return État_.Abandon || Changée;
 }
 
 void Dialogue::OuvrirFichierErreurs() {
@@ -154,6 +166,7 @@ void Dialogue::Importer() {
     return;
   }
   Etape_ += SautImportFait;
+  if (EstRompu()) return;
   if (!EtatBdD_->DernièreErreur().empty()) {
     RefuserImportAvecErreur();
     return;
@@ -161,12 +174,15 @@ void Dialogue::Importer() {
   RépondreAuTerminal();
   État_.Erreur.Effacer();
   Système_.Pomper(std::chrono::milliseconds(0));
-  if (!État_.Abandon) EnvoyerCumuls();
+  if (!EstRompu()) EnvoyerCumuls();
 }
 
-std::filesystem::path Dialogue::FichierConservé() const {
-  return Système_.DossierImportsConservés() /
-         Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
+/// One name for the whole dialogue: a box may stand open between the moving and the line that tells of it.
+const std::filesystem::path& Dialogue::FichierConservé() {
+  if (FichierConservé_.empty())
+    FichierConservé_ = Système_.DossierImportsConservés() /
+                       Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
+  return FichierConservé_;
 }
 
 void Dialogue::ConserverFichierImport() {
@@ -199,7 +215,7 @@ void Dialogue::NoterRefus() {
 }
 
 void Dialogue::RefuserAuTerminal() {
-  if (!État_.Abandon) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
+  if (!EstRompu()) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
 }
 
 void Dialogue::RépondreAuTerminal() {

@@ -157,6 +157,42 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
   EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
 }
 
+TEST_F(Hôte, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
+  for (const char* Période : {"0", "-5", "0,4", "1"}) {
+    SCOPED_TRACE(Période);
+    Ini["Période interrogation"] = Période;
+    LePlugIn->IPlugInTarvel_Terminer();
+    LePlugIn = PlugIn::Créer(Plateforme);
+    LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
+    Lancer();
+    TerminalVide();
+    Mots Venus;
+    Port->SurConfigurer = [&] { return !Venus.emplace_back("configuration").empty(); };
+    Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
+      Venus.emplace_back("menu");
+      Fenêtre.Gestes.BtnFermer_Click();
+    };
+    Dans(10002, [&] {
+      LePlugIn->IPlugInTarvel_Configurer();
+      LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
+      Port->Ecrits.clear();
+    });
+    Laisser(11000);
+    EXPECT_EQ(Venus, (Mots{"menu", "configuration"}));
+    EXPECT_GT(Port->Ecrits.size(), 20U) << "polling goes on";
+  }
+}
+
+TEST_F(Hôte, LeavesTheListenerThatHasTakenItsPlace) {
+  struct : IÉcouteurEtatBdD {
+    void EtatBdD_EnregistrementImporté(Mot, IRecordset&) override {}
+    void EtatBdD_EnregistrementMisAJour(Mot, IRecordset&) override {}
+  } Autre;
+  Base->Etat->Connecter(&Autre);
+  LePlugIn->IPlugInTarvel_Terminer();
+  EXPECT_EQ(Base->Etat->Écouteur, &Autre);
+}
+
 TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   Lancer();
   const std::map<std::string, bool> Fichiers = {{"RG80 a.txt", false}, {"RG80 b.txt", false}, {"autre.txt", true}};

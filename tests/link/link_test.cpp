@@ -6,6 +6,7 @@
 #include <numeric>
 
 #include "base/files.h"
+#include "base/regional_forms.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
 #include "link/polling.h"
@@ -226,6 +227,8 @@ const std::string Titre = "RG80 Ombrey | ", Echec = "Echec de lecture de donnée
 const std::string Bloqué = "Impossible d'écrire le fichier /nonexistent/RG80 import.txt : introuvable - ";
 const std::string Muet = Echec + MUET, Rien = "Aucun chargement importé";
 const std::string Refus = Titre + "Erreur d'importation des données issues du RG80.";
+const std::string Changée = "La base de données a été changée pendant le dialogue.";
+void AutreBase(Banc& d) { d.État.BaseDeD = std::make_shared<FausseBaseDeD>(); }
 // clang-format off
 const Issue Issues[] = {
     {"imported", [](Banc&) {}, "?A^", "", {}, 0, 1},
@@ -252,6 +255,24 @@ const Issue Issues[] = {
     {"failure left behind by the figures",
      [](Banc& d) { d.PendantCumuls = [&d] { d.État.Erreur.Noter(ErreurExécution("panne")); }; }, "?A^",
      "", {"Erreur etape 206 | panne", "Erreur etape 207 | panne"}, 0, 1},
+    {"box that stands open for a while: the line and the file bear one name", [](Banc& d) {
+       d.Etat.Importe = false;
+       d.Fenêtres.PendantBoîte = [&d] { ++d.Système.Mur.Minute; };
+     }, "?A!", "", {Refus}, 1, 1},
+    {"another base in a wait", [](Banc& d) { d.Système.Après(milliseconds(2), [&d] { AutreBase(d); }); }, "?A", Changée,
+     {}, 0, 0},
+    {"another base in the frame", [](Banc& d) { d.PendantTrame = [&d] { AutreBase(d); }; }, "?A", Changée, {}, 0, 0},
+    {"another base in the import", [](Banc& d) { d.Etat.PendantImport = [&d] { AutreBase(d); }; }, "?A", Changée, {}, 0, 1},
+    {"another base in the box", [](Banc& d) {
+       d.Etat.Importe = false;
+       d.Fenêtres.PendantBoîte = [&d] { AutreBase(d); };
+     }, "?A", Changée, {Refus}, 1, 1},
+    {"another base behind the ACK", [](Banc& d) {
+       d.Port->SurEcriture = [&d, Avant = d.Port->SurEcriture](const Octets& Ecrit) {
+         Avant(Ecrit);
+         if (Ecrit == Ligne("^")) AutreBase(d);
+       };
+     }, "?A^", Changée, {}, 0, 1},
     {"end in a wait", [](Banc& d) { d.Système.Après(milliseconds(2), [&d] { d.Terminer(); }); }, "?A", Muet, {}, 0, 0},
     {"end in a writing", [](Banc& d) { d.Port->SurEcriture = [&d](auto&) { d.Terminer(); }; }, "?A", Muet, {}, 0, 0},
     {"end in the frame", [](Banc& d) { d.PendantTrame = [&d] { d.Terminer(); }; }, "?A", "", {}, 0, 0},
@@ -280,15 +301,16 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
   EXPECT_EQ(Fichiers(Système.Dossier / "import"), 0) << "the import file is never left behind";
   EXPECT_EQ(Etat.Importés, Mots(static_cast<std::size_t>(Cas.Importés), "12;Aligot\xE9;\r\n"));
   EXPECT_EQ(État.DernierNoChargement, Cas.Importés ? "12" : "");
-  const bool Signalé = Ecrit() == Ligne("?A^") && !État.Abandon;
+  const bool Signalé = Ecrit() == Ligne("?A^") && !État.Abandon && Cas.Résultat != Changée;
   EXPECT_EQ(Signalés, Mots(Signalé, "ChargementAjouté:12"));
   EXPECT_EQ(Base->Actualisations, Signalé);
   EXPECT_TRUE(!État.Abandon || Système.Horloge < 1100) << "the end waits for nothing";
   std::ifstream Flux(Système.Dossier / "données/RG80 Err Import 0922.txt", std::ios::binary);
   const std::string Noté(std::istreambuf_iterator<char>(Flux), {});
   const std::string Voir = Système.Dossier.string() + "/imports-refusés/ImportRG80 22 09 08 30 00.txt\r\n";
-  EXPECT_EQ(Noté.size() < 3 ? "" : Noté,
-            Cas.Gardés ? "\r\n08:30:00 : TableImporter = TRUE : " + Etat.Erreur + " - voir " + Voir : "");
+  EXPECT_EQ(Noté.size() < 3 ? "" : Noté, Cas.Gardés ? "\r\n" + TexteHeure(Système.Mur) +
+                                                          " : TableImporter = TRUE : " + Etat.Erreur + " - voir " + Voir
+                                                    : "");
   EXPECT_GE(Canal.Rafraîchissements, Base->Actualisations);
 }
 

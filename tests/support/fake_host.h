@@ -3,6 +3,7 @@
 
 #include <array>
 #include <fstream>
+#include <functional>
 #include <iterator>
 
 #include "base/failures.h"
@@ -36,6 +37,7 @@ struct FauxKVSynchro : IKVSynchro {
   IÉcouteurKVSynchro* Écouteur = nullptr;
   std::string CodeSiteCourant() override { return Site; }
   void Connecter(IÉcouteurKVSynchro* LÉcouteur) override { Écouteur = LÉcouteur; }
+  void Déconnecter(const IÉcouteurKVSynchro* Sien) override { Écouteur = Écouteur == Sien ? nullptr : Écouteur; }
 };
 
 struct FauxEtatBdD : IEtatBdD {
@@ -45,6 +47,7 @@ struct FauxEtatBdD : IEtatBdD {
   std::string Erreur;
   bool Importe = true;
   bool Lève = false;
+  std::function<void()> PendantImport = [] {};
   Mots Importés;  ///< contents of the imported files
 
   std::shared_ptr<IKVSynchro> KVSynchro() override { return Synchro; }
@@ -52,6 +55,7 @@ struct FauxEtatBdD : IEtatBdD {
   bool TableImporter(Mot, Mot Fichier, bool&) override {
     std::ifstream Flux(Fichier, std::ios::binary);
     Importés.emplace_back(std::istreambuf_iterator<char>(Flux), std::istreambuf_iterator<char>());
+    PendantImport();
     if (Lève) throw ErreurExécution("la base ne répond pas");
     return Importe;
   }
@@ -60,6 +64,7 @@ struct FauxEtatBdD : IEtatBdD {
     return Nom = "import.txt";
   }
   void Connecter(IÉcouteurEtatBdD* LÉcouteur) override { Écouteur = LÉcouteur; }
+  void Déconnecter(const IÉcouteurEtatBdD* Sien) override { Écouteur = Écouteur == Sien ? nullptr : Écouteur; }
 };
 
 struct FausseBaseDeD : IBaseDeD {
