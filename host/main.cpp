@@ -15,6 +15,7 @@
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/options.h"
+#include "host/saved_base.h"
 #include "host/schema.h"
 #include "host/station.h"
 #include "host/windows_module.h"
@@ -48,24 +49,25 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
   return std::make_unique<Tarvel::ÉditionConsole>(Choisies, STDIN_FILENO, STDOUT_FILENO);
 }
 
-/// A database without its tables isn't one of a cooperative; one that can't be written can still be looked at.
-std::shared_ptr<Ombrey::IBaseDeD> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
-                                             Tarvel::IÉdition& Édition) {
-  const auto Connexion = Ombrey::ConnexionSqlite::Ouvrir(Ombrey::Chemin(Choisies.Base),
-                                                         [&Système] { return NuméroDeJour(Système.Maintenant()); });
-  std::string Absentes;
-  for (const std::string& Table : Tarvel::TablesManquantes(*Connexion)) Absentes += " " + Table;
-  const std::string Nom = "La base « " + Choisies.Base + " »";
-  if (!Absentes.empty())
-    throw Ombrey::ErreurExécution(Nom + " n'est pas celle d'une coopérative. Il manque :" + Absentes);
-  if (Connexion->EstEnLectureSeule()) Édition.Dire(Nom + " est en lecture seule : rien n'y sera enregistré.");
-  return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite);
+/// One that can't be written can still be looked at.
+std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
+                                                    Tarvel::IÉdition& Édition) {
+  auto Connexion = Tarvel::OuvrirCoopérative(Ombrey::Chemin(Choisies.Base),
+                                             [&Système] { return NuméroDeJour(Système.Maintenant()); });
+  if (Connexion->EstEnLectureSeule())
+    Édition.Dire("La base « " + Choisies.Base + " » est en lecture seule : rien n'y sera enregistré.");
+  return Connexion;
 }
 
 void Travailler(const Tarvel::Options& Choisies) {
   const auto Édition = CréerÉdition(Choisies);
   Tarvel::Station Station(Choisies, *Édition);
-  Station.Exécuter([&](Ombrey::ISystème& Système) { return OuvrirBase(Choisies, Système, *Édition); });
+  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion;
+  const auto Ouvrir = [&](Ombrey::ISystème& Système) {
+    Connexion = OuvrirBase(Choisies, Système, *Édition);
+    return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite);
+  };
+  Station.Exécuter(Ouvrir, [&] { Connexion->RangerJournal(); });
 }
 
 void Accomplir(const Tarvel::Options& Choisies) {
@@ -78,6 +80,12 @@ void Accomplir(const Tarvel::Options& Choisies) {
       break;
     case Tarvel::Tâche::CréerBase:
       Tarvel::CréerBase(Ombrey::Chemin(Choisies.Base), Choisies.Exemple);
+      break;
+    case Tarvel::Tâche::Sauvegarder:
+      std::puts(Tarvel::SauvegarderBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());
+      break;
+    case Tarvel::Tâche::Restaurer:
+      std::puts(Tarvel::RestaurerBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());
       break;
     case Tarvel::Tâche::Station:
       Travailler(Choisies);

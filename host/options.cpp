@@ -35,6 +35,8 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
   return (static_cast<unsigned>(Ensemble) & static_cast<unsigned>(Une)) != 0;
 }
 
+constexpr Tâche SurUneBase = Tâche::Station | Tâche::Sauvegarder | Tâche::Restaurer;
+
 /// A task, how it is called, and what it can't do without.
 struct TâcheConnue {
   Tâche Laquelle;
@@ -48,6 +50,8 @@ constexpr TâcheConnue Tâches[] = {
      "[--base B] --ini F [--site CODE] [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur]", true,
      true},
     {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
+    {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
+    {Tâche::Restaurer, "--base B --restaurer F", false, true},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
 };
@@ -68,9 +72,9 @@ constexpr bool Demande = true;
 constexpr bool Précise = false;
 
 constexpr Option Connues[] = {
-    {"--base", "B", "base de la coopérative : un fichier, ou une adresse postgresql://…", Tâche::Station, Précise,
+    {"--base", "B", "base de la coopérative : un fichier, ou une adresse postgresql://…", SurUneBase, Précise,
      [](Options& O, Mots V) { O.Base = V[0]; }},
-    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite et Dossier", Tâche::Station,
+    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite et Dossier", SurUneBase,
      Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--site", "CODE", "code du site de cette station (sinon celui de la base)", Tâche::Station, Précise,
      [](Options& O, Mots V) { O.CodeSite = V[0]; }},
@@ -88,6 +92,10 @@ constexpr Option Connues[] = {
      [](Options& O, Mots V) { O.Base = V[0]; }},
     {"--exemple", "", "met une petite coopérative dans la base neuve", Tâche::CréerBase, Précise,
      [](Options& O, Mots) { O.Exemple = true; }},
+    {"--sauvegarder", "F", "copie la base entière dans un fichier neuf, pendant que des stations y travaillent",
+     Tâche::Sauvegarder, Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--restaurer", "F", "met une copie à la place de la base, qui est gardée sous un autre nom", Tâche::Restaurer,
+     Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--help", "", "cette aide", Tâche::Aide, Demande, [](Options&, Mots) {}},
     {"--version", "", "le numéro de version", Tâche::Version, Demande, [](Options&, Mots) {}},
 };

@@ -18,7 +18,7 @@ class ErreurOptions : public std::runtime_error {
 };
 
 /// What the program is started for. Values join to a set, by "|".
-enum class Tâche : unsigned { Station = 1, CréerBase = 2, Aide = 4, Version = 8 };
+enum class Tâche : unsigned { Station = 1, CréerBase = 2, Aide = 4, Version = 8, Sauvegarder = 16, Restaurer = 32 };
 
 /// How a server's address begins.
 inline constexpr std::string_view ProtocoleServeur = "postgresql://";
@@ -28,6 +28,7 @@ struct Options {
   /// The cooperative's database, to open or to create: the absolute path of a file, or a server's address.
   std::string Base;
   std::string CodeSite;           ///< the station's site code; empty: the one that the database names
+  std::filesystem::path Copie;    ///< a copy of the database, to make or to put back
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program

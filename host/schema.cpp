@@ -2,9 +2,11 @@
 #include "host/schema.h"
 
 #include <array>
-#include <system_error>
+#include <string>
+#include <utility>
 
 #include "base/failures.h"
+#include "base/files.h"
 #include "host/sample.h"
 
 namespace Tarvel {
@@ -126,25 +128,30 @@ void CréerTables(ConnexionSqlite& Connexion) {
 }  // namespace
 
 void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple) {
-  const auto Connexion = ConnexionSqlite::Créer(Fichier);
+  auto Connexion = ConnexionSqlite::Créer(Fichier);
   try {
     Transaction Tout(*Connexion);
     CréerTables(*Connexion);
     if (AvecExemple) InsérerExemple(*Connexion);
     Tout.Valider();
   } catch (const ErreurExécution&) {
-    std::error_code Sans;
-    for (const char* Suffixe : {"", "-wal", "-shm"}) std::filesystem::remove(Fichier.string() + Suffixe, Sans);
+    Connexion.reset();
+    Ombrey::SupprimerBase(Fichier);
     throw;
   }
 }
 
-std::vector<std::string> TablesManquantes(ConnexionSqlite& Connexion) {
-  std::vector<std::string> Manquantes;
+std::shared_ptr<ConnexionSqlite> OuvrirCoopérative(const std::filesystem::path& Fichier,
+                                                   ConnexionSqlite::Horloge Maintenant) {
+  auto Connexion = ConnexionSqlite::Ouvrir(Fichier, std::move(Maintenant));
+  std::string Absentes;
   for (const char* Table : Tables)
-    if (EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1", {Table})))
-      Manquantes.emplace_back(Table);
-  return Manquantes;
+    if (EstNull(Connexion->Lire("SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1", {Table})))
+      Absentes.append(" ").append(Table);
+  if (!Absentes.empty())
+    throw ErreurExécution("La base « " + Ombrey::TexteChemin(Fichier) +
+                          " » n'est pas celle d'une coopérative. Il manque :" + Absentes);
+  return Connexion;
 }
 
 }  // namespace Tarvel

@@ -2,8 +2,7 @@
 #pragma once
 
 #include <filesystem>
-#include <string>
-#include <vector>
+#include <memory>
 
 #include "platform/database/sqlite/sqlite_connection.h"
 
@@ -17,7 +16,9 @@ inline constexpr const char* TitreImport = "Synchronisation des chargements";
 /// that is there already stays as it is.
 void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple);
 
-/// The tables that a station needs and this database lacks.
-[[nodiscard]] std::vector<std::string> TablesManquantes(Ombrey::ConnexionSqlite& Connexion);
+/// Opens a database file that has all the tables that a station needs. Raises ErreurExécution when it can't be opened,
+/// or with the names of those that are missing.
+[[nodiscard]] std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirCoopérative(
+    const std::filesystem::path& Fichier, Ombrey::ConnexionSqlite::Horloge Maintenant = {});
 
 }  // namespace Tarvel

@@ -8,9 +8,9 @@
 #include <utility>
 
 #include "base/files.h"
+#include "host/machine_platform.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
-#include "host/machine_platform.h"
 
 namespace Tarvel {
 namespace {
@@ -39,7 +39,7 @@ Station::Station(const Options& Choisies, IÉdition& Édition)
       Édition_(Édition),
       Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
 
-void Station::Exécuter(const OuvrirBase& Ouvrir) {
+void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos) {
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), &Édition_.Questionnaire(), Options_.Dossier,
                                        Édition_.FichierRéglages());
   std::shared_ptr<Ombrey::IBaseDeD> Base = Ouvrir(Plateforme.Système());
@@ -50,7 +50,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir) {
   Édition_.Raccorder(*this);
   Démarrer(std::move(Base));
   Service_.Prêt("Collecte des chargements du RG80");
-  while (!EnFin_) Pomper();
+  while (!EnFin_) Pomper(AuRepos);
   PlugIn_.reset();
 }
 
@@ -106,9 +106,10 @@ void Station::Tenter(Appel Faire) {
   }
 }
 
-void Station::Pomper() {
+void Station::Pomper(const std::function<void()>& AuRepos) {
   try {
     Boucle_.Pomper(AttenteParPompe);
+    AuRepos();
   } catch (const std::exception& Erreur) {
     Édition_.Dire(Erreur.what());
     std::this_thread::sleep_for(RépitAprèsPanne);

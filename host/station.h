@@ -24,9 +24,11 @@ class Station final : public IGestesStation {
 
   using OuvrirBase = std::function<std::shared_ptr<Ombrey::IBaseDeD>(Ombrey::ISystème&)>;
 
-  /// Runs on the database that Ouvrir gives until the operator, a signal or the time limit ends it. Once. Raises
-  /// ErreurExécution when the work can't begin: no database, no working folder, no plug-in.
-  void Exécuter(const OuvrirBase& Ouvrir);
+  /// Runs on the database that Ouvrir gives until the operator, a signal or the time limit ends it. Once. AuRepos is
+  /// called whenever nothing is in the midst of anything, the line above all. Raises ErreurExécution when the work
+  /// can't begin: no database, no working folder, no plug-in.
+  void Exécuter(
+      const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos = [] {});
 
   void Bouton() override;
   void Menu() override;
@@ -35,7 +37,7 @@ class Station final : public IGestesStation {
 
  private:
   void Démarrer(std::shared_ptr<Ombrey::IBaseDeD> Base);
-  void Pomper();
+  void Pomper(const std::function<void()>& AuRepos);
   template <class Appel>
   void Tenter(Appel Faire);
 

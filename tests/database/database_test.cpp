@@ -25,6 +25,7 @@ struct BaseVigne : testing::Test {
   }
 
   Essais::DossierEssai Dossier;
+  Essais::DossierEssai Ailleurs;
   std::filesystem::path Fichier = Dossier.Chemin() / "coopé.db";
 };
 
@@ -162,18 +163,69 @@ TEST_F(BaseVigne, UndoesAnUnfinishedTransactionAndKeepsASafeJournal) {
   }
   EXPECT_EQ(Nombre(*Connexion), 3);
   EXPECT_EQ(std::get<std::string>(Connexion->Lire("PRAGMA journal_mode")), "wal");
-  EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("PRAGMA synchronous")), 2);
+  EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("PRAGMA synchronous")), 3);
 }
 
-TEST_F(BaseVigne, SaysOnceThatTheDriveCarriesNoWriteAheadLog) {
-  sqlite3_vfs* const Habituel = sqlite3_vfs_find(nullptr);
-  sqlite3_vfs_register(sqlite3_vfs_find("unix-dotfile"), 1);
-  testing::internal::CaptureStderr();
+/// The machine's files, on a drive that carries no memory shared between programs.
+struct DisqueSansPartage {
+  DisqueSansPartage() {
+    Lui = *Habituel;
+    Lui.zName = "sans partage";
+    Lui.xOpen = [](sqlite3_vfs*, const char* Nom, sqlite3_file* Fichier, int Drapeaux, int* Obtenus) {
+      const int Code = Habituel->xOpen(Habituel, Nom, Fichier, Drapeaux, Obtenus);
+      if (Code != SQLITE_OK || (Drapeaux & SQLITE_OPEN_MAIN_DB) == 0) return Code;
+      static sqlite3_io_methods Opérations;
+      Opérations = *Fichier->pMethods;
+      Opérations.xShmMap = [](sqlite3_file*, int, int, int, void volatile**) { return SQLITE_IOERR_SHMMAP; };
+      Fichier->pMethods = &Opérations;
+      return Code;
+    };
+    sqlite3_vfs_register(&Lui, 1);
+    testing::internal::CaptureStderr();
+  }
+  ~DisqueSansPartage() { sqlite3_vfs_unregister(&Lui); }
+  DisqueSansPartage(const DisqueSansPartage&) = delete;
+  DisqueSansPartage& operator=(const DisqueSansPartage&) = delete;
+
+  static inline sqlite3_vfs* Habituel = sqlite3_vfs_find(nullptr);
+  sqlite3_vfs Lui{};
+};
+
+TEST_F(BaseVigne, GoesOnWithTheOrdinaryJournalWhereTheDriveCarriesNoOther) {
+  for (const bool EstDéjàLà : {false, true}) {
+    SCOPED_TRACE(EstDéjàLà);
+    const auto Connexion = EstDéjàLà ? Nouvelle() : nullptr;
+    if (EstDéjàLà) std::filesystem::copy(Dossier.Chemin(), Ailleurs.Chemin(), std::filesystem::copy_options::recursive);
+    const DisqueSansPartage Disque;
+    const auto Ici = EstDéjàLà ? ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / Fichier.filename()) : Nouvelle();
+    const std::string Dit = testing::internal::GetCapturedStderr();
+    EXPECT_NE(Dit.find("sans journal anticipé (mode « delete »)"), std::string::npos) << Dit;
+    EXPECT_EQ(Nombre(*Ici), 3);
+    // The journal's removal is on the disk before the commit returns, and others may write as well.
+    EXPECT_EQ(std::get<std::int64_t>(Ici->Lire("PRAGMA synchronous")), 3);
+    ConnexionSqlite::Ouvrir(Ici->Fichier())->ExécuterTout("DELETE FROM Vigne");
+    EXPECT_EQ(Nombre(*Ici), 0);
+    std::filesystem::remove(Fichier);
+  }
+}
+
+TEST_F(BaseVigne, BringsItsLogHomeAtRestAndIsCopiedWholeAtWork) {
   const auto Connexion = Nouvelle();
-  const std::string Dit = testing::internal::GetCapturedStderr();
-  sqlite3_vfs_register(Habituel, 1);
-  EXPECT_NE(Dit.find("ne peut pas tenir de journal anticipé (mode « delete »)"), std::string::npos) << Dit;
-  EXPECT_EQ(Nombre(*Connexion), 3);
+  std::filesystem::copy(Fichier, Ailleurs.Chemin() / "avant.db");
+  Connexion->RangerJournal();
+  std::filesystem::copy(Fichier, Ailleurs.Chemin() / "après.db");
+  EXPECT_THROW(static_cast<void>(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "avant.db"))), ErreurExécution);
+  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "après.db")), 3);
+
+  const auto Copie = Ailleurs.Chemin() / "copie.db";
+  const auto AuTravail = ConnexionSqlite::Ouvrir(Fichier);
+  Transaction EnCours(*AuTravail);
+  AuTravail->Exécuter("DELETE FROM Vigne");
+  Connexion->Sauvegarder(Copie);
+  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Copie)), 3);
+  EXPECT_THROW(Connexion->Sauvegarder(Copie), ErreurExécution);
+  EXPECT_TRUE(ConnexionSqlite::EstOuverteAilleurs(Fichier));
+  EXPECT_FALSE(ConnexionSqlite::EstOuverteAilleurs(Copie));
 }
 
 TEST_F(BaseVigne, IsAFileAndCreatedOnlyWhereNothingStands) {

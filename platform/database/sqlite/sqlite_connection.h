@@ -51,16 +51,16 @@ class Instruction {
   std::unique_ptr<sqlite3_stmt, Finir> Brute_;
 };
 
-/// An open database file, for the one thread of the system. Commits are on the disk when they return: write-ahead log,
-/// or where the drive can't carry one, which stderr then says, the ordinary journal; full synchronisation. Foreign keys
+/// An open database file, for the one thread of the system. Commits are on the disk when they return: with a
+/// write-ahead log, or with the ordinary journal where the drive can't carry one, which stderr then says. Foreign keys
 /// aren't enforced: a load is kept even when its holding is unknown.
 class ConnexionSqlite {
  public:
   /// Gives the present moment in days since 1899-12-30. Without it, queries that ask for the date fail.
   using Horloge = std::function<double()>;
 
-  /// Opens a file that is there; when it may only be read, only reading works. Raises ErreurExécution when it is
-  /// missing, locked, or no database.
+  /// Opens a file that is there, with the journal that it was made with; when it may only be read, only reading works.
+  /// Raises ErreurExécution when it is missing, locked, or no database.
   [[nodiscard]] static std::shared_ptr<ConnexionSqlite> Ouvrir(const std::filesystem::path& Fichier,
                                                                Horloge Maintenant = {});
   /// Makes a new, empty database. Raises ErreurExécution when a file of that name is there already, which stays as it
@@ -85,16 +85,36 @@ class ConnexionSqlite {
   /// Row number of the row inserted last.
   [[nodiscard]] std::int64_t DernièreLigne() const;
 
+  /// For a moment when nobody waits: what was committed since moves from the log into the file itself, so that a plain
+  /// copy of the file has it. Costs nothing when nothing was; what another program's reading holds up waits for the
+  /// next call.
+  void RangerJournal();
+  /// Copies the whole database, as it stands at one moment, to a new file for its owner alone, while others work on it.
+  /// When the call returns the copy is on the disk and was read again. Raises ErreurExécution, and leaves no file, when
+  /// it can't or when there is one already.
+  void Sauvegarder(const std::filesystem::path& Copie);
+  /// True when a program has this database open, or may have: with the ordinary journal only one that is at work shows.
+  [[nodiscard]] static bool EstOuverteAilleurs(const std::filesystem::path& Fichier);
+
  private:
   struct Fermer {
     void operator()(sqlite3* Base) const;
   };
-  ConnexionSqlite(const std::filesystem::path& Fichier, Horloge Maintenant);
-  void PasserEnJournalAnticipé();
+  enum class Journal { DuFichier, Anticipé, Ordinaire };
+  [[nodiscard]] static std::shared_ptr<ConnexionSqlite> Créer(const std::filesystem::path& Fichier, Horloge Maintenant,
+                                                              Journal Voulu);
+  ConnexionSqlite(const std::filesystem::path& Fichier, Horloge Maintenant, Journal Voulu);
+  void Brancher();
+  void SePasserDeJournalAnticipé();
 
   std::filesystem::path Fichier_;
+  Horloge Maintenant_;
+  std::int64_t Rangées_ = 0;  ///< rows changed by this connection that stand in the file itself
   std::unique_ptr<sqlite3, Fermer> Base_;
 };
+
+/// Removes a database file that nobody has open, with what the engine put beside it.
+void SupprimerBase(const std::filesystem::path& Fichier);
 
 /// All or nothing: what was done since the start is undone unless Valider was reached. Waits for other writers at its
 /// start, so that nothing inside can fail on a lock.
