@@ -1,6 +1,8 @@
 // The host's database object on the cooperative's SQLite file.
 #include "host/cooperative_database.h"
 
+#include <unistd.h>
+
 #include <array>
 #include <exception>
 #include <iostream>
@@ -20,7 +22,6 @@ using Ombrey::EstNull;
 using Ombrey::ValeurChamp;
 
 constexpr const char* DossierImport = "import";
-constexpr const char* NomFichierImport = "import.txt";
 constexpr std::int64_t CodeLePlusHaut = 999'999;  // six digits at the terminal
 constexpr std::int64_t GroupeLePlusHaut = 999;    // three digits at the terminal
 constexpr double PartLaPlusHaute = 999.9999;      // three digits and four decimals at the terminal
@@ -118,7 +119,7 @@ std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::strin
   const std::filesystem::path Chemin = Système_.CheminApplication() / DossierImport;
   Ombrey::CréerDossier(Chemin);
   Dossier = Ombrey::TexteChemin(Chemin / "");
-  Nom = NomFichierImport;
+  Nom = "import " + std::to_string(getpid()) + ".txt";  // one process never reads what another one wrote
   return Dossier + Nom;
 }
 

@@ -61,7 +61,8 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   /// A value that can't be used gives true with an error text: the file was dealt with, and nothing of it is in the
   /// database. All other failures give false, with their text. Drapeau comes back as the result.
   bool TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) override;
-  /// Dossier is the folder "import" of the working folder, created for its owner alone. The result is the path of both.
+  /// Dossier is the folder "import" of the working folder, created for its owner alone, and Nom this process's. The
+  /// result is the path of both.
   std::string ObtenirFichierImport(std::string& Dossier, std::string& Nom) override;
   void Connecter(Ombrey::IÉcouteurEtatBdD* Écouteur) override { Écouteur_ = Écouteur; }
   void Déconnecter(const Ombrey::IÉcouteurEtatBdD* Écouteur) override {

@@ -2,12 +2,12 @@
 #include "platform/serial/line_settings.h"
 
 #include <algorithm>
-#include <cctype>
 #include <charconv>
 #include <iterator>
 #include <string_view>
 
 #include "base/failures.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 
@@ -30,12 +30,6 @@ constexpr NomParité Parités[] = {
     {"espace", Parité::Espace},
 };
 
-std::string EnMinuscules(std::string Texte) {
-  std::transform(Texte.begin(), Texte.end(), Texte.begin(),
-                 [](unsigned char C) { return C < 0x80 ? static_cast<char>(std::tolower(C)) : static_cast<char>(C); });
-  return Texte;
-}
-
 [[noreturn]] void Refuser(const std::string& NomPort, const std::string& Quoi, const std::string& Valeur,
                           const std::string& Attendu) {
   throw ErreurExécution("Port " + NomPort + " : " + Quoi + " « " + Valeur + " » n'est pas possible (" + Attendu + ").");
@@ -46,7 +40,7 @@ std::string EnMinuscules(std::string Texte) {
 std::string CheminDuPort(const std::string& Nom) {
   const bool Entier = Nom.find('\0') == std::string::npos;
   if (Entier && Nom.starts_with('/')) return Nom;
-  std::string Court = EnMinuscules(Nom);
+  std::string Court = MinusculesAscii(Nom);
   if (Court.ends_with(':')) Court.pop_back();
   constexpr std::string_view Préfixe = "com";
   if (Court.starts_with(Préfixe) && Court.size() > Préfixe.size() && Court[Préfixe.size()] != '0') {
@@ -77,7 +71,7 @@ RéglagesLigne VérifierRéglages(const std::string& NomPort, const RéglagesDem
   Réglages.Bits = Demandés.Bits;
   if (Réglages.Bits < 5 || Réglages.Bits > 8)
     Refuser(NomPort, "la taille des mots", std::to_string(Demandés.Bits), "5 à 8 bits");
-  const std::string Nom = EnMinuscules(Demandés.Parité);
+  const std::string Nom = MinusculesAscii(Demandés.Parité);
   const auto* Trouvée =
       std::find_if(std::begin(Parités), std::end(Parités), [&](const NomParité& P) { return P.Texte == Nom; });
   if (Trouvée == std::end(Parités))

@@ -8,10 +8,11 @@
 
 namespace Ombrey {
 
-/// The bytes of a settings file, in UTF-8 with or without its mark, or in Windows-1252, with lines that end in LF or
-/// CR LF. Sections and keys are compared in UTF-8, ASCII letters without regard to case; of several equal ones the
-/// first counts. Lines that start with ";" or "#" are comments. Blanks around names and values don't count; a value
-/// that has blanks of its own at an end stands in double quotes. Texts given and taken are UTF-8.
+/// The bytes of a settings file: lines that end in LF or CR LF, each in UTF-8 (the file with or without its mark) or,
+/// where it is no UTF-8, in Windows-1252: several programs may have written it. Sections and keys are compared in
+/// UTF-8, ASCII letters without regard to case; of several equal ones the first counts. Lines that start with ";" or
+/// "#" are comments. Blanks around names and values don't count; a value that has blanks of its own at an end stands in
+/// double quotes. Texts given and taken are UTF-8.
 class TexteIni {
  public:
   /// Raises ErreurExécution when the bytes are UTF-16.
@@ -19,8 +20,10 @@ class TexteIni {
 
   [[nodiscard]] const std::string& Bruts() const { return Bruts_; }
   [[nodiscard]] std::optional<std::string> Lire(std::string_view Section, std::string_view Clé) const;
-  /// Changes the key's line, or adds it behind the section's last key, or adds the section at the end. Every other byte
-  /// stays. Raises ErreurExécution when the file can't hold one of the texts; the bytes then stay as they are.
+  /// Changes the key's line, or adds it behind the section's last key, or adds the section at the end. Every other line
+  /// stays to the byte. A changed line keeps its encoding, a new one has that of the file's other accents, unless it
+  /// couldn't be read back so. Raises ErreurExécution when the file can't hold one of the texts; the bytes then stay as
+  /// they are.
   void Ecrire(std::string_view Section, std::string_view Clé, std::string_view Valeur);
 
  private:
@@ -29,11 +32,11 @@ class TexteIni {
 
   [[nodiscard]] Ligne LigneÀ(std::size_t Début) const;
   [[nodiscard]] Recherche Chercher(std::string_view Section, std::string_view Clé) const;
-  [[nodiscard]] std::string EnUtf8(std::string_view Octets) const;
-  [[nodiscard]] std::string DansLeFichier(const std::string& Texte) const;
+  [[nodiscard]] std::size_t PremièreLigne() const;
+  [[nodiscard]] bool EstEnAnsi(const Ligne& Une) const;
 
   std::string Bruts_;
-  bool Utf8_;
+  bool Ansi_ = false;  ///< some accents are in Windows-1252, and none is in UTF-8
   std::string FinDeLigne_;
 };
 

@@ -29,6 +29,12 @@ std::string_view NomLocale() {
   return {};
 }
 
+std::filesystem::path Préparé(const std::filesystem::path& Dossier) {
+  const std::filesystem::path Entier = std::filesystem::absolute(Dossier);
+  CréerDossier(Entier);
+  return Entier;
+}
+
 }  // namespace
 
 Régional FormesDeLEnvironnement() {
@@ -44,9 +50,8 @@ Régional FormesDeLEnvironnement() {
 }
 
 SystèmeMachine::SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier)
-    : Boucle_(Boucle), Dossier_(std::filesystem::absolute(Dossier)), Formes_(FormesDeLEnvironnement()) {
+    : Boucle_(Boucle), Dossier_(Préparé(Dossier)), Verrou_(Dossier_), Formes_(FormesDeLEnvironnement()) {
   tzset();
-  CréerDossier(Dossier_);
 }
 
 std::uint32_t SystèmeMachine::Tics() const {

@@ -5,13 +5,14 @@
 
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
+#include "platform/system/folder_lock.h"
 
 namespace Ombrey {
 
 class SystèmeMachine final : public ISystème {
  public:
-  /// Boucle must outlive the object. Dossier is the working folder; it is made when it is missing, for its owner alone.
-  /// Raises ErreurExécution when it can't be.
+  /// Boucle must outlive the object. Dossier is the working folder, this object's own for as long as it lives; it is
+  /// made when it is missing, for its owner alone. Raises ErreurExécution when it can't be, or is another station's.
   SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier);
   [[nodiscard]] std::uint32_t Tics() const override;
   [[nodiscard]] DateHeure Maintenant() const override;
@@ -23,6 +24,7 @@ class SystèmeMachine final : public ISystème {
  private:
   IBoucle& Boucle_;
   std::filesystem::path Dossier_;
+  VerrouDossier Verrou_;
   Régional Formes_;
 };
 

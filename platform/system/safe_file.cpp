@@ -43,19 +43,32 @@ fs::path Cible(fs::path Chemin) {
 
 fs::path DossierDe(const fs::path& Chemin) { return Chemin.has_parent_path() ? Chemin.parent_path() : fs::path("."); }
 
+void EcrireTout(const Descripteur& Fichier, std::string_view Contenu, const fs::path& Nom) {
+  while (!Contenu.empty()) {
+    const ssize_t Écrits = write(Fichier.Numéro(), Contenu.data(), Contenu.size());
+    if (Écrits < 0 && errno == EINTR) continue;
+    if (Écrits < 0) Refuser(Nom, "écrit", errno);
+    Contenu.remove_prefix(static_cast<std::size_t>(Écrits));
+  }
+  if (fsync(Fichier.Numéro()) != 0) Refuser(Nom, "écrit", errno);
+}
+
 /// A new file beside another, removed again unless it was kept.
 class Provisoire {
  public:
   explicit Provisoire(const fs::path& Final)
       : Final_(Final), Nom_((DossierDe(Final) / ("." + Final.filename().string() + ".XXXXXX")).string()) {
     Fichier_ = Descripteur(mkostemp(Nom_.data(), O_CLOEXEC));
-    if (!Fichier_.EstOuvert()) Refuser(Final_, "écrit", errno);
+    if (!Fichier_.EstOuvert()) Motif_ = errno;
   }
   Provisoire(const Provisoire&) = delete;
   Provisoire& operator=(const Provisoire&) = delete;
   ~Provisoire() {
-    if (!Gardé_) unlink(Nom_.c_str());
+    if (!Gardé_ && Fichier_.EstOuvert()) unlink(Nom_.c_str());
   }
+
+  /// Why there is none; 0 when there is.
+  [[nodiscard]] int Motif() const { return Motif_; }
 
   /// Who isn't the superuser can give a file to a group of his own, at most. The file is the right one without it.
   void Imiter(const struct stat& Modèle) const {
@@ -66,15 +79,7 @@ class Provisoire {
     if (fchmod(Fichier_.Numéro(), Modèle.st_mode & MasqueDroits) != 0) Refuser(Final_, "écrit", errno);
   }
 
-  void Ecrire(std::string_view Contenu) const {
-    while (!Contenu.empty()) {
-      const ssize_t Écrits = write(Fichier_.Numéro(), Contenu.data(), Contenu.size());
-      if (Écrits < 0 && errno == EINTR) continue;
-      if (Écrits < 0) Refuser(Final_, "écrit", errno);
-      Contenu.remove_prefix(static_cast<std::size_t>(Écrits));
-    }
-    if (fsync(Fichier_.Numéro()) != 0) Refuser(Final_, "écrit", errno);
-  }
+  void Ecrire(std::string_view Contenu) const { EcrireTout(Fichier_, Contenu, Final_); }
 
   void Garder() {
     if (std::rename(Nom_.c_str(), Final_.c_str()) != 0) Refuser(Final_, "écrit", errno);
@@ -88,8 +93,31 @@ class Provisoire {
   fs::path Final_;
   std::string Nom_;
   Descripteur Fichier_;
+  int Motif_ = 0;
   bool Gardé_ = false;
 };
+
+/// Over the file's own bytes, where its folder takes no second file. The room is had before the first byte changes, and
+/// a failure puts the former bytes back: only the machine's death in this moment can leave a part of each.
+void RemplacerSurPlace(const fs::path& Final, std::string_view Contenu) {
+  const std::string Ancien = LireFichier(Final).value_or("");
+  const Descripteur Fichier(open(Final.c_str(), O_RDWR | O_CLOEXEC | O_NOCTTY));
+  if (!Fichier.EstOuvert()) Refuser(Final, "écrit", errno);
+  try {
+    const bool Grandit = Contenu.size() > Ancien.size();
+    const int Place = Grandit ? posix_fallocate(Fichier.Numéro(), 0, static_cast<off_t>(Contenu.size())) : 0;
+    if (Place != 0) Refuser(Final, "écrit", Place);
+    EcrireTout(Fichier, Contenu, Final);
+    if (ftruncate(Fichier.Numéro(), static_cast<off_t>(Contenu.size())) != 0 || fsync(Fichier.Numéro()) != 0)
+      Refuser(Final, "écrit", errno);
+  } catch (const ErreurExécution&) {
+    const auto Taille = static_cast<off_t>(Ancien.size());
+    const bool Remis =
+        pwrite(Fichier.Numéro(), Ancien.data(), Ancien.size(), 0) == Taille && ftruncate(Fichier.Numéro(), Taille) == 0;
+    if (!Remis) throw ErreurExécution(Final.string() + " n'a pu être ni écrit ni remis comme il était.");
+    throw;
+  }
+}
 
 }  // namespace
 
@@ -124,6 +152,8 @@ void RemplacerFichier(const fs::path& Chemin, std::string_view Contenu) {
   // Renaming asks for no right to the file itself: one that was made read-only must stay as it is.
   if (Présent && access(Final.c_str(), W_OK) != 0) Refuser(Final, "écrit", errno);
   Provisoire Nouveau(Final);
+  if (Présent && (Nouveau.Motif() == EACCES || Nouveau.Motif() == EPERM)) return RemplacerSurPlace(Final, Contenu);
+  if (Nouveau.Motif() != 0) Refuser(Final, "écrit", Nouveau.Motif());
   if (Présent) Nouveau.Imiter(Ancien);
   Nouveau.Ecrire(Contenu);
   Nouveau.Garder();

@@ -13,8 +13,9 @@ namespace Ombrey {
 [[nodiscard]] std::optional<std::string> LireFichier(const std::filesystem::path& Chemin);
 
 /// Replaces the file's contents, or makes the file for its owner alone. A link stays and its target is replaced; mode
-/// and owner stay as far as the system allows. Raises ErreurExécution, and the former file is then untouched,
-/// unless only the folder refused to be put on the disk behind it.
+/// and owner stay as far as the system allows. Where the folder takes no new file, the file is written in place. Raises
+/// ErreurExécution, and the former bytes then stand there, unless only the folder refused to be put on the disk behind
+/// it.
 void RemplacerFichier(const std::filesystem::path& Chemin, std::string_view Contenu);
 
 }  // namespace Ombrey

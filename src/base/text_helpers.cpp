@@ -36,6 +36,13 @@ std::string_view SansBlancs(std::string_view Texte) {
   return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
 }
 
+std::string MinusculesAscii(std::string_view Texte) {
+  std::string Petites(Texte);
+  for (char& C : Petites)
+    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
+  return Petites;
+}
+
 std::string SupprZéroDébut(std::string Texte) {
   Texte.erase(0, std::min(Texte.find_first_not_of('0'), Texte.size()));
   return Texte;

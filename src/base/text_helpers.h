@@ -16,6 +16,9 @@ inline constexpr std::string_view Blancs = " \t";
 /// Without the blanks and tabs at both ends.
 [[nodiscard]] std::string_view SansBlancs(std::string_view Texte);
 
+/// The letters A to Z made small; every other byte stays.
+[[nodiscard]] std::string MinusculesAscii(std::string_view Texte);
+
 /// Drops all zeros at the front; a text of zeros gives the empty text.
 [[nodiscard]] std::string SupprZéroDébut(std::string Texte);
 

@@ -29,7 +29,7 @@ TEST(Endings, TermAtEveryByteOfADialogueEndsProperlyAndAcknowledgesNothingThatIs
     const bool EstAcquitté = (Reçus += Ligne.Recevoir()).substr(2, 1) == "\6";
     EXPECT_TRUE(EstAcquitté || (Reçus.size() <= 2 && Nombre < Dialogue.find("SSS") + 2));
     EXPECT_TRUE(P.Rentrés() == "1 1 0" || (P.Rentrés() == "0 0 0" && !EstAcquitté)) << P.Rentrés();
-    EXPECT_FALSE(std::filesystem::exists(P.En("poste/import/RG80 import.txt")));
+    EXPECT_TRUE(std::filesystem::is_empty(P.En("poste/import")));
   }
 }
 

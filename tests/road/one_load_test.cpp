@@ -87,6 +87,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
   const std::string Refusé = "Erreur d'importation des données issues du RG80.";
   const std::string Lecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
   const std::string Écriture = Lecture + "Impossible d'écrire le fichier ";
+  const std::string Import = "import/RG80 import " + std::to_string(getpid()) + ".txt";
   const Panne Pannes[] = {
       // clang-format off
       Sans("Chargement", Refusé), Sans("ChargementArchive", Refusé), Sans("Métayage", "Table introuvable : Métayage"),
@@ -97,7 +98,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
       {"UPDATE Métayage SET Part = NULL; INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant) VALUES (0, 123, 456)",
        "UPDATE Métayage SET Part = 100; DELETE FROM Métayage WHERE IdGrp IS NULL", "Utilisation incorrecte de Null"},
       {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
-      {"$ mkdir -p 'poste/import/RG80 import.txt/x'", "$ rm -r poste/import", Écriture},
+      {"$ mkdir -p 'poste/" + Import + "/x'", "$ rm -r poste/import", Écriture},
       {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
       {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
       // clang-format on
@@ -115,7 +116,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
     EXPECT_TRUE(Boîte == Refusé ? Issue.ends_with("NAK") : !Issue.ends_with("K")) << Issue;
     // A refused import file is kept for the operator; none is left in the way.
     EXPECT_EQ(std::filesystem::exists(Plateforme.LeSystème.DossierImportsConservés()), Boîte == Refusé);
-    EXPECT_FALSE(std::filesystem::is_regular_file(En("poste/import/RG80 import.txt")));
+    EXPECT_FALSE(std::filesystem::is_regular_file(En("poste/" + Import)));
     Faire(Réparer);
     EXPECT_EQ(Rentrés() + std::to_string(Cumuls), "0 0 00");
     EXPECT_EQ(Relever(Offre(Enregistrement())), "ACK");

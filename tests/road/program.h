@@ -48,6 +48,7 @@ class Programme {
     if (EstDit) Vu_ = Dit_.find(Extrait, Vu_) + Extrait.size();
     return EstDit;
   }
+  [[nodiscard]] std::string Numéro() const { return std::to_string(Enfant_); }
   void Signaler(int Signal) const { Enfant_ > 0 ? kill(Enfant_, Signal) : 0; }
   /// The exit code, or minus the signal that ended it; EnCours when it is still running after Patience.
   int Fin(std::chrono::milliseconds Patience = 15s) {

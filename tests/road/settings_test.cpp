@@ -47,6 +47,22 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
   }
 }
 
+TEST(Start, AWorkingFolderBelongsToOneStationUntilItsDeath) {
+  Poste P;
+  P.LancerStation();
+  EXPECT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
+  const auto Première = std::move(P.Station);
+  P.LancerStation();
+  EXPECT_TRUE(P.Station->Attendre("Une autre station travaille déjà dans le dossier " + P.En("poste") +
+                                  " (tarvel, processus " + Première->Numéro() + ")"))
+      << P.Dit();
+  EXPECT_EQ(P.Station->Fin(), 1);
+  Première->Signaler(SIGKILL);
+  EXPECT_EQ(Première->Fin(), -SIGKILL);
+  P.LancerStation();
+  EXPECT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
+}
+
 TEST(Start, NamesAPortThatAnotherProgramHoldsAndTakesItWhenItIsFree) {
   Poste P;
   P.LancerTerminal("--hasard 1 --jusqu-a-vide");

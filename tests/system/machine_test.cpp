@@ -6,9 +6,9 @@
 
 #include "base/failures.h"
 #include "base/regional_forms.h"
+#include "host/machine_platform.h"
 #include "platform/loop/poll_loop.h"
 #include "platform/system/ini_text.h"
-#include "host/machine_platform.h"
 #include "platform/system/safe_file.h"
 #include "tests/serial/pseudo_terminal.h"
 #include "tests/support/fake_platform.h"
@@ -27,7 +27,7 @@ TEST(TexteIni, ReadsKeysInAnyLayout) {
       {"  [ S ]  ; note\n\tPort \t=  COM1: \t\n", "COM1:"}, {"[S]\nPort=", ""}, {"[S]\nPort=a=b;c#d", "a=b;c#d"},
       {"[S]\n;Port=1\n#Port=2\nPort\nPort=3\nPort=4\n", "3"}, {"[S]\nBauds=1\n[X]\n[S]\nPort=2\n", "2"},
       {"[S]\nPort=\"  x \"\n", "  x "}, {"[S\nPort=1\n", {}}, {"\xEF\xBB\xBF[S]\nPort=\xC3\x89\n", "É"},
-      {"[S]\nPort=\xC9t\xE9 \x80\n", "Été €"}};
+      {"[S]\nPort=\xC9t\xE9 \x80\n", "Été €"}, {"[S]\n;\xE9\nPort=É\n", "É"}, {"[S]\n;É\nPort=\xC9\n", "É"}};
   // clang-format on
   for (const auto& [Bruts, Valeur] : Table) EXPECT_EQ(TexteIni(Bruts).Lire("S", "Port"), Valeur) << Bruts;
 }
@@ -45,6 +45,8 @@ const std::string Écritures[][4] = {
     {"[S]\nP = \nBauds=", "Bauds", "9", "[S]\nP = \nBauds=9"}, {"[S]\nPort = 1 \n", "Port", "", "[S]\nPort =  \n"},
     {"[S]\r\nParit\xE9=N\r\n;\x96\r\n", "Parité", "E", "[S]\r\nParit\xE9=E\r\n;\x96\r\n"},
     {"[S]\n;\xE9\n", "Période", "€", "[S]\nP\xE9riode=\x80\n;\xE9\n"}, {"[S]\n", "Période", "2", "[S]\nPériode=2\n"},
+    {"[S]\n;\xE9\nParité=N\n", "Parité", "E", "[S]\n;\xE9\nParité=E\n"},
+    {"[S]\n;\xE9\n", "K", "Ω", "[S]\nK=Ω\n;\xE9\n"}, {"[S]\nK=\xE9\n", "K", "Ã©", "[S]\nK=Ã©\n"},
     {"[S]\nPort=1\n", "Port", " x", "[S]\nPort=\" x\"\n"}, {"[S]\nPort=1\n", "Port", "\"x\"", "[S]\nPort=\"\"x\"\"\n"}};
 // clang-format on
 
@@ -66,10 +68,6 @@ TEST(TexteIni, ChangesOneLineAndNoOtherByte) {
     EXPECT_THROW(Texte.Ecrire(S, Clé, Valeur), ErreurExécution) << S << Clé << Valeur;
     EXPECT_EQ(Texte.Bruts(), "[S]\n");
   }
-  EXPECT_THROW(TexteIni("[S]\n;\xE9\n").Ecrire("S", "K", "Ω"), ErreurExécution);
-  for (const auto* Bruts : {"[S]\nK=\xE9\n", "[S]\nK=\xE9\n;\xC3\xA9\n"})  // the rest would be read as UTF-8
-    EXPECT_THROW(TexteIni(Bruts).Ecrire("S", "K", "Ã©"), ErreurExécution);
-  EXPECT_NO_THROW(TexteIni("[S]\nK=\xE9\n").Ecrire("S", "K", "x"));
   EXPECT_THROW(TexteIni("\xFF\xFE["), ErreurExécution);
 }
 
@@ -131,18 +129,27 @@ TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
     EXPECT_THROW(RemplacerFichier(Mauvais, "x"), ErreurExécution) << Mauvais;
   }
   RemplacerFichier(Ini_, "ancien");
-  ASSERT_TRUE(chmod(D_.c_str(), 0777) == 0 && chmod(Ini_.c_str(), 0444) == 0);
-  const uid_t Moi = geteuid();
-  ASSERT_EQ(setresuid(Moi == 0 ? 65534 : Moi, Moi == 0 ? 65534 : Moi, Moi), 0);
-  EXPECT_THROW(RemplacerFichier(Ini_, "neuf"), ErreurExécution) << "read-only";
-  ASSERT_EQ(setresuid(Moi, Moi, Moi), 0);
   std::signal(SIGXFSZ, SIG_IGN);
-  rlimit Limite{};
-  const rlimit Court{10, RLIM_INFINITY};
-  ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &Court, &Limite), 0);
-  EXPECT_THROW(RemplacerFichier(Ini_, "more than ten characters"), ErreurExécution) << "the disk is full";
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Limite), 0);
-  EXPECT_EQ(LireFichier(Ini_), "ancien");
+  const uid_t Moi = geteuid();
+  for (const mode_t Droits : {0777U, 0555U}) {  // a second file has place beside it, or it is written in place
+    SCOPED_TRACE(Droits);
+    ASSERT_EQ(chmod(D_.c_str(), Droits) + chmod(Ini_.c_str(), 0444), 0);
+    ASSERT_EQ(setresuid(Moi == 0 ? 65534 : Moi, Moi == 0 ? 65534 : Moi, Moi), 0);
+    EXPECT_THROW(RemplacerFichier(Ini_, "neuf"), ErreurExécution) << "read-only";
+    ASSERT_EQ(setresuid(Moi, Moi, Moi) + chmod(Ini_.c_str(), 0666), 0);
+    ASSERT_EQ(setresuid(Moi == 0 ? 65534 : Moi, Moi == 0 ? 65534 : Moi, Moi), 0);
+    rlimit Limite{};
+    const rlimit Court{10, RLIM_INFINITY};
+    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &Court, &Limite), 0);
+    EXPECT_THROW(RemplacerFichier(Ini_, "more than ten characters"), ErreurExécution) << "the disk is full";
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Limite), 0);
+    EXPECT_EQ(LireFichier(Ini_), "ancien");
+    for (const char* Contenu : {"more than ten characters", "court", "ancien"}) {
+      EXPECT_NO_THROW(RemplacerFichier(Ini_, Contenu));
+      EXPECT_EQ(LireFichier(Ini_), Contenu);
+    }
+    ASSERT_EQ(setresuid(Moi, Moi, Moi), 0);
+  }
   EXPECT_EQ(std::distance(fs::directory_iterator(D_), {}), 4) << "the loop, the pipe, the file, folder a";
 }
 

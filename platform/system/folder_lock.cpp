@@ -1,0 +1,83 @@
+// A working folder belongs to one running station.
+#include "platform/system/folder_lock.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <sstream>
+
+#include "base/failures.h"
+#include "base/files.h"
+#include "base/system_error.h"
+#include "platform/system/safe_file.h"
+
+namespace Ombrey {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* NomVerrou = ".verrou";
+constexpr mode_t PourSonPropriétaire = 0600;
+
+/// The whole file, for this opening of it: the system drops the lock when its process dies, and only then.
+struct flock Tout() {
+  struct flock Voulu {};
+  Voulu.l_type = F_WRLCK;
+  Voulu.l_whence = SEEK_SET;
+  return Voulu;
+}
+
+std::string Machine() {
+  std::array<char, 256> Nom{};
+  return gethostname(Nom.data(), Nom.size() - 1) == 0 ? Nom.data() : "";
+}
+
+/// What the holder has written: the number of its process, and its machine.
+std::string Décrire(const fs::path& Fichier) {
+  std::string Processus;
+  std::string Sienne;
+  std::istringstream(LireFichier(Fichier).value_or("")) >> Processus >> Sienne;
+  if (Processus.empty()) return "elle commence ou se termine";
+  if (Sienne != Machine()) return "processus " + Processus + " de la machine " + Sienne;
+  std::string Nom = LireFichier(Chemin("/proc/" + Processus + "/comm")).value_or("");
+  Nom.erase(std::min(Nom.find('\n'), Nom.size()));
+  return (Nom.empty() ? "" : Nom + ", ") + "processus " + Processus;
+}
+
+[[noreturn]] void Refuser(const fs::path& Dossier, int Numéro) {
+  throw ErreurExécution("Le dossier de travail " + TexteChemin(Dossier) + " ne peut pas être verrouillé : " +
+                        TexteErreurSystème(Numéro) + ". --dossier en choisit un autre.");
+}
+
+}  // namespace
+
+VerrouDossier::VerrouDossier(const fs::path& Dossier)
+    : Fichier_(open((Dossier / NomVerrou).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, PourSonPropriétaire)) {
+  if (!Fichier_.EstOuvert()) {
+    const int Motif = errno;
+    if (access(Dossier.c_str(), W_OK) == 0) Refuser(Dossier, Motif);
+    return;
+  }
+  struct flock Voulu = Tout();
+  if (fcntl(Fichier_.Numéro(), F_OFD_SETLK, &Voulu) != 0) {
+    if (errno != EACCES && errno != EAGAIN) Refuser(Dossier, errno);
+    throw ErreurExécution("Une autre station travaille déjà dans le dossier " + TexteChemin(Dossier) + " (" +
+                          Décrire(Dossier / NomVerrou) + "). --dossier en choisit un autre.");
+  }
+  const std::string Texte = std::to_string(getpid()) + " " + Machine() + "\n";
+  // For others to read; the lock holds without it.
+  if (ftruncate(Fichier_.Numéro(), 0) == 0)
+    static_cast<void>(pwrite(Fichier_.Numéro(), Texte.data(), Texte.size(), 0) > 0);
+}
+
+std::optional<std::string> OccupantDossier(const fs::path& Dossier) {
+  const Descripteur Fichier(open((Dossier / NomVerrou).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));
+  struct flock Tenu = Tout();
+  if (!Fichier.EstOuvert() || fcntl(Fichier.Numéro(), F_OFD_GETLK, &Tenu) != 0 || Tenu.l_type == F_UNLCK)
+    return std::nullopt;
+  return Décrire(Dossier / NomVerrou);
+}
+
+}  // namespace Ombrey

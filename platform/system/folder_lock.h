@@ -1,0 +1,26 @@
+// A working folder belongs to one running station.
+#pragma once
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+#include "platform/loop/descriptor.h"
+
+namespace Ombrey {
+
+/// Holds a folder until the object or its process goes, however that ends.
+class VerrouDossier {
+ public:
+  /// Raises ErreurExécution, with the folder and the process that holds it, when it is held, or when this folder
+  /// can't be locked. A folder where this process can write nothing needs no lock.
+  explicit VerrouDossier(const std::filesystem::path& Dossier);
+
+ private:
+  Descripteur Fichier_;
+};
+
+/// The process that holds the folder, such as "tarvel, processus 4711"; none when it can be had.
+[[nodiscard]] std::optional<std::string> OccupantDossier(const std::filesystem::path& Dossier);
+
+}  // namespace Ombrey
