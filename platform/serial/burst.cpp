@@ -12,19 +12,16 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// Silence between two messages, in half character times: 3.5 characters.
+/// Silence behind a frame that was cut off, in half character times: 3.5 characters.
 constexpr int DemiCaractèresDeSilence = 7;
-/// Below this a silence says nothing: the machine itself is no faster.
-constexpr std::chrono::milliseconds SilenceMin = 5ms;
 /// An adapter may keep characters back for 16 ms or more in the middle of a frame.
-constexpr std::chrono::milliseconds SilenceDansTrame = 100ms;
+constexpr std::chrono::milliseconds SilenceMin = 100ms;
 
 }  // namespace
 
 Rafale::Rafale(std::chrono::nanoseconds TempsCaractère)
     : Silence_(std::max(std::chrono::ceil<std::chrono::milliseconds>(TempsCaractère * DemiCaractèresDeSilence / 2),
-                        SilenceMin)),
-      SilenceTrame_(std::max(Silence_, SilenceDansTrame)) {}
+                        SilenceMin)) {}
 
 /// True when this byte ends a burst.
 bool Rafale::Avancer(char Octet) {
@@ -47,17 +44,17 @@ bool Rafale::Avancer(char Octet) {
 std::vector<Octets> Rafale::Ajouter(std::string_view Reçus) {
   std::vector<Octets> Closes;
   for (const char Octet : Reçus) {
-    // A short answer right ahead of a frame needn't wait for the frame's end: on a slow line that takes seconds.
     if (Octet == STX && Lieu_ == Lieu::HorsTrame && !Tenus_.empty()) Closes.push_back(Clore());
     Tenus_ += Octet;
     if (Avancer(Octet) || Tenus_.size() >= TailleMax) Closes.push_back(Clore());
   }
+  if (Lieu_ == Lieu::HorsTrame && !Tenus_.empty()) Closes.push_back(Clore());
   return Closes;
 }
 
 std::optional<std::chrono::milliseconds> Rafale::SilenceAttendu() const {
   if (Tenus_.empty()) return std::nullopt;
-  return Lieu_ == Lieu::HorsTrame ? Silence_ : SilenceTrame_;
+  return Silence_;
 }
 
 Octets Rafale::Clore() {

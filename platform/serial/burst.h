@@ -11,9 +11,9 @@
 
 namespace Ombrey {
 
-/// Cuts received bytes into bursts. A burst is closed at once behind the two checksum characters that follow an ETX,
-/// when an STX stands ahead of it in the burst, and ahead of such an STX; else by silence, which the caller measures.
-/// Knows no device, no clock.
+/// Cuts received bytes into bursts. A frame is held back from its STX until the two checksum characters behind its ETX
+/// are there, or until a silence, which the caller measures. What stands outside a frame goes up at once: whoever waits
+/// knows what it waits for. Knows no device, no clock.
 class Rafale {
  public:
   /// A burst is handed up at this size at the latest: a line gone mad fills no memory.
@@ -35,7 +35,6 @@ class Rafale {
   [[nodiscard]] bool Avancer(char Octet);
 
   std::chrono::milliseconds Silence_;
-  std::chrono::milliseconds SilenceTrame_;
   std::string Tenus_;
   Lieu Lieu_ = Lieu::HorsTrame;
 };
