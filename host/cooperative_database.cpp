@@ -13,6 +13,7 @@
 #include "base/files.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
@@ -30,6 +31,17 @@ constexpr const char* SiteParDéfaut = "1";
 
 constexpr const char* CoopérateurParCode =
     "SELECT IdCoopérateur FROM Coopérateur WHERE CAST(IdCoopérateur AS INTEGER) = ?1";
+constexpr const char* ExploitationParPaire =
+    "SELECT IdMétayage FROM Métayage WHERE CAST(Propriétaire AS INTEGER) = CAST(?1 AS INTEGER)"
+    " AND CAST(Récoltant AS INTEGER) = CAST(?2 AS INTEGER) ORDER BY CAST(IdMétayage AS INTEGER) LIMIT 1";
+/// The lowest code that no holding bears, and no load of one that was deleted.
+constexpr const char* PremierCodeLibre =
+    "SELECT MIN(Code) + 1 FROM (SELECT 0 AS Code UNION SELECT CAST(IdMétayage AS INTEGER) FROM Métayage"
+    " UNION SELECT CAST(Métayage AS INTEGER) FROM Chargement"
+    " UNION SELECT CAST(Métayage AS INTEGER) FROM ChargementArchive) AS Pris WHERE Code >= 0"
+    " AND NOT EXISTS (SELECT 1 FROM Métayage WHERE CAST(IdMétayage AS INTEGER) = Code + 1)"
+    " AND NOT EXISTS (SELECT 1 FROM Chargement WHERE Métayage = CAST(Code + 1 AS TEXT))"
+    " AND NOT EXISTS (SELECT 1 FROM ChargementArchive WHERE Métayage = CAST(Code + 1 AS TEXT))";
 constexpr const char* GroupeParCode = "SELECT IdGrp FROM Groupement WHERE CAST(IdGrp AS INTEGER) = ?1";
 
 std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
@@ -39,9 +51,8 @@ struct TexteErreur {
   const char* Texte;
 };
 
-constexpr std::array<TexteErreur, 5> Textes = {{
+constexpr std::array<TexteErreur, 4> Textes = {{
     {ErreurBase::CodeInvalide, "le code n'est pas un nombre de six chiffres au plus"},
-    {ErreurBase::CodeExistant, "ce code existe déjà"},
     {ErreurBase::CoopérateurInconnu, "le propriétaire ou le récoltant est inconnu"},
     {ErreurBase::PartInvalide, "la part n'est pas un nombre entre 0 et 999,9999"},
     {ErreurBase::CodesÉpuisés, "il n'y a plus de code d'exploitation libre"},
@@ -76,10 +87,11 @@ void KVSynchroTarvel::AnnoncerNouveautés() {
 }
 
 EtatBdDTarvel::EtatBdDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                             std::shared_ptr<Ombrey::IKVSynchro> KVSynchro)
+                             std::shared_ptr<Ombrey::IKVSynchro> KVSynchro, Avis LAvis)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
       KVSynchro_(std::move(KVSynchro)),
+      Avis_(std::move(LAvis)),
       Moteur_(*Connexion_, Système) {}
 
 bool EtatBdDTarvel::TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) {
@@ -105,6 +117,7 @@ bool EtatBdDTarvel::TableImporter(const std::string& Titre, const std::string& F
 }
 
 void EtatBdDTarvel::Annoncer(const ChargementImporté& Chargement) {
+  if (Avis_ && !Chargement.Archivé.empty()) Avis_(Chargement.Archivé);
   if (!Écouteur_) return;
   Ombrey::Instruction Requête = Connexion_->Préparer("SELECT * FROM Chargement WHERE IdChargement = ?1");
   Requête.Lier({Chargement.IdChargement});
@@ -124,13 +137,13 @@ std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::strin
 }
 
 BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                             std::string CodeSite)
+                             std::string CodeSite, Avis LAvis)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
       KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_, std::move(CodeSite))),
-      EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_)),
+      EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_, LAvis)),
       BaseDAO_(std::make_shared<Ombrey::BaseSqlite>(Connexion_)),
-      Figures_(*Connexion_, Système) {
+      Figures_(*Connexion_, Système, std::move(LAvis)) {
   // Also when the port opens later and nobody activates the base.
   KVSynchro_->Mémoriser();
 }
@@ -188,13 +201,20 @@ std::int16_t BaseDeDTarvel::AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nou
   return Créer([&] {
     const auto Code = CodeNumérique(Nouveau.IdCoopérateur);
     if (!Code) return ErreurBase::CodeInvalide;
-    if (!EstNull(CodeÉcrit(CoopérateurParCode, Nouveau.IdCoopérateur))) return ErreurBase::CodeExistant;
-    const auto Création = Ombrey::LireDate(Nouveau.Horodatage);
+    // Another station may have met the same member at the same moment.
+    if (!EstNull(CodeÉcrit(CoopérateurParCode, Nouveau.IdCoopérateur))) return ErreurBase::Aucune;
+    const auto Création = Ombrey::LireDate(Nouveau.Horodatage, Système_.Maintenant().Année);
     Connexion_->Exécuter(
         "INSERT INTO Coopérateur (IdCoopérateur, Nom, Prénom, DateCréation) VALUES (?1, ?2, '', ?3)",
         {std::to_string(*Code), Nouveau.Nom, Création ? ValeurChamp{NuméroDeJour(*Création)} : ValeurChamp{}});
     return ErreurBase::Aucune;
   });
+}
+
+std::int64_t BaseDeDTarvel::CodeLibre() const {
+  const auto Lire = [this](const char* Sql) { return std::get<std::int64_t>(Connexion_->Lire(Sql)); };
+  const std::int64_t Suivant = Lire("SELECT COALESCE(MAX(CAST(IdMétayage AS INTEGER)), 0) + 1 FROM Métayage");
+  return Suivant <= CodeLePlusHaut ? Suivant : Lire(PremierCodeLibre);
 }
 
 std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant,
@@ -212,10 +232,12 @@ std::int16_t BaseDeDTarvel::AjouterMétayage(const std::string& Propriétaire, c
     if (EstNull(CodePropriétaire) || EstNull(CodeRécoltant)) return ErreurBase::CoopérateurInconnu;
     const auto NombreBadge = CodeNumérique(Badge);
 
-    const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(CAST(IdMétayage AS INTEGER)) FROM Métayage");
-    const std::int64_t Suivant = EstNull(Dernier) ? 1 : std::get<std::int64_t>(Dernier) + 1;
-    if (Suivant > CodeLePlusHaut) return ErreurBase::CodesÉpuisés;
-    Nouveau = std::to_string(Suivant);
+    // Another station may have met the same pair at the same moment.
+    Nouveau = TexteDe(Connexion_->Lire(ExploitationParPaire, {CodePropriétaire, CodeRécoltant}));
+    if (!Nouveau.empty()) return ErreurBase::Aucune;
+    const std::int64_t Libre = CodeLibre();
+    if (Libre > CodeLePlusHaut) return ErreurBase::CodesÉpuisés;
+    Nouveau = std::to_string(Libre);
     Connexion_->Exécuter(
         "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp)"
         " VALUES (?1, ?2, ?3, ?4, ?5, ?6)",

@@ -18,7 +18,6 @@ namespace Tarvel {
 enum class ErreurBase : std::int16_t {
   Aucune = 0,
   CodeInvalide = -1,
-  CodeExistant = -2,
   CoopérateurInconnu = -3,
   PartInvalide = -4,
   CodesÉpuisés = -5,
@@ -55,7 +54,7 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
 class EtatBdDTarvel : public Ombrey::IEtatBdD {
  public:
   EtatBdDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                std::shared_ptr<Ombrey::IKVSynchro> KVSynchro);
+                std::shared_ptr<Ombrey::IKVSynchro> KVSynchro, Avis LAvis = {});
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
   [[nodiscard]] std::string DernièreErreur() override { return DernièreErreur_; }
   /// A value that can't be used gives true with an error text: the file was dealt with, and nothing of it is in the
@@ -75,17 +74,19 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   Ombrey::ISystème& Système_;
   std::shared_ptr<Ombrey::IKVSynchro> KVSynchro_;
+  Avis Avis_;
   MoteurImport Moteur_;
   Ombrey::IÉcouteurEtatBdD* Écouteur_ = nullptr;
   std::string DernièreErreur_;
 };
 
 /// Works on an open connection, for the site of the code (empty: the one that the database names); Système must outlive
-/// it.
+/// it. LAvis, when it is there, is told what the operator should know: loads that go to the archive, numbers that can't
+/// be read.
 class BaseDeDTarvel : public Ombrey::IBaseDeD {
  public:
   BaseDeDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                std::string CodeSite = {});
+                std::string CodeSite = {}, Avis LAvis = {});
 
   [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
@@ -101,10 +102,12 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
                                          bool PremierSeul) override;
 
   /// These two raise ErreurExécution, and create nothing, when the database can't be written.
+  /// A member or a pair that is there by now is a success, and stays as it is; the pair's holding comes back.
   std::int16_t AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nouveau) override;
-  /// The new code is the highest so far and one more. Both members must exist, and are written as their own rows write
-  /// them, so that the tables join; so is the group. A group from 0 to 999 that doesn't exist is written as a number,
-  /// so that the pair's loads get their figures until the group has a row; any other is left out. Part is a percentage.
+  /// The new code is the highest so far and one more, or else the lowest that is free. Both members must exist, and are
+  /// written as their own rows write them, so that the tables join; so is the group. A group from 0 to 999 that doesn't
+  /// exist is written as a number, so that the pair's loads get their figures until the group has a row; any other is
+  /// left out. Part is a percentage.
   std::int16_t AjouterMétayage(const std::string& Propriétaire, const std::string& Récoltant, std::string& Code,
                                const std::string& Part, const std::string& Groupe, const std::string& Badge) override;
   [[nodiscard]] std::string TexteErreurBase(std::int16_t Erreur) override;
@@ -125,6 +128,7 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   /// Code as its own row writes it; Null when there is no such row.
   [[nodiscard]] Ombrey::ValeurChamp CodeÉcrit(const char* Sql, const std::string& Code) const;
 
+  [[nodiscard]] std::int64_t CodeLibre() const;
   [[nodiscard]] Ombrey::ValeurChamp GroupeÉcrit(const std::string& Groupe) const;
 
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;

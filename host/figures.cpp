@@ -4,13 +4,18 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <string_view>
+#include <utility>
 
 #include "base/regional_forms.h"
+#include "base/text_helpers.h"
+#include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
 
 using Ombrey::DateHeure;
+using Ombrey::EstNull;
 using Ombrey::NuméroDeJour;
 using Ombrey::ValeurChamp;
 
@@ -20,36 +25,34 @@ std::int32_t EntierBorné(double Valeur) {
   return static_cast<std::int32_t>(std::clamp(std::nearbyint(Valeur), Bas, Haut));
 }
 
-/// The number in a column; none for Null and for a text.
-std::optional<double> Nombre(const ValeurChamp& Valeur) {
-  if (const auto* Entier = std::get_if<std::int64_t>(&Valeur)) return static_cast<double>(*Entier);
-  if (const auto* Réel = std::get_if<double>(&Valeur)) return *Réel;
-  return std::nullopt;
+/// Blanks that people write between thousands, the two that don't break a line among them.
+std::string SansEspaces(std::string Texte) {
+  for (const std::string_view Espace : {" ", "\u00A0", "\u202F"})
+    for (std::size_t Place = 0; (Place = Texte.find(Espace)) != std::string::npos;) Texte.erase(Place, Espace.size());
+  return Texte;
 }
+
+/// A weight that the office has typed with a decimal comma is a text to the database.
+constexpr const char* SommeDesMasses =
+    "SELECT SUM(CAST(replace(replace(CAST(C.Masse AS TEXT), ' ', ''), ',', '.') AS DOUBLE PRECISION)) FROM ";
 
 /// A sum of weights under construction: conditions and the values that they compare with.
 class RequêteMasse {
  public:
-  explicit RequêteMasse(const std::string& Table) : Sql_("SELECT SUM(Masse) FROM " + Table + " AS C") {}
-
-  void ParGroupe(const std::string& Groupe) {
-    // The loads lead, and each looks up its holding: the other way round would walk through all holdings of the group.
-    Sql_ += " CROSS JOIN Métayage AS M ON M.IdMétayage = C.Métayage";
-    Exiger("CAST(M.IdGrp AS INTEGER) = CAST(? AS INTEGER)", Groupe);
-  }
-  void Exiger(const char* Condition, ValeurChamp Valeur) {
-    Conditions_ += (Conditions_.empty() ? " WHERE " : " AND ") + std::string(Condition);
+  void Exiger(const std::string& Début, ValeurChamp Valeur, const char* Fin = "") {
     Valeurs_.push_back(std::move(Valeur));
+    Conditions_ += (Conditions_.empty() ? " WHERE " : " AND ") + Début + "?" + std::to_string(Valeurs_.size()) + Fin;
   }
-  void ExigerSiDonné(const char* Condition, const std::string& Valeur) {
-    if (!Valeur.empty()) Exiger(Condition, Valeur);
+  void ExigerSiDonné(const char* Début, const std::string& Valeur, const char* Fin = "") {
+    if (!Valeur.empty()) Exiger(Début, Valeur, Fin);
   }
-  [[nodiscard]] double Lire(Ombrey::ConnexionSqlite& Connexion) const {
-    return Nombre(Connexion.Lire(Sql_ + Conditions_, Valeurs_)).value_or(0);
+  [[nodiscard]] double Lire(Ombrey::ConnexionSqlite& Connexion, const char* Table) const {
+    const ValeurChamp Somme = Connexion.Lire(SommeDesMasses + std::string(Table) + " AS C" + Conditions_, Valeurs_);
+    const auto* Total = std::get_if<double>(&Somme);
+    return Total ? *Total : 0;
   }
 
  private:
-  std::string Sql_;
   std::string Conditions_;
   std::vector<ValeurChamp> Valeurs_;
 };
@@ -57,19 +60,32 @@ class RequêteMasse {
 }  // namespace
 
 double Figures::Masse(const FiltreChargements& Filtre) const {
+  RequêteMasse Requête;
+  Requête.ExigerSiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(",
+                        Filtre.Groupe, " AS INTEGER))");
+  Requête.ExigerSiDonné("C.Métayage = ", Filtre.Métayage);
+  Requête.ExigerSiDonné("C.Sélection = ", Filtre.Sélection);
+  Requête.ExigerSiDonné("C.Cépage = ", Filtre.Cépage);
+  Requête.ExigerSiDonné("C.Qualité = ", Filtre.Qualité);
+  if (Filtre.Du) Requête.Exiger("C.DateCh >= ", std::floor(*Filtre.Du));
+  if (Filtre.Au) Requête.Exiger("C.DateCh < ", std::floor(*Filtre.Au) + 1);
   double Total = 0;
-  for (const char* Table : {"Chargement", "ChargementArchive"}) {
-    RequêteMasse Requête(Table);
-    if (!Filtre.Groupe.empty()) Requête.ParGroupe(Filtre.Groupe);
-    Requête.ExigerSiDonné("C.Métayage = ?", Filtre.Métayage);
-    Requête.ExigerSiDonné("C.Sélection = ?", Filtre.Sélection);
-    Requête.ExigerSiDonné("C.Cépage = ?", Filtre.Cépage);
-    Requête.ExigerSiDonné("C.Qualité = ?", Filtre.Qualité);
-    if (Filtre.Du) Requête.Exiger("C.DateCh >= ?", std::floor(*Filtre.Du));
-    if (Filtre.Au) Requête.Exiger("C.DateCh < ?", std::floor(*Filtre.Au) + 1);
-    Total += Requête.Lire(Connexion_);
-  }
+  for (const char* Table : {TableChargements, TableArchive}) Total += Requête.Lire(Connexion_, Table);
   return Total;
+}
+
+std::optional<double> Figures::Nombre(const char* Colonne, const char* Sql,
+                                      const std::vector<ValeurChamp>& Valeurs) const {
+  const ValeurChamp Lue = Connexion_.Lire(Sql, Valeurs);
+  if (const auto* Réel = std::get_if<double>(&Lue)) return *Réel;
+  if (EstNull(Lue)) return std::nullopt;
+  const Ombrey::Régional Formes = Système_.FormesRégionales();
+  const std::string Écrit = TexteValeur(Lue, Formes);
+  std::string Texte = SansEspaces(Écrit);
+  if (Texte.empty()) return std::nullopt;
+  if (NormaliserNombre(Texte, Formes)) return EnRéel(Texte, Formes);
+  if (Avis_) Avis_(std::string(Colonne) + " : « " + Écrit + " » n'est pas un nombre ; il n'y a donc pas de quota.");
+  return std::nullopt;
 }
 
 void Figures::BornerALaSaison(FiltreChargements& Filtre) const {
@@ -85,20 +101,23 @@ std::int32_t Figures::CumulGroupe(FiltreChargements Filtre) const {
 }
 
 std::int32_t Figures::RestantExploit(FiltreChargements Filtre) const {
-  const auto Quota =
-      Nombre(Connexion_.Lire("SELECT M.Surface * S.QuotasSurface * M.Part / 100.0 FROM Métayage AS M, Sélection AS S"
-                             " WHERE M.IdMétayage = ?1 AND S.IdSélection = ?2",
-                             {Filtre.Métayage, Filtre.Sélection}));
-  if (!Quota) return SansQuota;
+  const auto Surface =
+      Nombre("Surface de l'exploitation", "SELECT Surface FROM Métayage WHERE IdMétayage = ?1", {Filtre.Métayage});
+  const auto Part =
+      Nombre("Part de l'exploitation", "SELECT Part FROM Métayage WHERE IdMétayage = ?1", {Filtre.Métayage});
+  const auto ParSurface = Nombre("Quota par surface de l'appellation",
+                                 "SELECT QuotasSurface FROM Sélection WHERE IdSélection = ?1", {Filtre.Sélection});
+  if (!Surface || !Part || !ParSurface) return SansQuota;
   BornerALaSaison(Filtre);
-  return EntierBorné(*Quota - Masse(Filtre));
+  constexpr double PourCent = 100;
+  return EntierBorné(*Surface * *ParSurface * *Part / PourCent - Masse(Filtre));
 }
 
 std::int32_t Figures::RestantGroupe(FiltreChargements Filtre) const {
-  const auto Quota =
-      Nombre(Connexion_.Lire("SELECT QuotaJournalier FROM QuotasGrp"
-                             " WHERE CAST(IdGrp AS INTEGER) = CAST(?1 AS INTEGER) AND Sélection = ?2",
-                             {Filtre.Groupe, Filtre.Sélection}));
+  const auto Quota = Nombre("Quota journalier du groupe",
+                            "SELECT QuotaJournalier FROM QuotasGrp"
+                            " WHERE CAST(IdGrp AS INTEGER) = CAST(?1 AS INTEGER) AND Sélection = ?2",
+                            {Filtre.Groupe, Filtre.Sélection});
   if (Filtre.Groupe.empty() || !Quota) return SansQuota;
   if (!Filtre.Du) Filtre.Du = NuméroDeJour(Système_.Maintenant());
   if (!Filtre.Au) Filtre.Au = Filtre.Du;

@@ -2,8 +2,10 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contracts/system.h"
@@ -13,6 +15,9 @@ namespace Tarvel {
 
 /// The figure that says that there is no quota.
 inline constexpr std::int32_t SansQuota = 999999;
+
+/// Tells the operator one sentence.
+using Avis = std::function<void(const std::string&)>;
 
 /// Which loads count. An empty text or a missing day doesn't narrow the choice. Days are numbers since 1899-12-30, both
 /// included.
@@ -30,8 +35,9 @@ struct FiltreChargements {
 /// another load has taken over do so too. Where no period is given, it is the season: the present calendar year.
 class Figures {
  public:
-  Figures(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système)
-      : Connexion_(Connexion), Système_(Système) {}
+  /// Avis, when it is there, is told of numbers that can't be read.
+  Figures(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système, Avis LAvis = {})
+      : Connexion_(Connexion), Système_(Système), Avis_(std::move(LAvis)) {}
 
   /// Weight of the group's loads; 0 without a group.
   [[nodiscard]] std::int32_t CumulGroupe(FiltreChargements Filtre) const;
@@ -43,11 +49,15 @@ class Figures {
   [[nodiscard]] std::int32_t RestantGroupe(FiltreChargements Filtre) const;
 
  private:
+  /// The number that a query gives, written with comma or point; none for Null, an empty text, and what is no number.
+  [[nodiscard]] std::optional<double> Nombre(const char* Colonne, const char* Sql,
+                                             const std::vector<Ombrey::ValeurChamp>& Valeurs) const;
   [[nodiscard]] double Masse(const FiltreChargements& Filtre) const;
   void BornerALaSaison(FiltreChargements& Filtre) const;
 
   Ombrey::ConnexionSqlite& Connexion_;
   const Ombrey::ISystème& Système_;
+  Avis Avis_;
 };
 
 }  // namespace Tarvel

@@ -1,30 +1,14 @@
 // From an import file to rows of the table of loads.
 #pragma once
 
-#include <cstdint>
 #include <string>
 #include <vector>
 
-#include "base/failures.h"
 #include "contracts/system.h"
+#include "host/load_table.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
-
-/// The table that imports fill, as the events name it.
-inline constexpr const char* TableChargements = "Chargement";
-
-/// The file was read, but what it holds can't become a load: the sentence names the column and the value.
-class ErreurContenu : public Ombrey::ErreurExécution {
- public:
-  using ErreurExécution::ErreurExécution;
-};
-
-/// A load that an import wrote.
-struct ChargementImporté {
-  std::int64_t IdChargement;
-  bool EstNouveau;  ///< false when the same load was there already and now has these values
-};
 
 /// Reads an import file (Windows-1252, one load a line, lines ended by CR LF, each value followed by the layout's
 /// separator) by a layout of MSysEtats. A line of the layout holds, separated by TAB, the column's name, the kind of
@@ -44,10 +28,7 @@ class MoteurImport {
   MoteurImport(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système)
       : Connexion_(Connexion), Système_(Système) {}
 
-  /// Imports the whole file or nothing of it; when the call returns, all is on the disk. Site, number, date and time,
-  /// and holding make a load: the same load again changes its row, and another load of the same site and number moves
-  /// the former one to ChargementArchive. The same load is also one that differs in nothing but a holding that was "0",
-  /// or dates within a day one of which is the time of its import; the row keeps its first dates. Raises ErreurContenu
+  /// Imports the whole file or nothing of it; when the call returns, all is on the disk. Raises ErreurContenu
   /// for a value that can't be used, and ErreurExécution when the file, the layout or the database can't be.
   [[nodiscard]] std::vector<ChargementImporté> Importer(const std::string& Titre, const std::string& Fichier);
 

@@ -9,8 +9,9 @@
 
 #include "base/delimited_list.h"
 #include "base/regional_forms.h"
+#include "base/text_helpers.h"
 #include "base/visible_text.h"
-#include "host/import_engine.h"
+#include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
@@ -48,8 +49,8 @@ std::optional<Entier> EntierSimple(std::string_view Texte) {
 ColonneImport LireColonne(const std::string& Texte) {
   const ListeChamps Items("\t");
   const std::string Nom = Items.Champ(Texte, 1);
-  const auto Genre = Chercher(Genres, Items.Champ(Texte, 2));
-  const std::string Largeur = Items.Champ(Texte, 3);
+  const auto Genre = Chercher(Genres, Ombrey::SansBlancs(Items.Champ(Texte, 2)));
+  const std::string Largeur(Ombrey::SansBlancs(Items.Champ(Texte, 3)));
   const auto Nombre = EntierSimple<std::size_t>(Largeur.empty() ? "0" : Largeur);
   if (!Genre) throw ErreurExécution("Définition d'import : genre inconnu pour la colonne " + Nom);
   if (!Nombre) throw ErreurExécution("Définition d'import : largeur illisible pour la colonne " + Nom);
@@ -62,8 +63,19 @@ bool EstCommande(char C) {
   return (static_cast<unsigned char>(C) < PremierImprimable && C != '\t') || C == Effacement;
 }
 
+/// No figure of a load is negative, and "9E99" is a fault of the line rather than a weight.
+std::optional<ValeurChamp> LireNombre(std::string Texte, const Régional& Formes) {
+  if (Texte.find_first_of("+-eE") != std::string::npos || !NormaliserNombre(Texte, Formes)) return std::nullopt;
+  return EnRéel(Texte, Formes);
+}
+
+std::optional<ValeurChamp> LireMoment(const std::string& Texte, const Ombrey::ISystème& Système) {
+  const auto Moment = Ombrey::LireDate(Texte, Système.Maintenant().Année);
+  return Moment ? std::optional<ValeurChamp>(NuméroDeJour(*Moment)) : std::nullopt;
+}
+
 /// The value as the database keeps it; none when the text isn't of the kind.
-std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Texte, const Régional& Formes) {
+std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Texte, const Ombrey::ISystème& Système) {
   switch (Genre) {
     case GenreValeur::Texte:
       if (std::any_of(Texte.begin(), Texte.end(), EstCommande)) return std::nullopt;
@@ -71,32 +83,36 @@ std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Te
     case GenreValeur::Entier:
       return EntierSimple<std::int64_t>(Texte);
     case GenreValeur::Nombre:
-      // No figure of a load is negative, and "9E99" is a fault of the line rather than a weight.
-      if (Texte.find_first_of("+-eE") != std::string::npos || !EstNumérique(Texte, Formes)) return std::nullopt;
-      return EnRéel(Texte, Formes);
+      return LireNombre(Texte, Système.FormesRégionales());
     case GenreValeur::Date:
-      if (const auto Moment = Ombrey::LireDate(Texte)) return NuméroDeJour(*Moment);
-      return std::nullopt;
+      return LireMoment(Texte, Système);
     case GenreValeur::Booléen:
       return Chercher(Booléens, Texte);
   }
   return std::nullopt;
 }
 
-ValeurChamp LireValeur(const ColonneImport& Colonne, const std::string& Texte, const Régional& Formes) {
+bool EstObligatoire(std::string_view Nom) {
+  return std::any_of(ColonnesChargement.begin(), ColonnesChargement.end(),
+                     [&](const ColonneChargement& C) { return C.EstObligatoire && C.Nom == Nom; });
+}
+
+ValeurImport LireValeur(const ColonneImport& Colonne, const std::string& Texte, const Ombrey::ISystème& Système) {
   const auto Refus = [&](const std::string& Raison) {
     return ErreurContenu("Colonne " + Colonne.Nom + " : " + Raison);
   };
   if (Texte.empty()) {
-    if (EstIdentité(Colonne.Nom)) throw Refus("la valeur manque");
-    if (Colonne.Genre == GenreValeur::Booléen) return std::int64_t{0};
-    return std::monostate{};
+    if (EstObligatoire(Colonne.Nom)) throw Refus("la valeur manque");
+    if (Colonne.Genre == GenreValeur::Booléen) return {std::int64_t{0}};
+    return {};
   }
   const bool EstTropLong = Colonne.Largeur > 0 && Ombrey::NombreCaractères(Texte) > Colonne.Largeur;
   if (EstTropLong) throw Refus("valeur trop longue : « " + Texte + " »");
-  auto Valeur = Interpréter(Colonne.Genre, Texte, Formes);
+  auto Valeur = Interpréter(Colonne.Genre, Texte, Système);
   if (!Valeur) throw Refus("valeur illisible : « " + Texte + " »");
-  return std::move(*Valeur);
+  constexpr int DeuxPointsAvecSecondes = 2;
+  const bool ADesSecondes = std::count(Texte.begin(), Texte.end(), ':') == DeuxPointsAvecSecondes;
+  return {std::move(*Valeur), Colonne.Genre == GenreValeur::Date && ADesSecondes};
 }
 
 /// What stands ahead of each separator. Every value is followed by one, the last too.
@@ -113,15 +129,16 @@ std::vector<std::string> Découper(std::string_view Ligne, const std::string& S�
 
 }  // namespace
 
-bool EstIdentité(std::string_view Nom) {
-  return std::any_of(Identité.begin(), Identité.end(), [&](const Critère& C) { return C.Colonne == Nom; });
+std::optional<std::size_t> DéfinitionImport::Chercher(std::string_view Nom) const {
+  const auto Trouvée = std::find_if(Colonnes.begin(), Colonnes.end(), [&](const auto& C) { return C.Nom == Nom; });
+  if (Trouvée == Colonnes.end()) return std::nullopt;
+  return static_cast<std::size_t>(Trouvée - Colonnes.begin());
 }
 
 std::size_t DéfinitionImport::Place(std::string_view Nom) const {
-  const auto Trouvée = std::find_if(Colonnes.begin(), Colonnes.end(), [&](const auto& C) { return C.Nom == Nom; });
-  if (Trouvée == Colonnes.end())
-    throw ErreurExécution("Définition d'import : il manque la colonne " + std::string(Nom));
-  return static_cast<std::size_t>(Trouvée - Colonnes.begin());
+  const auto Trouvée = Chercher(Nom);
+  if (!Trouvée) throw ErreurExécution("Définition d'import : il manque la colonne " + std::string(Nom));
+  return *Trouvée;
 }
 
 DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std::string& Titre) {
@@ -137,19 +154,20 @@ DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std:
     if (EstNull(Connexion.Lire("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2", {TableChargements, Nom})))
       throw ErreurExécution("Définition d'import : colonne inconnue : " + Nom);
   }
-  for (const Critère& C : Identité) static_cast<void>(Définition.Place(C.Colonne));
+  for (const ColonneChargement& C : ColonnesChargement)
+    if (C.EstObligatoire) static_cast<void>(Définition.Place(C.Nom));
   return Définition;
 }
 
-std::vector<ValeurChamp> LireLigne(const DéfinitionImport& Définition, std::string_view Ligne, const Régional& Formes) {
+LigneImport LireLigne(const DéfinitionImport& Définition, std::string_view Ligne, const Ombrey::ISystème& Système) {
   const std::vector<std::string> Textes = Découper(Ligne, Définition.Séparateur);
   if (Textes.size() != Définition.Colonnes.size())
     throw ErreurContenu("Nombre de valeurs incorrect : " + std::to_string(Définition.Colonnes.size()) + " attendues, " +
                         std::to_string(Textes.size()) + " lues");
-  std::vector<ValeurChamp> Valeurs;
+  LigneImport Valeurs;
   Valeurs.reserve(Textes.size());
   for (std::size_t Rang = 0; Rang < Textes.size(); ++Rang)
-    Valeurs.push_back(LireValeur(Définition.Colonnes[Rang], Textes[Rang], Formes));
+    Valeurs.push_back(LireValeur(Définition.Colonnes[Rang], Textes[Rang], Système));
   return Valeurs;
 }
 

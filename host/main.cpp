@@ -17,6 +17,7 @@
 #include "host/options.h"
 #include "host/saved_base.h"
 #include "host/schema.h"
+#include "host/schema_upgrade.h"
 #include "host/station.h"
 #include "host/windows_module.h"
 #include "platform/database/sqlite/sqlite_connection.h"
@@ -54,6 +55,7 @@ std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirBase(const Tarvel::Options& Chois
                                                     Tarvel::IÉdition& Édition) {
   auto Connexion = Tarvel::OuvrirCoopérative(Ombrey::Chemin(Choisies.Base),
                                              [&Système] { return NuméroDeJour(Système.Maintenant()); });
+  Tarvel::MettreAJourSchéma(*Connexion);
   if (Connexion->EstEnLectureSeule())
     Édition.Dire("La base « " + Choisies.Base + " » est en lecture seule : rien n'y sera enregistré.");
   return Connexion;
@@ -65,7 +67,8 @@ void Travailler(const Tarvel::Options& Choisies) {
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion;
   const auto Ouvrir = [&](Ombrey::ISystème& Système) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
-    return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite);
+    return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
+                                                   [&](const std::string& Texte) { Édition->Dire(Texte); });
   };
   Station.Exécuter(Ouvrir, [&] { Connexion->RangerJournal(); });
 }

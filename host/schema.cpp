@@ -7,7 +7,9 @@
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "host/load_columns.h"
 #include "host/sample.h"
+#include "host/schema_upgrade.h"
 
 namespace Tarvel {
 namespace {
@@ -54,7 +56,7 @@ CREATE TABLE Paramètre (Nom TEXT NOT NULL PRIMARY KEY, Valeur TEXT NOT NULL DEF
   CONSTRAINT SansPointVirgule CHECK (Valeur NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'));
 )";
 
-constexpr const char* IndexEtVue = R"(
+constexpr const char* IndexDesChargements = R"(
 CREATE UNIQUE INDEX ChargementParNuméro ON Chargement (CodeSite, NoChargement);
 CREATE INDEX ChargementParDate ON Chargement (DateCh);
 CREATE INDEX ChargementParAppellation ON Chargement (Sélection, DateCh, Métayage, Masse);
@@ -62,52 +64,19 @@ CREATE INDEX ChargementParExploitation ON Chargement (Métayage, Sélection, Dat
 CREATE INDEX ArchiveParNuméro ON ChargementArchive (CodeSite, NoChargement);
 CREATE INDEX ArchiveParAppellation ON ChargementArchive (Sélection, DateCh, Métayage, Masse);
 CREATE INDEX ArchiveParExploitation ON ChargementArchive (Métayage, Sélection, DateCh, Masse);
-
-CREATE VIEW ChargementLisible AS
-  SELECT CodeSite, NoChargement, strftime('%d/%m/%Y %H:%M', DateCh + 2415018.5) AS Arrivée,
-    strftime('%d/%m/%Y %H:%M', DateSortie + 2415018.5) AS Sortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai,
-    Masse, Cuve, Synchronisé
-  FROM Chargement ORDER BY DateCh;
 )";
-
-/// One column of a load: its name, how the database declares it, and the kind and the greatest width of its values in
-/// the import file. What the terminal sends has a width; a variety and a site are the cooperative's own names.
-struct Colonne {
-  const char* Nom;
-  const char* Déclaration;
-  const char* Genre;
-  int Largeur;
-};
-
-constexpr std::array<Colonne, 18> Colonnes = {{{"CodeSite", "TEXT NOT NULL", "texte", 0},
-                                               {"NoChargement", "INTEGER NOT NULL", "entier", 4},
-                                               {"DateCh", "REAL NOT NULL", "date", 19},
-                                               {"DateSortie", "REAL", "date", 19},
-                                               {"Métayage", "TEXT NOT NULL", "texte", 6},
-                                               {"Sélection", "TEXT", "texte", 2},
-                                               {"Cépage", "TEXT", "texte", 0},
-                                               {"Qualité", "TEXT", "texte", 2},
-                                               {"Degré", "NUMERIC", "nombre", 5},
-                                               {"NoQuai", "INTEGER", "entier", 1},
-                                               {"Masse", "NUMERIC", "entier", 4},
-                                               {"Cuve", "TEXT", "texte", 3},
-                                               {"Operateur", "TEXT", "texte", 10},
-                                               {"Ramassage", "TEXT", "texte", 10},
-                                               {"InfoChargnt1", "TEXT", "texte", 10},
-                                               {"InfoChargnt2", "TEXT", "texte", 10},
-                                               {"InfoChargnt3", "TEXT", "texte", 10},
-                                               {"InfoChargnt4", "TEXT", "texte", 10}}};
 
 /// The loads of the day, and those whose number another load has taken over, have the same columns.
 std::string CréationChargements(const std::string& Table, const std::string& Clé) {
   std::string Sql = "CREATE TABLE " + Table + " (IdChargement INTEGER PRIMARY KEY" + Clé;
-  for (const Colonne& C : Colonnes) Sql.append(", ").append(C.Nom).append(" ").append(C.Déclaration);
+  for (const ColonneChargement& C : ColonnesChargement)
+    Sql.append(", ").append(C.Nom).append(" ").append(C.Type).append(C.EstObligatoire ? " NOT NULL" : "");
   return Sql + ", Synchronisé INTEGER NOT NULL DEFAULT 0)";
 }
 
 std::string LongChps() {
   std::string Texte;
-  for (const Colonne& C : Colonnes) {
+  for (const ColonneChargement& C : ColonnesChargement) {
     if (!Texte.empty()) Texte += '\r';
     Texte.append(C.Nom).append("\t").append(C.Genre).append("\t").append(std::to_string(C.Largeur));
   }
@@ -119,10 +88,11 @@ void CréerTables(ConnexionSqlite& Connexion) {
   // A load's own number never comes back, so that a station can tell what is new to it.
   Connexion.Exécuter(CréationChargements("Chargement", " AUTOINCREMENT"));
   Connexion.Exécuter(CréationChargements("ChargementArchive", ""));
-  Connexion.ExécuterTout(IndexEtVue);
+  Connexion.ExécuterTout(IndexDesChargements);
   Connexion.Exécuter("INSERT INTO MSysEtats (Titre, Exportation, LongChps, Format) VALUES (?1, 0, ?2, ';')",
                      {TitreImport, LongChps()});
   Connexion.Exécuter("INSERT INTO Paramètre (Nom, Valeur) VALUES ('CodeSite', '1')");
+  for (int Numéro = PremierSchéma; Numéro < NuméroSchéma; ++Numéro) PasserAuSchémaSuivant(Connexion, Numéro);
 }
 
 }  // namespace

@@ -29,6 +29,7 @@ missing_packages() {
     have_header gtest/gtest.h || echo libgtest-dev
     command -v Xvfb >/dev/null || echo xvfb
     command -v xdotool >/dev/null || echo xdotool
+    command -v faketime >/dev/null || echo faketime
     have_fuzzer || printf 'clang\nlibclang-rt-dev\n'
   fi
 }
@@ -40,7 +41,7 @@ install_packages() {
   [ -z "$wanted" ] && return 0
   say "Installing:" $wanted
   if ! { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $wanted fonts-dejavu-core; } >"$log" 2>&1; then
-    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool -e clang || true)
+    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool -e faketime -e clang || true)
     [ -z "$needed" ] || { tail -5 "$log" >&2; fail "Missing and not to be installed here:" $needed; }
     say "Going on without" $(missing_packages "$1")
   fi

@@ -15,7 +15,6 @@ namespace Ombrey {
 namespace {
 
 constexpr int ChiffresSignificatifs = 15;
-constexpr int PremierSiècleDeuxChiffres = 1930;  // "30" is 1930, "29" is 2029
 constexpr int PremièreAnnée = 100;
 constexpr double SecondesParJour = 86400;
 constexpr std::chrono::sys_days JourZéro = std::chrono::year{1899} / 12 / 30;
@@ -83,15 +82,20 @@ std::optional<int> PrendreGroupe(std::string_view& Texte, std::size_t Limite) {
   return Nombre;
 }
 
-std::optional<int> PrendreAnnée(std::string_view& Texte) {
+/// The year that ends with these two digits and is the nearest to the present one, the past one of two as near.
+int AnnéeLaPlusProche(int DeuxChiffres, int AnnéePrésente) {
+  constexpr int Siècle = 100;
+  const int Première = AnnéePrésente - Siècle / 2;
+  return Première + ((DeuxChiffres - Première) % Siècle + Siècle) % Siècle;
+}
+
+std::optional<int> PrendreAnnée(std::string_view& Texte, int AnnéePrésente) {
   const std::size_t Avant = Texte.size();
   const auto Année = PrendreGroupe(Texte, 4);
   const std::size_t Chiffres = Avant - Texte.size();
   if (Chiffres == 4 && *Année >= PremièreAnnée) return Année;
   if (Chiffres != 2) return std::nullopt;
-  constexpr int Siècle = 100;
-  const int Base = PremierSiècleDeuxChiffres - PremierSiècleDeuxChiffres % Siècle;
-  return *Année + (*Année < PremierSiècleDeuxChiffres % Siècle ? Base + Siècle : Base);
+  return AnnéeLaPlusProche(*Année, AnnéePrésente);
 }
 
 bool PrendreHeure(std::string_view& Texte, DateHeure& Moment) {
@@ -165,7 +169,7 @@ std::string TexteOuVide(const ValeurChamp& Valeur, const Régional& Formes) {
   return EstNull(Valeur) ? std::string() : TexteValeur(Valeur, Formes);
 }
 
-std::optional<DateHeure> LireDate(std::string_view Texte) {
+std::optional<DateHeure> LireDate(std::string_view Texte, int AnnéePrésente) {
   std::string_view Reste = SansBlancs(Texte);
   constexpr std::string_view Séparateurs = "/-.";
   DateHeure Moment;
@@ -173,7 +177,7 @@ std::optional<DateHeure> LireDate(std::string_view Texte) {
   if (!Jour || !PrendreUnDe(Reste, Séparateurs)) return std::nullopt;
   const auto Mois = PrendreGroupe(Reste, 2);
   if (!Mois || !PrendreUnDe(Reste, Séparateurs)) return std::nullopt;
-  const auto Année = PrendreAnnée(Reste);
+  const auto Année = PrendreAnnée(Reste, AnnéePrésente);
   if (!Année) return std::nullopt;
   Moment.Jour = *Jour;
   Moment.Mois = *Mois;

@@ -35,10 +35,13 @@ namespace Ombrey {
 
 /// Reads "jj/mm/aa", "jj/mm/aaaa", each with an optional " hh:mm" or " hh:mm:ss", strictly in this order: one or two
 /// digits to a group, four or two to the year, "/", "-" or "." between the date's groups, blanks around allowed. Two
-/// digits of a year mean 1930 to 2029. None when the text is no such date or the day doesn't exist.
-[[nodiscard]] std::optional<DateHeure> LireDate(std::string_view Texte);
+/// digits of a year mean one from fifty years ago to forty-nine years ahead. None when the text is no such date or the
+/// day doesn't exist.
+[[nodiscard]] std::optional<DateHeure> LireDate(std::string_view Texte, int AnnéePrésente);
 /// The system's date test.
-[[nodiscard]] inline bool EstDate(std::string_view Texte) { return LireDate(Texte).has_value(); }
+[[nodiscard]] inline bool EstDate(std::string_view Texte, int AnnéePrésente) {
+  return LireDate(Texte, AnnéePrésente).has_value();
+}
 
 [[nodiscard]] std::string TexteDateHeure(const DateHeure& Moment);  ///< "22/11/2026 08:05:09"
 [[nodiscard]] std::string TexteHeure(const DateHeure& Moment);      ///< "08:05:09"

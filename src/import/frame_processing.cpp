@@ -115,7 +115,8 @@ std::string TraitementTrame::TexteDate(const Octets& Enregistrement, Position He
   const std::string Texte = Lire(Enregistrement, PositionFixe::Jour) + "/" + Lire(Enregistrement, PositionFixe::Mois) +
                             "/" + Lire(Enregistrement, PositionFixe::Année) + " " + Lire(Enregistrement, Heure) + ":" +
                             Lire(Enregistrement, Minute);
-  return EstDate(Texte) ? Texte : TexteDateHeure(État_.Plateforme.Système().Maintenant());
+  const DateHeure Maintenant = État_.Plateforme.Système().Maintenant();
+  return EstDate(Texte, Maintenant.Année) ? Texte : TexteDateHeure(Maintenant);
 }
 
 void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) const {

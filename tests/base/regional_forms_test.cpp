@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <limits>
+#include <tuple>
 
 #include "base/failures.h"
 
@@ -33,7 +34,7 @@ constexpr std::pair<const char*, double> Ecrits[] = {
     {"1E+20", 1e20}};
 constexpr std::pair<const char*, DateHeure> Dates[] = {
     {"19/09/08 08:30", {2008, 9, 19, 8, 30, 0}}, {" 1/2/2026 ", {2026, 2, 1}}, {"29-02-24", {2024, 2, 29}},
-    {"31.12.29 23:59:59", {2029, 12, 31, 23, 59, 59}}, {"01/01/30", {1930, 1, 1}},
+    {"31.12.29 23:59:59", {2029, 12, 31, 23, 59, 59}}, {"01/01/30", {2030, 1, 1}},
     {"19/09/08  8:05", {2008, 9, 19, 8, 5, 0}}};
 // clang-format on
 
@@ -73,12 +74,24 @@ TEST(Numbers, TextFormReadsBack) {
 
 TEST(Dates, StrictlyDayMonthYear) {
   for (const auto& [Texte, Valeur] : Dates) {
-    EXPECT_EQ(LireDate(Texte), Valeur) << Texte;
+    EXPECT_EQ(LireDate(Texte, 2026), Valeur) << Texte;
+  }
+  // Two digits mean the nearest year: the present one, the digits, what they mean.
+  for (const auto& [Présente, Chiffres, Année] : {std::tuple{2026, "75", 2075},
+                                                  {2026, "76", 1976},
+                                                  {2029, "30", 2030},
+                                                  {2030, "29", 2029},
+                                                  {2030, "30", 2030},
+                                                  {2050, "50", 2050},
+                                                  {2050, "99", 2099},
+                                                  {2050, "00", 2000},
+                                                  {2099, "00", 2100}}) {
+    EXPECT_EQ(LireDate(std::string("01/01/") + Chiffres, Présente), (DateHeure{Année, 1, 1})) << Présente;
   }
   for (const char* Texte : {"", "19/13/08 08:30", "31/04/08", "29/02/23", "00/01/08", "09/19/08", "19/09/08 24:00",
                             "19/09/08 08:60", "19/09/08 08", "19/09/0808:30", "19/09/08 08:30:61", "19/09/008", "19/09",
                             "2008/09/19", "19/ 9/08", "19/09/08 08:30 x", "aa/bb/cc dd:ee", "19/09/0000", "-1/09/08"}) {
-    EXPECT_FALSE(EstDate(Texte)) << Texte;
+    EXPECT_FALSE(EstDate(Texte, 2026)) << Texte;
   }
 }
 

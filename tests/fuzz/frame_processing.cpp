@@ -20,7 +20,7 @@ void ComparerLigne(const std::string& Ligne, std::string_view Record) {
   const auto Date = [&](std::size_t Heure, std::size_t Minute) {
     const std::string Texte =
         Champ(5, 2) + "/" + Champ(7, 2) + "/" + Champ(9, 2) + " " + Champ(Heure, 2) + ":" + Champ(Minute, 2);
-    return EstDate(Texte) ? Texte : "22/09/2026 08:30:00";
+    return EstDate(Texte, 2026) ? Texte : "22/09/2026 08:30:00";
   };
   const std::string Qualité = Champ(43, 2);
   const std::string Degré = Champ(45, 3);

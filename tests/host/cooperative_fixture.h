@@ -20,7 +20,6 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     Système_.Dossier = Dossier_;
     CréerBase(Fichier_, true);
     Rouvrir();
-    Base_->EtatBdD()->Connecter(this);
   }
 
   void EtatBdD_EnregistrementImporté(const std::string& Table, Ombrey::IRecordset& RecSet) override {
@@ -30,10 +29,24 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     Noter("mis à jour", Table, RecSet);
   }
 
+  /// The line of a load that can be imported as it stands.
+  static std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
+                           const std::string& Métayage = "4", const std::string& Sélection = "05",
+                           const std::string& Masse = "1234") {
+    return "1;" + Numéro + ";" + Date + ";22/09/26 09:15;" + Métayage + ";" + Sélection + ";Syrah;01;12,5;2;" + Masse +
+           ";7;0;0;0;0;01;0;\r\n";
+  }
+
  protected:
+  void Fermer() {
+    Base_.reset();
+    Connexion_.reset();
+  }
   void Rouvrir() {
     Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Fichier_, [this] { return NuméroDeJour(Système_.Mur); });
-    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_);
+    Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_, "",
+                                            [this](const std::string& Texte) { Avis_ += Texte + "\n"; });
+    Base_->EtatBdD()->Connecter(this);
   }
 
   /// Imports a file of these contents; an error text, "faux : " ahead of it when the call gave false.
@@ -48,12 +61,11 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     return (Fait ? "" : "faux : ") + Base_->EtatBdD()->DernièreErreur();
   }
 
-  /// The line of a load that can be imported as it stands.
-  static std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
-                           const std::string& Métayage = "4", const std::string& Sélection = "05",
-                           const std::string& Masse = "1234") {
-    return "1;" + Numéro + ";" + Date + ";22/09/26 09:15;" + Métayage + ";" + Sélection + ";Syrah;01;12,5;2;" + Masse +
-           ";7;0;0;0;0;01;0;\r\n";
+  /// Weight of group 7 for the appellation 05, and what holding 4 may still bring of it.
+  std::string CumulsDuRouge() {
+    std::string Vide, Rouge = "05", Exploitation = "4";
+    return std::to_string(Base_->CalculerCumulGroupe("7", "", "", Rouge)) + " " +
+           std::to_string(Base_->CalculerRestantExploit(Exploitation, Vide, Rouge, Vide, {}, {}));
   }
 
   std::string Lire(const std::string& Sql) { return TexteOuVide(Connexion_->Lire(Sql), Ombrey::Régional{}); }
@@ -65,6 +77,7 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
   std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
   std::shared_ptr<BaseDeDTarvel> Base_;
   std::string Annonces_;
+  std::string Avis_;
   bool ÉcouteurEnPanne_ = false;
 
  private:

@@ -18,44 +18,95 @@ TEST_F(Base, LooksUpByIndexSoThatGrowthCostsNothing) {
   for (const char* Sql : {"SELECT * FROM Chargement WHERE DateCh > Date() ORDER BY DateCh DESC",
                           "SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
                           "SELECT * FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'",
+                          "SELECT * FROM ChargementArchive WHERE CodeSite = '1' AND ReçuNoChargement = 12",
                           "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
                           "WHERE NoChargement = 12 AND CodeSite = '1'"})
     EXPECT_EQ(Plan(Sql).find("SCAN"), std::string::npos) << Sql << "\n" << Plan(Sql);
 }
 
-TEST_F(Base, CreatesMembersAndHoldingsThatTheQueriesFind) {
+TEST_F(Base, CreatesMembersThatTheQueriesFind) {
   const auto Membre = [&](const char* Code) {
     Ombrey::NouveauCoopérateur Nouveau{Code, "900-Crée par le RG80", "22/09/2026 08:30:00"};
     return Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau));
   };
   EXPECT_EQ(Membre("900"), "");
-  EXPECT_EQ(Membre("000900"), "ce code existe déjà");
+  EXPECT_EQ(Membre("000900"), "") << "another station was as fast";
   for (const char* Code : {"12A", "", "-1", "1000000", "1e9", "';--"})
     EXPECT_EQ(Membre(Code), "le code n'est pas un nombre de six chiffres au plus") << Code;
-  EXPECT_EQ(Lire("SELECT Nom || Prénom || DateCréation FROM Coopérateur WHERE IdCoopérateur = '900'"),
+  EXPECT_EQ(Lire("SELECT Nom || Prénom || DateCréation FROM Coopérateur WHERE CAST(IdCoopérateur AS INTEGER) = 900"),
             "900-Crée par le RG8046287.3541666667");
+}
 
-  const auto Exploitation = [&](const char* Propriétaire, const char* Récoltant, const char* Part, const char* Groupe) {
-    std::string Code = "0";
-    const std::int16_t Résultat = Base_->AjouterMétayage(Propriétaire, Récoltant, Code, Part, Groupe, "");
-    return Code + Base_->TexteErreurBase(Résultat);
+TEST_F(Base, CreatesHoldingsUnderCodesThatAreFree) {
+  struct Cas {
+    const char* Avant;  ///< SQL ahead of it
+    const char *Propriétaire, *Récoltant, *Part, *Groupe;
+    const char* Attendu;  ///< the code and the row behind it, or the refusal
   };
-  EXPECT_EQ(Exploitation("000900", "123", "033.5000", "7"), "16");
-  EXPECT_EQ(
-      Lire("SELECT Propriétaire || '/' || Récoltant || '/' || Part || '/' || IdGrp || ifnull(CodeBadge, ' sans') FROM "
-           "Métayage WHERE IdMétayage = '16'"),
-      "900/123/33.5/7 sans");
-  Connexion_->Exécuter("INSERT INTO Groupement (IdGrp) VALUES ('008')");
-  int Code = 17;
-  for (const auto& [Groupe, Ecrit] :
-       {std::pair{"8", "008"}, {"042", "42"}, {"999", "999"}, {"1000", ""}, {"", ""}, {"0", "0"}}) {
-    EXPECT_EQ(Exploitation("900", "900", "100.0000", Groupe), std::to_string(Code));
-    EXPECT_EQ(Lire("SELECT IdGrp FROM Métayage WHERE IdMétayage = '" + std::to_string(Code++) + "'"), Ecrit) << Groupe;
+  constexpr const char* Inconnu = "0le propriétaire ou le récoltant est inconnu";
+  constexpr const char* MauvaisePart = "0la part n'est pas un nombre entre 0 et 999,9999";
+  const Cas Tous[] = {
+      {"", "000101", "123", "033.5000", "7", "16: 101/123/33.5/7/"},
+      {"", "101", "0123", "100.0000", "8", "16: 101/123/33.5/7/"},  // another station met the pair
+      {"INSERT INTO Groupement (IdGrp) VALUES ('008')", "101", "210", "100", "8", "17: 101/210/100/008/"},
+      {"", "101", "305", "100", "042", "18: 101/305/100/42/"},
+      {"", "101", "318", "100", "1000", "19: 101/318/100//"},
+      {"", "101", "402", "100", "", "20: 101/402/100//"},
+      {"", "101", "999", "100", "7", Inconnu},
+      {"", "101", "456", "ABC.DEFG", "7", MauvaisePart},
+      // The highest code is taken: the first that is free, and that no load of a deleted holding bears.
+      {"UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'", "101", "456", "100", "0",
+       "17: 101/456/100/0/"},
+      {"DELETE FROM Métayage WHERE IdMétayage IN ('2', '3');"
+       "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 1, 46287, '2')",
+       "101", "511", "100", "", "3: 101/511/100//"},
+  };
+  for (const auto& [Avant, Propriétaire, Récoltant, Part, Groupe, Attendu] : Tous) {
+    Connexion_->ExécuterTout(Avant);
+    std::string Code = "0";
+    const std::string Refus =
+        Base_->TexteErreurBase(Base_->AjouterMétayage(Propriétaire, Récoltant, Code, Part, Groupe, ""));
+    const std::string Rangée = Lire(
+        "SELECT ': ' || Propriétaire || '/' || Récoltant || '/' || Part || '/' || ifnull(IdGrp, '') || '/' ||"
+        " ifnull(CodeBadge, '') FROM Métayage WHERE IdMétayage = '" +
+        Code + "'");
+    EXPECT_EQ(Code + Refus + Rangée, Attendu);
   }
-  EXPECT_EQ(Exploitation("900", "901", "100", "7"), "0le propriétaire ou le récoltant est inconnu");
-  EXPECT_EQ(Exploitation("900", "123", "ABC.DEFG", "7"), "0la part n'est pas un nombre entre 0 et 999,9999");
-  Connexion_->Exécuter("UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'");
-  EXPECT_EQ(Exploitation("900", "123", "100", "7"), "0il n'y a plus de code d'exploitation libre");
+}
+
+TEST_F(Base, ReadsNumbersAsPeopleWriteThem) {
+  struct Cas {
+    const char* Sql;
+    const char* Cumuls;
+    const char* Avis;
+  };
+  const Cas Tous[] = {
+      {"UPDATE Métayage SET Surface = '8,5'", "1234 62516", ""},
+      {"UPDATE Métayage SET Surface = ' 8.5 '", "1234 62516", ""},
+      {"UPDATE Sélection SET QuotasSurface = '7 500,5'", "1234 58770", ""},
+      {"UPDATE Sélection SET QuotasSurface = '7\u202F500.5'", "1234 58770", ""},
+      {"UPDATE Métayage SET Part = '50,0000'", "1234 28766", ""},
+      {"UPDATE Chargement SET Masse = '1 234,5'", "1234 58766", ""},  // a half to the even number
+      {"UPDATE Chargement SET Masse = '1234,75'", "1235 58765", ""},
+      {"UPDATE Métayage SET Surface = ''", "1234 999999", ""},
+      {"UPDATE Métayage SET Surface = '8 ha'", "1234 999999",
+       "Surface de l'exploitation : « 8 ha » n'est pas un nombre ; il n'y a donc pas de quota.\n"},
+  };
+  for (const auto& [Sql, Cumuls, Avis] : Tous) {
+    SCOPED_TRACE(Sql);
+    Fermer();
+    std::filesystem::remove(Fichier_);
+    CréerBase(Fichier_, true);
+    Rouvrir();
+    Avis_.clear();
+    ASSERT_EQ(Importer(Ligne()), "");
+    Connexion_->Exécuter(Sql);
+    EXPECT_EQ(CumulsDuRouge(), Cumuls);
+    EXPECT_EQ(Avis_, Avis);
+  }
+  Connexion_->Exécuter("UPDATE QuotasGrp SET QuotaJournalier = '18 000,5'");
+  std::string Groupe = "7", Vide, Rouge = "05";
+  EXPECT_EQ(Base_->CalculerRestantGroupe(Groupe, Vide, Rouge, Vide, {}, {}), 16'766);
 }
 
 TEST_F(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {

@@ -1,0 +1,177 @@
+// Writing loads: each once, whatever is sent again and whatever the office corrects meanwhile.
+#include "host/load_table.h"
+
+#include "base/regional_forms.h"
+#include "host/load_columns.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::EstNull;
+using Ombrey::Instruction;
+using Ombrey::TexteOuVide;
+using Ombrey::ValeurChamp;
+
+std::string NomSql(const std::string& Nom) {
+  std::string Texte = "\"";
+  for (const char C : Nom) Texte.append(C == '"' ? 2 : 1, C);
+  return Texte + '"';
+}
+
+void Joindre(std::string& Liste, const std::string& Élément) { Liste += (Liste.empty() ? "" : ", ") + Élément; }
+
+/// A choice of rows: the conditions, and the values that they compare with.
+struct Choix {
+  std::string Sql;
+  std::vector<ValeurChamp> Valeurs;
+
+  void Exiger(const std::string& Début, const ValeurChamp& Valeur, const std::string& Fin = "") {
+    Valeurs.push_back(Valeur);
+    Ajouter(Début + "?" + std::to_string(Valeurs.size()) + Fin);
+  }
+  void Ajouter(const std::string& Condition) { Sql += (Sql.empty() ? " WHERE " : " AND ") + Condition; }
+};
+
+void ExigerFait(Choix& Lignes, const std::string& Nom, const ColonneImport& Colonne, const ValeurImport& Lue) {
+  constexpr const char* MêmeSeconde = ") < 0.5 / 86400 OR ";
+  if (Lue.EstDateDeRemplacement) return;
+  if (Colonne.Genre == GenreValeur::Date && !EstNull(Lue.Valeur))
+    Lignes.Exiger("(abs(" + Nom + " - ", Lue.Valeur, MêmeSeconde + Nom + " IS NULL)");
+  else if (EstNull(Lue.Valeur))
+    Lignes.Ajouter(Nom + " IS NULL");
+  else
+    Lignes.Exiger(Nom + " = ", Lue.Valeur);
+}
+
+/// Also what the office wrote in place of a date.
+std::string Arrivée(const ValeurChamp& Date) {
+  const auto* Jours = std::get_if<double>(&Date);
+  return Jours ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteOuVide(Date, {});
+}
+
+}  // namespace
+
+ChargementImporté TableDesChargements::Ecrire(const LigneImport& Ligne) {
+  if (const auto Connu = Chercher(TableChargements, Ligne)) {
+    CompléterExploitation(*Connu, Ligne);
+    return {*Connu, false, ""};
+  }
+  if (const auto Archivé = Chercher(TableArchive, Ligne)) return Reprendre(*Archivé, Ligne);
+  std::string Récit = Archiver(Valeur(Ligne, "CodeSite"), Valeur(Ligne, "NoChargement"));
+  return {Insérer(Ligne), true, std::move(Récit)};
+}
+
+const ValeurChamp& TableDesChargements::Valeur(const LigneImport& Ligne, const char* Colonne) const {
+  return Ligne[Définition_.Place(Colonne)].Valeur;
+}
+
+std::optional<std::int64_t> TableDesChargements::Chercher(const char* Table, const LigneImport& Ligne) const {
+  Choix Lignes;
+  Lignes.Exiger("CodeSite = ", Valeur(Ligne, "CodeSite"));
+  for (const ColonneChargement& Colonne : ColonnesChargement) {
+    const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
+    if (Place) ExigerFait(Lignes, ColonneReçue(Colonne.Nom), Définition_.Colonnes[*Place], Ligne[*Place]);
+  }
+  const ValeurChamp Trouvé =
+      Connexion_.Lire("SELECT MAX(IdChargement) FROM " + std::string(Table) + Lignes.Sql, Lignes.Valeurs);
+  const auto* Id = std::get_if<std::int64_t>(&Trouvé);
+  return Id ? std::optional(*Id) : std::nullopt;
+}
+
+void TableDesChargements::CompléterExploitation(std::int64_t Id, const LigneImport& Ligne) {
+  Connexion_.Exécuter("UPDATE Chargement SET Métayage = ?1 WHERE IdChargement = ?2 AND Métayage = ?3",
+                      {Valeur(Ligne, "Métayage"), Id, ExploitationInconnue});
+}
+
+ChargementImporté TableDesChargements::Reprendre(std::int64_t IdArchivé, const LigneImport& Ligne) {
+  CompléterArchive();
+  // The office may have given it another number since.
+  const auto Ancien =
+      LireRangée("SELECT CodeSite, NoChargement FROM ChargementArchive WHERE IdChargement = ?1", {IdArchivé});
+  std::string Récit = Archiver(Ancien.at(0), Ancien.at(1));
+
+  const std::string Noms = Colonnes("IdChargement");
+  const ValeurChamp Nouveau =
+      Connexion_.Lire("INSERT INTO Chargement (" + Noms + ") SELECT " + Noms +
+                          " FROM ChargementArchive WHERE IdChargement = ?1 RETURNING IdChargement",
+                      {IdArchivé});
+  Connexion_.Exécuter("DELETE FROM ChargementArchive WHERE IdChargement = ?1", {IdArchivé});
+  const auto Id = std::get<std::int64_t>(Nouveau);
+  CompléterExploitation(Id, Ligne);
+  return {Id, false, std::move(Récit)};
+}
+
+std::int64_t TableDesChargements::Insérer(const LigneImport& Ligne) {
+  std::string Noms;
+  std::string Places;
+  std::vector<ValeurChamp> Valeurs;
+  const auto Ajouter = [&](const std::string& Nom, const ValeurChamp& Valeur) {
+    Valeurs.push_back(Valeur);
+    Joindre(Noms, NomSql(Nom));
+    Joindre(Places, "?" + std::to_string(Valeurs.size()));
+  };
+  for (std::size_t Rang = 0; Rang < Ligne.size(); ++Rang) Ajouter(Définition_.Colonnes[Rang].Nom, Ligne[Rang].Valeur);
+  for (const ColonneChargement& Colonne : ColonnesChargement) {
+    const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
+    if (Place && !Ligne[*Place].EstDateDeRemplacement) Ajouter(ColonneReçue(Colonne.Nom), Ligne[*Place].Valeur);
+  }
+  return std::get<std::int64_t>(
+      Connexion_.Lire("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ") RETURNING IdChargement", Valeurs));
+}
+
+/// Makes room for a load of this number; what the operator is told about it.
+std::string TableDesChargements::Archiver(const ValeurChamp& Site, const ValeurChamp& Numéro) {
+  const auto Porteur = LireRangée(
+      "SELECT IdChargement, CodeSite, NoChargement, DateCh, Métayage, Masse FROM Chargement"
+      " WHERE CodeSite = ?1 AND NoChargement = ?2",
+      {Site, Numéro});
+  if (Porteur.empty()) return {};
+  CompléterArchive();
+  const std::string Noms = Colonnes("");
+  Connexion_.Exécuter(
+      "INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + " FROM Chargement WHERE IdChargement = ?1",
+      {Porteur[0]});
+  Connexion_.Exécuter("DELETE FROM Chargement WHERE IdChargement = ?1", {Porteur[0]});
+
+  const auto Texte = [&](std::size_t Rang) { return TexteOuVide(Porteur[Rang], Ombrey::Régional{}); };
+  return "Le chargement n° " + Texte(2) + " du site " + Texte(1) + ", arrivé le " + Arrivée(Porteur[3]) +
+         " (exploitation " + Texte(4) + ", " + Texte(5) +
+         " kg), passe dans ChargementArchive : son numéro sert à un autre. Il compte toujours dans les cumuls.";
+}
+
+std::vector<ValeurChamp> TableDesChargements::LireRangée(const char* Sql,
+                                                         const std::vector<ValeurChamp>& Valeurs) const {
+  Instruction Requête = Connexion_.Préparer(Sql);
+  std::vector<ValeurChamp> Rangée;
+  if (!Requête.Lier(Valeurs).Avancer()) return Rangée;
+  for (std::size_t Rang = 0; Rang < Requête.Colonnes().size(); ++Rang) Rangée.push_back(Requête.Valeur(Rang));
+  return Rangée;
+}
+
+/// A column that the cooperative has added to its loads goes into the archive with them. Loads that are there already
+/// get the value that those in the table got.
+void TableDesChargements::CompléterArchive() {
+  std::string Ajouts;
+  Instruction Manquantes = Connexion_.Préparer(
+      "SELECT name, type, CASE WHEN \"notnull\" THEN dflt_value END FROM pragma_table_info('Chargement')"
+      " WHERE name COLLATE NOCASE NOT IN (SELECT name FROM pragma_table_info('ChargementArchive'))");
+  while (Manquantes.Avancer()) {
+    Ajouts += "ALTER TABLE ChargementArchive ADD COLUMN " + NomSql(std::get<std::string>(Manquantes.Valeur(0))) + " " +
+              std::get<std::string>(Manquantes.Valeur(1));
+    const ValeurChamp Défaut = Manquantes.Valeur(2);
+    if (!EstNull(Défaut)) Ajouts += " DEFAULT " + std::get<std::string>(Défaut);
+    Ajouts += ";";
+  }
+  Connexion_.ExécuterTout(Ajouts);
+}
+
+/// All columns of the table of loads but one.
+std::string TableDesChargements::Colonnes(const char* Sauf) const {
+  std::string Noms;
+  Instruction Toutes = Connexion_.Préparer("SELECT name FROM pragma_table_info('Chargement') WHERE name <> ?1");
+  Toutes.Lier({Sauf});
+  while (Toutes.Avancer()) Joindre(Noms, NomSql(std::get<std::string>(Toutes.Valeur(0))));
+  return Noms;
+}
+
+}  // namespace Tarvel

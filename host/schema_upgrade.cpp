@@ -1,0 +1,104 @@
+// The schema's number, and what brings an older base up to it.
+#include "host/schema_upgrade.h"
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include "base/failures.h"
+#include "host/load_columns.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ConnexionSqlite;
+using Ombrey::ErreurExécution;
+using Ombrey::EstNull;
+
+int LireNuméro(ConnexionSqlite& Connexion) {
+  const bool ANuméro = !EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE name = 'Schéma'"));
+  const Ombrey::ValeurChamp Numéro = ANuméro ? Connexion.Lire("SELECT MAX(Numéro) FROM Schéma") : Ombrey::ValeurChamp{};
+  const auto* Lu = std::get_if<std::int64_t>(&Numéro);
+  return Lu ? static_cast<int>(*Lu) : PremierSchéma;
+}
+
+/// What the terminal sent is what the row says by now; a date with seconds was the time of an import.
+std::string Valeur1Vers2(const ColonneChargement& Colonne) {
+  const std::string Nom = Colonne.Nom;
+  if (std::string(Colonne.Genre) != "date") return Nom;
+  const std::string Minutes = Nom + " * 1440";
+  return "CASE WHEN abs(" + Minutes + " - round(" + Minutes + ")) < 0.01 THEN " + Nom + " END";
+}
+
+void GarderCeQuiFutReçu(ConnexionSqlite& Connexion, const std::string& Table) {
+  std::string Colonnes;
+  std::string Valeurs;
+  for (const ColonneChargement& Colonne : ColonnesChargement) {
+    if (!Colonne.EstReçue) continue;
+    const std::string Nom = ColonneReçue(Colonne.Nom);
+    Colonnes += "ALTER TABLE " + Table + " ADD COLUMN " + Nom + " " + Colonne.Type + ";";
+    Valeurs += (Valeurs.empty() ? " SET " : ", ") + Nom + " = " + Valeur1Vers2(Colonne);
+  }
+  Connexion.ExécuterTout(Colonnes);
+  Connexion.Exécuter("UPDATE " + Table + Valeurs);
+}
+
+/// A view of the loads, those of the archive marked, with dates that people read.
+constexpr const char* VueLisible = R"(
+DROP VIEW IF EXISTS ChargementLisible;
+CREATE VIEW ChargementLisible AS
+  SELECT CodeSite, NoChargement, strftime('%d/%m/%Y %H:%M', DateCh + 2415018.5) AS Arrivée,
+    strftime('%d/%m/%Y %H:%M', DateSortie + 2415018.5) AS Sortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai,
+    Masse, Cuve, Synchronisé, Archive
+  FROM (SELECT CodeSite, NoChargement, DateCh, DateSortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai, Masse,
+          Cuve, Synchronisé, '' AS Archive FROM Chargement
+        UNION ALL
+        SELECT CodeSite, NoChargement, DateCh, DateSortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai, Masse,
+          Cuve, Synchronisé, 'archivé' FROM ChargementArchive) AS Tous
+  ORDER BY DateCh;
+)";
+
+void De1Vers2(ConnexionSqlite& Connexion) {
+  for (const char* Table : {TableChargements, TableArchive}) GarderCeQuiFutReçu(Connexion, Table);
+  Connexion.ExécuterTout(
+      "CREATE INDEX ChargementParNuméroReçu ON Chargement (CodeSite, ReçuNoChargement);"
+      "CREATE INDEX ArchiveParNuméroReçu ON ChargementArchive (CodeSite, ReçuNoChargement);"
+      "CREATE TABLE Schéma (Numéro INTEGER NOT NULL);"
+      "INSERT INTO Schéma (Numéro) VALUES (1);");
+  Connexion.ExécuterTout(VueLisible);
+}
+
+/// The step from each number to the next, from the first on.
+constexpr std::array<void (*)(ConnexionSqlite&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2}};
+
+/// Whole and on the disk, beside the base, under a name that nothing bears yet.
+void GarderUneCopie(ConnexionSqlite& Connexion, int Numéro) {
+  const std::string Début = Connexion.Fichier().string() + ".schéma-" + std::to_string(Numéro);
+  std::string Copie = Début;
+  for (int Rang = 2; std::filesystem::exists(Copie); ++Rang) Copie = Début + "-" + std::to_string(Rang);
+  Connexion.Sauvegarder(Copie);
+}
+
+}  // namespace
+
+void PasserAuSchémaSuivant(ConnexionSqlite& Connexion, int Numéro) {
+  Étapes.at(static_cast<std::size_t>(Numéro - PremierSchéma))(Connexion);
+  Connexion.Exécuter("UPDATE Schéma SET Numéro = ?1", {std::int64_t{Numéro} + 1});
+}
+
+void MettreAJourSchéma(ConnexionSqlite& Connexion) {
+  const int Ancien = LireNuméro(Connexion);
+  if (Ancien > NuméroSchéma)
+    throw ErreurExécution("La base « " + Connexion.Fichier().string() +
+                          " » est celle d'une version plus récente de tarvel (schéma n° " + std::to_string(Ancien) +
+                          ", et cette version connaît le n° " + std::to_string(NuméroSchéma) +
+                          ") : installez-la sur ce poste");
+  if (Ancien == NuméroSchéma || Connexion.EstEnLectureSeule()) return;
+  GarderUneCopie(Connexion, Ancien);
+  Ombrey::Transaction Tout(Connexion);
+  // Another station may have been faster.
+  for (int Numéro = LireNuméro(Connexion); Numéro < NuméroSchéma; ++Numéro) PasserAuSchémaSuivant(Connexion, Numéro);
+  Tout.Valider();
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,20 @@
+// The schema's number, and what brings an older base up to it.
+#pragma once
+
+#include "platform/database/sqlite/sqlite_connection.h"
+
+namespace Tarvel {
+
+/// The schema that came before schemas had a number, and the one that this program works with.
+inline constexpr int PremierSchéma = 1;
+inline constexpr int NuméroSchéma = 2;
+
+/// From one number to the next, inside a transaction of the caller's.
+void PasserAuSchémaSuivant(Ombrey::ConnexionSqlite& Connexion, int Numéro);
+
+/// Brings an older base up to date, in one transaction, behind a whole copy of it that stays beside it; several
+/// stations may do so at once. A base that can only be read is left as it is. Raises ErreurExécution when the base is a
+/// newer program's, and when the copy or the change can't be made, which leaves the base as it was.
+void MettreAJourSchéma(Ombrey::ConnexionSqlite& Connexion);
+
+}  // namespace Tarvel

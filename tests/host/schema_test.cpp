@@ -1,0 +1,77 @@
+// Bases of former and of later programs, met at opening.
+#include <algorithm>
+#include <iterator>
+#include <sstream>
+
+#include "host/schema_upgrade.h"
+#include "tests/host/cooperative_fixture.h"
+
+namespace Tarvel {
+namespace {
+
+/// A base as tarvel 2.0 made it, with a load that came without a date (13) and one whose number was used again (12).
+struct Schema : Coopérative {
+  Schema() {
+    Fermer();
+    std::filesystem::remove(Fichier_);
+    std::ostringstream Script;
+    Script << std::ifstream(SOURCE_DIR "/tests/host/former_base.sql").rdbuf();
+    Ombrey::ConnexionSqlite::Créer(Fichier_)->ExécuterTout(Script.str());
+    Rouvrir();
+  }
+  static std::string Plan(Ombrey::ConnexionSqlite& Connexion) {
+    return Ombrey::TexteOuVide(
+        Connexion.Lire("SELECT group_concat(Nom || ' ' || sql, char(10)) FROM (SELECT m.name || '.' ||"
+                       " ifnull(c.name, '') AS Nom, CASE m.type WHEN 'table' THEN c.type ELSE m.sql END"
+                       " AS sql FROM sqlite_master AS m LEFT JOIN pragma_table_info(m.name) AS c"
+                       " WHERE m.name NOT LIKE 'sqlite%' ORDER BY 1)"),
+        {});
+  }
+  std::ptrdiff_t Copies() {
+    return std::count_if(std::filesystem::directory_iterator(Dossier_), {},
+                         [](const auto& E) { return E.path().filename().string().starts_with("coopé.db.schéma-1"); });
+  }
+};
+
+TEST_F(Schema, BringsAFormerBaseUpToDateAndKnowsItsLoadsAgain) {
+  MettreAJourSchéma(*Connexion_);
+  MettreAJourSchéma(*Connexion_);
+  EXPECT_EQ(Copies(), 1);
+  const auto Copie = Ombrey::ConnexionSqlite::Ouvrir(Fichier_.string() + ".schéma-1");
+  EXPECT_EQ(Ombrey::TexteOuVide(Copie->Lire("SELECT count(*) FROM Chargement"), {}), "2");
+
+  CréerBase(Dossier_ / "neuve.db", false);
+  EXPECT_EQ(Plan(*Connexion_), Plan(*Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / "neuve.db")));
+
+  Connexion_->Exécuter("UPDATE Chargement SET Masse = 1300");
+  for (const std::string& DéjàLà : {Ligne("12", "22/09/26 08:30", "5"), Ligne("13", "24/09/2026 07:00:00")}) {
+    EXPECT_EQ(Importer(DéjàLà), "");
+    EXPECT_TRUE(Annonces_.starts_with("mis à jour")) << DéjàLà;
+  }
+  EXPECT_EQ(Lire("SELECT group_concat(Métayage || ' ' || Masse || ' ' || Archive) FROM ChargementLisible"),
+            "4 1000 archivé,4 1300 ,4 1300 ");
+}
+
+TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
+  Connexion_->Exécuter("CREATE INDEX ArchiveParNuméroReçu ON Paramètre (Nom)");  // in the way of the last steps
+  const std::string Avant = Plan(*Connexion_);
+  EXPECT_THROW(MettreAJourSchéma(*Connexion_), Ombrey::ErreurExécution);
+  EXPECT_EQ(Plan(*Connexion_), Avant);
+  EXPECT_EQ(Copies(), 1);
+}
+
+TEST_F(Schema, RefusesALaterProgramsBase) {
+  MettreAJourSchéma(*Connexion_);
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 3");
+  try {
+    MettreAJourSchéma(*Connexion_);
+    FAIL() << "it was taken";
+  } catch (const Ombrey::ErreurExécution& Erreur) {
+    EXPECT_EQ(Erreur.what(), "La base « " + Fichier_.string() +
+                                 " » est celle d'une version plus récente de tarvel (schéma n° 3, et cette version "
+                                 "connaît le n° 2) : installez-la sur ce poste");
+  }
+}
+
+}  // namespace
+}  // namespace Tarvel
