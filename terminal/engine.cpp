@@ -1,4 +1,4 @@
-// The dialogue as the terminal runs it: requests, offers of loads, frames received, time limits.
+// The dialogue as the terminal runs it: requests, offers of loads, answers, time limits.
 #include "terminal/engine.h"
 
 #include <algorithm>
@@ -14,27 +14,18 @@ using namespace std::chrono_literals;
 
 constexpr char CodeChargement = 'A';
 constexpr char CodeRéponse = '8';
-constexpr std::size_t LongueurRéponse = 24;
-// The largest file that can be is 32767 groups of 83 bytes; what goes beyond this isn't one.
-constexpr std::size_t LongueurTrameMax = 4U << 20U;
 constexpr std::size_t IgnorésMontrésMax = 80;
 
 constexpr auto DélaiCode = 2s;
 constexpr auto DélaiAccord = 10s;
 constexpr auto DélaiTrame = 10s;
-// A frame that pauses this long is over; the plug-in gives an answer 2 s from its last byte on.
-constexpr auto SilenceTrame = 1s;
 constexpr auto SilenceIgnorés = 1s;
 constexpr auto RetardDePanne = 2500ms;
+// A terminal whose driver is typing: what the line says meanwhile stands in a buffer of 64 requests.
+constexpr unsigned OccupationMin = 5;
+constexpr unsigned OccupationMax = 15;
+constexpr std::size_t EmpilésMax = std::size_t{64} * 2;
 constexpr auto AttenteDernièreRéponse = 5s;
-
-const FichierConnu* TrouverFichier(char Code) {
-  const auto* const Trouvé = std::find_if(FichiersConnus.begin(), FichiersConnus.end(),
-                                          [Code](const FichierConnu& Connu) { return Connu.Code == Code; });
-  return Trouvé == FichiersConnus.end() ? nullptr : Trouvé;
-}
-
-std::string Paire(char Contrôle, char Code) { return {Contrôle, Code}; }
 
 }  // namespace
 
@@ -52,8 +43,16 @@ Terminal::Terminal(std::vector<Chargement> Chargements, bool EnFichiers, Hasard&
       Suite_(Suite) {}
 
 void Terminal::Recevoir(std::string_view Octets, Instant Maintenant) {
-  for (const char Octet : Octets) RecevoirOctet(Octet, Maintenant);
+  for (const char Octet : Octets) {
+    if (!OccupéJusquÀ_) {
+      RecevoirOctet(Octet, Maintenant);
+    } else if (Empilés_.size() < EmpilésMax) {
+      Empilés_ += Octet;
+    }
+  }
 }
+
+bool Terminal::PeutParler() const { return !OccupéJusquÀ_ && État_ != État::AttendCode && État_ != État::EnTrame; }
 
 void Terminal::RecevoirOctet(char Octet, Instant Maintenant) {
   if (État_ == État::EnTrame) {
@@ -95,8 +94,6 @@ void Terminal::OuvrirDemande(Instant Maintenant) {
   SignalerIgnorés();
   if (État_ == État::AttendAccord) NoterSansRéponse("nouvelle demande");
   if (État_ == État::AttendTrame) Suite_.Annoncer(std::string("demande ") + CodeAnnoncé_ + " : sans trame");
-  // An answer that comes behind the next request would be taken for the answer to that one.
-  if (std::exchange(Tardive_, std::nullopt)) Suite_.Annoncer("réponse tardive abandonnée : nouvelle demande");
   Passer(État::AttendCode, Maintenant);
 }
 
@@ -115,6 +112,14 @@ void Terminal::ServirDemande(char Code, Instant Maintenant) {
 
 void Terminal::OffrirChargement(Instant Maintenant) {
   Pannes Actives = Dés_.Tirer();
+  if (!File_.empty() && File_.front().Essais == 0) Actives.Ajouter(File_.front().PannesDuPremierEnvoi);
+  if (Actives.A(Panne::Occupé) && !SertLaPile_) {
+    Suite_.Annoncer("occupé" + Actives.Mention());
+    if (!File_.empty()) ++File_.front().Essais;
+    OccupéJusquÀ_ = Maintenant + std::chrono::seconds(Dés_.Entre(OccupationMin, OccupationMax));
+    Empilés_ = Paire(ENQ, CodeChargement);
+    return;
+  }
   if (File_.empty()) {
     Suite_.Annoncer("interrogation : aucun chargement" + Actives.Mention());
     const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
@@ -122,7 +127,7 @@ void Terminal::OffrirChargement(Instant Maintenant) {
     return;
   }
   Chargement& Offert = File_.front();
-  if (Offert.Essais++ == 0) Actives.Ajouter(Offert.PannesDuPremierEnvoi);
+  ++Offert.Essais;
   PannesDuChargement_ = Actives;
   Suite_.Annoncer("chargement " + Offert.Numéro() + " offert, essai " + std::to_string(Offert.Essais) +
                   Actives.Mention());
@@ -170,93 +175,10 @@ void Terminal::NoterSansRéponse(const std::string& Raison) {
   Suite_.Annoncer("chargement " + File_.front().Numéro() + " sans réponse (" + Raison + "), reste en attente");
 }
 
-void Terminal::AnnoncerTrame(char Code, Instant Maintenant) {
-  const FichierConnu* const Fichier = TrouverFichier(Code);
-  const std::string Objet =
-      Fichier == nullptr ? "demande 8" : std::string("fichier ") + Code + " (" + std::string(Fichier->Nom) + ")";
-  if (Fichier != nullptr && !EnFichiers_) {
-    Suite_.Annoncer(Objet + " refusé : pas en attente de fichiers (F6)");
-    Répondre(Paire(NAK, Code), {}, État::Repos, Maintenant);
-    return;
-  }
-  const Pannes Actives = Dés_.Tirer();
-  const bool Prêt = !Actives.A(Panne::Nak);
-  Suite_.Annoncer(Objet + (Prêt ? " : prêt" : " : pas prêt") + Actives.Mention());
-  CodeAnnoncé_ = Code;
-  const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
-  Répondre(Parasites + Paire(Prêt ? ACK : NAK, Code), Actives, Prêt ? État::AttendTrame : État::Repos, Maintenant);
-}
-
-void Terminal::RecevoirDansTrame(char Octet, Instant Maintenant) {
-  Échéance_ = Maintenant + SilenceTrame;
-  if (Trame_.size() >= LongueurTrameMax) {
-    TrameTropLongue_ = true;
-    return;
-  }
-  // The sum runs two characters behind, so that it covers all but what may be the checksum.
-  if (Trame_.size() >= NombreCaractèresChecksum) {
-    SommeTrame_ += static_cast<unsigned char>(Trame_[Trame_.size() - NombreCaractèresChecksum]);
-  }
-  Trame_ += Octet;
-  if (Trame_.size() < SurcoûtTrame || Trame_[Trame_.size() - NombreCaractèresChecksum - 1] != ETX) return;
-  const std::string_view Reçus = std::string_view(Trame_).substr(Trame_.size() - NombreCaractèresChecksum);
-  if (Reçus == CaractèresChecksum(SommeTrame_)) FinirTrame(true, Maintenant);
-}
-
-void Terminal::FinirTrame(bool Juste, Instant Maintenant) {
-  Suite_.Consigner(Sens::Reçu, Trame_);
-  const Pannes Actives = Dés_.Tirer();
-  const std::string Trame = std::exchange(Trame_, {});
-  Passer(État::Repos, Maintenant);
-  if (Actives.A(Panne::Silence)) {
-    Suite_.Annoncer("trame reçue, laissée sans réponse" + Actives.Mention());
-    return;
-  }
-  bool Accepté = false;
-  if (!Juste || Actives.A(Panne::Checksum)) {
-    Suite_.Annoncer(std::string("trame ") + CodeAnnoncé_ + " refusée : " +
-                    (TrameTropLongue_ ? "trop longue" : "contrôle faux ou trame incomplète") + Actives.Mention());
-  } else if (Actives.A(Panne::Nak)) {
-    Suite_.Annoncer(std::string("trame ") + CodeAnnoncé_ + " refusée" + Actives.Mention());
-  } else {
-    Accepté = GarderTexte(std::string_view(Trame).substr(1, Trame.size() - SurcoûtTrame));
-    if (Accepté && Actives.A(Panne::AckPerdu)) {
-      Suite_.Annoncer("acquittement de la trame perdu" + Actives.Mention());
-      return;
-    }
-  }
-  const std::string Parasites = Actives.A(Panne::Bruit) ? Dés_.Bruit() : "";
-  Répondre(Parasites + (Accepté ? ACK : NAK), Actives, État::Repos, Maintenant);
-}
-
-bool Terminal::GarderTexte(std::string_view Texte) {
-  const FichierConnu* const Fichier = TrouverFichier(CodeAnnoncé_);
-  if (Fichier == nullptr) {
-    const bool Gardée = Suite_.GarderRéponse(Texte);
-    if (!Gardée) return false;
-    ++Bilan_.Réponses;
-    RéponseGardée_ = true;
-    const bool Mesurée = Texte.size() == LongueurRéponse;
-    Suite_.Annoncer("réponse reçue : " + Lisible(Texte) +
-                    (Mesurée ? "" : " (" + std::to_string(Texte.size()) + " caractères au lieu de 24)"));
-    return true;
-  }
-  const std::string Objet = std::string("fichier ") + CodeAnnoncé_ + " (" + std::string(Fichier->Nom) + ")";
-  if (Texte.size() % Fichier->LongueurEnregistrement != 0) {
-    Suite_.Annoncer(Objet + " refusé : " + std::to_string(Texte.size()) + " octets, pas un multiple de " +
-                    std::to_string(Fichier->LongueurEnregistrement));
-    return false;
-  }
-  if (!Suite_.GarderFichier(CodeAnnoncé_, Texte)) return false;
-  ++Bilan_.Fichiers;
-  Suite_.Annoncer(Objet + " reçu, enregistrements : " + std::to_string(Texte.size() / Fichier->LongueurEnregistrement));
-  return true;
-}
-
 void Terminal::Répondre(std::string Octets, const Pannes& Actives, État Ensuite, Instant Maintenant) {
   if (Actives.A(Panne::Silence)) return;
   if (Actives.A(Panne::Retard)) {
-    Tardive_ = RéponseTardive{std::move(Octets), Maintenant + RetardDePanne, Ensuite};
+    Tardives_.push_back({std::move(Octets), Maintenant + RetardDePanne, Ensuite});
     return;
   }
   Partir(Octets, Ensuite, Maintenant);
@@ -266,7 +188,8 @@ void Terminal::Partir(const std::string& Octets, État Ensuite, Instant Maintena
   Suite_.Consigner(Sens::Émis, Octets);
   Suite_.Émettre(Octets);
   if (Ensuite == État::AttendAccord) ++Bilan_.Envoyés;
-  Passer(Ensuite, Maintenant);
+  // A late offer may find that its load, the last one, was acknowledged meanwhile.
+  Passer(Ensuite == État::AttendAccord && File_.empty() ? État::Repos : Ensuite, Maintenant);
 }
 
 void Terminal::Passer(État Nouveau, Instant Maintenant) {
@@ -293,8 +216,16 @@ void Terminal::Passer(État Nouveau, Instant Maintenant) {
 }
 
 void Terminal::Avancer(Instant Maintenant) {
-  if (Tardive_ && Maintenant >= Tardive_->Départ) {
-    const RéponseTardive Partante = *std::exchange(Tardive_, std::nullopt);
+  if (OccupéJusquÀ_ && Maintenant >= *OccupéJusquÀ_) {
+    OccupéJusquÀ_.reset();
+    SertLaPile_ = true;
+    Recevoir(std::exchange(Empilés_, {}), Maintenant);
+    SertLaPile_ = false;
+  }
+  while (!Tardives_.empty() && Maintenant >= Tardives_.front().Départ && PeutParler()) {
+    const RéponseTardive Partante = std::move(Tardives_.front());
+    Tardives_.pop_front();
+    if (État_ == État::AttendAccord) NoterSansRéponse("réponse tardive");
     Partir(Partante.Octets, Partante.Ensuite, Maintenant);
   }
   if (!Échéance_ || Maintenant < *Échéance_) return;
@@ -310,8 +241,11 @@ void Terminal::Avancer(Instant Maintenant) {
 }
 
 std::optional<Instant> Terminal::ProchaineÉchéance() const {
-  if (!Tardive_) return Échéance_;
-  return Échéance_ ? std::min(*Échéance_, Tardive_->Départ) : Tardive_->Départ;
+  std::optional<Instant> Première = Échéance_;
+  const auto Retenir = [&Première](Instant Autre) { Première = std::min(Première.value_or(Autre), Autre); };
+  if (OccupéJusquÀ_) Retenir(*OccupéJusquÀ_);
+  if (!Tardives_.empty() && PeutParler()) Retenir(Tardives_.front().Départ);
+  return Première;
 }
 
 std::optional<Instant> Terminal::MomentDeFin() const {

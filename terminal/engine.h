@@ -29,6 +29,9 @@ inline constexpr std::array<FichierConnu, 5> FichiersConnus{{{'1', "coopérateur
                                                              {'5', "badges", 28},
                                                              {'6', "observations", 22}}};
 
+/// None when the code is no file's.
+[[nodiscard]] const FichierConnu* TrouverFichier(char Code);
+
 /// What happened to the loads and to what was received, for the last line.
 struct Bilan {
   unsigned Envoyés = 0;
@@ -89,6 +92,7 @@ class Terminal {
   };
 
   void RecevoirOctet(char Octet, Instant Maintenant);
+  [[nodiscard]] bool PeutParler() const;
   void RecevoirAccord(bool Accepté, Instant Maintenant);
   void RecevoirDansTrame(char Octet, Instant Maintenant);
   void Ignorer(char Octet, Instant Maintenant);
@@ -114,7 +118,10 @@ class Terminal {
 
   État État_ = État::Repos;
   std::optional<Instant> Échéance_;
-  std::optional<RéponseTardive> Tardive_;
+  std::deque<RéponseTardive> Tardives_;  // in the order of their departures
+  std::optional<Instant> OccupéJusquÀ_;  // what arrives until then is read afterwards
+  std::string Empilés_;
+  bool SertLaPile_ = false;
   Pannes PannesDuChargement_;
   char CodeAnnoncé_ = 0;
   std::string Trame_;

@@ -11,8 +11,8 @@
 
 namespace Rg80 {
 
-enum class Panne : std::size_t { Silence, Nak, Checksum, Bruit, Coupe, Retard, AckPerdu };
-inline constexpr std::size_t NombreDePannes = 7;
+enum class Panne : std::size_t { Silence, Nak, Checksum, Bruit, Coupe, Retard, AckPerdu, Occupé };
+inline constexpr std::size_t NombreDePannes = 8;
 
 struct NomDePanne {
   Panne Laquelle;
@@ -26,7 +26,8 @@ inline constexpr std::array<NomDePanne, NombreDePannes> NomsDePannes{
      {Panne::Bruit, "bruit", "parasites devant la trame ou la réponse"},
      {Panne::Coupe, "coupe", "trame interrompue"},
      {Panne::Retard, "retard", "réponse après 2,5 secondes"},
-     {Panne::AckPerdu, "ack-perdu", "acquittement perdu, dans les deux sens"}}};
+     {Panne::AckPerdu, "ack-perdu", "acquittement perdu, dans les deux sens"},
+     {Panne::Occupé, "occupe", "occupé un moment, puis sert à la suite toutes les demandes arrivées"}}};
 
 /// The faults that come together at one moment of the dialogue.
 class Pannes {

@@ -31,6 +31,9 @@ inline constexpr std::size_t SurcoûtTrame = 1 + 1 + NombreCaractèresChecksum;
 /// STX, Texte, ETX and the two checksum characters over those three. Texte: bytes, any length, taken as they stand.
 [[nodiscard]] std::string Encadrer(std::string_view Texte);
 
+/// A request or the answer to one: a control character and the request's code.
+[[nodiscard]] inline std::string Paire(char Contrôle, char Code) { return {Contrôle, Code}; }
+
 /// Raw Windows-1252 bytes as UTF-8 for a person: control characters by name (`<STX>`), other unprintable bytes in
 /// hexadecimal (`<0D>`).
 [[nodiscard]] std::string Lisible(std::string_view Octets);

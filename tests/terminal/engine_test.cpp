@@ -87,7 +87,12 @@ const Dialogue Dialogues[] = {
     {"an unknown request", "", "in <ENQ>Z out <NAK>Z", "000000"},
     {"nak once", "!nak " + Load12, Empty + Taken12, "110000"},
     {"late once", "!retard " + Load12, "in <ENQ>A wait 2499 out - wait 1 " + Answer12 + "in <ACK>", "110000"},
-    {"late, and dropped for a request", "!retard " + Load12, "in <ENQ>A wait 2000 " + Ready + "wait 3000", "000000"},
+    {"late, and behind the next request", "!retard " + Load12, "in <ENQ>A wait 2000 " + Ready + "wait 500 " + Answer12,
+     "100100"},
+    {"late behind its own acknowledgement", "!retard " + Load12, "in <ENQ>A wait 2000 " + Taken12 + "wait 500 " + Answer12 +
+     "in <ACK> " + Empty, "210000"},
+    {"busy", "!occupe " + Load12 + "\n" + Load13, "in <ENQ>A wait 4999 in <ENQ>A in <ENQ>8 out - wait 10001 out <ACK>A" +
+     Frame12 + "<ACK>A" + Frame12 + "<ACK>8 ", "200200"},
     {"ACK lost once", "!ack-perdu " + Load12, Taken12 + Taken12 + Empty, "210100"},
     {"a reply", "", Ready + "in ??" + ReplyFrame + " out <ACK> in <EOT> " + Empty, "000010"},
     {"wrong sum", "", Ready + "in <STX>000000<ETX>;3 wait 999 out - wait 1 out <NAK>", "000000"},
