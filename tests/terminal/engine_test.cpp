@@ -91,7 +91,7 @@ const Dialogue Dialogues[] = {
      "100100"},
     {"late behind its own acknowledgement", "!retard " + Load12, "in <ENQ>A wait 2000 " + Taken12 + "wait 500 " + Answer12 +
      "in <ACK> " + Empty, "210000"},
-    {"busy", "!occupe " + Load12 + "\n" + Load13, "in <ENQ>A wait 4999 in <ENQ>A in <ENQ>8 out - wait 10001 out <ACK>A" +
+    {"busy", "!occupe " + Load12 + "\n" + Load13, "in <ENQ>A wait 9999 in <ENQ>A in <ENQ>8 out - wait 30001 out <ACK>A" +
      Frame12 + "<ACK>A" + Frame12 + "<ACK>8 ", "200200"},
     {"ACK lost once", "!ack-perdu " + Load12, Taken12 + Taken12 + Empty, "210100"},
     {"a reply", "", Ready + "in ??" + ReplyFrame + " out <ACK> in <EOT> " + Empty, "000010"},
