@@ -10,7 +10,6 @@
 
 #include "bench/cooperative.h"
 #include "bench/memory_meter.h"
-#include "common/plugin_state.h"
 #include "platform/database/dialect.h"
 #include "transfer/data_sets.h"
 
@@ -33,15 +32,6 @@ class BaseNotée final : public IDatabase {
 
  private:
   std::shared_ptr<IDatabase> Base_;
-};
-
-class HôteNoté final : public Tarvel::BaseDeDTarvel {
- public:
-  explicit HôteNoté(Coopérative& Cave)
-      : BaseDeDTarvel(Cave.Connexion, Cave.Poste.Plateforme().Système()),
-        Base(std::make_shared<BaseNotée>(Cave.Base->BaseDAO())) {}
-  [[nodiscard]] std::shared_ptr<IDatabase> BaseDAO() override { return Base; }
-  std::shared_ptr<BaseNotée> Base;
 };
 
 class CanalInterdit final : public ICanalOpérateur {
@@ -87,8 +77,7 @@ void Construire(benchmark::State& État, const JeuDeDonnées& Jeu) {
   Coopérative Cave(false);
   Remplir(Cave, Jeu.Nom, État.range(1));
   CanalInterdit Canal;
-  ÉtatPlugIn Greffon(Cave.Poste.Plateforme(), Canal);
-  Greffon.BaseDeD = Cave.Base;
+  const auto Base = Cave.Base->BaseDAO();
   std::string Titre;
   const Titreur Titrer = [&Titre](const std::string& Nouveau) { Titre = Nouveau; };
   std::vector<Octets> Lignes;
@@ -96,7 +85,7 @@ void Construire(benchmark::State& État, const JeuDeDonnées& Jeu) {
   for ([[maybe_unused]] auto Tour : État) {
     Lignes = {};
     const MesureMémoire Mémoire;
-    Jeu.Construire(Greffon, Titrer, Lignes);
+    ConstruireFichier(Jeu.Fichier, {*Base, {}, Canal}, Titrer, Lignes);
     Sommet = Mémoire.Sommet();
   }
   if (!Titre.starts_with(std::to_string(État.range(1)) + " ")) État.SkipWithError("not every record is in the file");
@@ -123,15 +112,13 @@ void Dépouiller(benchmark::State& État, const JeuDeDonnées& Jeu) {
   Coopérative Cave(false);
   Remplir(Cave, Jeu.Nom, État.range(1));
   CanalInterdit Canal;
-  ÉtatPlugIn Greffon(Cave.Poste.Plateforme(), Canal);
-  const auto Hôte = std::make_shared<HôteNoté>(Cave);
-  Greffon.BaseDeD = Hôte;
+  BaseNotée Base(Cave.Base->BaseDAO());
   std::vector<Octets> Lignes;
-  Jeu.Construire(
-      Greffon, [](const std::string&) {}, Lignes);
-  for (std::string& Sql : Hôte->Base->Requêtes) Sql = TraduireEnSqlite(Sql);
+  ConstruireFichier(
+      Jeu.Fichier, {Base, {}, Canal}, [](const std::string&) {}, Lignes);
+  for (std::string& Sql : Base.Requêtes) Sql = TraduireEnSqlite(Sql);
   for ([[maybe_unused]] auto Tour : État) {
-    for (const std::string& Sql : Hôte->Base->Requêtes) Parcourir(Cave.Connexion->Brute(), Sql);
+    for (const std::string& Sql : Base.Requêtes) Parcourir(Cave.Connexion->Brute(), Sql);
   }
   Compter(État, Jeu);
 }

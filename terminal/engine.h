@@ -23,11 +23,13 @@ struct FichierConnu {
   std::string_view Nom;  // UTF-8
   std::size_t LongueurEnregistrement;
 };
-inline constexpr std::array<FichierConnu, 5> FichiersConnus{{{'1', "coopérateurs", 41},
-                                                             {'2', "groupements", 83},
-                                                             {'4', "appellations", 31},
-                                                             {'5', "badges", 28},
-                                                             {'6', "observations", 22}}};
+inline constexpr auto FichiersConnus = std::to_array<FichierConnu>({
+    {'1', "coopérateurs", 41},
+    {'2', "groupements", 83},
+    {'4', "appellations", 31},
+    {'5', "badges", 28},
+    {'6', "observations", 22},
+});
 
 /// None when the code is no file's.
 [[nodiscard]] const FichierConnu* TrouverFichier(char Code);

@@ -1,4 +1,4 @@
-// The data sets that the terminal takes: the order of sending, and how each file is made.
+// The data sets that the terminal takes: the order of sending, and what each file holds.
 #include "transfer/data_sets.h"
 
 #include <array>
@@ -16,34 +16,10 @@ constexpr std::array<ChampEnregistrement, 4> ChampsAppelations{{
     {22, 4, 2, EncoderNombre},  // QuotasSurface
     {26, 5, 3, EncoderNombre},  // reserved: the query's constant 0
 }};
-constexpr DispositionFichier FichierAppelations{
-    .Longueur = 31,
-    .Champs = ChampsAppelations,
-    .Sql =
-        "SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection"
-        " WHERE IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
-    .SqlComptage = nullptr,
-    .Titre = "Appelation ",
-    .TitreFin = " appelations en cours...",
-};
-
 constexpr std::array<ChampEnregistrement, 2> ChampsCoopérateurs{{
     {0, 6, 0, EncoderNombre},  // IdCoopérateur
     {6, 35, 1, EncoderTexte},  // Nom
 }};
-constexpr DispositionFichier FichierCoopérateurs{
-    .Longueur = 41,
-    .Champs = ChampsCoopérateurs,
-    .Sql =
-        "SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
-        " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Propriétaire"
-        " UNION SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
-        " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Récoltant ORDER BY IdCoopérateur",
-    .SqlComptage = nullptr,
-    .Titre = "Coopérateur ",
-    .TitreFin = " coopérateurs en cours...",
-};
-
 constexpr std::array<ChampEnregistrement, 5> ChampsBadges{{
     {0, 6, 0, EncoderNombre},   // CodeBadge
     {6, 6, 1, EncoderNombre},   // Récoltant
@@ -51,15 +27,6 @@ constexpr std::array<ChampEnregistrement, 5> ChampsBadges{{
     {18, 7, 3, EncoderPart},    // Part
     {25, 3, 4, EncoderNombre},  // IdGrp
 }};
-constexpr DispositionFichier FichierBadges{
-    .Longueur = 28,
-    .Champs = ChampsBadges,
-    .Sql = "SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge",
-    .SqlComptage = "SELECT Count(IdMétayage) FROM Métayage",
-    .Titre = "Badge ",
-    .TitreFin = " badges en cours...",
-};
-
 constexpr std::array<ChampEnregistrement, 2> ChampsQuota{{
     {0, 2, 0, EncoderNombre},  // IdSélection
     {2, 8, 1, EncoderNombre},  // QuotaJournalier
@@ -78,58 +45,84 @@ constexpr std::array<ChampEnregistrement, 2> ChampsGroupements{{
     {0, 3, 0, EncoderNombre},  // Métayage.IdGrp
     {3, 20, 1, EncoderTexte},  // the same: the terminal's name of a group is its code
 }};
-constexpr DispositionFichier FichierGroupements{
-    .Longueur = 83,
-    .Champs = ChampsGroupements,
-    .Sql = "SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp",
-    .SqlComptage = nullptr,
-    .Titre = "Groupement ",
-    .TitreFin = " groupements en cours...",
-    .Créneaux = &QuotasDuGroupement,
-};
-
 constexpr std::array<ChampEnregistrement, 2> ChampsObservations{{
     {0, 2, 0, EncoderNombre},  // IdQualité
     {2, 20, 1, EncoderTexte},  // Désignation
 }};
-constexpr DispositionFichier FichierObservations{
-    .Longueur = 22,
-    .Champs = ChampsObservations,
-    .Sql = "SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité",
-    .SqlComptage = "SELECT Count(IdQualité) FROM Qualité",
-    .Titre = "Observation ",
-    .TitreFin = " observations en cours...",
-};
-
-constexpr std::array<JeuDeDonnées, 5> Jeux{{
-    {"ChkAppelations", "Appelations", 4, TransférerAppelations, 0ms},
-    {"ChkCoop", "Coopérateurs", 1, TransférerCoopérateurs, 1000ms},
-    {"ChkBadges", "Badges", 5, TransférerBadges, 1000ms},
-    {"ChkGroupnts", "Groupements", 2, TransférerGroupements, 1000ms},
-    {"ChkObserv", "Observations", 6, TransférerObservations, 1000ms},
-}};
+constexpr auto Jeux = std::to_array<JeuDeDonnées>({
+    {.Case = "ChkAppelations",
+     .Nom = "Appelations",
+     .NumFichier = 4,
+     .Pause = 0ms,
+     .Fichier =
+         {
+             .Longueur = 31,
+             .Champs = ChampsAppelations,
+             .Sql = "SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection"
+                    " WHERE IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
+             .SqlComptage = nullptr,
+             .Titre = "Appelation ",
+             .TitreFin = " appelations en cours...",
+         }},
+    {.Case = "ChkCoop",
+     .Nom = "Coopérateurs",
+     .NumFichier = 1,
+     .Pause = 1000ms,
+     .Fichier =
+         {
+             .Longueur = 41,
+             .Champs = ChampsCoopérateurs,
+             .Sql = "SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
+                    " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Propriétaire"
+                    " UNION SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
+                    " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Récoltant ORDER BY IdCoopérateur",
+             .SqlComptage = nullptr,
+             .Titre = "Coopérateur ",
+             .TitreFin = " coopérateurs en cours...",
+         }},
+    {.Case = "ChkBadges",
+     .Nom = "Badges",
+     .NumFichier = 5,
+     .Pause = 1000ms,
+     .Fichier =
+         {
+             .Longueur = 28,
+             .Champs = ChampsBadges,
+             .Sql = "SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge",
+             .SqlComptage = "SELECT Count(IdMétayage) FROM Métayage",
+             .Titre = "Badge ",
+             .TitreFin = " badges en cours...",
+         }},
+    {.Case = "ChkGroupnts",
+     .Nom = "Groupements",
+     .NumFichier = 2,
+     .Pause = 1000ms,
+     .Fichier =
+         {
+             .Longueur = 83,
+             .Champs = ChampsGroupements,
+             .Sql = "SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp",
+             .SqlComptage = nullptr,
+             .Titre = "Groupement ",
+             .TitreFin = " groupements en cours...",
+             .Créneaux = &QuotasDuGroupement,
+         }},
+    {.Case = "ChkObserv",
+     .Nom = "Observations",
+     .NumFichier = 6,
+     .Pause = 1000ms,
+     .Fichier =
+         {
+             .Longueur = 22,
+             .Champs = ChampsObservations,
+             .Sql = "SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité",
+             .SqlComptage = "SELECT Count(IdQualité) FROM Qualité",
+             .Titre = "Observation ",
+             .TitreFin = " observations en cours...",
+         }},
+});
 
 }  // namespace
-
-void TransférerAppelations(ÉtatPlugIn& État, const Titreur& Titrer, std::vector<Octets>& Lignes) {
-  ConstruireFichier(FichierAppelations, État, Titrer, Lignes);
-}
-
-void TransférerCoopérateurs(ÉtatPlugIn& État, const Titreur& Titrer, std::vector<Octets>& Lignes) {
-  ConstruireFichier(FichierCoopérateurs, État, Titrer, Lignes);
-}
-
-void TransférerBadges(ÉtatPlugIn& État, const Titreur& Titrer, std::vector<Octets>& Lignes) {
-  ConstruireFichier(FichierBadges, État, Titrer, Lignes);
-}
-
-void TransférerGroupements(ÉtatPlugIn& État, const Titreur& Titrer, std::vector<Octets>& Lignes) {
-  ConstruireFichier(FichierGroupements, État, Titrer, Lignes);
-}
-
-void TransférerObservations(ÉtatPlugIn& État, const Titreur& Titrer, std::vector<Octets>& Lignes) {
-  ConstruireFichier(FichierObservations, État, Titrer, Lignes);
-}
 
 std::span<const JeuDeDonnées> JeuxDeDonnées() { return Jeux; }
 

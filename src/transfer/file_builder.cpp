@@ -3,6 +3,7 @@
 
 #include <memory>
 
+#include "base/failures.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 
@@ -11,13 +12,9 @@ namespace {
 
 class Construction {
  public:
-  Construction(const DispositionFichier& Disposition, ÉtatPlugIn& État, const Titreur& Titrer, Octets& Fichier)
-      : Disposition_(Disposition),
-        État_(État),
-        Titrer_(Titrer),
-        Fichier_(Fichier),
-        Formes_(État.Formes()),
-        Base_(Exiger(Exiger(État.BaseDeD)->BaseDAO())) {}
+  Construction(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
+               Octets& Fichier)
+      : Disposition_(Disposition), Source_(Source), Titrer_(Titrer), Fichier_(Fichier) {}
 
   void Construire() {
     const std::int32_t Attendus = OuvrirEtCompter();
@@ -43,12 +40,12 @@ class Construction {
   /// Opens the rows and leaves them at the first one that goes into the file.
   std::int32_t OuvrirEtCompter() {
     if (Disposition_.SqlComptage) {
-      const auto Comptage = Base_->OpenRecordset(Disposition_.SqlComptage);
-      const std::int32_t Nombre = EnEntier32(TexteValeur(Comptage->Fields(0), Formes_), Formes_);
-      Rangées_ = Base_->OpenRecordset(Disposition_.Sql, TypeRecordset::VersLAvant);
+      const auto Comptage = Source_.Base.OpenRecordset(Disposition_.SqlComptage);
+      const std::int32_t Nombre = EnEntier32(TexteValeur(Comptage->Fields(0), Source_.Formes), Source_.Formes);
+      Rangées_ = Source_.Base.OpenRecordset(Disposition_.Sql, TypeRecordset::VersLAvant);
       return Nombre;
     }
-    Rangées_ = Base_->OpenRecordset(Disposition_.Sql, TypeRecordset::Instantané);
+    Rangées_ = Source_.Base.OpenRecordset(Disposition_.Sql, TypeRecordset::Instantané);
     if (Rangées_->Eof()) return 0;
     Rangées_->MoveLast();
     std::int32_t Nombre = Rangées_->RecordCount();
@@ -58,10 +55,10 @@ class Construction {
     return Nombre;
   }
 
-  [[nodiscard]] bool SansCode() const { return TexteOuVide(Rangées_->Fields(0), Formes_).empty(); }
+  [[nodiscard]] bool SansCode() const { return TexteOuVide(Rangées_->Fields(0), Source_.Formes).empty(); }
 
   void EcrireEnregistrement(std::size_t Début) {
-    const std::string Titre = Disposition_.Titre + TexteOuVide(Rangées_->Fields(0), Formes_);
+    const std::string Titre = Disposition_.Titre + TexteOuVide(Rangées_->Fields(0), Source_.Formes);
     Titrer_(Titre);
     try {
       EcrireChamps(*Rangées_, Disposition_.Champs, Début);
@@ -72,17 +69,17 @@ class Construction {
   }
 
   /// A number too wide for its field keeps its leftmost digits.
-  void EcrireChamps(const IRecordset& Source, std::span<const ChampEnregistrement> Champs, std::size_t Début) {
+  void EcrireChamps(const IRecordset& Rangée, std::span<const ChampEnregistrement> Champs, std::size_t Début) {
     for (const auto& Champ : Champs) {
-      const Octets Encodé = Champ.Encoder(Source.Fields(Champ.Colonne), Champ.Largeur, Formes_);
+      const Octets Encodé = Champ.Encoder(Rangée.Fields(Champ.Colonne), Champ.Largeur, Source_.Formes);
       Fichier_.Recouvrir(Début + Champ.Décalage, Encodé.Extrait(0, Champ.Largeur));
     }
   }
 
   void RemplirCréneaux(const Emplacements& Créneaux, std::size_t Début) {
-    const std::string Clé = TexteValeur(Rangées_->Fields(0), Formes_);
+    const std::string Clé = TexteValeur(Rangées_->Fields(0), Source_.Formes);
     const auto Quotas =
-        Base_->OpenRecordset(Créneaux.SqlAvant + TexteSql(Clé) + Créneaux.SqlAprès, TypeRecordset::VersLAvant);
+        Source_.Base.OpenRecordset(Créneaux.SqlAvant + TexteSql(Clé) + Créneaux.SqlAprès, TypeRecordset::VersLAvant);
     std::size_t Rang = 0;
     for (; !Quotas->Eof(); Quotas->MoveNext(), ++Rang) {
       if (Rang < Créneaux.Nombre) {
@@ -90,7 +87,7 @@ class Construction {
       }
     }
     if (Rang > Créneaux.Nombre) {
-      État_.Canal.AjouterMessage(
+      Source_.Canal.AjouterMessage(
           Disposition_.Titre + Clé + " : quotas non transmis : " + std::to_string(Rang - Créneaux.Nombre) +
               " (le RG80 n'en tient que " + std::to_string(Créneaux.Nombre) + " par groupement).",
           false);
@@ -98,20 +95,18 @@ class Construction {
   }
 
   const DispositionFichier& Disposition_;
-  ÉtatPlugIn& État_;
+  const SourceFichier& Source_;
   const Titreur& Titrer_;
   Octets& Fichier_;
-  Régional Formes_;
-  std::shared_ptr<IDatabase> Base_;
   std::unique_ptr<IRecordset> Rangées_;
 };
 
 }  // namespace
 
-void ConstruireFichier(const DispositionFichier& Disposition, ÉtatPlugIn& État, const Titreur& Titrer,
+void ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
                        std::vector<Octets>& Lignes) {
   Lignes.assign(1, Octets());
-  Construction(Disposition, État, Titrer, Lignes.front()).Construire();
+  Construction(Disposition, Source, Titrer, Lignes.front()).Construire();
 }
 
 }  // namespace Ombrey

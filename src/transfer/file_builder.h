@@ -8,7 +8,9 @@
 #include <string>
 #include <vector>
 
-#include "common/plugin_state.h"
+#include "common/operator_channel.h"
+#include "contracts/database.h"
+#include "contracts/system.h"
 #include "transfer/record_encoders.h"
 
 namespace Ombrey {
@@ -49,10 +51,17 @@ inline constexpr std::int32_t EnregistrementsAuPlus = 32767;
 /// Sets the transfer window's title and repaints it. Lets no event run.
 using Titreur = std::function<void(const std::string&)>;
 
+/// What a file is made from, and whom it tells what doesn't fit into it.
+struct SourceFichier {
+  IDatabase& Base;
+  Régional Formes;
+  ICanalOpérateur& Canal;
+};
+
 /// Makes Lignes afresh with one element: the whole file, empty when there is no row. Rows of slots beyond their number
 /// are left out, and the operator gets a line about it. Raises ErreurExécution when the database can't be read, a
 /// number doesn't fit, or there are more than EnregistrementsAuPlus records.
-void ConstruireFichier(const DispositionFichier& Disposition, ÉtatPlugIn& État, const Titreur& Titrer,
+void ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
                        std::vector<Octets>& Lignes);
 
 }  // namespace Ombrey

@@ -1,8 +1,6 @@
 // The window that sends the cooperative's reference data to the terminal.
 #include "transfer/transfer_window.h"
 
-#include <array>
-
 #include "base/ansi_text.h"
 #include "base/visible_text.h"
 #include "contracts/line_characters.h"
@@ -12,21 +10,30 @@ namespace {
 
 constexpr const char* TitreOuverture = "Chargement des données vers le RG80";
 constexpr const char* TitreTransmission = "Transmission des données";
-constexpr Rectangle Intérieur{0, 0, 4260, 2115};
 constexpr std::size_t CaractèresDeTrameMontrés = 80;
 
-std::span<const DessinContrôle> Dessin() {
+// In twips.
+constexpr int HautDesCases = 480;
+constexpr int PasDesCases = 300;
+constexpr int MargeBasse = 135;
+
+/// One check box for each data set, in the order of sending; the inner area ends below the last one.
+Rectangle Intérieur() {
+  return {0, 0, 4260, HautDesCases + PasDesCases * static_cast<int>(JeuxDeDonnées().size()) + MargeBasse};
+}
+
+std::vector<DessinContrôle> Dessin() {
   using enum GenreContrôle;
-  static const std::array<DessinContrôle, 8> Contrôles{{
-      {"Label1", Libellé, "Le RG80 doit être en attente de fichiers (F6).", {120, 120, 3975, 255}, 7},
-      {"ChkAppelations", CaseÀCocher, "Appelations", {120, 480, 2475, 300}, 0},
-      {"ChkCoop", CaseÀCocher, "Coopérateurs", {120, 780, 2475, 300}, 1},
-      {"ChkBadges", CaseÀCocher, "Badges", {120, 1080, 2475, 300}, 2},
-      {"ChkGroupnts", CaseÀCocher, "Groupements", {120, 1380, 2475, 300}, 3},
-      {"ChkObserv", CaseÀCocher, "Observations", {120, 1680, 2475, 300}, 4},
-      {"BtnTransférer", Bouton, "&Transférer", {2880, 480, 1215, 855}, 5},
-      {"BtnFermer", Bouton, "&Fermer", {2880, 1500, 1215, 495}, 6},
-  }};
+  std::vector<DessinContrôle> Contrôles;
+  int Ordre = 0;
+  for (const JeuDeDonnées& Jeu : JeuxDeDonnées()) {
+    Contrôles.push_back({Jeu.Case, CaseÀCocher, Jeu.Nom, {120, HautDesCases + PasDesCases * Ordre, 2475, 300}, Ordre});
+    ++Ordre;
+  }
+  Contrôles.push_back({"BtnTransférer", Bouton, "&Transférer", {2880, 480, 1215, 855}, Ordre});
+  Contrôles.push_back({"BtnFermer", Bouton, "&Fermer", {2880, 1500, 1215, 495}, Ordre + 1});
+  Contrôles.push_back(
+      {"Label1", Libellé, "Le RG80 doit être en attente de fichiers (F6).", {120, 120, 3975, 255}, Ordre + 2});
   return Contrôles;
 }
 
@@ -63,7 +70,7 @@ void FChargntDonnées::MontrerSiConnecté() {
     État_.Avertir("Il n'y a aucune communication avec le RG80", "Transfert de données");
     return;
   }
-  Vue_ = État_.Plateforme.Fenêtres().CréerVueChargntDonnées(*this, TitreOuverture, Intérieur, Dessin());
+  Vue_ = État_.Plateforme.Fenêtres().CréerVueChargntDonnées(*this, TitreOuverture, Intérieur(), Dessin());
   Vue_->MontrerModale();
 }
 
@@ -121,7 +128,8 @@ std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Je
   std::string Raison;
   ErreurEnAttente Levée;
   const bool Mené = Ignorer(Levée, [&] {
-    Jeu.Construire(État_, Titrer, Lignes);
+    const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
+    ConstruireFichier(Jeu.Fichier, {*Base, État_.Formes(), État_.Canal}, Titrer, Lignes);
     Attendre(Jeu.Pause);
     if (État_.Abandon) return;
     État_.Erreur.Effacer();  // what failed in an earlier dialogue is no failure of this file

@@ -52,7 +52,7 @@ struct Transfert : AvecCoopérative {
     std::vector<Octets> Lignes{Octets("left over"), Octets("from before")};
     ErreurEnAttente Levée;
     const auto Titrer = [this](Mot Titre) { Titres.push_back(Titre); };
-    Ignorer(Levée, [&] { JeuxDeDonnées()[Rang].Construire(État, Titrer, Lignes); });
+    Ignorer(Levée, [&] { ConstruireFichier(JeuxDeDonnées()[Rang].Fichier, {*Hôte->Base, {}, Canal}, Titrer, Lignes); });
     EXPECT_EQ(Lignes.size(), 1U);
     return Levée.EstPrésente() ? Levée.Texte() : std::string(Lignes[0].Bruts());
   }
