@@ -23,7 +23,6 @@ using Horloge = std::chrono::steady_clock;
 
 constexpr std::int64_t Petite = 1'000;
 constexpr std::int64_t Grande = 50'000;
-constexpr const char* TitreImport = "Synchronisation des chargements";
 
 class CanalMuet final : public ICanalOpérateur {
  public:

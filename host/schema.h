@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <memory>
 
+#include "contracts/host.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 
-/// Title of the layout by which loads come in.
-inline constexpr const char* TitreImport = "Synchronisation des chargements";
+using Ombrey::TitreImport;
 
 /// Makes a new database file with all tables, indexes, the import layout and the site's code; with AvecExemple also a
 /// small cooperative to try things out on. Raises ErreurExécution, and leaves no file behind, when it can't; a file

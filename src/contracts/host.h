@@ -13,6 +13,9 @@ namespace Ombrey {
 
 class IPlateforme;
 
+/// Title of the host's layout by which loads come in.
+inline constexpr const char* TitreImport = "Synchronisation des chargements";
+
 /// Receives the host's synchronisation events, on the one thread of the system.
 class IÉcouteurKVSynchro {
  public:
@@ -163,8 +166,9 @@ class IPlugInTarvel {
 /// One more whenever an interface of these headers changes: host and plug-in understand each other only when they were
 /// built with the same one.
 inline constexpr int VersionContrat = 2;
-/// The one symbol that the plug-in's library exports is this name with VersionContrat behind it: fills PlugIn with a new
-/// plug-in that works on Plateforme, which must outlive it. Raises what Plateforme raises, and there is no plug-in then.
+/// The one symbol that the plug-in's library exports is this name with VersionContrat behind it: fills PlugIn with a
+/// new plug-in that works on Plateforme, which must outlive it. Raises what Plateforme raises, and there is no plug-in
+/// then.
 inline constexpr const char* NomFabrique = "PlgInOmbrey_CreerPlugIn_";
 using FabriquePlugIn = void (*)(IPlateforme& Plateforme, std::shared_ptr<IPlugInTarvel>& PlugIn);
 

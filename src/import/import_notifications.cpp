@@ -8,7 +8,7 @@ namespace {
 
 /// The host names a load's row by the layout that brought it or by its table.
 bool ConcerneChargements(const std::string& Table) {
-  return Table == "Synchronisation des chargements" || Table == "Chargement";
+  return Table == TitreImport || Table == "Chargement";
 }
 
 }  // namespace

@@ -8,15 +8,11 @@
 
 #include "base/delimited_list.h"
 #include "base/regional_forms.h"
+#include "base/text_helpers.h"
 #include "import/load_record.h"
 
 namespace Ombrey {
 namespace {
-
-constexpr const char* SqlDéfinition =
-    "SELECT * FROM MSysEtats"
-    " WHERE Titre = 'Synchronisation des chargements'"
-    " AND Exportation = FALSE";
 
 constexpr const char* SéparateurLignes = "\r";
 constexpr const char* SéparateurÉléments = "\t";
@@ -38,7 +34,8 @@ std::string MiseEnFormeImport::MiseEnFormePourImport(const std::vector<std::stri
 
 bool MiseEnFormeImport::LireDéfinition(Définition& Lue) {
   const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Lignes = BaseDAO->OpenRecordset(SqlDéfinition);
+  const auto Lignes = BaseDAO->OpenRecordset("SELECT * FROM MSysEtats WHERE Titre = " + TexteSql(TitreImport) +
+                                             " AND Exportation = FALSE");
   if (Lignes->Eof()) return false;
   const Régional Formes = État_.Formes();
   Lue.Colonnes = TexteValeur(Lignes->FieldsNommé("LongChps"), Formes);

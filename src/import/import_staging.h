@@ -8,7 +8,7 @@
 
 namespace Ombrey {
 
-/// Composes the import line by the host's layout "Synchronisation des chargements", which it reads at each call.
+/// Composes the import line by the host's layout of the title TitreImport, which it reads at each call.
 class MiseEnFormeImport {
  public:
   explicit MiseEnFormeImport(ÉtatPlugIn& État) : État_(État) {}

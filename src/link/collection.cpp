@@ -18,8 +18,6 @@ namespace {
 
 /// Asks for a load.
 constexpr std::string_view CodeDemande = "A";
-/// The host's layout for the import.
-constexpr const char* TitreImport = "Synchronisation des chargements";
 constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
 
 /// The progress counter jumps at the import: from 105 on the import failed, from 205 on it worked.

@@ -1,4 +1,6 @@
 // The tables, the queries of the plug-in on the sample, creations and figures.
+#include <thread>
+
 #include "platform/database/dialect.h"
 #include "tests/host/cooperative_fixture.h"
 
@@ -72,6 +74,29 @@ TEST_F(Base, CreatesHoldingsUnderCodesThatAreFree) {
         Code + "'");
     EXPECT_EQ(Code + Refus + Rangée, Attendu);
   }
+}
+
+TEST_F(Base, MakesAPairOnceThatSeveralStationsMeetAtTheSameMoment) {
+  constexpr int Paires = 20, Stations = 4;
+  std::vector<std::vector<std::string>> Codes(Stations);
+  std::vector<std::thread> Fils;
+  for (auto& Siens : Codes)
+    Fils.emplace_back([&Siens, this] {
+      Ombrey::Essais::FauxSystème Système;
+      BaseDeDTarvel Station(Ombrey::ConnexionSqlite::Ouvrir(Fichier_), Système);
+      for (int Paire = 0; Paire < Paires; ++Paire) {
+        Ombrey::NouveauCoopérateur Nouveau{std::to_string(900 + Paire), "", ""};
+        const auto Membre = Station.AjouterCoopérateur(Nouveau);
+        const auto Exploitation =
+            Station.AjouterMétayage(Nouveau.IdCoopérateur, "101", Siens.emplace_back(), "100", "7", "");
+        if (Membre != 0 || Exploitation != 0) Siens.back() = Station.TexteErreurBase(Membre ? Membre : Exploitation);
+      }
+    });
+  for (std::thread& Fil : Fils) Fil.join();
+  for (const auto& Siens : Codes) EXPECT_EQ(Siens, Codes[0]);
+  EXPECT_EQ(Lire("SELECT count(*) || '/' || min(IdMétayage) || '/' || max(IdMétayage) FROM Métayage"
+                 " WHERE CAST(Propriétaire AS INTEGER) >= 900"),
+            "20/16/35");
 }
 
 TEST_F(Base, ReadsNumbersAsPeopleWriteThem) {

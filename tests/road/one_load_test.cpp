@@ -2,6 +2,8 @@
 // whatever fails, a load is acknowledged only when it is in, and comes in once the fault is mended.
 #include <sys/resource.h>
 
+#include <random>
+
 #include "core/plugin.h"
 #include "host/cooperative_database.h"
 #include "link/checksum.h"
@@ -15,6 +17,8 @@ namespace Ombrey::Essais {
 static Octets Offre(const std::string& LEnregistrement) {
   return Octets(std::string("\6A")) + CalculerCheckSum(Octets("\x02" + LEnregistrement + "\x03"));
 }
+
+static const std::string FichierImport = "import/RG80 import " + std::to_string(getpid()) + ".txt";
 
 struct OneLoad : Poste, testing::Test {
   OneLoad() {
@@ -73,6 +77,58 @@ TEST_F(OneLoad, AFrameCutOrDamagedAtAnyByteIsLeftAndTheNextOneTaken) {
   EXPECT_EQ(Cumuls, 2);
 }
 
+TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
+  const std::string Matin = "ACK22/09/2026 08:30|12.5|1234|";
+  // Box, answer and row; places in the record with what stands there.
+  const std::pair<std::string, std::vector<std::pair<std::size_t, std::string>>> Table[] = {
+      // clang-format off
+      {"TraiterDonnéesReçues : Incompatibilité de type : ", {{44, "12X"}, {44, "   "}}},
+      {"NAK", {{0, "00A2"}, {0, "-012"}, {0, "1'2;"}, {40, "';"}, {42, "0;"}, {40, "\x01\x7F"}, {40, "\x02\x03"}, {47, "X"},
+               {47, "';"}, {48, "12X4"}, {48, "-123"}, {48, "    "}, {52, "0;7"}}},
+      {"", {{0, "0000"}, {18, "00012X"}, {18, "      "}, {18, "1' OR'"}, {18, "123;45"}, {24, "X00456"}, {24, "00001e"},
+            {24, "1' OR'"}, {24, "000;56"}}},
+      {"ACK23/09/2026 10:11|12.5|1234|05|7", {{6, "13"}, {4, "XX"}, {4, "310226"}, {10, "X8"}, {12, "';"}}},
+      {Matin + "05|7", {{14, "99"}, {14, "XX"}, {30, "X'7"}, {30, "';-"}, {33, "1X0000;"}, {42, "''"}}},
+      {Matin + "''|7", {{40, "''"}}}, {Matin + "é€|7", {{40, "\xE9\x80"}}}, {Matin + "05|X'\"", {{52, "X'\""}}},
+      // clang-format on
+  };
+  Plateforme.LeSystème.Mur = {2026, 9, 23, 10, 11, 0};
+  // What a killed station left behind is never taken for this load's.
+  Faire(
+      "$ mkdir -p poste/import && echo '1;77;22/09/26 08:30;22/09/26 "
+      "09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r'" +
+      (" > 'poste/" + FichierImport + "'"));
+  for (const auto& [Issue, Champs] : Table)
+    for (const auto& [Place, Texte] : Champs) {
+      const std::string Dit = Relever(Offre(Enregistrement(Place, Texte)));
+      EXPECT_EQ(Dit + Valeur("SELECT Arrivée || '|' || Degré || '|' || Masse || '|' || Sélection || '|' || Cuve"
+                             " FROM ChargementLisible"),
+                Issue)
+          << Place << Texte;
+      Faire("DELETE FROM Chargement");
+      Faire("$ rm -rf poste/imports-refusés");
+    }
+}
+
+TEST_F(OneLoad, GarbageWithATrueChecksumNeverCostsALoad) {
+  std::mt19937 Dés(20260922);
+  const auto Tirer = [&](std::size_t Nombre) { return Dés() % Nombre; };
+  const std::string Méchants("';\"\\|\t\r\n\0\x02\x03\x05\x06\x15 %_[]&-.,eE", 25);
+  int Acquittés = 0;
+  for (int Essai = 0; Essai < 400; ++Essai) {
+    // A good record in which some bytes are bad; or anything.
+    std::string Texte = Enregistrement(0, std::to_string(1000 + Essai));
+    for (std::size_t Coups = 1 + Tirer(4); Coups > 0; --Coups) Texte[Tirer(55)] = Méchants[Tirer(25)];
+    if (Essai % 3 == 0) std::generate(Texte.begin(), Texte.end(), [&] { return static_cast<char>(Tirer(256)); });
+    const bool EstAcquitté = Relever(Offre(Texte)).ends_with("ACK");
+    ASSERT_EQ(Rentrés(), EstAcquitté ? "1 1 0" : "0 0 0") << Texte;
+    ASSERT_FALSE(std::filesystem::exists(En("poste/" + FichierImport)));
+    Acquittés += EstAcquitté ? 1 : 0;
+    Faire("DELETE FROM Chargement");
+  }
+  EXPECT_GT(Acquittés, 40) << "too few got far enough to prove anything";
+}
+
 struct Panne {
   std::string Casser, Réparer;
   std::string Boîte;              ///< how the first box begins; empty: none comes
@@ -87,7 +143,6 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
   const std::string Refusé = "Erreur d'importation des données issues du RG80.";
   const std::string Lecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
   const std::string Écriture = Lecture + "Impossible d'écrire le fichier ";
-  const std::string Import = "import/RG80 import " + std::to_string(getpid()) + ".txt";
   const Panne Pannes[] = {
       // clang-format off
       Sans("Chargement", Refusé), Sans("ChargementArchive", Refusé), Sans("Métayage", "Table introuvable : Métayage"),
@@ -98,7 +153,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
       {"UPDATE Métayage SET Part = NULL; INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant) VALUES (0, 123, 456)",
        "UPDATE Métayage SET Part = 100; DELETE FROM Métayage WHERE IdGrp IS NULL", "Utilisation incorrecte de Null"},
       {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
-      {"$ mkdir -p 'poste/" + Import + "/x'", "$ rm -r poste/import", Écriture},
+      {"$ mkdir -p 'poste/" + FichierImport + "/x'", "$ rm -r poste/import", Écriture},
       {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
       {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
       // clang-format on
@@ -116,7 +171,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
     EXPECT_TRUE(Boîte == Refusé ? Issue.ends_with("NAK") : !Issue.ends_with("K")) << Issue;
     // A refused import file is kept for the operator; none is left in the way.
     EXPECT_EQ(std::filesystem::exists(Plateforme.LeSystème.DossierImportsConservés()), Boîte == Refusé);
-    EXPECT_FALSE(std::filesystem::is_regular_file(En("poste/" + Import)));
+    EXPECT_FALSE(std::filesystem::is_regular_file(En("poste/" + FichierImport)));
     Faire(Réparer);
     EXPECT_EQ(Rentrés() + std::to_string(Cumuls), "0 0 00");
     EXPECT_EQ(Relever(Offre(Enregistrement())), "ACK");

@@ -20,7 +20,12 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
   } Cas[] = {
       // clang-format off
       {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
+      {"$ sed -i 1d tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},  // no section
       {"$ sed -i /Port/d tarvel.ini", SansPort, Relevé},
+      {"$ sed -i /Bauds/d tarvel.ini", "Bauds = «  »", Échec}, {"$ sed -i s/9600/vite/ tarvel.ini", "Bauds = « vite »", Échec},
+      {"$ sed -i s/9600/38400/ tarvel.ini", "Bauds = « 38400 »", Échec},
+      {"$ sed -i 's,=/.*,=/dev/tty,; s/9600/9601/' tarvel.ini", Prêt, "la vitesse « 9601 »"},
+      {"$ sed -i s/=20/=-5/ tarvel.ini", Prêt, "Erreur du port"},
       {"$ sed -i s/aucune/peut-être/ tarvel.ini", Prêt, "peut-être"},
       {"$ sed -i s,=/.*,=/dev/absent, tarvel.ini", Prêt, "(OK) : Le port /dev/absent est absent de cette machine."},
       {"$ sed -i s,=/.*,=COM99:, tarvel.ini", "Impossible d'initialiser le port de communication.", Relevé},

@@ -14,15 +14,25 @@ struct Years : testing::TestWithParam<Jour> {};
 TEST_P(Years, ALoadOfTheDayIsFiledListedAndCounted) {
   if (std::system("command -v faketime >/dev/null") != 0) GTEST_SKIP() << "faketime isn't installed";
   Poste P;
-  std::ofstream(P.En("offerts")) << Enregistrement(4, GetParam().Date) << "\n";
+  // The second one bears the same number: the first goes to the archive, and counts.
+  for (std::ofstream Offerts(P.En("offerts")); const char* Masse : {"1000", "1234"})
+    Offerts << Enregistrement(4, GetParam().Date).replace(48, 4, Masse) << "\n";
   P.LancerTerminal("--chargements offerts");
   P.LancerStation("interroger", "--sans-operateur", std::string("exec faketime '") + GetParam().Horloge + "' ");
-  ASSERT_TRUE(P.Rg80->Attendre("réponse reçue : 000000058766001234023766")) << P.Dit();
+  ASSERT_TRUE(P.Rg80->Attendre("réponse reçue : 000000059000001000024000")) << P.Dit();
+  ASSERT_TRUE(P.Rg80->Attendre("réponse reçue : 000000057766002234022766")) << P.Dit();
+  EXPECT_TRUE(P.Station->Attendre(std::string("hôte : Le chargement n° 12 du site 1, arrivé le ") + GetParam().Arrivée +
+                                  " (exploitation 4, 1000 kg), passe dans ChargementArchive"))
+      << P.Dit();
   P.Station->Taper("liste");
   EXPECT_TRUE(P.Station->Attendre("liste : 1\n")) << P.Dit();
   P.Station->Taper("fin");
   EXPECT_EQ(P.Station->Fin(), 0) << P.Dit();
-  EXPECT_EQ(P.Valeur("SELECT Arrivée FROM ChargementLisible"), GetParam().Arrivée);
+  const std::string Arrivée = GetParam().Arrivée;
+  EXPECT_EQ(
+      P.Valeur(
+          "SELECT group_concat(Arrivée || Masse || Archive) FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),
+      Arrivée + "1000archivé," + Arrivée + "1234");
 }
 
 INSTANTIATE_TEST_SUITE_P(ToCome, Years,
