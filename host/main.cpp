@@ -2,6 +2,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -14,6 +15,7 @@
 #include "base/regional_forms.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
+#include "host/diagnostic.h"
 #include "host/options.h"
 #include "host/saved_base.h"
 #include "host/schema.h"
@@ -73,7 +75,15 @@ void Travailler(const Tarvel::Options& Choisies) {
   Station.Exécuter(Ouvrir, [&] { Connexion->RangerJournal(); });
 }
 
-void Accomplir(const Tarvel::Options& Choisies) {
+/// True when nothing is bad.
+bool DireConstats(const Tarvel::Options& Choisies) {
+  const auto Constats = Tarvel::Diagnostiquer(Choisies);
+  for (const Tarvel::Constat& Un : Constats) std::puts(Tarvel::TexteConstat(Un).c_str());
+  return std::ranges::none_of(Constats,
+                              [](const Tarvel::Constat& Un) { return Un.Verdict == Tarvel::Jugement::Mauvais; });
+}
+
+int Accomplir(const Tarvel::Options& Choisies) {
   switch (Choisies.QueFaire) {
     case Tarvel::Tâche::Aide:
       std::fputs(Tarvel::TexteAide().c_str(), stdout);
@@ -93,7 +103,10 @@ void Accomplir(const Tarvel::Options& Choisies) {
     case Tarvel::Tâche::Station:
       Travailler(Choisies);
       break;
+    case Tarvel::Tâche::Diagnostic:
+      return DireConstats(Choisies) ? Réussite : Échec;
   }
+  return Réussite;
 }
 
 }  // namespace
@@ -103,8 +116,7 @@ int main(int Nombre, char** Textes) {
   std::signal(SIGPIPE, SIG_IGN);
   try {
     const std::vector<std::string> Arguments(Textes + 1, Textes + Nombre);
-    Accomplir(Tarvel::LireOptions(Arguments));
-    return Réussite;
+    return Accomplir(Tarvel::LireOptions(Arguments));
   } catch (const Tarvel::ErreurOptions& Erreur) {
     SePlaindre(Erreur.what() + std::string("\nL'aide : tarvel --help"));
     return MauvaisesOptions;

@@ -7,6 +7,7 @@
 #include <set>
 #include <string_view>
 
+#include "base/failures.h"
 #include "base/files.h"
 #include "platform/system/settings_files.h"
 
@@ -35,7 +36,8 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
   return (static_cast<unsigned>(Ensemble) & static_cast<unsigned>(Une)) != 0;
 }
 
-constexpr Tâche SurUneBase = Tâche::Station | Tâche::Sauvegarder | Tâche::Restaurer;
+constexpr Tâche UneStation = Tâche::Station | Tâche::Diagnostic;
+constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer;
 
 /// A task, how it is called, and what it can't do without.
 struct TâcheConnue {
@@ -52,6 +54,7 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
     {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
     {Tâche::Restaurer, "--base B --restaurer F", false, true},
+    {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
 };
@@ -76,11 +79,11 @@ constexpr Option Connues[] = {
      [](Options& O, Mots V) { O.Base = V[0]; }},
     {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite et Dossier", SurUneBase,
      Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
-    {"--site", "CODE", "code du site de cette station (sinon celui de la base)", Tâche::Station, Précise,
+    {"--site", "CODE", "code du site de cette station (sinon celui de la base)", UneStation, Précise,
      [](Options& O, Mots V) { O.CodeSite = V[0]; }},
-    {"--dossier", "D", "dossier de travail (sinon celui de la base)", Tâche::Station, Précise,
+    {"--dossier", "D", "dossier de travail (sinon celui de la base)", UneStation, Précise,
      [](Options& O, Mots V) { O.Dossier = Ombrey::Chemin(V[0]); }},
-    {"--greffon", "F", "bibliothèque du greffon (sinon PlgInOmbrey.so, à côté du programme)", Tâche::Station, Précise,
+    {"--greffon", "F", "bibliothèque du greffon (sinon PlgInOmbrey.so, à côté du programme)", UneStation, Précise,
      [](Options& O, Mots V) { O.Greffon = Ombrey::Chemin(V[0]); }},
     {"--console", "", "travaille sans écran : une ligne par événement, commandes sur l'entrée standard", Tâche::Station,
      Précise, [](Options& O, Mots) { O.Console = true; }},
@@ -96,6 +99,8 @@ constexpr Option Connues[] = {
      Tâche::Sauvegarder, Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--restaurer", "F", "met une copie à la place de la base, qui est gardée sous un autre nom", Tâche::Restaurer,
      Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--diagnostic", "", "regarde tout ce qu'il faut à la station : bon, à voir ou mauvais, et ce qu'il faut faire",
+     Tâche::Diagnostic, Demande, [](Options&, Mots) {}},
     {"--help", "", "cette aide", Tâche::Aide, Demande, [](Options&, Mots) {}},
     {"--version", "", "le numéro de version", Tâche::Version, Demande, [](Options&, Mots) {}},
 };
@@ -180,12 +185,12 @@ void PréciserChemins(Options& Lues) {
   if (Lues.EstSurServeur()) {
     RefuserMotDePasse(Lues.Base);
     if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();
-  } else {
+  } else if (!Lues.Base.empty()) {
     const fs::path Fichier = fs::absolute(Ombrey::Chemin(Lues.Base));
     Lues.Base = Ombrey::TexteChemin(Fichier);
     if (Lues.Dossier.empty()) Lues.Dossier = Fichier.parent_path();
   }
-  Lues.Dossier = fs::absolute(Lues.Dossier);
+  if (!Lues.Dossier.empty()) Lues.Dossier = fs::absolute(Lues.Dossier);
 }
 
 }  // namespace
@@ -200,7 +205,11 @@ Options LireOptions(std::span<const std::string> Arguments) {
   VérifierAccord(Lues, Données);
   const TâcheConnue& Sienne = *std::ranges::find(Tâches, Lues.QueFaire, &TâcheConnue::Laquelle);
   if (Sienne.VeutRéglages && Lues.Ini.empty()) throw ErreurOptions("il manque --ini");
-  if (!Lues.Ini.empty()) Compléter(Lues);
+  try {
+    if (!Lues.Ini.empty()) Compléter(Lues);
+  } catch (const Ombrey::ErreurExécution&) {
+    if (Lues.QueFaire != Tâche::Diagnostic) throw;  // which says so itself
+  }
   if (Sienne.VeutBase && Lues.Base.empty())
     throw ErreurOptions("il manque --base, ou la clé Base dans la section [Tarvel] de " +
                         Ombrey::TexteChemin(Lues.Ini));

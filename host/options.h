@@ -18,7 +18,15 @@ class ErreurOptions : public std::runtime_error {
 };
 
 /// What the program is started for. Values join to a set, by "|".
-enum class Tâche : unsigned { Station = 1, CréerBase = 2, Aide = 4, Version = 8, Sauvegarder = 16, Restaurer = 32 };
+enum class Tâche : unsigned {
+  Station = 1,
+  CréerBase = 2,
+  Aide = 4,
+  Version = 8,
+  Sauvegarder = 16,
+  Restaurer = 32,
+  Diagnostic = 64
+};
 
 /// How a server's address begins.
 inline constexpr std::string_view ProtocoleServeur = "postgresql://";

@@ -15,13 +15,6 @@ using Ombrey::ConnexionSqlite;
 using Ombrey::ErreurExécution;
 using Ombrey::EstNull;
 
-int LireNuméro(ConnexionSqlite& Connexion) {
-  const bool ANuméro = !EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE name = 'Schéma'"));
-  const Ombrey::ValeurChamp Numéro = ANuméro ? Connexion.Lire("SELECT MAX(Numéro) FROM Schéma") : Ombrey::ValeurChamp{};
-  const auto* Lu = std::get_if<std::int64_t>(&Numéro);
-  return Lu ? static_cast<int>(*Lu) : PremierSchéma;
-}
-
 /// What the terminal sent is what the row says by now; a date with seconds was the time of an import.
 std::string Valeur1Vers2(const ColonneChargement& Colonne) {
   const std::string Nom = Colonne.Nom;
@@ -81,13 +74,20 @@ void GarderUneCopie(ConnexionSqlite& Connexion, int Numéro) {
 
 }  // namespace
 
+int NuméroSchémaDe(ConnexionSqlite& Connexion) {
+  const bool ANuméro = !EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE name = 'Schéma'"));
+  const Ombrey::ValeurChamp Numéro = ANuméro ? Connexion.Lire("SELECT MAX(Numéro) FROM Schéma") : Ombrey::ValeurChamp{};
+  const auto* Lu = std::get_if<std::int64_t>(&Numéro);
+  return Lu ? static_cast<int>(*Lu) : PremierSchéma;
+}
+
 void PasserAuSchémaSuivant(ConnexionSqlite& Connexion, int Numéro) {
   Étapes.at(static_cast<std::size_t>(Numéro - PremierSchéma))(Connexion);
   Connexion.Exécuter("UPDATE Schéma SET Numéro = ?1", {std::int64_t{Numéro} + 1});
 }
 
 void MettreAJourSchéma(ConnexionSqlite& Connexion) {
-  const int Ancien = LireNuméro(Connexion);
+  const int Ancien = NuméroSchémaDe(Connexion);
   if (Ancien > NuméroSchéma)
     throw ErreurExécution("La base « " + Connexion.Fichier().string() +
                           " » est celle d'une version plus récente de tarvel (schéma n° " + std::to_string(Ancien) +
@@ -97,7 +97,8 @@ void MettreAJourSchéma(ConnexionSqlite& Connexion) {
   GarderUneCopie(Connexion, Ancien);
   Ombrey::Transaction Tout(Connexion);
   // Another station may have been faster.
-  for (int Numéro = LireNuméro(Connexion); Numéro < NuméroSchéma; ++Numéro) PasserAuSchémaSuivant(Connexion, Numéro);
+  for (int Numéro = NuméroSchémaDe(Connexion); Numéro < NuméroSchéma; ++Numéro)
+    PasserAuSchémaSuivant(Connexion, Numéro);
   Tout.Valider();
 }
 

@@ -9,6 +9,9 @@ namespace Tarvel {
 inline constexpr int PremierSchéma = 1;
 inline constexpr int NuméroSchéma = 2;
 
+/// The number of the base's schema.
+[[nodiscard]] int NuméroSchémaDe(Ombrey::ConnexionSqlite& Connexion);
+
 /// From one number to the next, inside a transaction of the caller's.
 void PasserAuSchémaSuivant(Ombrey::ConnexionSqlite& Connexion, int Numéro);
 

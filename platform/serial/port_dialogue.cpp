@@ -22,17 +22,6 @@ constexpr CléPort Clés[] = {
     {"TailleMots", &RéglagesPort::TailleMots, "8"},
 };
 
-RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
-  RéglagesPort Lus;
-  for (const CléPort& Ligne : Clés) {
-    bool Drapeau = false;
-    Lecteur.FixerClé(Ligne.Clé);
-    Lecteur.LireValeur(Drapeau);
-    Lus.*Ligne.Champ = Lecteur.Valeur();
-  }
-  return Lus;
-}
-
 RéglagesPort Compléter(RéglagesPort Réglages) {
   if (Réglages.Port.empty()) {
     const auto Trouvés = PortsDeLaMachine();
@@ -63,7 +52,20 @@ std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, con
   return Nombre;
 }
 
-std::string Essayer(const RéglagesPort& Réglages, const std::function<bool(const std::string&)>& DéjàOuvert) {
+}  // namespace
+
+RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
+  RéglagesPort Lus;
+  for (const CléPort& Ligne : Clés) {
+    bool Drapeau = false;
+    Lecteur.FixerClé(Ligne.Clé);
+    Lecteur.LireValeur(Drapeau);
+    Lus.*Ligne.Champ = Lecteur.Valeur();
+  }
+  return Lus;
+}
+
+std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool(const std::string&)>& DéjàOuvert) {
   try {
     const std::string& Nom = Réglages.Port;
     RéglagesDemandés Demandés;
@@ -82,8 +84,6 @@ std::string Essayer(const RéglagesPort& Réglages, const std::function<bool(con
   }
 }
 
-}  // namespace
-
 bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni, const std::string& Section,
                     const std::function<bool(const std::string&)>& DéjàOuvert) {
   if (!Contexte.Questionnaire) return false;
@@ -93,7 +93,7 @@ bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni,
   const RéglagesPort Anciens = LireRéglages(*Lecteur);
   RéglagesPort Nouveaux = Compléter(Anciens);
   if (!Contexte.Questionnaire->Demander(
-          Nouveaux, [&DéjàOuvert](const RéglagesPort& Réglages) { return Essayer(Réglages, DéjàOuvert); }))
+          Nouveaux, [&DéjàOuvert](const RéglagesPort& Réglages) { return EssayerPort(Réglages, DéjàOuvert); }))
     return false;
   ÉcrireRéglages(*Lecteur, Anciens, Nouveaux);
   return true;

@@ -14,4 +14,12 @@ namespace Ombrey {
 bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni, const std::string& Section,
                     const std::function<bool(const std::string&)>& DéjàOuvert);
 
+/// The texts of the section that the reader is set to; empty where a key is missing.
+[[nodiscard]] RéglagesPort LireRéglages(ILecteurIni& Lecteur);
+
+/// Checks the settings, then opens the port with them and closes it again, unless DéjàOuvert. The empty text, or why
+/// the port can't be had.
+[[nodiscard]] std::string EssayerPort(const RéglagesPort& Réglages,
+                                      const std::function<bool(const std::string&)>& DéjàOuvert);
+
 }  // namespace Ombrey

@@ -59,7 +59,7 @@ std::uint32_t SystèmeMachine::Tics() const {
   return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(Depuis).count());
 }
 
-DateHeure SystèmeMachine::Maintenant() const {
+DateHeure HeureLocale() {
   const std::time_t Instant = std::time(nullptr);
   std::tm Locale{};
   if (!localtime_r(&Instant, &Locale)) throw ErreurExécution("L'heure de la machine ne peut pas être lue.");

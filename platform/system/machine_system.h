@@ -9,13 +9,16 @@
 
 namespace Ombrey {
 
+/// The present moment on the clock of this machine's wall. Raises ErreurExécution when it can't be told.
+[[nodiscard]] DateHeure HeureLocale();
+
 class SystèmeMachine final : public ISystème {
  public:
   /// Boucle must outlive the object. Dossier is the working folder, this object's own for as long as it lives; it is
   /// made when it is missing, for its owner alone. Raises ErreurExécution when it can't be, or is another station's.
   SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier);
   [[nodiscard]] std::uint32_t Tics() const override;
-  [[nodiscard]] DateHeure Maintenant() const override;
+  [[nodiscard]] DateHeure Maintenant() const override { return HeureLocale(); }
   [[nodiscard]] Régional FormesRégionales() const override { return Formes_; }
   [[nodiscard]] std::filesystem::path CheminApplication() const override { return Dossier_; }
   [[nodiscard]] std::filesystem::path DossierImportsConservés() const override;

@@ -1,0 +1,206 @@
+// What an administrator asks first: versions, account, base, disk, clock and folder; the line has its own file.
+#include "host/diagnostic.h"
+
+#include <pwd.h>
+#include <sys/stat.h>
+#include <sys/timex.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <set>
+
+#include "base/failures.h"
+#include "base/files.h"
+#include "base/regional_forms.h"
+#include "host/plugin_loader.h"
+#include "host/schema.h"
+#include "host/schema_upgrade.h"
+#include "host/windows_module.h"
+#include "platform/system/folder_lock.h"
+#include "platform/system/machine_system.h"
+
+namespace Tarvel {
+namespace {
+
+namespace fs = std::filesystem;
+using Ombrey::Chemin;
+using Ombrey::TexteChemin;
+
+constexpr std::uintmax_t Mio = 1024U * 1024U;
+/// A season's loads take a few megabytes; a whole copy of the base must fit beside it.
+constexpr std::uintmax_t DisqueTropPlein = 50 * Mio;
+constexpr std::uintmax_t DisqueÀVoir = 500 * Mio;
+/// No clock of a machine that runs this program shows an earlier year.
+constexpr int AnnéePlausible = 2026;
+/// A terminal's clock may be ahead of ours, but not by a day.
+constexpr double AvancePermise = 1;
+
+std::string NomCompte(uid_t Numéro) {
+  const passwd* const Compte = getpwuid(Numéro);
+  return Compte ? Compte->pw_name : std::to_string(Numéro);
+}
+
+std::string DonnerÀCeCompte(const fs::path& Quoi) {
+  return "sudo chown -R " + NomCompte(geteuid()) + " " + PourCommande(TexteChemin(Quoi));
+}
+
+/// The folder, or the nearest one above it that is there.
+fs::path DossierPrésent(fs::path Dossier) {
+  std::error_code Code;
+  while (!fs::exists(Dossier, Code) && Dossier.has_relative_path()) Dossier = Dossier.parent_path();
+  return Dossier;
+}
+
+Constat ExaminerVersions(const Options& Choisies) {
+  utsname Système{};
+  uname(&Système);
+  const fs::path Greffon = Choisies.Greffon.empty() ? GreffonHabituel() : Choisies.Greffon;
+  const std::string Texte = TexteVersion() + ", " + (FenêtresInstallées() ? "avec" : "sans") + " fenêtres, " +
+                            Système.sysname + " " + Système.release + ", greffon " + TexteChemin(Greffon);
+  std::error_code Code;
+  if (fs::exists(Greffon, Code)) return {Jugement::Bon, "versions", Texte, ""};
+  return {Jugement::Mauvais, "versions", Texte + " : ce fichier manque.", "sudo apt install --reinstall ombrey"};
+}
+
+/// The rights of the superuser say nothing about those of the account that the station runs under.
+void ExaminerCompte(const Options& Choisies, std::vector<Constat>& Constats) {
+  struct stat État {};
+  if (geteuid() != 0 || stat(DossierPrésent(Choisies.Dossier).c_str(), &État) != 0 || État.st_uid == 0) return;
+  const std::string Ini = PourCommande(TexteChemin(Choisies.Ini));
+  Constats.push_back({Jugement::ÀVoir, "compte",
+                      "le dossier est au compte « " + NomCompte(État.st_uid) + " », et root a tous les droits.",
+                      "runuser -u " + NomCompte(État.st_uid) + " -- tarvel --diagnostic --ini " + Ini});
+}
+
+void ExaminerSchéma(Ombrey::ConnexionSqlite& Connexion, std::vector<Constat>& Constats) {
+  const int Numéro = NuméroSchémaDe(Connexion);
+  const std::string Texte =
+      "la base a le n° " + std::to_string(Numéro) + ", ce programme le n° " + std::to_string(NuméroSchéma) + ".";
+  if (Numéro == NuméroSchéma)
+    Constats.push_back({Jugement::Bon, "schéma", Texte, ""});
+  else if (Numéro < NuméroSchéma)
+    Constats.push_back({Jugement::ÀVoir, "schéma", Texte,
+                        "rien : la station la mettra à jour à son démarrage et en gardera une copie à côté"});
+  else
+    Constats.push_back({Jugement::Mauvais, "schéma", Texte, "installez la version récente de tarvel sur ce poste"});
+}
+
+/// The newest load's date, counted in days from now.
+double Avance(Ombrey::ConnexionSqlite& Connexion, const Ombrey::DateHeure& Maintenant) {
+  const auto Dernière = Connexion.Lire("SELECT MAX(DateCh) FROM Chargement");
+  const auto* const Lue = std::get_if<double>(&Dernière);
+  return Lue ? *Lue - Ombrey::NuméroDeJour(Maintenant) : 0;
+}
+
+/// True when the program can set the clock by others' and has.
+bool EstRégléeParRéseau() {
+  timex État{};
+  return adjtimex(&État) != TIME_ERROR && (État.status & STA_UNSYNC) == 0;
+}
+
+Constat ExaminerHorloge(double AvanceDesChargements) {
+  const Ombrey::DateHeure Maintenant = Ombrey::HeureLocale();
+  const std::string Texte = "il est " + Ombrey::TexteDateHeure(Maintenant) + " sur cette machine";
+  const std::string Remède = "sudo timedatectl set-ntp true, ou sudo date -s 'AAAA-MM-JJ HH:MM'";
+  if (Maintenant.Année < AnnéePlausible) return {Jugement::Mauvais, "horloge", Texte + ", ce qui est passé.", Remède};
+  if (AvanceDesChargements > AvancePermise)
+    return {Jugement::Mauvais, "horloge", Texte + ", et la base a un chargement d'un jour à venir.",
+            "comparez avec l'heure du terminal ; " + Remède};
+  if (!EstRégléeParRéseau())
+    return {Jugement::ÀVoir, "horloge", Texte + " ; aucun serveur de temps ne la règle.", Remède};
+  return {Jugement::Bon, "horloge", Texte + ".", ""};
+}
+
+double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
+  constexpr const char* Sujet = "base";
+  if (Choisies.Base.empty()) {
+    Constats.push_back({Jugement::Mauvais, Sujet, "aucune n'est nommée.",
+                        "mettez Base= dans la section [Tarvel] des réglages, ou donnez --base"});
+    return 0;
+  }
+  const std::string Nom = PourCommande(Choisies.Base);
+  try {
+    const auto Connexion = OuvrirCoopérative(Chemin(Choisies.Base));
+    const auto Nombre = Ombrey::TexteOuVide(Connexion->Lire("SELECT COUNT(*) FROM Chargement"), {});
+    if (Connexion->EstEnLectureSeule())
+      Constats.push_back({Jugement::Mauvais, Sujet,
+                          Choisies.Base + " ne peut être que lue : rien n'y serait enregistré.",
+                          DonnerÀCeCompte(Chemin(Choisies.Base))});
+    else
+      Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre, ""});
+    ExaminerSchéma(*Connexion, Constats);
+    return Avance(*Connexion, Ombrey::HeureLocale());
+  } catch (const Ombrey::ErreurExécution& Erreur) {
+    std::error_code Code;
+    const bool Présente = Choisies.EstSurServeur() || fs::exists(Chemin(Choisies.Base), Code);
+    const std::string Remettre = "tarvel --base " + Nom + " --restaurer SAUVEGARDE la remet";
+    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(),
+                        Présente ? Remettre : "tarvel --creer-base " + Nom + " en crée une ; " + Remettre});
+    return 0;
+  }
+}
+
+void ExaminerDisque(const Options& Choisies, std::vector<Constat>& Constats) {
+  std::set<fs::path> Dossiers = {DossierPrésent(Choisies.Dossier)};
+  if (!Choisies.Base.empty() && !Choisies.EstSurServeur())
+    Dossiers.insert(DossierPrésent(Chemin(Choisies.Base).parent_path()));
+  for (const fs::path& Dossier : Dossiers) {
+    std::error_code Code;
+    const std::uintmax_t Libre = fs::space(Dossier, Code).available;
+    if (Code) continue;
+    const Jugement Verdict = Libre < DisqueTropPlein ? Jugement::Mauvais
+                             : Libre < DisqueÀVoir   ? Jugement::ÀVoir
+                                                     : Jugement::Bon;
+    Constats.push_back({Verdict, "disque",
+                        std::to_string(Libre / Mio) + " Mio de libres pour " + TexteChemin(Dossier) + ".",
+                        Verdict == Jugement::Bon ? "" : "faites de la place : df -h " + PourCommande(Dossier)});
+  }
+}
+
+Constat ExaminerDossier(const Options& Choisies) {
+  constexpr const char* Sujet = "dossier";
+  const std::string Nom = TexteChemin(Choisies.Dossier);
+  const fs::path Présent = DossierPrésent(Choisies.Dossier);
+  std::error_code Code;
+  if (!fs::is_directory(Présent, Code))
+    return {Jugement::Mauvais, Sujet, TexteChemin(Présent) + " n'est pas un dossier.",
+            "choisissez-en un par --dossier"};
+  if (access(Présent.c_str(), W_OK | X_OK) != 0)
+    return {Jugement::Mauvais, Sujet, "ce compte ne peut pas écrire dans " + TexteChemin(Présent) + ".",
+            DonnerÀCeCompte(Présent)};
+  if (const auto Station = Ombrey::OccupantDossier(Choisies.Dossier))
+    return {Jugement::Bon, Sujet, "une station travaille dans " + Nom + " (" + *Station + ").", ""};
+  return {Jugement::Bon, Sujet, Nom + (Présent == Choisies.Dossier ? " est libre." : " sera créé au démarrage."), ""};
+}
+
+}  // namespace
+
+std::string PourCommande(const std::string& Texte) {
+  constexpr const char* Simples = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-:@";
+  if (Texte.find_first_not_of(Simples) == std::string::npos) return Texte;
+  std::string Cité = "'";
+  for (const char C : Texte) Cité += C == '\'' ? "'\\''" : std::string(1, C);
+  return Cité + "'";
+}
+
+std::string TexteConstat(const Constat& Un) {
+  constexpr const char* Verdicts[] = {"bon     ", "à voir  ", "mauvais "};
+  std::string Texte = Verdicts[static_cast<int>(Un.Verdict)] + Un.Sujet + " : " + Un.Texte;
+  if (!Un.ÀFaire.empty()) Texte += " À faire : " + Un.ÀFaire;
+  std::ranges::replace(Texte, '\n', ' ');
+  return Texte;
+}
+
+std::vector<Constat> Diagnostiquer(const Options& Choisies, const LieuxMachine& Lieux) {
+  std::vector<Constat> Constats = {ExaminerVersions(Choisies)};
+  ExaminerCompte(Choisies, Constats);
+  ExaminerLigne(Choisies, Lieux, Constats);
+  const double AvanceDesChargements = ExaminerBase(Choisies, Constats);
+  ExaminerDisque(Choisies, Constats);
+  Constats.push_back(ExaminerHorloge(AvanceDesChargements));
+  if (!Choisies.Dossier.empty()) Constats.push_back(ExaminerDossier(Choisies));
+  return Constats;
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,107 @@
+// The diagnosis of the real program names each fault and what mends it.
+#include "host/diagnostic.h"
+
+#include <fcntl.h>
+#include <sys/file.h>
+
+#include "platform/serial/udev_rule.h"
+#include "tests/road/post.h"
+
+namespace Ombrey::Essais {
+
+constexpr const char* Commande = BIN_DIR "/tarvel --diagnostic --base cave.db --ini tarvel.ini --dossier poste";
+
+TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
+  const std::string Autre = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
+  const std::string Seul = geteuid() == 0 ? "unshare -m" : "unshare -rm";
+  const struct {
+    const char* Acte;
+    std::string Par;
+    const char* Dit;  ///< how the line begins, up to "…", and what stands behind it
+    const char* ÀFaire;
+  } Cas[] = {
+      // clang-format off
+      {"rm tarvel.ini", "", "mauvais réglages : ", "cp /usr/share/doc/ombrey/examples/site.ini "},
+      {"rm tarvel.ini; mkdir tarvel.ini", "", "mauvais réglages : ", "remettez un fichier de texte"},
+      {"chmod 000 tarvel.ini", Autre, "mauvais réglages : ", "sudo chmod a+r "},
+      {"sed -i /Port/d tarvel.ini", "", "mauvais réglages : ", "Configurer le port"},
+      {"sed -i s/9600/9601/ tarvel.ini", "", "mauvais réglages : ", "[PlugInOmbrey]"},
+      {"sed -i s,=/.*,=/dev/absent, tarvel.ini", "", "mauvais port : Le port /dev/absent est absent", "la machine a : "},
+      {"sed -i s,=/.*,=/dev/null, tarvel.ini", "", "mauvais port : Le port /dev/null n'est pas un port série", " À faire : "},
+      {"sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini", "", "à voir  règle udev : ", "branchez cet adaptateur"},
+      {"chmod 000 $(readlink -f ligne)", Autre, "mauvais port : Vous n'avez pas le droit", " À faire : "},
+      {"rm cave.db", "", "mauvais base : ", "tarvel --creer-base "},
+      {"yes | head -c 5000 > cave.db", "", "mauvais base : ", "--restaurer SAUVEGARDE"},
+      {"chmod 444 cave.db", Autre, "mauvais base : ", "sudo chown -R "},
+      {"true", Seul + " sh -c 'mount -t tmpfs -o size=9m x poste && exec \"$@\"' - ", "mauvais disque : ", "df -h "},
+      {"true", "faketime 2001-01-01 ", "mauvais horloge : ", "timedatectl set-ntp"},
+      {"rmdir poste; : > poste", "", "mauvais dossier : ", "--dossier"},
+      {"chmod 555 poste", Autre, "mauvais dossier : ", "sudo chown -R "},
+      {"true", "", "bon     schéma : ", ""},
+      // clang-format on
+  };
+  for (const auto& [Acte, Par, Dit, ÀFaire] : Cas) {
+    SCOPED_TRACE(Par + "… " + Acte);
+    if (!Par.empty() && std::system((Par.substr(0, Par.find(" sh ")) + " true").c_str()) != 0) continue;
+    Poste P;
+    P.LancerTerminal("--hasard 1");
+    P.Faire("$ mkdir poste; " +
+            std::string(geteuid() == 0 ? "chown 65534 . poste cave.db; chmod a+rw $(readlink -f ligne); " : "") + Acte);
+    Programme Regard("cd " + P.En("") + " && " + Par + Commande);
+    const int Code = Regard.Fin();
+    const std::string& Texte = Regard.Dit();
+    const std::size_t Début = ("\n" + Texte).find("\n" + std::string(Dit));
+    ASSERT_NE(Début, std::string::npos) << Texte;
+    EXPECT_NE(Texte.substr(Début, Texte.find('\n', Début) - Début).find(ÀFaire), std::string::npos) << Texte;
+    EXPECT_EQ(Code, ("\n" + Texte).find("\nmauvais ") == std::string::npos ? 0 : 1) << Texte;
+  }
+}
+
+/// The newest load's day, the schema's number, a port that another program or the station itself holds.
+TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
+  Poste P;
+  P.LancerTerminal("--hasard 1");
+  const auto Constater = [&](const std::string& Attendu) {
+    Programme Regard("cd " + P.En("") + " && " + Commande);
+    EXPECT_TRUE(Regard.Attendre(Attendu)) << Regard.Dit();
+  };
+  const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+  ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
+  Constater("est déjà utilisé par un autre programme. À faire : arrêtez ce qui le tient : ");
+  close(Autre);
+  P.LancerStation();
+  EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
+  Constater("bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
+            P.Station->Numéro() + ")");
+  P.Rg80->Signaler(SIGINT);
+  P.Finir("1 1 0");
+  P.Faire("UPDATE Chargement SET DateCh = DateCh + 90000");
+  Constater("mauvais horloge : ");
+  P.Faire("UPDATE Schéma SET Numéro = 99");
+  Constater("mauvais schéma : ");
+}
+
+TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
+  Poste P;
+  P.Faire(
+      "$ mkdir -p usb/ttyUSB0 tty/ttyUSB0 regles && ln -s ../../usb tty/ttyUSB0/device && "
+      "printf 0403 > usb/idVendor && printf A1 > usb/serial && sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini");
+  Tarvel::Options Choisies;
+  Choisies.Ini = P.En("tarvel.ini");
+  const Tarvel::LieuxMachine Lieux{P.En("tty"), P.En("regles")};
+  const auto Constater = [&](const std::string& Attendu) {
+    std::string Textes;
+    for (const auto& Un : Tarvel::Diagnostiquer(Choisies, Lieux)) Textes += TexteConstat(Un) + "\n";
+    EXPECT_NE(Textes.find(Attendu), std::string::npos) << Textes;
+  };
+  Constater("70-ombrey-tarvel.rules vient d'être écrite");
+  P.Faire("$ grep -q 'ATTRS{serial}==\"A1\", SYMLINK+=\"ombrey-tarvel\"' regles/70-ombrey-tarvel.rules");
+  Constater("bon     règle udev : ");
+  P.Faire("$ printf B2 > usb/serial");
+  Constater("à voir  règle udev : ");
+  P.Faire("$ cp -a tty/ttyUSB0 tty/ttyUSB1 && rm regles/*");
+  Constater("n'est pas reconnu. À faire : branchez cet adaptateur seul");
+  EXPECT_TRUE(std::filesystem::is_empty(P.En("regles")));
+}
+
+}  // namespace Ombrey::Essais
