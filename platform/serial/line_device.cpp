@@ -9,34 +9,25 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 
 #include "base/failures.h"
 #include "base/system_error.h"
+#include "platform/serial/line_mode.h"
 
 namespace Ombrey {
 
 namespace {
 
-struct CodeVitesse {
-  int Bauds;
-  speed_t Code;
-};
-
-constexpr CodeVitesse CodesVitesse[] = {
-    {50, B50},   {75, B75},     {110, B110},   {134, B134},   {150, B150},   {200, B200},   {300, B300},
-    {600, B600}, {1200, B1200}, {1800, B1800}, {2400, B2400}, {4800, B4800}, {9600, B9600}, {19200, B19200},
-};
-
-constexpr tcflag_t TaillesMots[] = {CS5, CS6, CS7, CS8};
-constexpr int PetiteTaille = 5;
-
 /// Major numbers of the device files under /dev/pts.
 constexpr unsigned PremierMajeurPty = 136;
 constexpr unsigned DernierMajeurPty = 143;
+
+/// Beside the system's error numbers.
+constexpr int RéglagesRefusés = -1;
 
 /// "COM1: (/dev/ttyS0)", or the path alone.
 std::string Désignation(const std::string& NomPort, const std::string& Chemin) {
@@ -44,16 +35,16 @@ std::string Désignation(const std::string& NomPort, const std::string& Chemin) 
 }
 
 /// How to get the right to a device, for whom it is refused.
-std::string ConseilDroit(const std::string& Chemin) {
+std::string Conseil(const std::string& Chemin) {
   struct stat État {};
-  if (stat(Chemin.c_str(), &État) != 0) return "";
-  const group* Groupe = getgrgid(État.st_gid);
-  if (!Groupe) return "";
-  const std::string NomGroupe = Groupe->gr_name;
+  const group* Groupe = stat(Chemin.c_str(), &État) == 0 ? getgrgid(État.st_gid) : nullptr;
   const passwd* Compte = getpwuid(geteuid());
-  const std::string NomCompte = Compte ? Compte->pw_name : "$USER";
-  return " Il appartient au groupe « " + NomGroupe + " » : « sudo usermod -aG " + NomGroupe + " " + NomCompte +
-         " » y ajoute votre compte, puis ouvrez une nouvelle session.";
+  if (!Groupe) return "";
+  Demandeur Qui{Compte ? Compte->pw_name : "$USER"};
+  Qui.EnUse = getegid() == État.st_gid || group_member(État.st_gid) != 0;
+  Qui.Inscrit = Compte && Compte->pw_gid == État.st_gid;
+  for (char** Membre = Groupe->gr_mem; *Membre; ++Membre) Qui.Inscrit = Qui.Inscrit || Qui.Compte == *Membre;
+  return ConseilDroit(État.st_mode, Groupe->gr_name, Qui);
 }
 
 [[noreturn]] void Refuser(const std::string& NomPort, int Numéro) {
@@ -71,37 +62,15 @@ std::string ConseilDroit(const std::string& Chemin) {
       throw ErreurExécution(Port + " est déjà utilisé par un autre programme.");
     case EACCES:
       throw ErreurExécution("Vous n'avez pas le droit d'utiliser le port " + Désignation(NomPort, Chemin) + "." +
-                            ConseilDroit(Chemin));
+                            Conseil(Chemin));
+    case RéglagesRefusés:
+      throw ErreurExécution(Port + " n'accepte pas ces réglages de vitesse, de parité ou de taille des mots.");
     case ENOTTY:
     case EISDIR:
       throw ErreurExécution(Port + " n'est pas un port série.");
     default:
       throw ErreurExécution(Port + " ne peut pas être ouvert : " + TexteErreurSystème(Numéro) + ".");
   }
-}
-
-/// Raw mode: every byte passes as it is, a read never waits, and silence differs from the end of the device (VMIN 1).
-/// A character of wrong parity is read as NUL, which no checksum lets pass.
-termios ModeBrut(termios Mode, const RéglagesLigne& Réglages) {
-  cfmakeraw(&Mode);
-  Mode.c_iflag |= IGNBRK;
-  Mode.c_iflag &= ~static_cast<tcflag_t>(IXON | IXOFF | IXANY | INPCK);
-  Mode.c_cflag &= ~static_cast<tcflag_t>(CSIZE | PARENB | PARODD | CMSPAR | CSTOPB | CRTSCTS);
-  Mode.c_cflag |= CLOCAL | CREAD | TaillesMots[Réglages.Bits - PetiteTaille];
-  if (Réglages.BitsStop == 2) Mode.c_cflag |= CSTOPB;
-  if (Réglages.LaParité != Parité::Aucune) {
-    Mode.c_iflag |= INPCK;
-    Mode.c_cflag |= PARENB;
-  }
-  if (Réglages.LaParité == Parité::Impaire || Réglages.LaParité == Parité::Marque) Mode.c_cflag |= PARODD;
-  if (Réglages.LaParité == Parité::Marque || Réglages.LaParité == Parité::Espace) Mode.c_cflag |= CMSPAR;
-  Mode.c_cc[VMIN] = 1;
-  Mode.c_cc[VTIME] = 0;
-  const auto* Vitesse = std::find_if(std::begin(CodesVitesse), std::end(CodesVitesse),
-                                     [&](const CodeVitesse& C) { return C.Bauds == Réglages.Bauds; });
-  cfsetispeed(&Mode, Vitesse->Code);
-  cfsetospeed(&Mode, Vitesse->Code);
-  return Mode;
 }
 
 Passage Résultat(ssize_t Nombre) {
@@ -129,8 +98,7 @@ AppareilLigne::AppareilLigne(const std::string& NomPort, const RéglagesLigne& R
   Identité_ = État.st_rdev;
   const unsigned Majeur = major(Identité_);
   PseudoTerminal_ = Majeur >= PremierMajeurPty && Majeur <= DernierMajeurPty;
-  Prendre(NomPort);
-  Régler(NomPort, Réglages);
+  Prendre(NomPort, Réglages);
 }
 
 AppareilLigne::~AppareilLigne() {
@@ -140,29 +108,19 @@ AppareilLigne::~AppareilLigne() {
   ioctl(Numéro(), TIOCNXCL);
 }
 
-/// The lock keeps out our own programs, the superuser's too; the exclusive mode keeps out those that know no lock.
+/// The lock keeps out our own programs, the superuser's too; the exclusive mode keeps out those that know no lock. It
+/// comes last: where the device is refused, nothing stays behind.
 /// A pseudo-terminal would stay exclusive when its program is killed, until its far side ends.
-void AppareilLigne::Prendre(const std::string& NomPort) const {
-  termios Mode{};
-  if (tcgetattr(Numéro(), &Mode) != 0) Refuser(NomPort, errno);
-  if (flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(NomPort, errno);
-  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(NomPort, errno);
-}
-
-void AppareilLigne::Régler(const std::string& NomPort, const RéglagesLigne& Réglages) const {
+void AppareilLigne::Prendre(const std::string& NomPort, const RéglagesLigne& Réglages) const {
   termios Présent{};
-  if (tcgetattr(Numéro(), &Présent) != 0) Refuser(NomPort, errno);
+  if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(NomPort, errno);
   const termios Voulu = ModeBrut(Présent, Réglages);
-  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) Refuser(NomPort, errno);
   // The call succeeds when any part of the settings was taken.
+  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) Refuser(NomPort, errno == EINVAL ? RéglagesRefusés : errno);
   if (tcgetattr(Numéro(), &Présent) != 0) Refuser(NomPort, errno);
-  constexpr tcflag_t Comptent = CSIZE | PARENB | PARODD | CMSPAR | CSTOPB;
-  const bool Appliqués =
-      cfgetospeed(&Présent) == cfgetospeed(&Voulu) && (Présent.c_cflag & Comptent) == (Voulu.c_cflag & Comptent);
-  if (!Appliqués && !PseudoTerminal_)
-    throw ErreurExécution("Le port " + Désignation(NomPort, CheminDuPort(NomPort)) +
-                          " n'accepte pas ces réglages de vitesse, de parité ou de taille des mots.");
+  if (!PseudoTerminal_ && !EstAppliqué(Voulu, Présent)) Refuser(NomPort, RéglagesRefusés);
   tcflush(Numéro(), TCIFLUSH);
+  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(NomPort, errno);
 }
 
 Passage AppareilLigne::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }

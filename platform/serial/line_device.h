@@ -44,8 +44,7 @@ class AppareilLigne {
   void JeterEnvoi() const;
 
  private:
-  void Prendre(const std::string& NomPort) const;
-  void Régler(const std::string& NomPort, const RéglagesLigne& Réglages) const;
+  void Prendre(const std::string& NomPort, const RéglagesLigne& Réglages) const;
 
   Descripteur Descripteur_;
   dev_t Identité_ = 0;

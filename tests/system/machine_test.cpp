@@ -192,7 +192,7 @@ TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
       {{Libre.Nom(), "9600", "N", "1", "8"}, ""}, {{Loin_.Nom(), "9600", "N", "1", "8"}, "déjà utilisé"},
       {{Libre.Nom(), "vite", "N", "1", "8"}, "« vite »"}, {{Libre.Nom(), "115200", "N", "1", "8"}, "« 115200 »"},
       {{Libre.Nom(), "9600", "?", "1", "8"}, "« ? »"}, {{Libre.Nom(), "9600", "N", "", "8"}, "«  »"},
-      {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{Interdit.Nom(), "9600", "N", "1", "8"}, "sudo usermod -aG "}};
+      {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{Interdit.Nom(), "9600", "N", "1", "8"}, "pas le droit"}};
   // clang-format on
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
     const uid_t Moi = geteuid();
