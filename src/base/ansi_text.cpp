@@ -19,6 +19,22 @@ constexpr std::array<char16_t, DernierPropre - PremierPropre + 1> CodesPropres =
     0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178,
 };
 
+/// Letters that can also be stored as a plain letter with a combining accent behind it.
+struct Accent {
+  char32_t Signe;
+  std::u32string_view Nues;
+  std::u32string_view Accentuées;  ///< in the same order
+};
+
+constexpr std::array<Accent, 8> Accents = {{{0x0300, U"AEIOUaeiou", U"ÀÈÌÒÙàèìòù"},
+                                            {0x0301, U"AEIOUYaeiouy", U"ÁÉÍÓÚÝáéíóúý"},
+                                            {0x0302, U"AEIOUaeiou", U"ÂÊÎÔÛâêîôû"},
+                                            {0x0303, U"ANOano", U"ÃÑÕãñõ"},
+                                            {0x0308, U"AEIOUYaeiouy", U"ÄËÏÖÜŸäëïöüÿ"},
+                                            {0x030A, U"Aa", U"Åå"},
+                                            {0x030C, U"SZsz", U"ŠŽšž"},
+                                            {0x0327, U"Cc", U"Çç"}}};
+
 struct Caractère {
   char32_t Code;
   std::size_t Longueur;
@@ -53,6 +69,25 @@ std::optional<Caractère> LireCaractère(std::string_view Texte) {
   return std::nullopt;
 }
 
+/// The accented letter that the character and the one behind it stand for; none when they stand for themselves.
+std::optional<char32_t> Composer(char32_t Nue, char32_t Signe) {
+  const auto* const Sien = std::ranges::find(Accents, Signe, &Accent::Signe);
+  if (Sien == Accents.end()) return std::nullopt;
+  const std::size_t Rang = Sien->Nues.find(Nue);
+  if (Rang == std::u32string_view::npos) return std::nullopt;
+  return Sien->Accentuées[Rang];
+}
+
+/// As LireCaractère, with a letter and its accent as one character.
+std::optional<Caractère> LireLettre(std::string_view Texte) {
+  const auto Lue = LireCaractère(Texte);
+  if (!Lue || Lue->Longueur == Texte.size()) return Lue;
+  const auto Suite = LireCaractère(Texte.substr(Lue->Longueur));
+  if (!Suite) return Lue;
+  const auto Composée = Composer(Lue->Code, Suite->Code);
+  return Composée ? Caractère{*Composée, Lue->Longueur + Suite->Longueur} : Lue;
+}
+
 char OctetAnsi(char32_t Code) {
   const bool MêmeCode = Code < PremierPropre || (Code > DernierPropre && Code <= 0xFF);
   if (MêmeCode) return static_cast<char>(Code);
@@ -67,7 +102,7 @@ Octets VersAnsi(std::string_view Texte) {
   std::string Résultat;
   Résultat.reserve(Texte.size());
   while (!Texte.empty()) {
-    const auto Lu = LireCaractère(Texte);
+    const auto Lu = LireLettre(Texte);
     Résultat += Lu ? OctetAnsi(Lu->Code) : Remplaçant;
     Texte.remove_prefix(Lu ? Lu->Longueur : 1);
   }

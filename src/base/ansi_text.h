@@ -9,8 +9,8 @@
 namespace Ombrey {
 
 /// One byte for each character of the UTF-8 text; "?" for a character without a place in Windows-1252 and for each
-/// byte that is no UTF-8. The five codes that 1252 leaves open stand for the control characters of the same number, so
-/// that any bytes survive the way there and back.
+/// byte that is no UTF-8. A letter stored with a combining accent is the accented letter. The five codes that 1252
+/// leaves open stand for the control characters of the same number, so that any bytes survive the way there and back.
 [[nodiscard]] Octets VersAnsi(std::string_view Texte);
 
 /// The same text in UTF-8. Every byte has a character.

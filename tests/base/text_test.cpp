@@ -18,6 +18,9 @@ TEST(AnsiText, AccentsAndSignsTakeOneByte) {
   // clang-format off
   const std::pair<const char*, const char*> Table[] = {
       {"Métayage n°", "M\xE9tayage n\xB0"}, {"€ Œ œ Ÿ ’ …", "\x80 \x8C \x9C \x9F \x92 \x85"}, {"ÿ\u00A0", "\xFF\xA0"},
+      // A letter and the accent stored behind it; an accent that has no such letter.
+      {"A\u0300e\u0301I\u0302n\u0303Y\u0308A\u030AZ\u030Cc\u0327",
+       "\xC0\xE9\xCE\xF1\x9F\xC5\x8E\xE7"}, {"\u0301x\u0301E\u0327", "?x?E?"},
       {"日本 \U0001F347", "?? ?"},          // a character without a place is one "?"
       {"a\xE9z", "a?z"}, {"\xC3", "?"},     // no UTF-8, cut at its end
       {"\xC0\xAF|\xED\xA0\x80", "??|???"},  // overlong form, half of a surrogate pair
