@@ -112,8 +112,8 @@ void CommandesConsole::AjouterSuivi() {
                &IGestesSuivi::BtnForcerCumulsRG80_Click);
   AjouterGeste("masquer", "masque la fenêtre des chargements", Moment::HorsBoîte, &IGestesSuivi::BtnMasquer_Click);
   Ajouter({"liste", "", "les chargements du jour", Moment::EntreDeux, [this](const std::string&) { Lister(); }});
-  AjouterListe("messages", "la liste des messages", Onglet::Suivis);
-  AjouterListe("erreurs", "la liste des erreurs", Onglet::Erreurs);
+  AjouterListe("messages", "la liste des messages", Onglet::Suivis, "aucun");
+  AjouterListe("erreurs", "la liste des erreurs", Onglet::Erreurs, "aucune");
   Ajouter({"imprimer", "FICHIER", "écrit la liste des erreurs, en pages, dans un fichier", Moment::HorsBoîte,
            [this](const std::string& Fichier) { Imprimer(Fichier); }});
 }
@@ -137,26 +137,34 @@ void CommandesConsole::AjouterCase(const char* Nom, const char* Aide, bool Coch�
            }});
 }
 
-void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Liste) {
-  Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Nom, Liste](const std::string&) {
-             const std::vector<std::string> Lignes = Suivi(Fenêtres_).Lignes(Liste);
-             Fenêtres_.Ligne(std::string(Nom) + " : " + std::to_string(Lignes.size()));
-             for (const std::string& Ligne : Lignes) Fenêtres_.Ligne("  " + Ligne);
-           }});
+void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Liste, const char* Aucune) {
+  Ajouter({Nom, "", Aide, Moment::EntreDeux,
+           [this, Nom, Liste, Aucune](const std::string&) { Montrer(Nom, Lignes(Liste), 0, Aucune); }});
 }
 
 void CommandesConsole::Lister() {
-  Suivi(Fenêtres_).Gestes().Form_Activate();  // reads the loads again
-  const std::vector<std::string> Lignes = Suivi(Fenêtres_).Tableau();
-  Fenêtres_.Ligne("liste : " + std::to_string(Lignes.empty() ? 0 : Lignes.size() - 1));
+  if (Fenêtres_.VueSuivi() != nullptr) Fenêtres_.VueSuivi()->Gestes().Form_Activate();  // reads the loads again
+  const auto* const Vue = Fenêtres_.VueSuivi();
+  Montrer("liste", Vue == nullptr ? std::vector<std::string>() : Vue->Tableau(), 1, "aucun");
+}
+
+/// A window that isn't there yet has nothing in its lists.
+std::vector<std::string> CommandesConsole::Lignes(Onglet Liste) const {
+  const auto* const Vue = Fenêtres_.VueSuivi();
+  return Vue == nullptr ? std::vector<std::string>() : Vue->Lignes(Liste);
+}
+
+void CommandesConsole::Montrer(const char* Nom, const std::vector<std::string>& Lignes, std::size_t Entêtes,
+                               const char* Aucune) {
+  const bool Vide = Lignes.size() <= Entêtes;
+  Fenêtres_.Ligne(std::string(Nom) + " : " + (Vide ? Aucune : std::to_string(Lignes.size() - Entêtes)));
+  if (Vide) return;
   for (const std::string& Ligne : Lignes) Fenêtres_.Ligne("  " + Ligne);
 }
 
 void CommandesConsole::Imprimer(const std::string& Fichier) {
-  if (Suivi(Fenêtres_).Lignes(Onglet::Erreurs).empty()) {
-    Indiquer("la liste des erreurs est vide, rien n'est imprimé.");
-    return;
-  }
+  if (Lignes(Onglet::Erreurs).empty()) return Indiquer("la liste des erreurs est vide, rien n'est imprimé.");
+  if (Fenêtres_.ImpressionEnAttente()) return Indiquer("une impression attend déjà la fin du dialogue en cours.");
   Fenêtres_.FixerFichierImpression(Fichier);
   Suivi(Fenêtres_).Gestes().BtnImprimer_Click();
 }

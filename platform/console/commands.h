@@ -54,8 +54,11 @@ class CommandesConsole {
   void AjouterTransfert();
   void AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)());
   void AjouterCase(const char* Nom, const char* Aide, bool Cochée);
-  void AjouterListe(const char* Nom, const char* Aide, Onglet Liste);
+  void AjouterListe(const char* Nom, const char* Aide, Onglet Liste, const char* Aucune);
   void Lister();
+  [[nodiscard]] std::vector<std::string> Lignes(Onglet Liste) const;
+  /// The number of lines, the headings on top left out, then the lines; Aucune stands for a number of 0.
+  void Montrer(const char* Nom, const std::vector<std::string>& Lignes, std::size_t Entêtes, const char* Aucune);
   void Imprimer(const std::string& Fichier);
   void Aider();
 

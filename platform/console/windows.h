@@ -55,14 +55,17 @@ class FenêtresConsole : public IFenêtres {
   [[nodiscard]] VueSuiviConsole* VueSuivi() const { return VueSuivi_; }
   [[nodiscard]] VueChargntConsole* VueChargnt() const { return VueChargnt_; }
   void Oublier(const VueSuiviConsole& Vue) {
-    if (VueSuivi_ == &Vue) VueSuivi_ = nullptr;
+    if (VueSuivi_ != &Vue) return;
+    VueSuivi_ = nullptr;
+    FichierImpression_.reset();
   }
   void Oublier(const VueChargntConsole& Vue) {
     if (VueChargnt_ == &Vue) VueChargnt_ = nullptr;
   }
 
-  /// The file that the next document goes to, and that one alone: without a file there is no printer.
+  /// The file that the window's next document goes to, and that one alone: without a file there is no printer.
   void FixerFichierImpression(std::string Fichier) { FichierImpression_ = std::move(Fichier); }
+  [[nodiscard]] bool ImpressionEnAttente() const { return FichierImpression_.has_value(); }
 
   /// Runs the loop as long as Dure says and the station isn't ending. The operator can work the console meanwhile as
   /// if nothing were under way: the wait is for him.

@@ -156,9 +156,10 @@ void PlugIn::IPlugInTarvel_Afficher() {
 
 void PlugIn::IPlugInTarvel_Configurer() {
   const auto Tenu = État_.PlugInCourant;
-  // Questions in the midst of an exchange would hold it up until they are answered. The line itself goes back at once.
-  const auto Encore = [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); };
-  if (!État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration, Encore)) return;
+  // Held while the operator is asked: on a port that doesn't open, which is when it is set anew, every poll has a box.
+  const auto Ligne = État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration,
+                                                   [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
+  if (!Ligne) return;
   if (const auto Port = État_.PortComm) {
     Port->Configurer(État_.FichierIni, SectionIni);
   } else {

@@ -135,7 +135,8 @@ void FSuiviChargnt::BtnForcerCumulsRG80_Click() {
 }
 
 void FSuiviChargnt::BtnImprimer_Click() {
-  if (Erreurs_.empty()) return;
+  if (Erreurs_.empty() || !BoîtePermise(DemandeLigne::Impression, [this] { BtnImprimer_Click(); })) return;
+  const auto PlugIn = État_.PlugInCourant;
   ErreurEnAttente Erreur;
   const bool Imprimée = Ignorer(Erreur, [this] {
     const auto Imprimante = État_.Plateforme.Fenêtres().OuvrirImprimante();
@@ -159,11 +160,18 @@ void FSuiviChargnt::ListeMessages_DblClick(Onglet Liste) {
   MontrerLigne(Texte);
 }
 
-/// A box in the midst of an exchange would hold up the terminal.
 void FSuiviChargnt::MontrerLigne(const std::string& Texte) {
-  const bool Libre =  // the line itself goes back at once
-      État_.Ligne.PrendreOuReporter(DemandeLigne::Lecture, [this, Texte] { MontrerLigne(Texte); }).has_value();
-  if (Libre) État_.Avertir(Texte);
+  if (BoîtePermise(DemandeLigne::Lecture, [this, Texte] { MontrerLigne(Texte); })) État_.Avertir(Texte);
+}
+
+/// A box in the midst of an exchange would hold up the terminal: Reprise then runs behind it. The line itself goes back
+/// at once.
+bool FSuiviChargnt::BoîtePermise(DemandeLigne Demande, std::function<void()> Reprise) {
+  const std::weak_ptr<const void> Vie = Vie_;
+  const auto SiVivante = [Vie, Reprise = std::move(Reprise)] {
+    if (!Vie.expired()) Reprise();
+  };
+  return État_.Ligne.PrendreOuReporter(Demande, SiVivante).has_value();
 }
 
 void FSuiviChargnt::Form_Activate() {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -50,6 +51,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void ReprendrePlace();
   void SauverPlacement();
   void MontrerLigne(const std::string& Texte);
+  [[nodiscard]] bool BoîtePermise(DemandeLigne Demande, std::function<void()> Reprise);
   void RemplirGrille();
   [[nodiscard]] std::string Horodatage() const;
 

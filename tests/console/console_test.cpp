@@ -94,6 +94,7 @@ class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGest
     throw ErreurExécution("Variable objet non définie");
   }
   void BtnImprimer_Click() override {
+    if (++Impressions == 4) return;  // put off
     const auto Imprimante = Édition.Fenêtres().OuvrirImprimante();
     for (int Ligne = 0; Ligne < 61; ++Ligne) Imprimante->Imprimer("x");
     Imprimante->TerminerDocument();
@@ -118,6 +119,7 @@ class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGest
       Édition.Fenêtres().CréerVueChargntDonnées(*this, "Transfert", {}, Contrôles);
 
  private:
+  int Impressions = 0;
   void Noter(const std::string& Geste) const { SortieConsole(T.Console.Numéro()).Ligne("> " + Geste); }
   void Demander(const char* Titre, BoutonsBoîte Boutons) {
     constexpr const char* Réponses[] = {"ok", "recommencer", "annuler"};
@@ -140,12 +142,16 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
   const std::string Pages = Dossier.Chemin() / "pages";
   // clang-format off
   const CasSéance Cas[] = {
-      {"imprimer f\ninterroger\nmessages\nerreurs\nimprimer /dev/null\nimprimer /absent/f\nimprimer " + Pages + "\n",
+      {"imprimer f\ninterroger\nmessages\nerreurs\nimprimer /dev/null\nimprimer /absent/f\nimprimer " + Pages + "\nimprimer f\nimprimer g\n",
        "console : la liste des erreurs est vide, rien n'est imprimé.\nmessage [x] 08:00 : Ancien\n"
        "message [x] 08:01 : Lu\nerreur 08:02 : Perdu ⏎ ␛[2J␡�m\nmessage [ ] 08:02 : Perdu\n"
        "console : Variable objet non définie\nmessages : 2\n  [x] 08:01 : Lu\n  [ ] 08:02 : Perdu\n"
        "erreurs : 1\n  08:02 : Perdu ⏎ ␛[2J␡�m\nconsole : /dev/null n'est pas un fichier ordinaire.\n"
-       "console : /absent/f ne peut pas être écrit : introuvable.\nimprimé : " + Pages + "\n> fin\n"},
+       "console : /absent/f ne peut pas être écrit : introuvable.\nimprimé : " + Pages + "\n"
+       "console : une impression attend déjà la fin du dialogue en cours.\n> fin\n"},
+      {"masquer\nliste\nmessages\nerreurs\nimprimer f\nquotas\n",
+       "liste : aucun\nmessages : aucun\nerreurs : aucune\nconsole : la liste des erreurs est vide, rien n'est imprimé.\n"
+       "console : il n'y a pas encore de fenêtre des chargements.\n> fin\n"},
       {" \r\n  LISTE  \r\n\nd\xE9part\nbouton de trop\nimprimer\n" + std::string(10000, 'x') + "\nok",
        "liste : 2\n  N° | Propriétaire\n  7  | Estève Anaïs\n  12 |\n"
        "console : commande inconnue : «départ». «aide» donne la liste des commandes.\n"

@@ -167,7 +167,12 @@ TEST_F(Hôte, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
     Lancer();
     TerminalVide();
     Mots Venus;
-    Port->SurConfigurer = [&] { return !Venus.emplace_back("configuration").empty(); };
+    Port->SurConfigurer = [&] {
+      Port->Ecrits.clear();
+      Laisser(5000);
+      EXPECT_TRUE(Port->Ecrits.empty()) << "a poll while the operator is asked";
+      return !Venus.emplace_back("configuration").empty();
+    };
     Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
       Venus.emplace_back("menu");
       Fenêtre.Gestes.BtnFermer_Click();
@@ -175,9 +180,8 @@ TEST_F(Hôte, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
     Dans(10002, [&] {
       LePlugIn->IPlugInTarvel_Configurer();
       LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
-      Port->Ecrits.clear();
     });
-    Laisser(11000);
+    Laisser(16000);
     EXPECT_EQ(Venus, (Mots{"menu", "configuration"}));
     EXPECT_GT(Port->Ecrits.size(), 20U) << "polling goes on";
   }

@@ -146,21 +146,26 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
   EXPECT_EQ(Réglages, Place("1000", "800", "9525", "11265"));
 }
 
-TEST_F(Suivi, SendsTheFiguresOnceTheLineIsFreeUnlessTheWindowHasGone) {
+TEST_F(Suivi, SendsTheFiguresAndPrintsOnceTheLineIsFreeUnlessTheWindowHasGone) {
   Services.SurCumuls = [this] {
     EXPECT_TRUE(État.Ligne.EstPrise());
     throw ErreurExécution("table absente");
   };
   for (const bool Partie : {true, false}) {
     Ouvrir();
+    Fenêtre->AjouterErreur("panne");
     auto Prise = État.Ligne.PrendreOuReporter(DemandeLigne::Interrogation, [] {});
-    for (int Fois = 0; Fois < 2; ++Fois) Fenêtre->BtnForcerCumulsRG80_Click();
+    for (int Fois = 0; Fois < 2; ++Fois) {
+      Fenêtre->BtnForcerCumulsRG80_Click();
+      Fenêtre->BtnImprimer_Click();
+    }
     if (Partie) Fenêtre.reset();
     Système.Laisser(milliseconds(100));
-    EXPECT_EQ(Services.Cumuls, Mots());
+    EXPECT_TRUE(Services.Cumuls.empty() && Fenêtres.Imprimé.empty());
     Prise.reset();
     Système.Laisser(milliseconds(100));
     EXPECT_EQ(Services.Cumuls, Mots(!Partie));
+    EXPECT_EQ(std::ranges::count(Fenêtres.Imprimé, "end"), !Partie);
   }
   EXPECT_EQ(Vue().Lignes[Onglet::Erreurs].at(0).first, Heure + "table absente");
 }
