@@ -14,7 +14,6 @@
 #include "common/plugin_state.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
-#include "import/load_record.h"
 
 namespace Ombrey::Mesures {
 namespace {
@@ -40,7 +39,6 @@ class Atelier {
   explicit Atelier(std::int64_t Membres) : Membres_(Membres), Cave_(false), État_(Cave_.Poste.Plateforme(), Canal_) {
     Cave_.AjouterMembres(Membres);
     État_.BaseDeD = Cave_.Base;
-    InitConstantes(État_);
   }
 
   /// True when the member's own holding was found and nothing was created.

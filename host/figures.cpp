@@ -9,6 +9,7 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/line_protocol.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -107,7 +108,7 @@ std::int32_t Figures::RestantExploit(FiltreChargements Filtre) const {
       Nombre("Part de l'exploitation", "SELECT Part FROM Métayage WHERE IdMétayage = ?1", {Filtre.Métayage});
   const auto ParSurface = Nombre("Quota par surface de l'appellation",
                                  "SELECT QuotasSurface FROM Sélection WHERE IdSélection = ?1", {Filtre.Sélection});
-  if (!Surface || !Part || !ParSurface) return SansQuota;
+  if (!Surface || !Part || !ParSurface) return Ombrey::SansQuota;
   BornerALaSaison(Filtre);
   constexpr double PourCent = 100;
   return EntierBorné(*Surface * *ParSurface * *Part / PourCent - Masse(Filtre));
@@ -118,7 +119,7 @@ std::int32_t Figures::RestantGroupe(FiltreChargements Filtre) const {
                             "SELECT QuotaJournalier FROM QuotasGrp"
                             " WHERE CAST(IdGrp AS INTEGER) = CAST(?1 AS INTEGER) AND Sélection = ?2",
                             {Filtre.Groupe, Filtre.Sélection});
-  if (Filtre.Groupe.empty() || !Quota) return SansQuota;
+  if (Filtre.Groupe.empty() || !Quota) return Ombrey::SansQuota;
   if (!Filtre.Du) Filtre.Du = NuméroDeJour(Système_.Maintenant());
   if (!Filtre.Au) Filtre.Au = Filtre.Du;
   return EntierBorné(*Quota - Masse(Filtre));

@@ -13,9 +13,6 @@
 
 namespace Tarvel {
 
-/// The figure that says that there is no quota.
-inline constexpr std::int32_t SansQuota = 999999;
-
 /// Tells the operator one sentence.
 using Avis = std::function<void(const std::string&)>;
 

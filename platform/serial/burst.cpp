@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "contracts/line_characters.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 

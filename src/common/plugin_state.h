@@ -29,28 +29,18 @@ struct ÉtatPlugIn {
   // MOmbreyGlobal
   std::shared_ptr<IPlugInTarvel> PlugInCourant;  ///< keeps the plug-in alive until it has ended
   std::shared_ptr<IBaseDeD> BaseDeD;
-  std::string FichierIni;
   std::int32_t PériodeInterrogation = 2000;  ///< milliseconds from the end of a poll to the next
 
   // Members of PlugIn
   std::shared_ptr<IEventPlugin> EventPlugin;
-  std::uint8_t NumBouton = 0;
-  std::uint8_t NumMenu = 0;
-  std::shared_ptr<IServeurPortComm> ServeurPortComm;
   std::shared_ptr<IPortComm> PortComm;
-  std::int16_t LongEnregChargement = 0;  ///< length of a load record, once InitConstantes has run
-  std::string ChampsChargement;
-  std::string ChampsCumuls;
   std::string DernierNoChargement;
   Octets TamponRéception;  ///< what the terminal sent and nobody has consumed
   bool Abandon = false;    ///< the plug-in is ending: look at it again after every pump
 
   // References that receive events
-  std::shared_ptr<IClientPortComm> EventPortComRG80;
   std::shared_ptr<IEtatBdD> EtatBdD;
-  std::shared_ptr<IKVSynchro> KVSynchro;
   std::shared_ptr<IRetard> Retard;
-  std::shared_ptr<IAccèsDistant> AccèsDistant;
 
   ErreurEnAttente Erreur;  ///< the pending run-time failure
   UsageLigne Ligne;

@@ -18,8 +18,8 @@ constexpr const char* CléPériode = "Période interrogation";
 /// The settings file, opened on the plug-in's section.
 class Section {
  public:
-  explicit Section(const ÉtatPlugIn& État) : Lecteur_(État.Plateforme.CréerLecteurIni()) {
-    Lecteur_->FixerFichier(État.FichierIni);
+  Section(IPlateforme& Plateforme, const std::string& Fichier) : Lecteur_(Plateforme.CréerLecteurIni()) {
+    Lecteur_->FixerFichier(Fichier);
     Lecteur_->FixerSection(SectionIni);
   }
   [[nodiscard]] std::string Lire(const std::string& Clé) {
@@ -58,12 +58,11 @@ Entier EntierDuRéglage(const char* Clé, const std::string& Valeur, const Régi
 std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> EventPlugin) {
   const auto Tenu = État_.PlugInCourant;
   État_.EventPlugin = std::move(EventPlugin);
-  InitConstantes();
-  std::string NomPort = Section(État_).Lire(CléPort);
+  std::string NomPort = Section(État_.Plateforme, FichierIni_).Lire(CléPort);
   if (NomPort.empty()) {
     DemanderRéglages();
     if (État_.Abandon) return "";
-    NomPort = Section(État_).Lire(CléPort);
+    NomPort = Section(État_.Plateforme, FichierIni_).Lire(CléPort);
   }
   std::string Erreur = NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
   LirePériode();
@@ -84,16 +83,16 @@ std::shared_ptr<IClientPortComm> PlugIn::NouvelEventPort(const std::string& NomP
 }
 
 void PlugIn::ObtenirPort(const std::string& NomPort, const std::string& NomClient) {
-  if (!État_.ServeurPortComm) État_.ServeurPortComm = État_.Plateforme.CréerServeurPortComm();
-  État_.EventPortComRG80 = NouvelEventPort(NomClient);
-  État_.PortComm = Exiger(État_.ServeurPortComm)->ObtenirPort(NomPort, État_.EventPortComRG80);
+  if (!ServeurPortComm_) ServeurPortComm_ = État_.Plateforme.CréerServeurPortComm();
+  EventPortComRG80_ = NouvelEventPort(NomClient);
+  État_.PortComm = Exiger(ServeurPortComm_)->ObtenirPort(NomPort, EventPortComRG80_);
 }
 
 /// No port was ever configured: the operator is asked.
 void PlugIn::DemanderRéglages() {
   ObtenirPort(PortParDéfaut, "");
   const auto Port = Exiger(État_.PortComm);
-  Port->Configurer(État_.FichierIni, SectionIni);
+  Port->Configurer(FichierIni_, SectionIni);
   État_.PortComm.reset();
 }
 
@@ -101,7 +100,7 @@ void PlugIn::DemanderRéglages() {
 std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
   ObtenirPort(NomPort, NomPort);
   if (!État_.PortComm) {
-    return "Impossible d'initialiser le port de communication.\r" + État_.ServeurPortComm->ErreurServeur();
+    return "Impossible d'initialiser le port de communication.\r" + ServeurPortComm_->ErreurServeur();
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
   if (État_.PortComm->Ouvrir()) {
@@ -116,7 +115,7 @@ std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
 bool PlugIn::DefParamPort() {
   const auto Port = Exiger(État_.PortComm);
   const Régional Formes = État_.Formes();
-  Section Réglages(État_);
+  Section Réglages(État_.Plateforme, FichierIni_);
   const auto Entier = [&](const char* Clé) { return EntierDuRéglage<std::int16_t>(Clé, Réglages.Lire(Clé), Formes); };
   Port->FixerNomPort(Réglages.Lire(CléPort));
   Port->FixerBauds(Entier("Bauds"));
@@ -132,7 +131,7 @@ bool PlugIn::DefParamPort() {
 
 void PlugIn::LirePériode() {
   const Régional Formes = État_.Formes();
-  Section Réglages(État_);
+  Section Réglages(État_.Plateforme, FichierIni_);
   const std::string Valeur = Réglages.Lire(CléPériode);
   if (EstNumérique(Valeur, Formes)) {
     État_.PériodeInterrogation = EntierDuRéglage<std::int32_t>(CléPériode, Valeur, Formes);
@@ -161,9 +160,9 @@ void PlugIn::IPlugInTarvel_Configurer() {
                                                    [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
   if (!Ligne) return;
   if (const auto Port = État_.PortComm) {
-    Port->Configurer(État_.FichierIni, SectionIni);
+    Port->Configurer(FichierIni_, SectionIni);
   } else {
-    NouvelEventPort("")->Configurer(État_.FichierIni, SectionIni);
+    NouvelEventPort("")->Configurer(FichierIni_, SectionIni);
   }
 }
 

@@ -3,7 +3,6 @@
 
 #include "base/text_helpers.h"
 #include "core/button_picture.h"
-#include "import/load_record.h"
 
 namespace Ombrey {
 namespace {
@@ -43,13 +42,11 @@ std::shared_ptr<PlugIn> PlugIn::Créer(IPlateforme& Plateforme) {
 
 void PlugIn::Class_Initialize() {
   État_.PlugInCourant = shared_from_this();
-  État_.AccèsDistant = État_.Plateforme.CréerAccèsDistant();
-  Exiger(État_.AccèsDistant)->Paramétrer("2");
+  AccèsDistant_ = État_.Plateforme.CréerAccèsDistant();
+  Exiger(AccèsDistant_)->Paramétrer("2");
 }
 
 PlugIn::~PlugIn() { IPlugInTarvel_Terminer(); }
-
-void PlugIn::InitConstantes() { Ombrey::InitConstantes(État_); }
 
 std::string PlugIn::MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues) {
   return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
@@ -62,14 +59,14 @@ std::string PlugIn::IPlugInTarvel_Nom() const { return NomPlugIn; }
 std::string PlugIn::IPlugInTarvel_Version() const { return OMBREY_VERSION; }
 
 bool PlugIn::IPlugInTarvel_AjouterBouton(std::uint8_t NumBouton, std::int16_t&, std::string& ToolTipText) {
-  if (!Retenir(État_.NumBouton, NumBouton)) return false;
+  if (!Retenir(NumBouton_, NumBouton)) return false;
   État_.Plateforme.Fenêtres().PoserImages(ImagesBouton());
   ToolTipText = "Comm. au RG80";
   return true;
 }
 
 bool PlugIn::IPlugInTarvel_AjouterMenu(std::uint8_t NumMenu, std::string& Texte) {
-  if (!Retenir(État_.NumMenu, NumMenu)) return false;
+  if (!Retenir(NumMenu_, NumMenu)) return false;
   Texte = "&Charger les données vers le RG80";
   return true;
 }
@@ -84,7 +81,7 @@ void PlugIn::Reporter(const std::function<void()>& Faire) {
 }
 
 void PlugIn::IPlugInTarvel_BoutonBarreOutilsAppelé(std::int16_t Num, const std::string&) {
-  if (Num == État_.NumBouton && Num != 0) TesterEtMontrer();
+  if (Num == NumBouton_ && Num != 0) TesterEtMontrer();
 }
 
 void PlugIn::TesterEtMontrer() {
@@ -103,7 +100,7 @@ void PlugIn::TesterEtMontrer() {
 }
 
 void PlugIn::IPlugInTarvel_MenuAppelé(std::int16_t Num, const std::string&) {
-  if (Num == État_.NumMenu && Num != 0) TransférerDonnées();
+  if (Num == NumMenu_ && Num != 0) TransférerDonnées();
 }
 
 void PlugIn::TransférerDonnées() {
@@ -130,27 +127,27 @@ void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
     Exiger(État_.EtatBdD)->Connecter(&Notifications_);
   });
   Ignorer(Ignorée, [this] {
-    État_.KVSynchro = Exiger(État_.EtatBdD)->KVSynchro();
-    Exiger(État_.KVSynchro)->Connecter(&Notifications_);
+    KVSynchro_ = Exiger(État_.EtatBdD)->KVSynchro();
+    Exiger(KVSynchro_)->Connecter(&Notifications_);
   });
 }
 
 void PlugIn::DéconnecterÉvénements() {
   // Each on its own: a listener left behind would be called after the plug-in's end.
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.KVSynchro)->Déconnecter(&Notifications_); });
+  Ignorer(Ignorée, [this] { Exiger(KVSynchro_)->Déconnecter(&Notifications_); });
   Ignorer(Ignorée, [this] { Exiger(État_.EtatBdD)->Déconnecter(&Notifications_); });
-  État_.KVSynchro.reset();
+  KVSynchro_.reset();
   État_.EtatBdD.reset();
 }
 
 std::shared_ptr<IServeurPortComm> PlugIn::IPlugInTarvel_ServeurPortComm() const { return nullptr; }
 void PlugIn::IPlugInTarvel_FixerServeurPortComm(std::shared_ptr<IServeurPortComm> Objet) {
-  État_.ServeurPortComm = std::move(Objet);
+  ServeurPortComm_ = std::move(Objet);
 }
 std::shared_ptr<void> PlugIn::IPlugInTarvel_EntreesSorties() const { return nullptr; }
 void PlugIn::IPlugInTarvel_FixerEntreesSorties(std::shared_ptr<void>) {}
-void PlugIn::IPlugInTarvel_FixerFichierTarvelIni(const std::string& Chemin) { État_.FichierIni = Chemin; }
+void PlugIn::IPlugInTarvel_FixerFichierTarvelIni(const std::string& Chemin) { FichierIni_ = Chemin; }
 void PlugIn::IPlugInTarvel_Information(std::string&) {}
 
 void PlugIn::IPlugInTarvel_ChargementAjouté(const std::string&, const std::string&) {

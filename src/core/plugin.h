@@ -41,8 +41,6 @@ class PlugIn final : public IPlugInTarvel,
   /// Sets the port from the settings file; true when all is set. Raises ErreurExécution on a setting that is no number
   /// of its type, without a port, or when the file can't be read.
   bool DefParamPort();
-  /// Sets the load record's constants.
-  void InitConstantes();
   /// One import line from a cut load record, without line end; empty when the host has no layout for it.
   [[nodiscard]] std::string MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues);
   [[nodiscard]] std::string SupprZéroDébut(std::string Texte) const;
@@ -95,6 +93,14 @@ class PlugIn final : public IPlugInTarvel,
   void TransférerDonnées();
   /// Runs a call that was put off: no caller waits for its failure, so the operator gets it.
   void Reporter(const std::function<void()>& Faire);
+
+  std::string FichierIni_;
+  std::uint8_t NumBouton_ = 0;
+  std::uint8_t NumMenu_ = 0;
+  std::shared_ptr<IServeurPortComm> ServeurPortComm_;
+  std::shared_ptr<IClientPortComm> EventPortComRG80_;
+  std::shared_ptr<IKVSynchro> KVSynchro_;
+  std::shared_ptr<IAccèsDistant> AccèsDistant_;
 
   CanalFenêtre Canal_;
   std::weak_ptr<FChargntDonnées> FChargntDonnées_;  ///< the transfer window, while it is open

@@ -32,12 +32,12 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   });
   Ignorer(Ignorée, [this] { Canal_.Décharger(); });
   État_.PlugInCourant.reset();
-  État_.EventPortComRG80.reset();
+  EventPortComRG80_.reset();
   Ignorer(Ignorée, [this] { Exiger(État_.PortComm)->Fermer(); });
   État_.PortComm.reset();
-  État_.ServeurPortComm.reset();
-  Ignorer(Ignorée, [this] { Exiger(État_.AccèsDistant)->Fermer(); });
-  État_.AccèsDistant.reset();
+  ServeurPortComm_.reset();
+  Ignorer(Ignorée, [this] { Exiger(AccèsDistant_)->Fermer(); });
+  AccèsDistant_.reset();
   DéconnecterÉvénements();
   État_.EventPlugin.reset();
   État_.BaseDeD.reset();

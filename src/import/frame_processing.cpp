@@ -2,7 +2,6 @@
 #include "import/frame_processing.h"
 
 #include "base/ansi_text.h"
-#include "base/delimited_list.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "link/checksum.h"
@@ -12,11 +11,24 @@ namespace {
 
 constexpr double DixièmesParDegré = 10;
 
-/// The last four digits of the two codes: what the message about an unknown holding shows of them.
-constexpr Position FinPropriétaire{21, 4};
-constexpr Position FinRécoltant{27, 4};
+/// Places, among the received values, of those that are reworked; the rest stay as cut.
+namespace Champ {
+constexpr std::size_t NoChargement = RangChamp("NoChargement");
+constexpr std::size_t DateCh = RangChamp("DateCh");
+constexpr std::size_t DateSortie = RangChamp("DateSortie");
+constexpr std::size_t Métayage = RangChamp("Métayage");
+constexpr std::size_t Degré = RangChamp("Degré");
+constexpr std::size_t NoQuai = RangChamp("NoQuai");
+constexpr std::size_t Cuve = RangChamp("Cuve");
+}  // namespace Champ
 
 std::string Lire(const Octets& Enregistrement, Position Place) { return DepuisAnsi(Place.Dans(Enregistrement)); }
+
+std::vector<std::string> Découper(const Octets& Enregistrement) {
+  std::vector<std::string> Champs;
+  for (const ChampChargement& Champ : ChampsChargement) Champs.push_back(Lire(Enregistrement, Champ.Place));
+  return Champs;
+}
 
 }  // namespace
 
@@ -27,10 +39,10 @@ std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Rép
       État_.Erreur.Effacer();
       return {};
     }
-    const Octets Trame = Tampon.Extrait(0, LongueurTrame());
+    const Octets Trame = Tampon.Extrait(0, LongTrameChargement);
     if (CheckSumJuste(Trame)) {
       Réponse = Octets(1, ACK);
-      const auto Ligne = TraiterEnregistrement(Trame.Extrait(1, LongueurTrame() - EnrobageTrame), NoChargement);
+      const auto Ligne = TraiterEnregistrement(Trame.Extrait(1, LongEnregChargement), NoChargement);
       if (!Ligne) return {};
       TexteImport = *Ligne;
     } else {
@@ -38,7 +50,7 @@ std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Rép
       if (État_.Abandon) return {};
       Réponse = Octets(1, NAK);
     }
-    Tampon.RetirerTête(LongueurTrame());
+    Tampon.RetirerTête(LongTrameChargement);
     État_.Erreur.Effacer();
     return TexteImport;
   } catch (const std::exception& Erreur) {
@@ -47,23 +59,19 @@ std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Rép
   }
 }
 
-std::size_t TraitementTrame::LongueurTrame() const {
-  return static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
-}
-
 /// Drops what stands ahead of the first STX; true when a whole frame follows.
 bool TraitementTrame::CouperAuSTX(Octets& Tampon) {
   const std::size_t Place = Tampon.Chercher(Octets(1, STX));
   if (Place == Octets::Introuvable) return false;
   Tampon.RetirerTête(Place);
-  if (Tampon.Taille() >= LongueurTrame()) return true;
+  if (Tampon.Taille() >= LongTrameChargement) return true;
   État_.Avertir("Données trop courtes");
   return false;
 }
 
 /// The checksum is worked out over a true ETX, whatever was received in its place.
 bool TraitementTrame::CheckSumJuste(const Octets& Trame) const {
-  const std::size_t PlaceETX = LongueurTrame() - FinTrame;
+  const std::size_t PlaceETX = LongTrameChargement - FinTrame;
   return VérifierCheckSum(Trame.Extrait(0, PlaceETX) + ETX, Trame.Extrait(PlaceETX + 1, 1),
                           Trame.Extrait(PlaceETX + 2, 1));
 }
@@ -83,17 +91,6 @@ std::optional<std::string> TraitementTrame::TraiterEnregistrement(const Octets& 
   return MiseEnForme_.MiseEnFormePourImport(DonnéesReçues);
 }
 
-std::vector<std::string> TraitementTrame::Découper(const Octets& Enregistrement) const {
-  const Régional Formes = État_.Formes();
-  const auto Éléments = ListeChamps(";").Décomposer(État_.ChampsChargement);
-  const auto Nombre = [&](std::size_t Rang) { return static_cast<std::size_t>(EnEntier16(Éléments.at(Rang), Formes)); };
-  std::vector<std::string> Champs;
-  for (std::size_t Rang = 0; Rang < Éléments.size(); Rang += ÉlémentsParChamp) {
-    Champs.push_back(Lire(Enregistrement, {Nombre(Rang + 1), Nombre(Rang + 2)}));
-  }
-  return Champs;
-}
-
 /// The IdMétayage of the load's holding; empty, and reported, when there is none.
 std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
   std::string Propriétaire = Lire(Enregistrement, PositionFixe::Propriétaire);
@@ -103,8 +100,9 @@ std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
   std::string Groupe = Lire(Enregistrement, PositionFixe::Groupe);
   std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
   if (Code.empty() && !État_.Abandon) {
-    const std::string Texte = "Code exploitation introuvable : /" + Lire(Enregistrement, FinPropriétaire) + "/" +
-                              Lire(Enregistrement, FinRécoltant) + "/" + Part + "/" + Groupe;
+    const std::string Texte = "Code exploitation introuvable : /" +
+                              Lire(Enregistrement, PositionFixe::FinPropriétaire) + "/" +
+                              Lire(Enregistrement, PositionFixe::FinRécoltant) + "/" + Part + "/" + Groupe;
     État_.Canal.AjouterErreur(Texte);
     État_.Canal.AjouterMessage(Texte, false);
   }

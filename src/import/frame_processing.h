@@ -6,9 +6,9 @@
 #include <vector>
 
 #include "common/plugin_state.h"
+#include "contracts/line_protocol.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
-#include "import/load_record.h"
 
 namespace Ombrey {
 
@@ -25,13 +25,11 @@ class TraitementTrame {
   [[nodiscard]] std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement);
 
  private:
-  [[nodiscard]] std::size_t LongueurTrame() const;
   [[nodiscard]] bool CouperAuSTX(Octets& Tampon);
   [[nodiscard]] bool CheckSumJuste(const Octets& Trame) const;
   /// The record's import line; none when its holding is unknown or the plug-in is ending.
   [[nodiscard]] std::optional<std::string> TraiterEnregistrement(const Octets& Enregistrement,
                                                                  std::string& NoChargement);
-  [[nodiscard]] std::vector<std::string> Découper(const Octets& Enregistrement) const;
   [[nodiscard]] std::string TrouverExploitation(const Octets& Enregistrement);
   [[nodiscard]] std::string TexteDate(const Octets& Enregistrement, Position Heure, Position Minute) const;
   void MettreAuPropre(std::vector<std::string>& DonnéesReçues) const;

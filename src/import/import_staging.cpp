@@ -9,7 +9,7 @@
 #include "base/delimited_list.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
-#include "import/load_record.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 namespace {
@@ -45,13 +45,12 @@ bool MiseEnFormeImport::LireDéfinition(Définition& Lue) {
 
 std::string MiseEnFormeImport::ComposerLigne(const Définition& D, const std::vector<std::string>& DonnéesReçues) {
   const ListeChamps Éléments(SéparateurÉléments);
-  const ListeChamps Champs(";");
   std::vector<std::string> Noms = ListeChamps(SéparateurLignes).Décomposer(D.Colonnes);
   std::vector<std::string> Valeurs(Noms.size());
   for (std::size_t Rang = 0; Rang < Noms.size(); ++Rang) {
     Noms[Rang] = Éléments.Champ(Noms[Rang], 1);
-    const std::int16_t Place = Champs.Rang(État_.ChampsChargement, Noms[Rang]);
-    if (Place > 0) Valeurs[Rang] = DonnéesReçues.at(static_cast<std::size_t>(Place / ÉlémentsParChamp));
+    const std::size_t Place = RangChamp(Noms[Rang]);
+    if (Place < ChampsChargement.size()) Valeurs[Rang] = DonnéesReçues.at(Place);
   }
   Compléter(Noms, Valeurs);
 

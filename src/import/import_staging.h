@@ -13,8 +13,9 @@ class MiseEnFormeImport {
  public:
   explicit MiseEnFormeImport(ÉtatPlugIn& État) : État_(État) {}
 
-  /// The values of DonnéesReçues (places: Champ) in the layout's order, the layout's separator behind each, without a
-  /// line end. Empty when there is no layout or a value can't be had. Raises when the layout itself can't be read.
+  /// The values of DonnéesReçues (in the order of ChampsChargement) in the layout's order, the layout's separator
+  /// behind each, without a line end. Empty when there is no layout or a value can't be had. Raises when the layout
+  /// itself can't be read.
   [[nodiscard]] std::string MiseEnFormePourImport(const std::vector<std::string>& DonnéesReçues);
 
  private:

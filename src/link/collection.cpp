@@ -10,14 +10,13 @@
 #include "base/ansi_text.h"
 #include "base/files.h"
 #include "base/regional_forms.h"
+#include "contracts/line_protocol.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
 
 namespace Ombrey {
 namespace {
 
-/// Asks for a load.
-constexpr std::string_view CodeDemande = "A";
 constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
 
 /// The progress counter jumps at the import: from 105 on the import failed, from 205 on it worked.
@@ -132,7 +131,7 @@ bool Dialogue::AttendreTrame() {
   Attente Trame = Requête(Octets(CodeDemande));
   Trame.Texte.Vider();
   // The answer to the request stays at the head of the buffer and counts.
-  Trame.LongMin = static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame;
+  Trame.LongMin = LongTrameChargement;
   return Accordé(Trame, std::string(TexteÉchecLecture) + TextePasPrêt);
 }
 

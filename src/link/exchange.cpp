@@ -3,15 +3,10 @@
 
 #include <utility>
 
-#include "contracts/line_characters.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 namespace {
-
-/// Request code of the link test; the cumul reply is announced by the same.
-constexpr std::string_view CodeTest = "8";
-/// ACK or NAK, and the code.
-constexpr std::size_t LongRéponse = 2;
 
 bool EstEnTête(const Octets& Tampon, const Octets& Motif) { return !Motif.EstVide() && Tampon.CommencePar(Motif); }
 
@@ -98,7 +93,7 @@ bool Échange::RéponseÀLaRequêteDeTest() {
   if (!État_.PortComm) return false;
   État_.TamponRéception.Vider();
   // Only an answer at the head of the buffer counts.
-  Attente Test = Requête(Octets(CodeTest));
+  Attente Test = Requête(Octets(std::to_string(FichierRéponse)));
   std::swap(Test.Motif1, Test.Motif3);
   std::swap(Test.Motif2, Test.Motif4);
   Test.Resynchroniser = false;

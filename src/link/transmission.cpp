@@ -2,13 +2,11 @@
 #include "link/transmission.h"
 
 #include "base/ansi_text.h"
+#include "contracts/line_protocol.h"
 #include "link/checksum.h"
 
 namespace Ombrey {
 namespace {
-
-/// Refusals of a frame that are answered by another try.
-constexpr int EssaisAprèsRefus = 4;
 
 /// The working values of one call and its steps.
 class Envoi {

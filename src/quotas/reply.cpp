@@ -7,17 +7,14 @@
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 namespace {
 
-constexpr float SansQuota = 999999;  // the host's word for "no quota"
-constexpr std::size_t ChiffresParChamp = 6;
-constexpr std::int32_t FichierRéponse = 8;  // the number under which the terminal takes the figures
-
 std::string TexteChiffre(float Chiffre) {
   std::string Texte = std::to_string(std::llround(Chiffre));
-  if (Texte.size() < ChiffresParChamp) Texte.insert(0, ChiffresParChamp - Texte.size(), '0');
+  if (Texte.size() < ChiffresParCumul) Texte.insert(0, ChiffresParCumul - Texte.size(), '0');
   return Texte;
 }
 
@@ -69,7 +66,7 @@ std::string RéponseCumuls::ComposerEnregistrement(Chargement& C) {
   std::string Enregistrement = TexteChiffre(Chiffre);  // no figure of the host feeds the first field
   const auto Ajouter = [&](const auto& Calculer) {
     Ignorer(État_.Erreur, [&] { Chiffre = static_cast<float>(Calculer(*Exiger(État_.BaseDeD))); });
-    if (Chiffre < 0 || Chiffre == SansQuota) Chiffre = 0;
+    if (Chiffre < 0 || Chiffre == static_cast<float>(SansQuota)) Chiffre = 0;
     Enregistrement += TexteChiffre(Chiffre);
   };
   const double Aujourdhui = std::floor(NuméroDeJour(État_.Plateforme.Système().Maintenant()));

@@ -3,7 +3,7 @@
 
 #include "base/ansi_text.h"
 #include "base/visible_text.h"
-#include "contracts/line_characters.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 namespace {

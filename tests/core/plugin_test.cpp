@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "contracts/line_characters.h"
+#include "contracts/line_protocol.h"
 #include "link/daily_error_file.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"

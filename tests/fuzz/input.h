@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "contracts/line_characters.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey::Essais {
 

@@ -28,7 +28,6 @@ struct Station {
     Hôte->Base = std::make_shared<BaseSqlite>(Coopérative());
     Hôte->Cépages = "Syrah";
     État.BaseDeD = Hôte;
-    InitConstantes(État);
   }
 
   FaussePlateforme Plateforme;

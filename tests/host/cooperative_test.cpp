@@ -1,6 +1,7 @@
 // The tables, the queries of the plug-in on the sample, creations and figures.
 #include <thread>
 
+#include "contracts/line_protocol.h"
 #include "platform/database/dialect.h"
 #include "tests/host/cooperative_fixture.h"
 
@@ -161,9 +162,9 @@ TEST_F(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
   EXPECT_EQ(RestantGroupe("7", "10"), 12'430);  // 12500.5 less 70, a half to the even number
 
   for (const auto& [Métayage, Sélection] : {std::pair{"4", "60"}, {"15", "05"}, {"4", "99"}, {"0", "05"}})
-    EXPECT_EQ(Exploit(Métayage, Sélection), SansQuota) << Métayage << "/" << Sélection;
+    EXPECT_EQ(Exploit(Métayage, Sélection), Ombrey::SansQuota) << Métayage << "/" << Sélection;
   for (const auto& [Groupe, Sélection] : {std::pair{"5", "20"}, {"3", "05"}, {"", "05"}, {"1", "' OR 1=1"}})
-    EXPECT_EQ(RestantGroupe(Groupe, Sélection), SansQuota) << Groupe << "/" << Sélection;
+    EXPECT_EQ(RestantGroupe(Groupe, Sélection), Ombrey::SansQuota) << Groupe << "/" << Sélection;
   Connexion_->Exécuter("UPDATE Chargement SET Masse = 1e12");
   EXPECT_EQ(CumulGroupe("7"), INT32_MAX);
   EXPECT_EQ(Exploit("4", "05"), 59'000);

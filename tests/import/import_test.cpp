@@ -24,7 +24,6 @@ struct Import : AvecCoopérative {
         " ('Synchronisation des chargements',0,replace(replace("
         "'CodeSite,x/NoChargement,N,4/DateCh/DateSortie/Métayage/Cépage/Sélection/Qualité/Degré/NoQuai/Masse/Cuve/"
         "Operateur/InfoChargnt3/Inconnue', '/', char(13)), ',', char(9)), ';');");
-    InitConstantes(État);
   }
   std::string Traiter(const std::string& Reçu) {
     Tampon = Octets(Reçu);

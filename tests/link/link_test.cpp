@@ -31,7 +31,6 @@ struct Liaison : testing::Test {
   Liaison() {
     État.PortComm = Port;
     Port->Client = Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); });
-    État.LongEnregChargement = 55;
   }
   /// What the terminal answers to each writing from now on, in the drawing of the line's bytes; "" for silence.
   void Répondre(const Mots& Dessins) {
