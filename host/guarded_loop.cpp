@@ -14,9 +14,10 @@ Ombrey::IBoucle::Jeton BoucleGardée::Après(std::chrono::milliseconds Délai, A
 }
 
 Ombrey::IBoucle::Action BoucleGardée::Garder(Action Faire) const {
-  return [Faire = std::move(Faire), Dire = Dire_] {
+  return [Faire = std::move(Faire), Dire = Dire_, Derrière = Derrière_] {
     try {
       Faire();
+      Derrière();
     } catch (const std::exception& Erreur) {
       Dire(Erreur.what());
     }

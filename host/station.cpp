@@ -37,36 +37,46 @@ class ÉchoHôte final : public Ombrey::IEventPlugin {
 Station::Station(const Options& Choisies, IÉdition& Édition)
     : Options_(Choisies),
       Édition_(Édition),
-      Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
+      Boucle_(
+          Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); },
+          [this] { RepartirAuBesoin(); }) {}
 
 void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos) {
-  Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), &Édition_.Questionnaire(), Options_.Dossier,
+  Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier,
                                        Édition_.FichierRéglages());
-  std::shared_ptr<Ombrey::IBaseDeD> Base = Ouvrir(Plateforme.Système());
+  Plateforme_ = &Plateforme;
+  Base_ = Ouvrir(Plateforme.Système());
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
-  PlugIn_ = ChargerGreffon(Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon, Plateforme);
+  Charger();
   const Ombrey::IBoucle::Jeton Échéance =
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
   Édition_.Raccorder(*this);
-  Démarrer(std::move(Base));
+  Démarrer();
   Service_.Prêt("Collecte des chargements du RG80");
   while (!EnFin_) Pomper(AuRepos);
   PlugIn_.reset();
+  Base_.reset();
 }
 
-void Station::Démarrer(std::shared_ptr<Ombrey::IBaseDeD> Base) {
-  Tenter([&] {
+void Station::Charger() {
+  PlugIn_ = ChargerGreffon(Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon, *Plateforme_);
+}
+
+void Station::Démarrer() {
+  Tenter([this] {
     PlugIn_->IPlugInTarvel_FixerFichierTarvelIni(Ombrey::TexteChemin(Options_.Ini));
-    PlugIn_->IPlugInTarvel_FixerBaseDeD(std::move(Base));
+    PlugIn_->IPlugInTarvel_FixerBaseDeD(Base_);
     const std::string Raison = PlugIn_->IPlugInTarvel_Initialiser(std::make_shared<ÉchoHôte>(Édition_));
     if (!Raison.empty()) Édition_.Dire("Le greffon n'est pas initialisé. " + Raison);
   });
+  RéglagesChangés_ = false;  // those of the first start are in use already
   // A failed start leaves a plug-in that the operator can still configure, and that polls.
   Tenter([this] {
     std::int16_t Style = 0;
     std::string Texte;
-    if (PlugIn_->IPlugInTarvel_AjouterBouton(NumBouton, Style, Texte)) Édition_.OffrirBouton(Texte);
-    if (PlugIn_->IPlugInTarvel_AjouterMenu(NumMenu, Texte)) Édition_.OffrirMenu(Texte);
+    const bool Offerts = std::exchange(Offerts_, true);
+    if (PlugIn_->IPlugInTarvel_AjouterBouton(NumBouton, Style, Texte) && !Offerts) Édition_.OffrirBouton(Texte);
+    if (PlugIn_->IPlugInTarvel_AjouterMenu(NumMenu, Texte) && !Offerts) Édition_.OffrirMenu(Texte);
     PlugIn_->IPlugInTarvel_Afficher();
   });
 }
@@ -81,6 +91,29 @@ void Station::Menu() {
 
 void Station::Configurer() {
   Tenter([this] { PlugIn_->IPlugInTarvel_Configurer(); });
+  RepartirAuBesoin();
+}
+
+bool Station::Demander(Ombrey::RéglagesPort& Réglages,
+                       const std::function<std::string(const Ombrey::RéglagesPort&)>& Essayer) {
+  return Édition_.Questionnaire().Demander(Réglages, Essayer);
+}
+
+void Station::DireRetenus() {
+  Édition_.Questionnaire().DireRetenus();
+  RéglagesChangés_ = true;
+}
+
+/// Called behind the operator's gesture and behind each of the loop's actions, in one of which the plug-in has asked
+/// him: it held the line until then, so nobody has it now.
+void Station::RepartirAuBesoin() {
+  if (EnFin_ || !std::exchange(RéglagesChangés_, false)) return;
+  Édition_.Dire("Les réglages du port ont changé : le greffon repart avec eux.");
+  const auto Ancien = PlugIn_;
+  Tenter([this] { Charger(); });
+  if (PlugIn_ == Ancien) return;
+  Tenter([&Ancien] { Ancien->IPlugInTarvel_Terminer(); });
+  Démarrer();
 }
 
 void Station::Finir() {

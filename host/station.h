@@ -14,7 +14,8 @@
 
 namespace Tarvel {
 
-class Station final : public IGestesStation {
+/// Ends the plug-in and starts it anew when the operator has changed the port's settings: they count from the start on.
+class Station final : public IGestesStation, private Ombrey::IQuestionnairePort {
  public:
   /// Both outlive the station.
   Station(const Options& Choisies, IÉdition& Édition);
@@ -36,7 +37,12 @@ class Station final : public IGestesStation {
   void Finir() override;
 
  private:
-  void Démarrer(std::shared_ptr<Ombrey::IBaseDeD> Base);
+  bool Demander(Ombrey::RéglagesPort& Réglages,
+                const std::function<std::string(const Ombrey::RéglagesPort&)>& Essayer) override;
+  void DireRetenus() override;
+  void Charger();
+  void Démarrer();
+  void RepartirAuBesoin();
   void Pomper(const std::function<void()>& AuRepos);
   template <class Appel>
   void Tenter(Appel Faire);
@@ -44,9 +50,13 @@ class Station final : public IGestesStation {
   const Options& Options_;
   IÉdition& Édition_;
   BoucleGardée Boucle_;
+  Ombrey::IPlateforme* Plateforme_ = nullptr;  ///< while Exécuter runs
+  std::shared_ptr<Ombrey::IBaseDeD> Base_;
   Ombrey::AvisService Service_{Boucle_};
   std::shared_ptr<Ombrey::IPlugInTarvel> PlugIn_;
+  bool Offerts_ = false;  ///< button and menu entry
   bool EnFin_ = false;
+  bool RéglagesChangés_ = false;
 };
 
 }  // namespace Tarvel

@@ -34,7 +34,6 @@ bool QuestionsPort::Demander(RéglagesPort& Réglages, const std::function<std::
     if (!Garder) break;
     if (FormeComparable(*Garder) != "oui") continue;
     Réglages = Voulus;
-    Fenêtres_.Ligne("réglages du port : retenus.");
     return true;
   }
   Fenêtres_.Ligne("réglages du port : inchangés.");

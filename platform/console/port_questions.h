@@ -19,6 +19,7 @@ class QuestionsPort : public IQuestionnairePort {
   QuestionsPort(FenêtresConsole& Fenêtres, CommandesConsole& Commandes, ChercherPorts Chercher, const ChoixPort& Usuels)
       : Fenêtres_(Fenêtres), Commandes_(Commandes), Chercher_(std::move(Chercher)), Usuels_(Usuels) {}
   bool Demander(RéglagesPort& Réglages, const std::function<std::string(const RéglagesPort&)>& Essayer) override;
+  void DireRetenus() override { Fenêtres_.Ligne("réglages du port : retenus."); }
 
  private:
   [[nodiscard]] bool DemanderPort(std::string& Port);

@@ -96,6 +96,7 @@ bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni,
           Nouveaux, [&DéjàOuvert](const RéglagesPort& Réglages) { return EssayerPort(Réglages, DéjàOuvert); }))
     return false;
   ÉcrireRéglages(*Lecteur, Anciens, Nouveaux);
+  Contexte.Questionnaire->DireRetenus();
   return true;
 }
 

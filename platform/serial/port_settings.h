@@ -43,6 +43,8 @@ class IQuestionnairePort {
   /// with the settings given and returns the empty text, or why it can't be had. True: Réglages holds what the
   /// operator wants kept. False: cancelled, Réglages is as it came.
   virtual bool Demander(RéglagesPort& Réglages, const std::function<std::string(const RéglagesPort&)>& Essayer) = 0;
+  /// The settings that were kept stand in the file now.
+  virtual void DireRetenus() {}
 };
 
 }  // namespace Ombrey

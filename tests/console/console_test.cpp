@@ -312,6 +312,9 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
         "commande «menu» : Charger les données vers le RG80\n", "fenêtre «Liste des chargements» masquée\n",
         "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
       {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
+      {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
+       {"réglages du port : retenus.\nhôte : Les réglages du port ont changé : le greffon repart avec eux.\nmessage [x] ",
+        "(OK) : Le port /dev/autre est absent"}, REGLAGES("/dev/autre")},
       {"", "/dev/autre\n\n\n\n\noui\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
       {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
       {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
@@ -342,6 +345,8 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
     EXPECT_EQ(Base->Etat->Écouteur, nullptr);
     Vu += T.Vu();
     for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
+    const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };
+    EXPECT_EQ(Repart(Vu), std::ranges::any_of(C.Vus, Repart));
     EXPECT_EQ(Contenu(D + "/tarvel.ini"), C.Gardés);
   }
 }

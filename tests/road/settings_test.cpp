@@ -3,6 +3,7 @@
 #include <sys/file.h>
 
 #include "tests/road/post.h"
+#include "tests/serial/pseudo_terminal.h"
 
 namespace Ombrey::Essais {
 /// All stations at once: a plug-in that has no window yet polls after ten seconds only.
@@ -77,6 +78,24 @@ TEST(Start, NamesAPortThatAnotherProgramHoldsAndTakesItWhenItIsFree) {
   EXPECT_TRUE(P.Station->Attendre(P.En("ligne") + " est déjà utilisé par un autre programme.")) << P.Dit();
   EXPECT_TRUE(P.Station->Attendre("Echec de lecture de données du RG80 : Erreur du port de communication au RG80."));
   close(Autre);
+  P.Finir("1 1 0");
+}
+
+/// Asked for in the midst of a poll.
+TEST(Start, ComesAnewWithTheSettingsThatTheOperatorHasChanged) {
+  Poste P;
+  P.LancerTerminal("--hasard 1 --jusqu-a-vide");
+  const PseudoTerminal Muet;
+  P.Faire("$ sed -i s,=/.*,=" + Muet.Nom() + ", tarvel.ini");
+  P.LancerStation("interroger", "");
+  EXPECT_TRUE(P.Station->Attendre("Aucune réponse du RG80.")) << P.Dit();
+  static_cast<void>(Muet.Recevoir());
+  EXPECT_TRUE(Bientôt([&] { return !Muet.Recevoir().empty(); }, 15s)) << "no next poll";
+  P.Station->Taper("configurer");
+  EXPECT_TRUE(P.Station->Attendre("question : port")) << P.Dit();
+  P.Station->Taper(P.En("ligne") + "\n\n\n\n");
+  EXPECT_TRUE(P.Station->Attendre("hôte : Les réglages du port ont changé : le greffon repart avec eux.")) << P.Dit();
+  P.Station->Taper("interroger");
   P.Finir("1 1 0");
 }
 
