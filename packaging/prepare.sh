@@ -7,8 +7,9 @@ as_root() {
   if [ "$(id -u)" = 0 ]; then "$@"; elif command -v sudo >/dev/null; then sudo "$@"; else return 1; fi
 }
 
+have() { command -v "$1" >/dev/null; }
 # True when a C++ compiler that knows C++20 is there.
-have_compiler() { command -v c++ >/dev/null && echo 'int main(){}' | c++ -std=c++20 -x c++ -fsyntax-only - 2>/dev/null; }
+have_compiler() { have c++ && echo 'int main(){}' | c++ -std=c++20 -x c++ -fsyntax-only - 2>/dev/null; }
 # True when the compiler finds the header.
 have_header() { have_compiler && echo "#include <$1>" | c++ -std=c++20 -x c++ -fsyntax-only - 2>/dev/null; }
 # True when Clang links fuzz programs.
@@ -16,44 +17,50 @@ have_fuzzer() {
   echo 'extern "C" int LLVMFuzzerTestOneInput(const char*, unsigned long) { return 0; }' |
     clang++ -fsanitize=fuzzer,address,undefined -x c++ - -o /dev/null 2>/dev/null
 }
-have_cmake_package() { compgen -G "/usr/lib/*/cmake/$1/$1Config.cmake" >/dev/null || compgen -G "/usr/lib/cmake/$1/*onfig.cmake" >/dev/null; }
+have_file() { compgen -G "$1" >/dev/null; }
+have_cmake_package() { have_file "/usr/lib/*/cmake/$1/$1Config.cmake" || have_file "/usr/lib/cmake/$1/*onfig.cmake"; }
 
-# Prints the Debian packages whose purpose isn't met yet. $1: "tests" adds what only the tests need.
-missing_packages() {
-  have_compiler || echo g++
-  command -v cmake >/dev/null || echo cmake
-  command -v ninja >/dev/null || echo ninja-build
-  have_header sqlite3.h || echo libsqlite3-dev
-  have_cmake_package Qt6 || echo qt6-base-dev
-  if [ "$1" = tests ]; then
-    have_header gtest/gtest.h || echo libgtest-dev
-    command -v Xvfb >/dev/null || echo xvfb
-    command -v xdotool >/dev/null || echo xdotool
-    command -v faketime >/dev/null || echo faketime
-    have_fuzzer || printf 'clang\nlibclang-rt-dev\n'
-  fi
+# One line for each Debian package whose purpose isn't met yet: its name, and what is left out where it can't be had;
+# nothing behind the name: then there is no build. $1: "tests" adds what only the tests need.
+missing() {
+  have_compiler || echo "g++"
+  have cmake || echo "cmake"
+  have ninja || echo "ninja-build"
+  have_header sqlite3.h || echo "libsqlite3-dev"
+  have_cmake_package Qt6 || echo "qt6-base-dev the windows"
+  if [ -d platform/database/postgresql ]; then have_file '/usr/include/postgresql/libpq-fe.h' || echo "libpq-dev bases on a server"; fi
+  [ "$1" = tests ] || return 0
+  have_header gtest/gtest.h || echo "libgtest-dev"
+  have Xvfb || echo "xvfb the station in windows"
+  have xdotool || echo "xdotool the station in windows"
+  have faketime || echo "faketime the tests in other years"
+  if [ -d platform/database/postgresql ]; then have_file '/usr/lib/postgresql/*/bin/initdb' || echo "postgresql bases on a server"; fi
+  have_fuzzer || printf '%s\n' "clang fuzzing" "libclang-rt-dev fuzzing"
 }
 
-# Qt, Xvfb, xdotool and Clang widen the build and the tests; without the others there is none.
+# Leaves in left_out what goes without a package that can't be had, a line for each.
 install_packages() {
   local wanted needed
-  wanted=$(missing_packages "$1")
-  [ -z "$wanted" ] && return 0
+  left_out=
+  wanted=$(missing "$1" | cut -d ' ' -f 1)
+  [ -n "$wanted" ] || return 0
   say "Installing:" $wanted
-  if ! { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $wanted fonts-dejavu-core; } >"$log" 2>&1; then
-    needed=$(missing_packages "$1" | grep -v -e qt6 -e xvfb -e xdotool -e faketime -e clang || true)
-    [ -z "$needed" ] || { tail -5 "$log" >&2; fail "Missing and not to be installed here:" $needed; }
-    say "Going on without" $(missing_packages "$1")
-  fi
+  { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends $wanted fonts-dejavu-core; } >"$log" 2>&1 ||
+    tail -3 "$log" >&2
+  needed=$(missing "$1" | grep -v ' ' || true)
+  [ -z "$needed" ] || fail "Missing and not to be installed here:" $needed
+  left_out=$(missing "$1" | cut -d ' ' -f 2- | sort -u)
+  [ -z "$left_out" ] || say "Going on without" $(missing "$1" | cut -d ' ' -f 1)
 }
 
-# $1: preset; the rest: targets, all of them unless given.
+# $1: preset; the rest: targets, all of them unless given. Configures each time: a package may have come since.
 build() {
-  local preset=$1 targets=() windows=
-  have_cmake_package Qt6 || windows=-DOMBREY_WINDOWS=OFF
+  local preset=$1 targets=() windows=ON
+  have_cmake_package Qt6 || windows=OFF
+  [ "$preset" != fuzz ] || windows=OFF
   shift
   [ $# -eq 0 ] || targets=(--target "$@")
-  [ -f "build/$preset/build.ninja" ] || cmake --preset "$preset" $windows >"$log" 2>&1 || { tail -40 "$log" >&2; fail "cmake failed"; }
+  cmake --preset "$preset" -DOMBREY_WINDOWS=$windows >"$log" 2>&1 || { tail -40 "$log" >&2; fail "cmake failed"; }
   cmake --build --preset "$preset" "${targets[@]}" >"$log" 2>&1 || { tail -n 60 "$log" | cut -c -400 >&2; fail "The build failed"; }
 }
 
