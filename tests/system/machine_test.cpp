@@ -100,9 +100,22 @@ TEST_F(Machine, KeepsUserSettingsInFoldersOfTheirOwnerAloneAndFormsOfNumbers) {
   EXPECT_EQ(FichierRéglagesUtilisateur(), "/maison/.config/ombrey/reglages.ini");
   const auto Epoque = std::chrono::system_clock::now().time_since_epoch();  // in UTC: a day apart at most
   EXPECT_NEAR(NuméroDeJour(Machine_.Système().Maintenant()), 25569.0 + static_cast<double>(Epoque / 24h), 1.6);
-  for (const char* Nom : {"C", "POSIX", "C.UTF-8", "nulle_PART", "fr_FR.UTF-8"}) {
-    setenv("LC_ALL", Nom, 1);
-    EXPECT_EQ(FormesDeLEnvironnement().SéparateurDécimal, ',') << Nom;
+}
+
+TEST_F(Machine, TakesTheFormsOfNumbersFromTheLocaleThatCountsForThem) {
+  // A country with a decimal point, installed for this test alone.
+  fs::create_directory(D_ / "en_XX");
+  fs::copy_file("/usr/lib/locale/C.utf8/LC_NUMERIC", D_ / "en_XX" / "LC_NUMERIC");
+  setenv("LOCPATH", D_.c_str(), 1);
+  const std::array<const char*, 4> Table[] = {{"", "en_XX", "C", "."},          {"", "", "en_XX", "."},
+                                              {"en_XX", "C", "C", "."},         {"", "C", "en_XX", ","},
+                                              {"fr_FR", "en_XX", "en_XX", ","}, {"POSIX", "en_XX", "", ","},
+                                              {"C.UTF-8", "", "en_XX", ","},    {"", "", "", ","}};
+  for (const auto& [Toutes, Nombres, Langue, Séparateur] : Table) {
+    setenv("LC_ALL", Toutes, 1);
+    setenv("LC_NUMERIC", Nombres, 1);
+    setenv("LANG", Langue, 1);
+    EXPECT_EQ(FormesDeLEnvironnement().SéparateurDécimal, *Séparateur) << Toutes << Nombres << Langue;
   }
 }
 
