@@ -10,7 +10,7 @@
 
 #include "bench/cooperative.h"
 #include "bench/memory_meter.h"
-#include "platform/database/dialect.h"
+#include "platform/database/sqlite/sqlite_dialect.h"
 #include "transfer/data_sets.h"
 
 namespace Ombrey::Mesures {

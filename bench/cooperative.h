@@ -8,11 +8,12 @@
 
 #include "bench/temporary_folder.h"
 #include "host/cooperative_database.h"
+#include "host/machine_platform.h"
 #include "platform/console/output.h"
 #include "platform/console/windows.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "platform/loop/descriptor.h"
 #include "platform/loop/poll_loop.h"
-#include "host/machine_platform.h"
 
 namespace Ombrey::Mesures {
 

@@ -1,4 +1,4 @@
-// The host's database object on the cooperative's SQLite file.
+// The host's database object.
 #include "host/cooperative_database.h"
 
 #include <unistd.h>
@@ -18,8 +18,8 @@
 namespace Tarvel {
 namespace {
 
-using Ombrey::ConnexionSqlite;
 using Ombrey::EstNull;
+using Ombrey::IConnexion;
 using Ombrey::ValeurChamp;
 
 constexpr const char* DossierImport = "import";
@@ -86,7 +86,7 @@ void KVSynchroTarvel::AnnoncerNouveautés() {
     if (Écouteur_) Écouteur_->KVSynchro_DonnéesImportées(Site);
 }
 
-EtatBdDTarvel::EtatBdDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+EtatBdDTarvel::EtatBdDTarvel(std::shared_ptr<IConnexion> Connexion, Ombrey::ISystème& Système,
                              std::shared_ptr<Ombrey::IKVSynchro> KVSynchro, Avis LAvis)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
@@ -136,13 +136,13 @@ std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::strin
   return Dossier + Nom;
 }
 
-BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                             std::string CodeSite, Avis LAvis)
+BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<IConnexion> Connexion, Ombrey::ISystème& Système, std::string CodeSite,
+                             Avis LAvis)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
       KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_, std::move(CodeSite))),
       EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_, LAvis)),
-      BaseDAO_(std::make_shared<Ombrey::BaseSqlite>(Connexion_)),
+      BaseDAO_(std::make_shared<Ombrey::BaseLue>(Connexion_)),
       Figures_(*Connexion_, Système, std::move(LAvis)) {
   // Also when the port opens later and nobody activates the base.
   KVSynchro_->Mémoriser();

@@ -1,4 +1,4 @@
-// The host's database object on the cooperative's SQLite file.
+// The host's database object.
 #pragma once
 
 #include <cstdint>
@@ -10,7 +10,7 @@
 #include "contracts/system.h"
 #include "host/figures.h"
 #include "host/import_engine.h"
-#include "platform/database/sqlite/sqlite_engine.h"
+#include "platform/database/recordsets.h"
 
 namespace Tarvel {
 
@@ -26,7 +26,7 @@ enum class ErreurBase : std::int16_t {
 class KVSynchroTarvel : public Ombrey::IKVSynchro {
  public:
   /// CodeSite: the station's own code; empty: the database names it.
-  KVSynchroTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, std::string CodeSite)
+  KVSynchroTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, std::string CodeSite)
       : Connexion_(std::move(Connexion)), CodeSite_(std::move(CodeSite)) {}
   /// The station's own code, else the setting "CodeSite" of the table Paramètre; "1" without one, as the loads then
   /// bear it.
@@ -45,7 +45,7 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
   /// The highest number of a load, or the one known already when there are none.
   [[nodiscard]] std::int64_t DernierChargement();
 
-  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::shared_ptr<Ombrey::IConnexion> Connexion_;
   std::string CodeSite_;
   Ombrey::IÉcouteurKVSynchro* Écouteur_ = nullptr;
   std::int64_t DernierConnu_ = 0;
@@ -53,7 +53,7 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
 
 class EtatBdDTarvel : public Ombrey::IEtatBdD {
  public:
-  EtatBdDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
+  EtatBdDTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, Ombrey::ISystème& Système,
                 std::shared_ptr<Ombrey::IKVSynchro> KVSynchro, Avis LAvis = {});
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
   [[nodiscard]] std::string DernièreErreur() override { return DernièreErreur_; }
@@ -71,7 +71,7 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
  private:
   void Annoncer(const ChargementImporté& Chargement);
 
-  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::shared_ptr<Ombrey::IConnexion> Connexion_;
   Ombrey::ISystème& Système_;
   std::shared_ptr<Ombrey::IKVSynchro> KVSynchro_;
   Avis Avis_;
@@ -85,8 +85,8 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
 /// be read.
 class BaseDeDTarvel : public Ombrey::IBaseDeD {
  public:
-  BaseDeDTarvel(std::shared_ptr<Ombrey::ConnexionSqlite> Connexion, Ombrey::ISystème& Système,
-                std::string CodeSite = {}, Avis LAvis = {});
+  BaseDeDTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, Ombrey::ISystème& Système, std::string CodeSite = {},
+                Avis LAvis = {});
 
   [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
@@ -131,11 +131,11 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
   [[nodiscard]] std::int64_t CodeLibre() const;
   [[nodiscard]] Ombrey::ValeurChamp GroupeÉcrit(const std::string& Groupe) const;
 
-  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::shared_ptr<Ombrey::IConnexion> Connexion_;
   Ombrey::ISystème& Système_;
   std::shared_ptr<KVSynchroTarvel> KVSynchro_;
   std::shared_ptr<EtatBdDTarvel> EtatBdD_;
-  std::shared_ptr<Ombrey::BaseSqlite> BaseDAO_;
+  std::shared_ptr<Ombrey::BaseLue> BaseDAO_;
   Figures Figures_;
 };
 

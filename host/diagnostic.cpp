@@ -73,7 +73,7 @@ void ExaminerCompte(const Options& Choisies, std::vector<Constat>& Constats) {
                       "runuser -u " + NomCompte(État.st_uid) + " -- tarvel --diagnostic --ini " + Ini});
 }
 
-void ExaminerSchéma(Ombrey::ConnexionSqlite& Connexion, std::vector<Constat>& Constats) {
+void ExaminerSchéma(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
   const int Numéro = NuméroSchémaDe(Connexion);
   const std::string Texte =
       "la base a le n° " + std::to_string(Numéro) + ", ce programme le n° " + std::to_string(NuméroSchéma) + ".";
@@ -87,7 +87,7 @@ void ExaminerSchéma(Ombrey::ConnexionSqlite& Connexion, std::vector<Constat>& C
 }
 
 /// The newest load's date, counted in days from now.
-double Avance(Ombrey::ConnexionSqlite& Connexion, const Ombrey::DateHeure& Maintenant) {
+double Avance(Ombrey::IConnexion& Connexion, const Ombrey::DateHeure& Maintenant) {
   const auto Dernière = Connexion.Lire("SELECT MAX(DateCh) FROM Chargement");
   const auto* const Lue = std::get_if<double>(&Dernière);
   return Lue ? *Lue - Ombrey::NuméroDeJour(Maintenant) : 0;
@@ -121,7 +121,7 @@ double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
   }
   const std::string Nom = PourCommande(Choisies.Base);
   try {
-    const auto Connexion = OuvrirCoopérative(Chemin(Choisies.Base));
+    const auto Connexion = OuvrirCoopérative(Choisies.Base);
     const auto Nombre = Ombrey::TexteOuVide(Connexion->Lire("SELECT COUNT(*) FROM Chargement"), {});
     if (Connexion->EstEnLectureSeule())
       Constats.push_back({Jugement::Mauvais, Sujet,

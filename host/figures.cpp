@@ -47,7 +47,7 @@ class RequêteMasse {
   void ExigerSiDonné(const char* Début, const std::string& Valeur, const char* Fin = "") {
     if (!Valeur.empty()) Exiger(Début, Valeur, Fin);
   }
-  [[nodiscard]] double Lire(Ombrey::ConnexionSqlite& Connexion, const char* Table) const {
+  [[nodiscard]] double Lire(Ombrey::IConnexion& Connexion, const char* Table) const {
     const ValeurChamp Somme = Connexion.Lire(SommeDesMasses + std::string(Table) + " AS C" + Conditions_, Valeurs_);
     const auto* Total = std::get_if<double>(&Somme);
     return Total ? *Total : 0;

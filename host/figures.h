@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "contracts/system.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
@@ -33,7 +33,7 @@ struct FiltreChargements {
 class Figures {
  public:
   /// Avis, when it is there, is told of numbers that can't be read.
-  Figures(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système, Avis LAvis = {})
+  Figures(Ombrey::IConnexion& Connexion, const Ombrey::ISystème& Système, Avis LAvis = {})
       : Connexion_(Connexion), Système_(Système), Avis_(std::move(LAvis)) {}
 
   /// Weight of the group's loads; 0 without a group.
@@ -52,7 +52,7 @@ class Figures {
   [[nodiscard]] double Masse(const FiltreChargements& Filtre) const;
   void BornerALaSaison(FiltreChargements& Filtre) const;
 
-  Ombrey::ConnexionSqlite& Connexion_;
+  Ombrey::IConnexion& Connexion_;
   const Ombrey::ISystème& Système_;
   Avis Avis_;
 };

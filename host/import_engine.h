@@ -6,7 +6,7 @@
 
 #include "contracts/system.h"
 #include "host/load_table.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
@@ -25,7 +25,7 @@ namespace Tarvel {
 /// An empty value is Null, and False for a booléen.
 class MoteurImport {
  public:
-  MoteurImport(Ombrey::ConnexionSqlite& Connexion, const Ombrey::ISystème& Système)
+  MoteurImport(Ombrey::IConnexion& Connexion, const Ombrey::ISystème& Système)
       : Connexion_(Connexion), Système_(Système) {}
 
   /// Imports the whole file or nothing of it; when the call returns, all is on the disk. Raises ErreurContenu
@@ -33,7 +33,7 @@ class MoteurImport {
   [[nodiscard]] std::vector<ChargementImporté> Importer(const std::string& Titre, const std::string& Fichier);
 
  private:
-  Ombrey::ConnexionSqlite& Connexion_;
+  Ombrey::IConnexion& Connexion_;
   const Ombrey::ISystème& Système_;
 };
 

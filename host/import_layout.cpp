@@ -17,7 +17,6 @@ namespace Tarvel {
 namespace {
 
 using Ombrey::ErreurExécution;
-using Ombrey::EstNull;
 using Ombrey::ListeChamps;
 using Ombrey::Régional;
 using Ombrey::ValeurChamp;
@@ -141,17 +140,18 @@ std::size_t DéfinitionImport::Place(std::string_view Nom) const {
   return *Trouvée;
 }
 
-DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std::string& Titre) {
+DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre) {
   Ombrey::Instruction Requête =
       Connexion.Préparer("SELECT LongChps, Format FROM MSysEtats WHERE Titre = ?1 AND Exportation = 0");
   if (!Requête.Lier({Titre}).Avancer()) throw ErreurExécution("Définition d'import inconnue : " + Titre);
 
   DéfinitionImport Définition{{}, Ombrey::TexteOuVide(Requête.Valeur(1), {})};
   if (Définition.Séparateur.empty()) throw ErreurExécution("Définition d'import sans séparateur : " + Titre);
+  const std::vector<Ombrey::ColonneDeTable> Connues = Connexion.ColonnesDe(TableChargements);
   for (const std::string& Texte : ListeChamps("\r").Décomposer(Ombrey::TexteOuVide(Requête.Valeur(0), {}))) {
     Définition.Colonnes.push_back(LireColonne(Texte));
     const std::string& Nom = Définition.Colonnes.back().Nom;
-    if (EstNull(Connexion.Lire("SELECT 1 FROM pragma_table_info(?1) WHERE name = ?2", {TableChargements, Nom})))
+    if (std::ranges::find(Connues, Nom, &Ombrey::ColonneDeTable::Nom) == Connues.end())
       throw ErreurExécution("Définition d'import : colonne inconnue : " + Nom);
   }
   for (const ColonneChargement& C : ColonnesChargement)

@@ -10,7 +10,7 @@
 #include "base/failures.h"
 #include "contracts/database.h"
 #include "contracts/system.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
@@ -47,7 +47,7 @@ using LigneImport = std::vector<ValeurImport>;
 
 /// Reads the import layout of this title. Raises ErreurExécution when there is none, when it can't be understood, when
 /// it names a column that the table of loads lacks, or when it leaves out one that no load can do without.
-[[nodiscard]] DéfinitionImport LireDéfinition(Ombrey::ConnexionSqlite& Connexion, const std::string& Titre);
+[[nodiscard]] DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre);
 
 /// Cuts a line and reads its values; years of two digits are the nearest to the present one. Raises ErreurContenu.
 [[nodiscard]] LigneImport LireLigne(const DéfinitionImport& Définition, std::string_view Ligne,

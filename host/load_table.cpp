@@ -1,12 +1,15 @@
 // Writing loads: each once, whatever is sent again and whatever the office corrects meanwhile.
 #include "host/load_table.h"
 
+#include <algorithm>
+
 #include "base/regional_forms.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
 
+using Ombrey::ColonneDeTable;
 using Ombrey::EstNull;
 using Ombrey::Instruction;
 using Ombrey::TexteOuVide;
@@ -151,26 +154,22 @@ std::vector<ValeurChamp> TableDesChargements::LireRangée(const char* Sql,
 /// A column that the cooperative has added to its loads goes into the archive with them. Loads that are there already
 /// get the value that those in the table got.
 void TableDesChargements::CompléterArchive() {
-  std::string Ajouts;
-  Instruction Manquantes = Connexion_.Préparer(
-      "SELECT name, type, CASE WHEN \"notnull\" THEN dflt_value END FROM pragma_table_info('Chargement')"
-      " WHERE name COLLATE NOCASE NOT IN (SELECT name FROM pragma_table_info('ChargementArchive'))");
-  while (Manquantes.Avancer()) {
-    Ajouts += "ALTER TABLE ChargementArchive ADD COLUMN " + NomSql(std::get<std::string>(Manquantes.Valeur(0))) + " " +
-              std::get<std::string>(Manquantes.Valeur(1));
-    const ValeurChamp Défaut = Manquantes.Valeur(2);
-    if (!EstNull(Défaut)) Ajouts += " DEFAULT " + std::get<std::string>(Défaut);
-    Ajouts += ";";
+  const std::vector<ColonneDeTable> LesSiennes = Connexion_.ColonnesDe(TableArchive);
+  const auto EstLà = [&](const ColonneDeTable& Une) {
+    return std::ranges::any_of(LesSiennes, [&](const auto& C) { return Connexion_.EstMêmeNom(C.Nom, Une.Nom); });
+  };
+  for (const ColonneDeTable& Une : Connexion_.ColonnesDe(TableChargements)) {
+    if (EstLà(Une)) continue;
+    Connexion_.Exécuter("ALTER TABLE ChargementArchive ADD COLUMN " + NomSql(Une.Nom) + " " + Une.Type +
+                        (Une.Défaut ? " DEFAULT " + *Une.Défaut : ""));
   }
-  Connexion_.ExécuterTout(Ajouts);
 }
 
 /// All columns of the table of loads but one.
 std::string TableDesChargements::Colonnes(const char* Sauf) const {
   std::string Noms;
-  Instruction Toutes = Connexion_.Préparer("SELECT name FROM pragma_table_info('Chargement') WHERE name <> ?1");
-  Toutes.Lier({Sauf});
-  while (Toutes.Avancer()) Joindre(Noms, NomSql(std::get<std::string>(Toutes.Valeur(0))));
+  for (const ColonneDeTable& Une : Connexion_.ColonnesDe(TableChargements))
+    if (Une.Nom != Sauf) Joindre(Noms, NomSql(Une.Nom));
   return Noms;
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "host/import_layout.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
@@ -23,7 +23,7 @@ struct ChargementImporté {
 class TableDesChargements {
  public:
   /// Works inside a transaction of the caller's; both must outlive it.
-  TableDesChargements(Ombrey::ConnexionSqlite& Connexion, const DéfinitionImport& Définition)
+  TableDesChargements(Ombrey::IConnexion& Connexion, const DéfinitionImport& Définition)
       : Connexion_(Connexion), Définition_(Définition) {}
 
   /// A load that is there keeps its row as it stands, but for a holding that couldn't be had at first. One that was
@@ -43,7 +43,7 @@ class TableDesChargements {
   [[nodiscard]] std::vector<Ombrey::ValeurChamp> LireRangée(const char* Sql,
                                                             const std::vector<Ombrey::ValeurChamp>& Valeurs) const;
 
-  Ombrey::ConnexionSqlite& Connexion_;
+  Ombrey::IConnexion& Connexion_;
   const DéfinitionImport& Définition_;
 };
 

@@ -22,7 +22,7 @@
 #include "host/schema_upgrade.h"
 #include "host/station.h"
 #include "host/windows_module.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 #include "platform/system/service_notice.h"
 
 namespace {
@@ -53,8 +53,8 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
 }
 
 /// One that can't be written can still be looked at.
-std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
-                                                    Tarvel::IÉdition& Édition) {
+std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
+                                               Tarvel::IÉdition& Édition) {
   auto Connexion = Tarvel::OuvrirCoopérative(Ombrey::Chemin(Choisies.Base),
                                              [&Système] { return NuméroDeJour(Système.Maintenant()); });
   Tarvel::MettreAJourSchéma(*Connexion);
@@ -66,7 +66,7 @@ std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirBase(const Tarvel::Options& Chois
 void Travailler(const Tarvel::Options& Choisies) {
   const auto Édition = CréerÉdition(Choisies);
   Tarvel::Station Station(Choisies, *Édition);
-  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion;
+  std::shared_ptr<Ombrey::IConnexion> Connexion;
   const auto Ouvrir = [&](Ombrey::ISystème& Système) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
     return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,

@@ -7,19 +7,19 @@
 namespace Tarvel {
 namespace {
 
-using Ombrey::ConnexionSqlite;
+using Ombrey::IConnexion;
 using Ombrey::ValeurChamp;
 
 using Lignes = std::initializer_list<std::vector<ValeurChamp>>;
 
 constexpr std::monostate Néant;
 
-void Insérer(ConnexionSqlite& Connexion, const char* Sql, const Lignes& Toutes) {
+void Insérer(IConnexion& Connexion, const char* Sql, const Lignes& Toutes) {
   Ombrey::Instruction Ajout = Connexion.Préparer(Sql);
   for (const auto& Ligne : Toutes) Ajout.Lier(Ligne).Exécuter();
 }
 
-void InsérerCoopérateurs(ConnexionSqlite& Connexion) {
+void InsérerCoopérateurs(IConnexion& Connexion) {
   Insérer(Connexion, "INSERT INTO Coopérateur (IdCoopérateur, Nom, Prénom) VALUES (?1, ?2, ?3)",
           {{"101", "Amiel", "Geneviève"},
            {"102", "Barthès", "Étienne"},
@@ -37,7 +37,7 @@ void InsérerCoopérateurs(ConnexionSqlite& Connexion) {
           {{"1", "Côteau"}, {"2", "Plaine"}, {"5", "Vallée"}, {"7", "Garrigue"}});
 }
 
-void InsérerExploitations(ConnexionSqlite& Connexion) {
+void InsérerExploitations(IConnexion& Connexion) {
   // The surface is in hectares.
   Insérer(Connexion,
           "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp, Surface)"
@@ -59,7 +59,7 @@ void InsérerExploitations(ConnexionSqlite& Connexion) {
            {"15", "456", "456", 100, 1015, "7", Néant}});
 }
 
-void InsérerAppellations(ConnexionSqlite& Connexion) {
+void InsérerAppellations(IConnexion& Connexion) {
   // Quotas are in kilograms: by hectare here, by day below.
   Insérer(Connexion, "INSERT INTO Sélection (IdSélection, Désignation, QuotasSurface) VALUES (?1, ?2, ?3)",
           {{"05", "Côteaux rouges", 7500},
@@ -85,7 +85,7 @@ void InsérerAppellations(ConnexionSqlite& Connexion) {
            {"40", 1, "Mourvèdre"}});
 }
 
-void InsérerQuotas(ConnexionSqlite& Connexion) {
+void InsérerQuotas(IConnexion& Connexion) {
   Insérer(Connexion, "INSERT INTO QuotasGrp (IdGrp, Sélection, QuotaJournalier) VALUES (?1, ?2, ?3)",
           {{"1", "05", 20000},
            {"1", "10", 15000},
@@ -105,7 +105,7 @@ void InsérerQuotas(ConnexionSqlite& Connexion) {
 
 }  // namespace
 
-void InsérerExemple(ConnexionSqlite& Connexion) {
+void InsérerExemple(IConnexion& Connexion) {
   InsérerCoopérateurs(Connexion);
   InsérerExploitations(Connexion);
   InsérerAppellations(Connexion);

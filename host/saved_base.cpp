@@ -3,13 +3,12 @@
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "host/engine.h"
 #include "host/schema.h"
-#include "platform/database/sqlite/sqlite_connection.h"
 
 namespace Tarvel {
 namespace {
 
-using Ombrey::ConnexionSqlite;
 using Ombrey::ErreurExécution;
 using Ombrey::TexteChemin;
 namespace fs = std::filesystem;
@@ -24,7 +23,8 @@ fs::path NomLibre(const fs::path& Base, const char* Raison) {
 }  // namespace
 
 std::string SauvegarderBase(const fs::path& Base, const fs::path& Copie) {
-  OuvrirCoopérative(Base)->Sauvegarder(Copie);
+  static_cast<void>(OuvrirCoopérative(Base));
+  CopierFichier(Base, Copie);
   return "La base « " + TexteChemin(Base) + " » est sauvegardée dans « " + TexteChemin(Copie) + " ».";
 }
 
@@ -33,10 +33,11 @@ std::string RestaurerBase(const fs::path& Base, const fs::path& Copie) {
   const bool YEnAUne = fs::exists(Base);
   if (YEnAUne && fs::exists(Copie) && fs::equivalent(Base, Copie))
     throw ErreurExécution("La sauvegarde et la base sont le même fichier.");
-  if (YEnAUne && ConnexionSqlite::EstOuverteAilleurs(Base))
+  if (YEnAUne && EstOuvertAilleurs(Base))
     throw ErreurExécution("Une station ou un autre programme travaille sur la base « " + TexteChemin(Base) +
                           " » : arrêtez-les avant de la remplacer.");
-  OuvrirCoopérative(Copie)->Sauvegarder(Neuve);
+  static_cast<void>(OuvrirCoopérative(Copie));
+  CopierFichier(Copie, Neuve);
   std::string Fait = "La base « " + TexteChemin(Base) + " » est celle de la sauvegarde « " + TexteChemin(Copie) + " ».";
   if (YEnAUne) {
     const fs::path Ancienne = NomLibre(Base, ".remplacee");

@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "base/failures.h"
-#include "base/files.h"
+#include "host/engine.h"
 #include "host/load_columns.h"
 #include "host/sample.h"
 #include "host/schema_upgrade.h"
@@ -14,9 +14,8 @@
 namespace Tarvel {
 namespace {
 
-using Ombrey::ConnexionSqlite;
 using Ombrey::ErreurExécution;
-using Ombrey::EstNull;
+using Ombrey::IConnexion;
 using Ombrey::Transaction;
 
 constexpr std::array<const char*, 11> Tables = {"Coopérateur", "Métayage",          "Sélection", "Qualité",
@@ -25,7 +24,8 @@ constexpr std::array<const char*, 11> Tables = {"Coopérateur", "Métayage",    
 
 // Codes are texts that are looked up as numbers: each look-up has an index on the number. A variety's name and the
 // site's code go into every import line as they are: with a separator or a control character no load would come in.
-constexpr const char* TablesDeRéférence = R"(
+std::string TablesDeRéférence(const IConnexion& Connexion) {
+  return R"(
 CREATE TABLE Coopérateur (IdCoopérateur TEXT NOT NULL PRIMARY KEY, Nom TEXT NOT NULL DEFAULT '',
   Prénom TEXT NOT NULL DEFAULT '', DateCréation REAL);
 CREATE UNIQUE INDEX CoopérateurParNuméro ON Coopérateur (CAST(IdCoopérateur AS INTEGER));
@@ -43,8 +43,8 @@ CREATE INDEX MétayageParBadge ON Métayage (CodeBadge);
 CREATE TABLE Sélection (IdSélection TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '',
   QuotasSurface NUMERIC);
 CREATE TABLE Cépage (Sélection TEXT NOT NULL, Rang INTEGER NOT NULL, Désignation TEXT NOT NULL
-  CONSTRAINT SansPointVirgule CHECK (Désignation NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'),
-  PRIMARY KEY (Sélection, Rang));
+  CONSTRAINT SansPointVirgule CHECK ()" +
+         Connexion.SansCoupure("Désignation") + R"(), PRIMARY KEY (Sélection, Rang));
 CREATE TABLE Qualité (IdQualité TEXT NOT NULL PRIMARY KEY, Désignation TEXT NOT NULL DEFAULT '');
 CREATE TABLE QuotasGrp (IdGrp TEXT NOT NULL, Sélection TEXT NOT NULL, QuotaJournalier NUMERIC,
   PRIMARY KEY (IdGrp, Sélection));
@@ -53,8 +53,10 @@ CREATE UNIQUE INDEX QuotasGrpParNuméro ON QuotasGrp (CAST(IdGrp AS INTEGER), S�
 CREATE TABLE MSysEtats (Titre TEXT NOT NULL, Exportation INTEGER NOT NULL DEFAULT 0, LongChps TEXT, Format TEXT,
   PRIMARY KEY (Titre, Exportation));
 CREATE TABLE Paramètre (Nom TEXT NOT NULL PRIMARY KEY, Valeur TEXT NOT NULL DEFAULT ''
-  CONSTRAINT SansPointVirgule CHECK (Valeur NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'));
+  CONSTRAINT SansPointVirgule CHECK ()" +
+         Connexion.SansCoupure("Valeur") + R"());
 )";
+}
 
 constexpr const char* IndexDesChargements = R"(
 CREATE UNIQUE INDEX ChargementParNuméro ON Chargement (CodeSite, NoChargement);
@@ -68,7 +70,7 @@ CREATE INDEX ArchiveParExploitation ON ChargementArchive (Métayage, Sélection,
 
 /// The loads of the day, and those whose number another load has taken over, have the same columns.
 std::string CréationChargements(const std::string& Table, const std::string& Clé) {
-  std::string Sql = "CREATE TABLE " + Table + " (IdChargement INTEGER PRIMARY KEY" + Clé;
+  std::string Sql = "CREATE TABLE " + Table + " (IdChargement " + Clé;
   for (const ColonneChargement& C : ColonnesChargement)
     Sql.append(", ").append(C.Nom).append(" ").append(C.Type).append(C.EstObligatoire ? " NOT NULL" : "");
   return Sql + ", Synchronisé INTEGER NOT NULL DEFAULT 0)";
@@ -83,11 +85,11 @@ std::string LongChps() {
   return Texte;
 }
 
-void CréerTables(ConnexionSqlite& Connexion) {
-  Connexion.ExécuterTout(TablesDeRéférence);
+void CréerTables(IConnexion& Connexion) {
+  Connexion.ExécuterTout(TablesDeRéférence(Connexion));
   // A load's own number never comes back, so that a station can tell what is new to it.
-  Connexion.Exécuter(CréationChargements("Chargement", " AUTOINCREMENT"));
-  Connexion.Exécuter(CréationChargements("ChargementArchive", ""));
+  Connexion.Exécuter(CréationChargements("Chargement", Connexion.CléNumérotée(true)));
+  Connexion.Exécuter(CréationChargements("ChargementArchive", Connexion.CléNumérotée(false)));
   Connexion.ExécuterTout(IndexDesChargements);
   Connexion.Exécuter("INSERT INTO MSysEtats (Titre, Exportation, LongChps, Format) VALUES (?1, 0, ?2, ';')",
                      {TitreImport, LongChps()});
@@ -97,8 +99,8 @@ void CréerTables(ConnexionSqlite& Connexion) {
 
 }  // namespace
 
-void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple) {
-  auto Connexion = ConnexionSqlite::Créer(Fichier);
+void CréerBase(const std::string& Base, bool AvecExemple) {
+  auto Connexion = CréerMoteur(Base);
   try {
     Transaction Tout(*Connexion);
     CréerTables(*Connexion);
@@ -106,21 +108,18 @@ void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple) {
     Tout.Valider();
   } catch (const ErreurExécution&) {
     Connexion.reset();
-    Ombrey::SupprimerBase(Fichier);
+    AbandonnerBase(Base);
     throw;
   }
 }
 
-std::shared_ptr<ConnexionSqlite> OuvrirCoopérative(const std::filesystem::path& Fichier,
-                                                   ConnexionSqlite::Horloge Maintenant) {
-  auto Connexion = ConnexionSqlite::Ouvrir(Fichier, std::move(Maintenant));
+std::shared_ptr<IConnexion> OuvrirCoopérative(const std::string& Base, Ombrey::Horloge Maintenant) {
+  auto Connexion = OuvrirMoteur(Base, std::move(Maintenant));
   std::string Absentes;
   for (const char* Table : Tables)
-    if (EstNull(Connexion->Lire("SELECT 1 FROM sqlite_master WHERE type IN ('table', 'view') AND name = ?1", {Table})))
-      Absentes.append(" ").append(Table);
+    if (Connexion->ColonnesDe(Table).empty()) Absentes.append(" ").append(Table);
   if (!Absentes.empty())
-    throw ErreurExécution("La base « " + Ombrey::TexteChemin(Fichier) +
-                          " » n'est pas celle d'une coopérative. Il manque :" + Absentes);
+    throw ErreurExécution("La base « " + Base + " » n'est pas celle d'une coopérative. Il manque :" + Absentes);
   return Connexion;
 }
 

@@ -1,24 +1,24 @@
 // The cooperative's tables: a new database, and a look at whether a database has them.
 #pragma once
 
-#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "contracts/host.h"
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
 using Ombrey::TitreImport;
 
-/// Makes a new database file with all tables, indexes, the import layout and the site's code; with AvecExemple also a
-/// small cooperative to try things out on. Raises ErreurExécution, and leaves no file behind, when it can't; a file
-/// that is there already stays as it is.
-void CréerBase(const std::filesystem::path& Fichier, bool AvecExemple);
+/// Makes a new database with all tables, indexes, the import layout and the site's code; with AvecExemple also a small
+/// cooperative to try things out on. Raises ErreurExécution, and leaves nothing behind, when it can't; a database that
+/// is there already stays as it is.
+void CréerBase(const std::string& Base, bool AvecExemple);
 
-/// Opens a database file that has all the tables that a station needs. Raises ErreurExécution when it can't be opened,
-/// or with the names of those that are missing.
-[[nodiscard]] std::shared_ptr<Ombrey::ConnexionSqlite> OuvrirCoopérative(
-    const std::filesystem::path& Fichier, Ombrey::ConnexionSqlite::Horloge Maintenant = {});
+/// Opens a database that has all the tables that a station needs. Raises ErreurExécution when it can't be opened, or
+/// with the names of those that are missing.
+[[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirCoopérative(const std::string& Base,
+                                                                    Ombrey::Horloge Maintenant = {});
 
 }  // namespace Tarvel

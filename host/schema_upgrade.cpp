@@ -6,14 +6,14 @@
 #include <string>
 
 #include "base/failures.h"
+#include "host/engine.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
 
-using Ombrey::ConnexionSqlite;
 using Ombrey::ErreurExécution;
-using Ombrey::EstNull;
+using Ombrey::IConnexion;
 
 /// What the terminal sent is what the row says by now; a date with seconds was the time of an import.
 std::string Valeur1Vers2(const ColonneChargement& Colonne) {
@@ -23,7 +23,7 @@ std::string Valeur1Vers2(const ColonneChargement& Colonne) {
   return "CASE WHEN abs(" + Minutes + " - round(" + Minutes + ")) < 0.01 THEN " + Nom + " END";
 }
 
-void GarderCeQuiFutReçu(ConnexionSqlite& Connexion, const std::string& Table) {
+void GarderCeQuiFutReçu(IConnexion& Connexion, const std::string& Table) {
   std::string Colonnes;
   std::string Valeurs;
   for (const ColonneChargement& Colonne : ColonnesChargement) {
@@ -37,12 +37,13 @@ void GarderCeQuiFutReçu(ConnexionSqlite& Connexion, const std::string& Table) {
 }
 
 /// A view of the loads, those of the archive marked, with dates that people read.
-constexpr const char* VueLisible = R"(
+std::string VueLisible(const IConnexion& Connexion) {
+  return R"(
 DROP VIEW IF EXISTS ChargementLisible;
 CREATE VIEW ChargementLisible AS
-  SELECT CodeSite, NoChargement, strftime('%d/%m/%Y %H:%M', DateCh + 2415018.5) AS Arrivée,
-    strftime('%d/%m/%Y %H:%M', DateSortie + 2415018.5) AS Sortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai,
-    Masse, Cuve, Synchronisé, Archive
+  SELECT CodeSite, NoChargement, )" +
+         Connexion.DateLisible("DateCh") + " AS Arrivée, " + Connexion.DateLisible("DateSortie") +
+         R"( AS Sortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai, Masse, Cuve, Synchronisé, Archive
   FROM (SELECT CodeSite, NoChargement, DateCh, DateSortie, Métayage, Sélection, Cépage, Qualité, Degré, NoQuai, Masse,
           Cuve, Synchronisé, '' AS Archive FROM Chargement
         UNION ALL
@@ -50,51 +51,53 @@ CREATE VIEW ChargementLisible AS
           Cuve, Synchronisé, 'archivé' FROM ChargementArchive) AS Tous
   ORDER BY DateCh;
 )";
+}
 
-void De1Vers2(ConnexionSqlite& Connexion) {
+void De1Vers2(IConnexion& Connexion) {
   for (const char* Table : {TableChargements, TableArchive}) GarderCeQuiFutReçu(Connexion, Table);
   Connexion.ExécuterTout(
       "CREATE INDEX ChargementParNuméroReçu ON Chargement (CodeSite, ReçuNoChargement);"
       "CREATE INDEX ArchiveParNuméroReçu ON ChargementArchive (CodeSite, ReçuNoChargement);"
       "CREATE TABLE Schéma (Numéro INTEGER NOT NULL);"
       "INSERT INTO Schéma (Numéro) VALUES (1);");
-  Connexion.ExécuterTout(VueLisible);
+  Connexion.ExécuterTout(VueLisible(Connexion));
 }
 
 /// The step from each number to the next, from the first on.
-constexpr std::array<void (*)(ConnexionSqlite&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2}};
+constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2}};
 
 /// Whole and on the disk, beside the base, under a name that nothing bears yet.
-void GarderUneCopie(ConnexionSqlite& Connexion, int Numéro) {
-  const std::string Début = Connexion.Fichier().string() + ".schéma-" + std::to_string(Numéro);
+void GarderUneCopie(const std::string& Base, int Numéro) {
+  const std::string Début = Base + ".schéma-" + std::to_string(Numéro);
   std::string Copie = Début;
   for (int Rang = 2; std::filesystem::exists(Copie); ++Rang) Copie = Début + "-" + std::to_string(Rang);
-  Connexion.Sauvegarder(Copie);
+  CopierFichier(Base, Copie);
 }
 
 }  // namespace
 
-int NuméroSchémaDe(ConnexionSqlite& Connexion) {
-  const bool ANuméro = !EstNull(Connexion.Lire("SELECT 1 FROM sqlite_master WHERE name = 'Schéma'"));
+int NuméroSchémaDe(IConnexion& Connexion) {
+  const bool ANuméro = !Connexion.ColonnesDe("Schéma").empty();
   const Ombrey::ValeurChamp Numéro = ANuméro ? Connexion.Lire("SELECT MAX(Numéro) FROM Schéma") : Ombrey::ValeurChamp{};
   const auto* Lu = std::get_if<std::int64_t>(&Numéro);
   return Lu ? static_cast<int>(*Lu) : PremierSchéma;
 }
 
-void PasserAuSchémaSuivant(ConnexionSqlite& Connexion, int Numéro) {
+void PasserAuSchémaSuivant(IConnexion& Connexion, int Numéro) {
   Étapes.at(static_cast<std::size_t>(Numéro - PremierSchéma))(Connexion);
   Connexion.Exécuter("UPDATE Schéma SET Numéro = ?1", {std::int64_t{Numéro} + 1});
 }
 
-void MettreAJourSchéma(ConnexionSqlite& Connexion) {
+void MettreAJourSchéma(IConnexion& Connexion) {
   const int Ancien = NuméroSchémaDe(Connexion);
   if (Ancien > NuméroSchéma)
-    throw ErreurExécution("La base « " + Connexion.Fichier().string() +
+    throw ErreurExécution("La base « " + Connexion.Nom() +
                           " » est celle d'une version plus récente de tarvel (schéma n° " + std::to_string(Ancien) +
                           ", et cette version connaît le n° " + std::to_string(NuméroSchéma) +
                           ") : installez-la sur ce poste");
   if (Ancien == NuméroSchéma || Connexion.EstEnLectureSeule()) return;
-  GarderUneCopie(Connexion, Ancien);
+  // A server does the whole change or nothing of it; a file may also be copied in its midst.
+  if (const auto Fichier = Connexion.SonFichier()) GarderUneCopie(Fichier->string(), Ancien);
   Ombrey::Transaction Tout(Connexion);
   // Another station may have been faster.
   for (int Numéro = NuméroSchémaDe(Connexion); Numéro < NuméroSchéma; ++Numéro)

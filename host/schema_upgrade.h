@@ -1,7 +1,7 @@
 // The schema's number, and what brings an older base up to it.
 #pragma once
 
-#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/connection.h"
 
 namespace Tarvel {
 
@@ -10,14 +10,15 @@ inline constexpr int PremierSchéma = 1;
 inline constexpr int NuméroSchéma = 2;
 
 /// The number of the base's schema.
-[[nodiscard]] int NuméroSchémaDe(Ombrey::ConnexionSqlite& Connexion);
+[[nodiscard]] int NuméroSchémaDe(Ombrey::IConnexion& Connexion);
 
 /// From one number to the next, inside a transaction of the caller's.
-void PasserAuSchémaSuivant(Ombrey::ConnexionSqlite& Connexion, int Numéro);
+void PasserAuSchémaSuivant(Ombrey::IConnexion& Connexion, int Numéro);
 
-/// Brings an older base up to date, in one transaction, behind a whole copy of it that stays beside it; several
+/// Brings an older base up to date, in one transaction and, where it is a file, behind a whole copy of it that stays
+/// beside it; several
 /// stations may do so at once. A base that can only be read is left as it is. Raises ErreurExécution when the base is a
 /// newer program's, and when the copy or the change can't be made, which leaves the base as it was.
-void MettreAJourSchéma(Ombrey::ConnexionSqlite& Connexion);
+void MettreAJourSchéma(Ombrey::IConnexion& Connexion);
 
 }  // namespace Tarvel

@@ -1,24 +1,17 @@
-// From the dialect of the cooperative's database to SQLite's.
+// The dialect of the cooperative's database: its lexer, and the walk that turns a query for an engine.
 #include "platform/database/dialect.h"
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
-#include <optional>
-#include <vector>
 
 namespace Ombrey {
+
 namespace {
+
+char Majuscule(char C) { return C >= 'a' && C <= 'z' ? static_cast<char>(C - 'a' + 'A') : C; }
 
 /// The engine reads no deeper, and refuses what is copied as it stands.
 constexpr int ProfondeurMax = 100;
-
-enum class Genre { Blanc, Littéral, Nombre, Nom, Motclé, Signe };
-
-struct Jeton {
-  Genre Sorte;
-  std::string_view Texte;
-};
 
 /// The keywords that can stand ahead of an operand or a parenthesis, and so aren't names of columns or functions.
 constexpr std::array<std::string_view, 35> Motsclés = {
@@ -30,13 +23,6 @@ bool EstBlanc(char C) { return C == ' ' || C == '\t' || C == '\r' || C == '\n'; 
 bool EstChiffre(char C) { return C >= '0' && C <= '9'; }
 bool EstLettre(char C) {
   return (C >= 'a' && C <= 'z') || (C >= 'A' && C <= 'Z') || C == '_' || static_cast<unsigned char>(C) >= 0x80;
-}
-
-char Majuscule(char C) { return C >= 'a' && C <= 'z' ? static_cast<char>(C - 'a' + 'A') : C; }
-
-bool EstMot(std::string_view Texte, std::string_view Mot) {
-  return std::equal(Texte.begin(), Texte.end(), Mot.begin(), Mot.end(),
-                    [](char A, char B) { return Majuscule(A) == B; });
 }
 
 bool EstMotclé(std::string_view Texte) {
@@ -79,6 +65,13 @@ Jeton Premier(std::string_view Reste) {
   return {Genre::Signe, Reste.substr(0, 1)};
 }
 
+}  // namespace
+
+bool EstMot(std::string_view Texte, std::string_view Mot) {
+  return std::equal(Texte.begin(), Texte.end(), Mot.begin(), Mot.end(),
+                    [](char A, char B) { return Majuscule(A) == B; });
+}
+
 std::vector<Jeton> Découper(std::string_view Sql) {
   std::vector<Jeton> Jetons;
   while (!Sql.empty()) {
@@ -88,185 +81,177 @@ std::vector<Jeton> Découper(std::string_view Sql) {
   return Jetons;
 }
 
-class Traducteur {
- public:
-  explicit Traducteur(std::string_view Sql) : Jetons_(Découper(Sql)), OrdreLibre_(!AToutesColonnes()) {}
+std::string Traducteur::Traduire() {
+  std::size_t Place = 0;
+  return Suite(Place, Jetons_.size());
+}
 
-  std::string Traduire() {
-    std::size_t Place = 0;
-    return Suite(Place, Jetons_.size());
-  }
+bool Traducteur::EstSigne(std::size_t Place, std::string_view Choix) const {
+  return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Signe &&
+         Choix.find(Jetons_[Place].Texte) != Choix.npos;
+}
 
- private:
-  [[nodiscard]] bool EstSigne(std::size_t Place, std::string_view Choix) const {
-    return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Signe &&
-           Choix.find(Jetons_[Place].Texte) != Choix.npos;
-  }
-  [[nodiscard]] bool EstMotcléLà(std::size_t Place, std::string_view Mot) const {
-    return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Motclé && EstMot(Jetons_[Place].Texte, Mot);
-  }
-  [[nodiscard]] bool EstNom(std::size_t Place) const {
-    return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Nom;
-  }
-  [[nodiscard]] bool OuvreOpérande(std::size_t Place) const {
-    if (Place >= Jetons_.size()) return false;
-    const Genre Sorte = Jetons_[Place].Sorte;
-    return Sorte == Genre::Littéral || Sorte == Genre::Nombre || Sorte == Genre::Nom || EstSigne(Place, "(");
-  }
-  [[nodiscard]] std::size_t SauterBlancs(std::size_t Place) const {
-    while (Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Blanc) ++Place;
-    return Place;
-  }
-  /// Place of the parenthesis that closes the one at Place; none when it stays open.
-  [[nodiscard]] std::optional<std::size_t> Fermeture(std::size_t Place) const {
-    int Profondeur = 0;
-    for (; Place < Jetons_.size(); ++Place) {
-      if (EstSigne(Place, "(")) ++Profondeur;
-      if (EstSigne(Place, ")") && --Profondeur == 0) return Place;
-    }
-    return std::nullopt;
-  }
-  [[nodiscard]] bool AToutesColonnes() const {
-    for (std::size_t Place = 1; Place < Jetons_.size(); ++Place) {
-      if (!EstSigne(Place, "*")) continue;
-      std::size_t Avant = Place - 1;
-      while (Avant > 0 && Jetons_[Avant].Sorte == Genre::Blanc) --Avant;
-      if (Jetons_[Avant].Sorte == Genre::Motclé || EstSigne(Avant, ",.")) return true;
-    }
-    return false;
-  }
+bool Traducteur::EstMotcléLà(std::size_t Place, std::string_view Mot) const {
+  return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Motclé && EstMot(Jetons_[Place].Texte, Mot);
+}
 
-  std::string Copie(std::size_t& Place, std::size_t Jusque) const {
-    std::string Texte;
-    for (; Place < Jusque; ++Place) Texte += Jetons_[Place].Texte;
-    return Texte;
+bool Traducteur::EstNom(std::size_t Place) const {
+  return Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Nom;
+}
+
+bool Traducteur::OuvreOpérande(std::size_t Place) const {
+  if (Place >= Jetons_.size()) return false;
+  const Genre Sorte = Jetons_[Place].Sorte;
+  return Sorte == Genre::Littéral || Sorte == Genre::Nombre || Sorte == Genre::Nom || EstSigne(Place, "(");
+}
+
+std::size_t Traducteur::SauterBlancs(std::size_t Place) const {
+  while (Place < Jetons_.size() && Jetons_[Place].Sorte == Genre::Blanc) ++Place;
+  return Place;
+}
+
+/// Place of the parenthesis that closes the one at Place; none when it stays open.
+std::optional<std::size_t> Traducteur::Fermeture(std::size_t Place) const {
+  int Profondeur = 0;
+  for (; Place < Jetons_.size(); ++Place) {
+    if (EstSigne(Place, "(")) ++Profondeur;
+    if (EstSigne(Place, ")") && --Profondeur == 0) return Place;
   }
+  return std::nullopt;
+}
 
-  std::string Suite(std::size_t& Place, std::size_t Fin) {
-    std::string Texte;
-    while (Place < Fin) {
-      const bool EstFrom = EstMotcléLà(Place, "FROM");
-      if (OuvreOpérande(Place) || EstSigne(Place, "+-"))
-        Texte += Chaîne(Place, Fin);
-      else
-        Texte += Copie(Place, Place + 1);
-      if (EstFrom) Texte += JointureRetournée(Place).value_or("");
-    }
-    return Texte;
+bool Traducteur::AToutesColonnes() const {
+  for (std::size_t Place = 1; Place < Jetons_.size(); ++Place) {
+    if (!EstSigne(Place, "*")) continue;
+    std::size_t Avant = Place - 1;
+    while (Avant > 0 && Jetons_[Avant].Sorte == Genre::Blanc) --Avant;
+    if (Jetons_[Avant].Sorte == Genre::Motclé || EstSigne(Avant, ",.")) return true;
   }
+  return false;
+}
 
-  std::string Chaîne(std::size_t& Place, std::size_t Fin) {
-    std::string Texte = Opérande(Place, Fin);
-    std::size_t Suivant = SauterBlancs(Place);
-    if (Suivant >= Fin || !EstSigne(Suivant, "&")) return Texte;
-    Texte = "(coalesce(" + Texte + ",'')";
-    while (Suivant < Fin && EstSigne(Suivant, "&")) {
-      Place = SauterBlancs(Suivant + 1);
-      Texte += "||coalesce(" + Opérande(Place, Fin) + ",'')";
-      Suivant = SauterBlancs(Place);
-    }
-    return Texte + ")";
-  }
+std::string Traducteur::Copie(std::size_t& Place, std::size_t Jusque) const {
+  std::string Texte;
+  for (; Place < Jusque; ++Place) Texte += Jetons_[Place].Texte;
+  return Texte;
+}
 
-  /// Arithmetic binds its operands closer than the joining does.
-  std::string Opérande(std::size_t& Place, std::size_t Fin) {
-    std::string Texte = Facteur(Place, Fin);
-    for (;;) {
-      const std::size_t Opérateur = SauterBlancs(Place);
-      if (Opérateur >= Fin || !EstSigne(Opérateur, "+-*/")) return Texte;
-      std::size_t Droite = SauterBlancs(Opérateur + 1);
-      if (EstSigne(Droite, "+-")) ++Droite;
-      if (Droite >= Fin || !OuvreOpérande(Droite)) return Texte;
-      Texte += Copie(Place, Droite);
-      Texte += Facteur(Place, Fin);
-    }
-  }
-
-  std::string Facteur(std::size_t& Place, std::size_t Fin) {
-    std::string Texte;
-    while (Place < Fin && EstSigne(Place, "+-")) Texte += Copie(Place, SauterBlancs(Place + 1));
-    if (Place >= Fin || !OuvreOpérande(Place)) return Texte;
-    if (EstSigne(Place, "(")) {
-      const auto Fermante = Fermeture(Place);
-      return Fermante ? Texte + "(" + Intérieur(Place, *Fermante) + ")" : Texte + Copie(Place, Fin);
-    }
-    if (!EstNom(Place)) return Texte + Copie(Place, Place + 1);
-
-    const std::string Nom = Copie(Place, FinNom(Place));
-    std::size_t Ouvrante = SauterBlancs(Place);
-    const auto Fermante = EstSigne(Ouvrante, "(") ? Fermeture(Ouvrante) : std::nullopt;
-    if (!Fermante) return Texte + Nom;
-    Place = Ouvrante;
-    const std::string Arguments = Intérieur(Place, *Fermante);
-    return Texte + (EstMot(Nom, "CLNG") ? "CAST(" + Arguments + " AS INTEGER)" : Nom + "(" + Arguments + ")");
-  }
-
-  /// What stands between two parentheses; Place then stands behind the closing one.
-  std::string Intérieur(std::size_t& Place, std::size_t Fermante) {
-    ++Place;
-    if (Profondeur_ == ProfondeurMax) {
-      std::string Texte = Copie(Place, Fermante);
-      ++Place;
-      return Texte;
-    }
-    ++Profondeur_;
-    std::string Texte = JointureRetournée(Place).value_or("");
-    Texte += Suite(Place, Fermante);
-    --Profondeur_;
-    Place = Fermante + 1;
-    return Texte;
-  }
-
-  [[nodiscard]] std::size_t FinNom(std::size_t Place) const {
-    ++Place;
-    while (EstSigne(Place, ".") && (EstNom(Place + 1) || EstSigne(Place + 1, "*"))) Place += 2;
-    return Place;
-  }
-
-  /// Place behind a table or a parenthesis, with its alias; none when something else stands there.
-  [[nodiscard]] std::optional<std::size_t> FinSource(std::size_t Place) const {
-    std::size_t Derrière = 0;
-    if (const auto Fermante = EstSigne(Place, "(") ? Fermeture(Place) : std::nullopt)
-      Derrière = *Fermante + 1;
-    else if (EstNom(Place))
-      Derrière = FinNom(Place);
+std::string Traducteur::Suite(std::size_t& Place, std::size_t Fin) {
+  std::string Texte;
+  while (Place < Fin) {
+    const bool EstFrom = EstMotcléLà(Place, "FROM");
+    if (OuvreOpérande(Place) || EstSigne(Place, "+-"))
+      Texte += Chaîne(Place, Fin);
     else
-      return std::nullopt;
-    std::size_t Alias = SauterBlancs(Derrière);
-    if (EstMotcléLà(Alias, "AS")) Alias = SauterBlancs(Alias + 1);
-    return EstNom(Alias) ? Alias + 1 : Derrière;
+      Texte += Copie(Place, Place + 1);
+    if (EstFrom) Texte += JointureRetournée(Place).value_or("");
   }
+  return Texte;
+}
 
-  std::optional<std::string> JointureRetournée(std::size_t& Place) {
-    if (!OrdreLibre_) return std::nullopt;
-    std::size_t Gauche = SauterBlancs(Place);
-    const auto FinGauche = FinSource(Gauche);
-    if (!FinGauche) return std::nullopt;
-    std::size_t Mot = SauterBlancs(*FinGauche);
-    if (!EstMotcléLà(Mot, "RIGHT")) return std::nullopt;
-    Mot = SauterBlancs(Mot + 1);
-    if (EstMotcléLà(Mot, "OUTER")) Mot = SauterBlancs(Mot + 1);
-    std::size_t Droite = SauterBlancs(Mot + 1);
-    const auto FinDroite = FinSource(Droite);
-    if (!EstMotcléLà(Mot, "JOIN") || !FinDroite || !EstMotcléLà(SauterBlancs(*FinDroite), "ON")) return std::nullopt;
-
-    // A parenthesis or a bracket needs no blank beside it; the name that takes its place does.
-    const bool ColléDevant = Gauche == Place && Place > 0 && Jetons_[Place - 1].Sorte == Genre::Motclé;
-    const std::string Devant = ColléDevant ? " " : Copie(Place, Gauche);
-    const std::string Conservée = Suite(Droite, *FinDroite);
-    const std::string Facultative = Suite(Gauche, *FinGauche);
-    Place = *FinDroite;
-    return Devant + Conservée + " LEFT JOIN " + Facultative + (Jetons_[Place].Sorte == Genre::Blanc ? "" : " ");
+std::string Traducteur::Chaîne(std::size_t& Place, std::size_t Fin) {
+  std::string Texte = Opérande(Place, Fin);
+  std::size_t Suivant = SauterBlancs(Place);
+  if (Suivant >= Fin || !EstSigne(Suivant, "&")) return Texte;
+  Texte = "(" + EnTexte(Texte);
+  while (Suivant < Fin && EstSigne(Suivant, "&")) {
+    Place = SauterBlancs(Suivant + 1);
+    Texte += "||" + EnTexte(Opérande(Place, Fin));
+    Suivant = SauterBlancs(Place);
   }
+  return Texte + ")";
+}
 
-  std::vector<Jeton> Jetons_;
-  int Profondeur_ = 0;  ///< of the parentheses that stand open
-  bool OrdreLibre_;     ///< no result column depends on the order of the tables
-};
+/// Arithmetic binds its operands closer than the joining does.
+std::string Traducteur::Opérande(std::size_t& Place, std::size_t Fin) {
+  std::string Texte = Facteur(Place, Fin);
+  for (;;) {
+    const std::size_t Opérateur = SauterBlancs(Place);
+    if (Opérateur >= Fin || !EstSigne(Opérateur, "+-*/")) return Texte;
+    std::size_t Droite = SauterBlancs(Opérateur + 1);
+    if (EstSigne(Droite, "+-")) ++Droite;
+    if (Droite >= Fin || !OuvreOpérande(Droite)) return Texte;
+    Texte += Copie(Place, Droite);
+    Texte += Facteur(Place, Fin);
+  }
+}
 
-}  // namespace
+std::string Traducteur::Facteur(std::size_t& Place, std::size_t Fin) {
+  std::string Texte;
+  while (Place < Fin && EstSigne(Place, "+-")) Texte += Copie(Place, SauterBlancs(Place + 1));
+  if (Place >= Fin || !OuvreOpérande(Place)) return Texte;
+  if (EstSigne(Place, "(")) {
+    const auto Fermante = Fermeture(Place);
+    return Fermante ? Texte + "(" + Intérieur(Place, *Fermante) + ")" : Texte + Copie(Place, Fin);
+  }
+  if (!EstNom(Place)) return Texte + Copie(Place, Place + 1);
 
-std::string TraduireEnSqlite(std::string_view Sql) { return Traducteur(Sql).Traduire(); }
+  const std::string Nom = Copie(Place, FinNom(Place));
+  std::size_t Ouvrante = SauterBlancs(Place);
+  const auto Fermante = EstSigne(Ouvrante, "(") ? Fermeture(Ouvrante) : std::nullopt;
+  if (!Fermante) return Texte + Nommer(Nom);
+  Place = Ouvrante;
+  const std::string Arguments = Intérieur(Place, *Fermante);
+  return Texte + Appeler(Nom, Arguments);
+}
+
+/// What stands between two parentheses; Place then stands behind the closing one.
+std::string Traducteur::Intérieur(std::size_t& Place, std::size_t Fermante) {
+  ++Place;
+  if (Profondeur_ == ProfondeurMax) {
+    std::string Texte = Copie(Place, Fermante);
+    ++Place;
+    return Texte;
+  }
+  ++Profondeur_;
+  std::string Texte = JointureRetournée(Place).value_or("");
+  Texte += Suite(Place, Fermante);
+  --Profondeur_;
+  Place = Fermante + 1;
+  return Texte;
+}
+
+std::size_t Traducteur::FinNom(std::size_t Place) const {
+  ++Place;
+  while (EstSigne(Place, ".") && (EstNom(Place + 1) || EstSigne(Place + 1, "*"))) Place += 2;
+  return Place;
+}
+
+/// Place behind a table or a parenthesis, with its alias; none when something else stands there.
+std::optional<std::size_t> Traducteur::FinSource(std::size_t Place) const {
+  std::size_t Derrière = 0;
+  if (const auto Fermante = EstSigne(Place, "(") ? Fermeture(Place) : std::nullopt)
+    Derrière = *Fermante + 1;
+  else if (EstNom(Place))
+    Derrière = FinNom(Place);
+  else
+    return std::nullopt;
+  std::size_t Alias = SauterBlancs(Derrière);
+  if (EstMotcléLà(Alias, "AS")) Alias = SauterBlancs(Alias + 1);
+  return EstNom(Alias) ? Alias + 1 : Derrière;
+}
+
+std::optional<std::string> Traducteur::JointureRetournée(std::size_t& Place) {
+  if (!OrdreLibre_) return std::nullopt;
+  std::size_t Gauche = SauterBlancs(Place);
+  const auto FinGauche = FinSource(Gauche);
+  if (!FinGauche) return std::nullopt;
+  std::size_t Mot = SauterBlancs(*FinGauche);
+  if (!EstMotcléLà(Mot, "RIGHT")) return std::nullopt;
+  Mot = SauterBlancs(Mot + 1);
+  if (EstMotcléLà(Mot, "OUTER")) Mot = SauterBlancs(Mot + 1);
+  std::size_t Droite = SauterBlancs(Mot + 1);
+  const auto FinDroite = FinSource(Droite);
+  if (!EstMotcléLà(Mot, "JOIN") || !FinDroite || !EstMotcléLà(SauterBlancs(*FinDroite), "ON")) return std::nullopt;
+
+  // A parenthesis or a bracket needs no blank beside it; the name that takes its place does.
+  const bool ColléDevant = Gauche == Place && Place > 0 && Jetons_[Place - 1].Sorte == Genre::Motclé;
+  const std::string Devant = ColléDevant ? " " : Copie(Place, Gauche);
+  const std::string Conservée = Suite(Droite, *FinDroite);
+  const std::string Facultative = Suite(Gauche, *FinGauche);
+  Place = *FinDroite;
+  return Devant + Conservée + " LEFT JOIN " + Facultative + (Jetons_[Place].Sorte == Genre::Blanc ? "" : " ");
+}
 
 bool CommenceParSelect(std::string_view Sql) {
   const std::vector<Jeton> Jetons = Découper(Sql);
@@ -274,5 +259,7 @@ bool CommenceParSelect(std::string_view Sql) {
       std::find_if(Jetons.begin(), Jetons.end(), [](const Jeton& J) { return J.Sorte != Genre::Blanc; });
   return Premier != Jetons.end() && EstMot(Premier->Texte, "SELECT");
 }
+
+bool EstRemplissage(std::string_view Reste) { return Reste.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
 
 }  // namespace Ombrey

@@ -1,12 +1,11 @@
 // The dialect, the recordsets and the failures of the database on SQLite.
 #include <gtest/gtest.h>
-#include <malloc.h>
 #include <sqlite3.h>
 
 #include "base/failures.h"
-#include "platform/database/dialect.h"
-#include "platform/database/packed_rows.h"
-#include "platform/database/sqlite/sqlite_engine.h"
+#include "platform/database/recordsets.h"
+#include "platform/database/sqlite/sqlite_connection.h"
+#include "platform/database/sqlite/sqlite_dialect.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey {
@@ -60,7 +59,7 @@ TEST(Dialecte, TurnsWhatSqliteLacksAndNothingElse) {
 }
 
 TEST_F(BaseVigne, RunsTheDialect) {
-  BaseSqlite Base(Nouvelle());
+  BaseLue Base(Nouvelle());
   const std::pair<const char*, const char*> Cas[] = {
       {"SELECT Nom & '/' & Id FROM Vigne WHERE Clng(Id) = '8'", "/8"},
       {"SELECT Format(Jour,'dd/mm hh:nn') FROM Vigne WHERE Clng(Id) = '7'", "09/12 06:00"},
@@ -74,7 +73,7 @@ TEST_F(BaseVigne, RunsTheDialect) {
 
 TEST_F(BaseVigne, RefusesAllButOneSelect) {
   const auto Connexion = Nouvelle();
-  BaseSqlite Base(Connexion);
+  BaseLue Base(Connexion);
   using namespace std::string_literals;
   for (const std::string& Sql :
        {"DELETE FROM Vigne"s, ""s, " ; "s, "PRAGMA user_version = 4"s, "SELECT 1; DELETE FROM Vigne"s,
@@ -86,7 +85,7 @@ TEST_F(BaseVigne, RefusesAllButOneSelect) {
 
 TEST_F(BaseVigne, MovesThroughASnapshot) {
   const auto Connexion = Nouvelle();
-  BaseSqlite Base(Connexion);
+  BaseLue Base(Connexion);
   const auto Lignes = Base.OpenRecordset("SELECT Id, Nom FROM Vigne ORDER BY Clng(Id)", TypeRecordset::Instantané);
   Connexion->Exécuter("DELETE FROM Vigne");
   EXPECT_EQ(Lignes->Colonnes(), (std::vector<std::string>{"Id", "Nom"}));
@@ -108,7 +107,7 @@ TEST_F(BaseVigne, MovesThroughASnapshot) {
 }
 
 TEST_F(BaseVigne, StreamsForwardAndOutlivesItsConnection) {
-  auto Base = std::make_unique<BaseSqlite>(Nouvelle());
+  auto Base = std::make_unique<BaseLue>(Nouvelle());
   const auto Lignes = Base->OpenRecordset("SELECT Id FROM Vigne ORDER BY Id", TypeRecordset::VersLAvant);
   Base.reset();
   EXPECT_THROW(Lignes->MoveFirst(), ErreurExécution);
@@ -116,43 +115,6 @@ TEST_F(BaseVigne, StreamsForwardAndOutlivesItsConnection) {
   std::string Lus;
   for (; !Lignes->Eof(); Lignes->MoveNext()) Lus += std::get<std::string>(Lignes->Fields(0)) + " ";
   EXPECT_EQ(Lus, "007 09 8 ");
-}
-
-TEST(LignesCompactes, GivesBackEveryValueAcrossBlocks) {
-  using Entier = std::int64_t;
-  // clang-format off
-  const std::vector<ValeurChamp> Valeurs = {
-      std::monostate{}, Entier{0}, Entier{-1}, Entier{127}, Entier{-128}, Entier{128}, INT64_MAX, INT64_MIN,
-      Entier{65536}, 33.3333, -0.0, "", "é", std::string(62, 'a'), std::string(63, 'b'), std::string(70'000, 'c')};
-  // clang-format on
-  LignesCompactes Lignes(Valeurs.size());
-  constexpr int Nombre = 40;
-  for (int Ligne = 0; Ligne < Nombre; ++Ligne) {
-    for (const ValeurChamp& V : Valeurs) {
-      if (EstNull(V)) Lignes.AjouterNull();
-      if (const auto* E = std::get_if<Entier>(&V)) Lignes.AjouterEntier(*E);
-      if (const auto* R = std::get_if<double>(&V)) Lignes.AjouterRéel(*R);
-      if (const auto* T = std::get_if<std::string>(&V)) Lignes.AjouterTexte(*T);
-    }
-    Lignes.TerminerLigne();
-  }
-  int Lues = 0;
-  for (auto Ici = Lignes.Début(); Ici != Lignes.Fin(); Ici = Lignes.Suivante(Ici), ++Lues)
-    for (std::size_t C = 0; C < Valeurs.size(); ++C) ASSERT_EQ(Lignes.Valeur(Ici, C), Valeurs[C]) << C;
-  EXPECT_EQ(Lues, Nombre);
-}
-
-TEST_F(BaseVigne, KeepsASnapshotWellBelowTheTerminalsFile) {
-  const auto Connexion = Nouvelle();
-  Connexion->ExécuterTout(
-      "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i+1 FROM n WHERE i < 30000)"
-      " INSERT INTO Vigne SELECT printf('%06d', i), 'Domaine du Côteau', NULL FROM n");
-  constexpr std::size_t TailleFichier = 30'000UL * 41;
-  const std::size_t Avant = mallinfo2().uordblks;
-  const auto Lignes =
-      BaseSqlite(Connexion).OpenRecordset("SELECT Id, Nom FROM Vigne ORDER BY Id", TypeRecordset::Instantané);
-  EXPECT_EQ(Lignes->RecordCount(), 30'003);
-  EXPECT_LT(mallinfo2().uordblks - Avant, TailleFichier * 3 / 4);
 }
 
 TEST_F(BaseVigne, UndoesAnUnfinishedTransactionAndKeepsASafeJournal) {

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "base/regional_forms.h"
+#include "platform/database/sqlite/sqlite_dialect.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/station.h"
 

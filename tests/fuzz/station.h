@@ -4,7 +4,8 @@
 #include "host/schema.h"
 #include "import/frame_processing.h"
 #include "link/transmission.h"
-#include "platform/database/sqlite/sqlite_engine.h"
+#include "platform/database/recordsets.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
@@ -25,7 +26,7 @@ inline std::shared_ptr<ConnexionSqlite> Coopérative() {
 
 struct Station {
   Station() {
-    Hôte->Base = std::make_shared<BaseSqlite>(Coopérative());
+    Hôte->Base = std::make_shared<BaseLue>(Coopérative());
     Hôte->Cépages = "Syrah";
     État.BaseDeD = Hôte;
   }

@@ -9,6 +9,7 @@
 #include "base/regional_forms.h"
 #include "host/cooperative_database.h"
 #include "host/schema.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 

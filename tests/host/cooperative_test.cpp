@@ -2,7 +2,7 @@
 #include <thread>
 
 #include "contracts/line_protocol.h"
-#include "platform/database/dialect.h"
+#include "platform/database/sqlite/sqlite_dialect.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {

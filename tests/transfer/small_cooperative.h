@@ -4,7 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "common/plugin_state.h"
-#include "platform/database/sqlite/sqlite_engine.h"
+#include "platform/database/recordsets.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
@@ -26,7 +27,7 @@ struct PetiteCoopérative {
   }
   DossierEssai Dossier;
   std::shared_ptr<ConnexionSqlite> Connexion = ConnexionSqlite::Créer(Dossier.Chemin() / "b", [] { return 46287.5; });
-  std::shared_ptr<IDatabase> Base = std::make_shared<BaseSqlite>(Connexion);
+  std::shared_ptr<IDatabase> Base = std::make_shared<BaseLue>(Connexion);
 };
 
 /// A plug-in's state on such a database.

@@ -1,4 +1,4 @@
-// SQLite's C interface with owners: the connection, its statements with bound values, and the transaction.
+// The cooperative's database in a file, by SQLite.
 #include "platform/database/sqlite/sqlite_connection.h"
 
 #include <fcntl.h>
@@ -14,6 +14,8 @@
 #include "base/failures.h"
 #include "base/regional_forms.h"
 #include "base/system_error.h"
+#include "platform/database/dialect.h"
+#include "platform/database/sqlite/sqlite_dialect.h"
 #include "platform/database/sqlite/sqlite_failures.h"
 #include "platform/database/sqlite/sqlite_functions.h"
 
@@ -39,11 +41,9 @@ struct Lieur {
 
 }  // namespace
 
-bool EstRemplissage(std::string_view Reste) { return Reste.find_first_not_of(" \t\r\n;") == std::string_view::npos; }
+void InstructionSqlite::Finir::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
 
-void Instruction::Finir::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
-
-Instruction::Instruction(sqlite3* Base, std::string_view Sql, std::string_view* Reste) {
+InstructionSqlite::InstructionSqlite(sqlite3* Base, std::string_view Sql, std::string_view* Reste) {
   sqlite3_stmt* Brute = nullptr;
   const char* Suite = nullptr;
   const int Code = sqlite3_prepare_v2(Base, Sql.data(), static_cast<int>(Sql.size()), &Brute, &Suite);
@@ -57,27 +57,21 @@ Instruction::Instruction(sqlite3* Base, std::string_view Sql, std::string_view* 
     throw ErreurExécution("Une seule instruction est acceptée à la fois");
 }
 
-Instruction& Instruction::Lier(const std::vector<ValeurChamp>& Valeurs) {
+void InstructionSqlite::Lier(const std::vector<ValeurChamp>& Valeurs) {
   sqlite3_reset(Brute_.get());
   int Rang = 0;
   for (const ValeurChamp& Valeur : Valeurs)
     if (std::visit(Lieur{Brute_.get(), ++Rang}, Valeur) != SQLITE_OK) LeverÉchec(sqlite3_db_handle(Brute_.get()));
-  return *this;
 }
 
-bool Instruction::Avancer() {
+bool InstructionSqlite::Avancer() {
   const int Code = sqlite3_step(Brute_.get());
   if (Code == SQLITE_ROW) return true;
   if (Code != SQLITE_DONE) LeverÉchec(sqlite3_db_handle(Brute_.get()));
   return false;
 }
 
-void Instruction::Exécuter() {
-  while (Avancer()) {
-  }
-}
-
-ValeurChamp Instruction::Valeur(std::size_t Rang) const {
+ValeurChamp InstructionSqlite::Valeur(std::size_t Rang) const {
   const int Colonne = static_cast<int>(Rang);
   switch (sqlite3_column_type(Brute_.get(), Colonne)) {
     case SQLITE_NULL:
@@ -93,7 +87,7 @@ ValeurChamp Instruction::Valeur(std::size_t Rang) const {
   }
 }
 
-std::vector<std::string> Instruction::Colonnes() const {
+std::vector<std::string> InstructionSqlite::Colonnes() {
   std::vector<std::string> Noms;
   for (int Colonne = 0; Colonne < sqlite3_column_count(Brute_.get()); ++Colonne) {
     const char* Nom = sqlite3_column_name(Brute_.get(), Colonne);
@@ -102,7 +96,7 @@ std::vector<std::string> Instruction::Colonnes() const {
   return Noms;
 }
 
-bool Instruction::NeFaitQueLire() const { return sqlite3_stmt_readonly(Brute_.get()) != 0; }
+bool InstructionSqlite::NeFaitQueLire() const { return sqlite3_stmt_readonly(Brute_.get()) != 0; }
 
 void ConnexionSqlite::Fermer::operator()(sqlite3* Base) const { sqlite3_close_v2(Base); }
 
@@ -186,20 +180,52 @@ std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Créer(const std::filesystem::
 
 bool ConnexionSqlite::EstEnLectureSeule() const { return sqlite3_db_readonly(Base_.get(), "main") == 1; }
 
-void ConnexionSqlite::Exécuter(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs) {
-  Préparer(Sql).Lier(Valeurs).Exécuter();
+Instruction ConnexionSqlite::Préparer(std::string_view Sql) {
+  return Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Sql));
+}
+
+Instruction ConnexionSqlite::PréparerLecture(std::string_view Sql) {
+  const std::string Traduite = TraduireEnSqlite(Sql);
+  std::string_view Reste;
+  auto Requête = std::make_unique<InstructionSqlite>(Base_.get(), Traduite, &Reste);
+  if (!EstRemplissage(Reste) || !Requête->NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
+  return Instruction(std::move(Requête));
 }
 
 void ConnexionSqlite::ExécuterTout(std::string_view Script) {
-  while (!EstRemplissage(Script)) Instruction(Base_.get(), Script, &Script).Exécuter();
+  while (!EstRemplissage(Script))
+    Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Script, &Script)).Exécuter();
 }
 
-ValeurChamp ConnexionSqlite::Lire(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs) {
-  Instruction Requête = Préparer(Sql);
-  return Requête.Lier(Valeurs).Avancer() ? Requête.Valeur(0) : ValeurChamp{};
+std::vector<ColonneDeTable> ConnexionSqlite::ColonnesDe(const std::string& Table) {
+  std::vector<ColonneDeTable> Toutes;
+  Instruction Requête = Préparer("SELECT name, type, \"notnull\", dflt_value FROM pragma_table_info(?1)");
+  Requête.Lier({Table});
+  while (Requête.Avancer()) {
+    const ValeurChamp Défaut = Requête.Valeur(3);
+    const bool EstObligatoire = Requête.Valeur(2) != ValeurChamp{std::int64_t{0}};
+    Toutes.push_back(
+        {std::get<std::string>(Requête.Valeur(0)), std::get<std::string>(Requête.Valeur(1)),
+         EstObligatoire && !EstNull(Défaut) ? std::optional(std::get<std::string>(Défaut)) : std::nullopt});
+  }
+  return Toutes;
 }
 
-std::int64_t ConnexionSqlite::DernièreLigne() const { return sqlite3_last_insert_rowid(Base_.get()); }
+bool ConnexionSqlite::EstMêmeNom(const std::string& Un, const std::string& Autre) const {
+  return sqlite3_stricmp(Un.c_str(), Autre.c_str()) == 0;
+}
+
+std::string ConnexionSqlite::CléNumérotée(bool JamaisReprise) const {
+  return JamaisReprise ? "INTEGER PRIMARY KEY AUTOINCREMENT" : "INTEGER PRIMARY KEY";
+}
+
+std::string ConnexionSqlite::SansCoupure(const std::string& Colonne) const {
+  return Colonne + " NOT GLOB '*[;' || char(1) || '-' || char(31) || char(127) || ']*'";
+}
+
+std::string ConnexionSqlite::DateLisible(const std::string& Colonne) const {
+  return "strftime('%d/%m/%Y %H:%M', " + Colonne + " + 2415018.5)";
+}
 
 void ConnexionSqlite::RangerJournal() {
   const std::int64_t Changées = sqlite3_total_changes64(Base_.get());
@@ -243,16 +269,9 @@ void SupprimerBase(const std::filesystem::path& Fichier) {
     std::filesystem::remove(Fichier.string() + Suffixe, Sans);
 }
 
-Transaction::Transaction(ConnexionSqlite& Connexion) : Connexion_(Connexion) { Connexion.Exécuter("BEGIN IMMEDIATE"); }
-
-Transaction::~Transaction() {
+void ConnexionSqlite::Annuler() noexcept {
   // Only what a failed statement has rolled back by itself is refused here, and then all is undone already.
-  if (Ouverte_) sqlite3_exec(Connexion_.Brute(), "ROLLBACK", nullptr, nullptr, nullptr);
-}
-
-void Transaction::Valider() {
-  Connexion_.Exécuter("COMMIT");
-  Ouverte_ = false;
+  sqlite3_exec(Base_.get(), "ROLLBACK", nullptr, nullptr, nullptr);
 }
 
 }  // namespace Ombrey

@@ -17,8 +17,6 @@
 namespace Ombrey {
 namespace {
 
-using Horloge = std::function<double()>;
-
 /// The dialect's letters and those of the system's own patterns, where they differ.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 2> Lettres = {{{"dd", "jj"}, {"yyyy", "aaaa"}}};
 
@@ -56,7 +54,7 @@ void Date(sqlite3_context* Contexte, int /*Nombre*/, sqlite3_value** /*Arguments
 
 }  // namespace
 
-void InscrireFonctions(sqlite3* Base, std::function<double()> Maintenant) {
+void InscrireFonctions(sqlite3* Base, Horloge Maintenant) {
   // Within one statement the day counts as constant, so that a range of dates is looked up once, in the index.
   constexpr int Drapeaux = SQLITE_UTF8 | SQLITE_DETERMINISTIC | SQLITE_DIRECTONLY;
   const auto Détruire = [](void* Objet) { delete static_cast<Horloge*>(Objet); };

@@ -1,19 +1,16 @@
-// The cooperative's database on SQLite: queries in its own dialect, recordsets.
-#include "platform/database/sqlite/sqlite_engine.h"
-
-#include <sqlite3.h>
+// The cooperative's database as the plug-in reads it: queries in its own dialect, recordsets.
+#include "platform/database/recordsets.h"
 
 #include <algorithm>
 #include <limits>
+#include <vector>
 
 #include "base/failures.h"
 #include "platform/database/dialect.h"
-#include "platform/database/packed_rows.h"
 
 namespace Ombrey {
 namespace {
 
-constexpr const char* PasUnSelect = "Seule une requête SELECT unique est acceptée";
 constexpr const char* SansLigneCourante = "Aucun enregistrement en cours";
 constexpr const char* VersLAvantSeul = "Opération refusée : les lignes ne se lisent que vers l'avant";
 
@@ -40,59 +37,42 @@ class RecordsetDeColonnes : public IRecordset {
   std::vector<std::string> Noms_;
 };
 
-/// All rows, packed.
+/// All rows, value by value.
 class RecordsetGardé : public RecordsetDeColonnes {
  public:
-  explicit RecordsetGardé(Instruction Requête) : RecordsetDeColonnes(Requête.Colonnes()), Lignes_(Colonnes().size()) {
-    while (Requête.Avancer()) Garder(Requête.Brute());
-    Ici_ = Lignes_.Début();
+  explicit RecordsetGardé(Instruction Requête) : RecordsetDeColonnes(Requête.Colonnes()) {
+    const std::size_t Largeur = Colonnes().size();
+    for (; Requête.Avancer(); ++Nombre_)
+      for (std::size_t Rang = 0; Rang < Largeur; ++Rang) Valeurs_.push_back(Requête.Valeur(Rang));
   }
 
-  [[nodiscard]] bool Eof() const override { return Ici_ == Lignes_.Fin(); }
+  [[nodiscard]] bool Eof() const override { return Ici_ == Nombre_; }
   void MoveNext() override {
     if (Eof()) throw ErreurExécution(SansLigneCourante);
-    Ici_ = Lignes_.Suivante(Ici_);
+    ++Ici_;
   }
-  void MoveFirst() override { Aller(Lignes_.Début()); }
-  void MoveLast() override { Aller(Lignes_.Dernière()); }
+  void MoveFirst() override { Aller(0); }
+  void MoveLast() override { Aller(Nombre_ - 1); }
   [[nodiscard]] std::int32_t RecordCount() const override {
-    if (Lignes_.Nombre() > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
+    if (Nombre_ > static_cast<std::size_t>(std::numeric_limits<std::int32_t>::max()))
       throw ErreurExécution(Description::DépassementDeCapacité);
-    return static_cast<std::int32_t>(Lignes_.Nombre());
+    return static_cast<std::int32_t>(Nombre_);
   }
 
  protected:
-  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const override { return Lignes_.Valeur(Ici_, Rang); }
+  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const override {
+    return Valeurs_[Ici_ * (Valeurs_.size() / Nombre_) + Rang];
+  }
 
  private:
-  void Aller(LignesCompactes::Place Là) {
-    if (Lignes_.Nombre() == 0) throw ErreurExécution(SansLigneCourante);
+  void Aller(std::size_t Là) {
+    if (Nombre_ == 0) throw ErreurExécution(SansLigneCourante);
     Ici_ = Là;
   }
 
-  void Garder(sqlite3_stmt* Ligne) {
-    for (int Colonne = 0; Colonne < sqlite3_column_count(Ligne); ++Colonne) {
-      switch (sqlite3_column_type(Ligne, Colonne)) {
-        case SQLITE_NULL:
-          Lignes_.AjouterNull();
-          break;
-        case SQLITE_INTEGER:
-          Lignes_.AjouterEntier(sqlite3_column_int64(Ligne, Colonne));
-          break;
-        case SQLITE_FLOAT:
-          Lignes_.AjouterRéel(sqlite3_column_double(Ligne, Colonne));
-          break;
-        default: {
-          const auto* Texte = reinterpret_cast<const char*>(sqlite3_column_text(Ligne, Colonne));
-          Lignes_.AjouterTexte({Texte ? Texte : "", static_cast<std::size_t>(sqlite3_column_bytes(Ligne, Colonne))});
-        }
-      }
-    }
-    Lignes_.TerminerLigne();
-  }
-
-  LignesCompactes Lignes_;
-  LignesCompactes::Place Ici_;
+  std::vector<ValeurChamp> Valeurs_;
+  std::size_t Nombre_ = 0;
+  std::size_t Ici_ = 0;
 };
 
 /// One row at a time, as the engine gives them.
@@ -121,12 +101,9 @@ class RecordsetVersLAvant : public RecordsetDeColonnes {
 
 }  // namespace
 
-std::unique_ptr<IRecordset> BaseSqlite::OpenRecordset(const std::string& Sql, TypeRecordset Type) {
+std::unique_ptr<IRecordset> BaseLue::OpenRecordset(const std::string& Sql, TypeRecordset Type) {
   if (!CommenceParSelect(Sql)) throw ErreurExécution(PasUnSelect);
-  const std::string Traduite = TraduireEnSqlite(Sql);
-  std::string_view Reste;
-  Instruction Requête(Connexion_->Brute(), Traduite, &Reste);
-  if (!EstRemplissage(Reste) || !Requête.NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
+  Instruction Requête = Connexion_->PréparerLecture(Sql);
   if (Type == TypeRecordset::VersLAvant) return std::make_unique<RecordsetVersLAvant>(std::move(Requête));
   return Instantané(std::move(Requête));
 }

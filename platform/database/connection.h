@@ -1,0 +1,136 @@
+// What the host asks of a cooperative's database, whatever engine keeps it.
+#pragma once
+
+#include <cstddef>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "contracts/database.h"
+
+namespace Ombrey {
+
+/// Gives the present moment in days since 1899-12-30. Without it, queries that ask for the date fail.
+using Horloge = std::function<double()>;
+
+/// One statement of an engine. Every operation raises ErreurExécution in French when the engine refuses.
+class IInstruction {
+ public:
+  virtual ~IInstruction() = default;
+  virtual void Lier(const std::vector<ValeurChamp>& Valeurs) = 0;
+  virtual bool Avancer() = 0;
+  [[nodiscard]] virtual ValeurChamp Valeur(std::size_t Rang) const = 0;
+  [[nodiscard]] virtual std::vector<std::string> Colonnes() = 0;
+};
+
+/// A prepared statement. Its values are numbered ?1, ?2, … and never part of its text.
+class Instruction {
+ public:
+  explicit Instruction(std::unique_ptr<IInstruction> DuMoteur) : DuMoteur_(std::move(DuMoteur)) {}
+
+  /// Starts the statement over with these values.
+  Instruction& Lier(const std::vector<ValeurChamp>& Valeurs) {
+    DuMoteur_->Lier(Valeurs);
+    return *this;
+  }
+  /// True while there is a row.
+  bool Avancer() { return DuMoteur_->Avancer(); }
+  /// Runs it to its end.
+  void Exécuter() {
+    while (Avancer()) {
+    }
+  }
+  /// Value of the current row's column, counted from 0.
+  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const { return DuMoteur_->Valeur(Rang); }
+  [[nodiscard]] std::vector<std::string> Colonnes() const { return DuMoteur_->Colonnes(); }
+
+ private:
+  std::unique_ptr<IInstruction> DuMoteur_;
+};
+
+struct ColonneDeTable {
+  std::string Nom;
+  std::string Type;                   ///< as the engine declares it
+  std::optional<std::string> Défaut;  ///< as the engine writes it; only where Null isn't allowed
+};
+
+/// An open database, for the one thread of the system. Commits are on the disk when they return. Foreign keys aren't
+/// enforced: a load is kept even when its holding is unknown. Every operation raises ErreurExécution when the engine
+/// refuses.
+class IConnexion {
+ public:
+  IConnexion() = default;
+  IConnexion(const IConnexion&) = delete;
+  IConnexion& operator=(const IConnexion&) = delete;
+  virtual ~IConnexion() = default;
+
+  /// What the operator calls it: the file's path, or the server's address without a secret.
+  [[nodiscard]] virtual std::string Nom() const = 0;
+  /// The file that holds all of it; none when a server does.
+  [[nodiscard]] virtual std::optional<std::filesystem::path> SonFichier() const = 0;
+  [[nodiscard]] virtual bool EstEnLectureSeule() const = 0;
+
+  /// A statement of the host's own, in the language that the engines share: names as the tables write them,
+  /// CAST(x AS INTEGER) for the number that a text begins with, 0 without one.
+  [[nodiscard]] virtual Instruction Préparer(std::string_view Sql) = 0;
+  /// A single SELECT in the dialect of the cooperative's database; any other text is refused.
+  [[nodiscard]] virtual Instruction PréparerLecture(std::string_view Sql) = 0;
+  /// Runs several statements that bind nothing.
+  virtual void ExécuterTout(std::string_view Script) = 0;
+  void Exécuter(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs = {}) {
+    Préparer(Sql).Lier(Valeurs).Exécuter();
+  }
+  /// First column of the first row; Null when there is no row.
+  [[nodiscard]] ValeurChamp Lire(std::string_view Sql, const std::vector<ValeurChamp>& Valeurs = {}) {
+    Instruction Requête = Préparer(Sql);
+    return Requête.Lier(Valeurs).Avancer() ? Requête.Valeur(0) : ValeurChamp{};
+  }
+
+  /// The columns of a table or view, in order; none when there is no such table.
+  [[nodiscard]] virtual std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) = 0;
+  /// True when a table can't have both as columns.
+  [[nodiscard]] virtual bool EstMêmeNom(const std::string& Un, const std::string& Autre) const { return Un == Autre; }
+  /// How a table declares a whole number that the engine gives to each row by itself, and that is the row's key. With
+  /// JamaisReprise a number never comes back, even when its row has gone.
+  [[nodiscard]] virtual std::string CléNumérotée(bool JamaisReprise) const = 0;
+  /// The condition that a text has neither semicolon nor control character.
+  [[nodiscard]] virtual std::string SansCoupure(const std::string& Colonne) const = 0;
+  /// A date as day, month, year, hour and minute, by what the engine itself can do.
+  [[nodiscard]] virtual std::string DateLisible(const std::string& Colonne) const = 0;
+
+  /// For a moment when nobody waits: what the engine has put off for it.
+  virtual void RangerJournal() = 0;
+
+ protected:
+  friend class Transaction;
+  /// Waits for other writers, so that nothing inside can fail on what they do.
+  virtual void Commencer() = 0;
+  virtual void Valider() = 0;
+  virtual void Annuler() noexcept = 0;
+};
+
+/// All or nothing: what was done since the start is undone unless Valider was reached.
+class Transaction {
+ public:
+  explicit Transaction(IConnexion& Connexion) : Connexion_(Connexion) { Connexion.Commencer(); }
+  ~Transaction() {
+    if (Ouverte_) Connexion_.Annuler();
+  }
+  Transaction(const Transaction&) = delete;
+  Transaction& operator=(const Transaction&) = delete;
+  void Valider() {
+    Connexion_.Valider();
+    Ouverte_ = false;
+  }
+
+ private:
+  IConnexion& Connexion_;
+  bool Ouverte_ = true;
+};
+
+}  // namespace Ombrey
