@@ -1,10 +1,13 @@
-// The loads that the endurance run offers, and the figures that each must bring back: worked out apart from the system.
+// The loads that the endurance run offers, what came in of them, and the figures that each may bring back: worked out
+// apart from the system.
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <map>
 #include <random>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -27,7 +30,7 @@ inline std::string EnChiffres(std::int64_t Valeur, std::size_t Largeur) {
 }
 
 /// Records of one day ("ddmmyy"), numbered one behind the other. The last two holdings are unknown to the sample
-/// cooperative, and some of their cooperators, too.
+/// cooperative, and some of their cooperators, too; the first load is of one of them.
 inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned Nombre, const std::string& Jour,
                                                    Dé& Hasard) {
   // Owner, harvester, group and share.
@@ -43,7 +46,7 @@ inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned No
     std::string Texte = EnChiffres(Premier + Rang, 4) + Jour;
     Texte.append(Heure).append(EnChiffres(Arrivée, 2)).append(Heure);
     Texte += EnChiffres(Arrivée + 1 + Hasard(19), 2);
-    Texte += Exploitations[Hasard(Exploitations.size())];
+    Texte += Exploitations[Rang == 0 ? Exploitations.size() - 2 : Hasard(Exploitations.size())];
     Texte += Appellations[Hasard(Appellations.size())] + EnChiffres(1 + Hasard(4), 2);
     Texte += EnChiffres(95 + Hasard(54), 3) + EnChiffres(1 + Hasard(3), 1);
     Tous.push_back(Texte += EnChiffres(200 + Hasard(1300), 4) + EnChiffres(1 + Hasard(24), 3));
@@ -51,51 +54,104 @@ inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned No
   return Tous;
 }
 
-/// The record of each row of the database, as the terminal must have sent it.
-inline std::vector<std::string> ChargementsRentrés(ConnexionSqlite& Base) {
+/// The record of each row of a site, as the terminal must have sent it: what was kept as it came, and the holding that
+/// the load had at first.
+inline std::vector<std::string> ChargementsRentrés(ConnexionSqlite& Base, const std::string& Site) {
   std::vector<std::string> Tous;
   Instruction Lignes = Base.Préparer(
-      "SELECT printf('%04d', NoChargement) || strftime('%d%m', DateCh + 2415018.5)"
-      " || substr(strftime('%Y%H%M', DateCh + 2415018.5), 3) || strftime('%H%M', DateSortie + 2415018.5)"
-      " || printf('%06d%06d%03d%07d', Propriétaire, Récoltant, IdGrp, round(Part * 10000)) || Sélection || Qualité"
-      " || printf('%03d%d%04d%03d', round(Degré * 10), NoQuai, Masse, Cuve)"
-      " FROM Chargement LEFT JOIN Métayage ON Métayage = IdMétayage ORDER BY NoChargement");
+      "SELECT printf('%04d', ReçuNoChargement) || strftime('%d%m', ReçuDateCh + 2415018.5)"
+      " || substr(strftime('%Y%H%M', ReçuDateCh + 2415018.5), 3) || strftime('%H%M', ReçuDateSortie + 2415018.5)"
+      " || printf('%06d%06d%03d%07d', Propriétaire, Récoltant, IdGrp, round(Part * 10000)) || ReçuSélection"
+      " || ReçuQualité || printf('%03d%d%04d%03d', round(ReçuDegré * 10), ReçuNoQuai, ReçuMasse, ReçuCuve)"
+      " FROM Chargement AS C LEFT JOIN Métayage AS M ON M.IdMétayage ="
+      " (SELECT Métayage FROM Suivi WHERE IdChargement = C.IdChargement ORDER BY Rang LIMIT 1)"
+      " WHERE CodeSite = ?1 ORDER BY NoChargement");
+  Lignes.Lier({Site});
   while (Lignes.Avancer()) Tous.push_back(TexteOuVide(Lignes.Valeur(0), Régional{}));
   return Tous;
 }
 
-/// The reply that each load must bring back on a day, when those ahead of it are in and none behind it.
-inline std::vector<std::string> RéponsesDues(const std::vector<std::string>& Chargements, const std::string& Jour,
-                                             ConnexionSqlite& Base) {
-  const auto Reste = [&Base](const char* Quota, const std::vector<ValeurChamp>& Clés, double Pris) {
-    const ValeurChamp Lu = Base.Lire(Quota, Clés);
+/// Each change of a load in the order of the commits, as triggers of the run's own write it down.
+class Suivi {
+ public:
+  static constexpr const char* Tables = R"(
+CREATE TABLE Suivi (Rang INTEGER PRIMARY KEY, IdChargement, Métayage, Masse);
+CREATE TABLE Bureau (IdChargement PRIMARY KEY, Métayage, Degré, Masse);
+CREATE TRIGGER Arrivée AFTER INSERT ON Chargement BEGIN
+  INSERT INTO Suivi VALUES (NULL, new.IdChargement, new.Métayage, new.Masse); END;
+CREATE TRIGGER Correction AFTER UPDATE ON Chargement BEGIN
+  INSERT INTO Suivi VALUES (NULL, new.IdChargement, new.Métayage, new.Masse); END;)";
+
+  explicit Suivi(std::shared_ptr<ConnexionSqlite> Base) : Base_(std::move(Base)) {
+    Instruction Lignes = Base_->Préparer(
+        "SELECT CodeSite || '/' || NoChargement, Sélection, S.Métayage, IdGrp, CAST(S.Masse AS TEXT), CodeSite"
+        " FROM Suivi AS S JOIN Chargement USING (IdChargement) JOIN Métayage ON IdMétayage = S.Métayage ORDER BY Rang");
+    const auto Texte = [&Lignes](std::size_t Rang) { return TexteOuVide(Lignes.Valeur(Rang), Régional{}); };
+    while (Lignes.Avancer())
+      Tous_.push_back(
+          {Texte(0), Texte(1), Texte(2), Texte(3), Texte(5), std::stod(Texte(4)), Vus_.insert(Texte(0)).second});
+  }
+
+  /// Whether the load may bring this reply back: each figure is that of some moment between its own arrival and the one
+  /// of the site's next load, for a holding that it had meanwhile.
+  [[nodiscard]] bool Permet(const std::string& Site, std::int64_t Numéro, const std::string& Réponse,
+                            bool PasseMinuit) const {
+    const std::string Lui = Site + "/" + std::to_string(Numéro);
+    std::map<std::string, const Changement*> Présents;
+    std::map<std::string, double> Masses;  // by holding or group, and appellation
+    std::map<const Changement*, std::array<std::set<std::string>, 3>> Possibles;
+    for (const Changement& Un : Tous_) {
+      if (!Possibles.empty() && Un.EstArrivée && Un.Site == Site) break;
+      const Changement* const Avant = std::exchange(Présents[Un.Chargement], &Un);
+      for (const auto& [Lequel, Sens] : {std::pair(Avant, -1), std::pair(&Un, 1)})
+        for (const char* Genre : {"exploitation ", "groupe "})
+          if (Lequel) Masses[Lequel->Clé(Genre)] += Sens * Lequel->Masse;
+      if (Un.Chargement == Lui) Possibles[&Un];
+      for (auto& [Sien, Chiffres] : Possibles) Ajouter(Chiffres, *Sien, Masses, PasseMinuit);
+    }
+    return std::any_of(Possibles.begin(), Possibles.end(), [&](const auto& Ceux) {
+      const auto A = [&](std::size_t Lequel) {
+        return Ceux.second[Lequel].contains(Réponse.substr(6 * Lequel + 6, 6));
+      };
+      return Réponse.starts_with("000000") && A(0) && A(1) && A(2);
+    });
+  }
+
+ private:
+  struct Changement {
+    std::string Chargement, Sélection, Métayage, Groupe, Site;
+    double Masse;
+    bool EstArrivée;
+    [[nodiscard]] std::string Clé(const std::string& Genre) const {
+      return Genre + (Genre == "groupe " ? Groupe : Métayage) + "/" + Sélection;
+    }
+  };
+
+  void Ajouter(std::array<std::set<std::string>, 3>& Chiffres, const Changement& Un,
+               const std::map<std::string, double>& Masses, bool PasseMinuit) const {
+    const auto Masse = [&](const char* Genre) {
+      const auto Trouvée = Masses.find(Un.Clé(Genre));
+      return Trouvée == Masses.end() ? 0 : Trouvée->second;
+    };
+    const char* const DuJour =
+        "SELECT CAST(QuotaJournalier AS REAL) FROM QuotasGrp WHERE IdGrp = ?1 AND Sélection = ?2";
+    Chiffres[0].insert(
+        Reste("SELECT CAST(Surface * QuotasSurface * Part / 100 AS REAL) FROM Métayage, Sélection"
+              " WHERE IdMétayage = ?1 AND IdSélection = ?2",
+              {Un.Métayage, Un.Sélection}, Masse("exploitation ")));
+    Chiffres[1].insert(EnChiffres(std::llround(Masse("groupe ")), 6));
+    for (const double Pris : {Masse("groupe "), 0.0})
+      if (Pris > 0 || PasseMinuit) Chiffres[2].insert(Reste(DuJour, {Un.Groupe, Un.Sélection}, Pris));
+  }
+  [[nodiscard]] std::string Reste(const char* Quota, const std::vector<ValeurChamp>& Clés, double Pris) const {
+    const ValeurChamp Lu = Base_->Lire(Quota, Clés);
     const auto* Total = std::get_if<double>(&Lu);
     return EnChiffres(Total ? static_cast<std::int64_t>(std::max(0.0, std::nearbyint(*Total - Pris))) : 0, 6);
-  };
-  std::map<std::string, std::int64_t> DeSaison, DuJour;  // by holding or group, and appellation
-  std::vector<std::string> Dues;
-  for (const std::string& Un : Chargements) {
-    const std::string Sélection = Un.substr(40, 2), Exploitation = Un.substr(18, 22), Groupe = Un.substr(30, 3);
-    const int Masse = std::stoi(Un.substr(48, 4));
-    for (const std::string& Qui : {Exploitation + Sélection, Groupe + Sélection}) {
-      if (Un.substr(8, 2) == Jour.substr(4)) DeSaison[Qui] += Masse;
-      if (Un.substr(4, 6) == Jour) DuJour[Qui] += Masse;
-    }
-    const auto Nombre = [&Un](std::size_t Place, std::size_t Longueur) {
-      return std::stol(Un.substr(Place, Longueur));
-    };
-    const auto CumulGroupe = DeSaison[Groupe + Sélection];
-    Dues.push_back("000000" +
-                   Reste("SELECT CAST(Surface * QuotasSurface * Part / 100 AS REAL) FROM Métayage, Sélection"
-                         " WHERE Propriétaire = ?1 AND Récoltant = ?2 AND round(Part) = ?3 AND IdSélection = ?4",
-                         {std::to_string(Nombre(18, 6)), std::to_string(Nombre(24, 6)),
-                          std::round(static_cast<double>(Nombre(33, 7)) / 10000), Sélection},
-                         static_cast<double>(DeSaison[Exploitation + Sélection])) +
-                   EnChiffres(CumulGroupe, 6) +
-                   Reste("SELECT CAST(QuotaJournalier AS REAL) FROM QuotasGrp WHERE IdGrp = ?1 AND Sélection = ?2",
-                         {std::to_string(Nombre(30, 3)), Sélection}, static_cast<double>(DuJour[Groupe + Sélection])));
   }
-  return Dues;
-}
+
+  std::shared_ptr<ConnexionSqlite> Base_;
+  std::set<std::string> Vus_;
+  std::vector<Changement> Tous_;
+};
 
 }  // namespace Ombrey::Essais
