@@ -7,6 +7,7 @@
 #include <fstream>
 #include <iterator>
 
+#include "base/regional_forms.h"
 #include "host/schema.h"
 
 namespace Ombrey::Mesures {
@@ -37,7 +38,8 @@ BaseChronométrée::BaseChronométrée(const std::shared_ptr<ConnexionSqlite>& C
 Coopérative::Coopérative(bool AvecExemple) {
   const auto Fichier = Poste.Dossier() / "base.db";
   Tarvel::CréerBase(Fichier, AvecExemple);
-  Connexion = ConnexionSqlite::Ouvrir(Fichier);
+  Connexion =
+      ConnexionSqlite::Ouvrir(Fichier, [this] { return NuméroDeJour(Poste.Plateforme().Système().Maintenant()); });
   Base = std::make_shared<BaseChronométrée>(Connexion, Poste.Plateforme().Système());
 }
 

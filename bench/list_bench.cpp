@@ -1,0 +1,105 @@
+// What a long day costs the list of loads: 2,000 of them read again, as texts and in the window.
+#include <benchmark/benchmark.h>
+
+#include <cmath>
+#include <stdexcept>
+#include <string>
+
+#ifdef AVEC_FENETRES
+#include <QtWidgets>
+
+#include "monitor/monitoring_window.h"
+#include "platform/qt/qt_windows.h"
+#endif
+
+#include "base/regional_forms.h"
+#include "bench/cooperative.h"
+#include "common/plugin_state.h"
+#include "monitor/load_list.h"
+
+namespace Ombrey::Mesures {
+namespace {
+
+constexpr std::int64_t Membres = 1'000;
+constexpr std::int64_t Chargements = 2'000;
+
+/// A cooperative with a long day behind it.
+struct Journée : Coopérative {
+  Journée() : Coopérative(false) {
+    AjouterMembres(Membres);
+    Connexion->ExécuterTout(
+        "INSERT INTO Qualité VALUES ('01', 'Saine');"
+        "INSERT INTO Groupement SELECT DISTINCT IdGrp, 'Côteau ' || IdGrp FROM Métayage");
+    const double Minuit = std::floor(NuméroDeJour(Poste.Plateforme().Système().Maintenant()));
+    const std::string Ajout =
+        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)"
+        " VALUES ('1', ?1, " +
+        TexteNombre(Minuit, {'.'}) + " + ?1 / 2400.0, 1 + ?1 * 7 % 1000, '05', '01', 12.5, 1000 + ?1 % 900)";
+    Remplir(Ajout.c_str(), Chargements);
+  }
+};
+
+void ListRead(benchmark::State& État) {
+  Journée Cave;
+  for ([[maybe_unused]] auto Tour : État) {
+    const auto Tableau = LireChargementsDuJour(*Cave.Base->BaseDAO(), Régional{});
+    if (Tableau.Lignes.size() != Chargements) État.SkipWithError("not every load is in the list");
+  }
+}
+BENCHMARK(ListRead)->Name("list of 2,000 loads, read")->Iterations(50)->Unit(benchmark::kMillisecond);
+
+#ifdef AVEC_FENETRES
+class CanalMuet final : public ICanalOpérateur {
+ public:
+  void AjouterMessage(const std::string&, bool) override {}
+  void AjouterErreur(const std::string&) override {}
+  void Rafraîchir() override {}
+  [[nodiscard]] bool EstVisible() const override { return false; }
+  void Afficher() override {}
+};
+
+class SansTerminal final : public IServicesLiaison {
+ public:
+  void Retard_FinTempo(const std::string&) override {}
+  void MettreAJourCumuls(std::string&) override {}
+  bool TesterConnexion() override { return false; }
+  std::string TransmettreLignes(std::int32_t, std::vector<Octets>&) override { return {}; }
+};
+
+/// In the window, painting included.
+void ListRefreshed(benchmark::State& État) {
+  setenv("QT_QPA_PLATFORM", "offscreen", 0);
+  static int Nombre = 1;
+  static char Nom[] = "ombrey_bench";
+  static char* Arguments[] = {Nom, nullptr};
+  static const QApplication Application(Nombre, Arguments);
+  Journée Cave;
+  BoucleQt Boucle;
+  FenêtresQt Fenêtres(Boucle, Cave.Poste.Dossier());
+  PlateformeMachine Plateforme(Boucle, Fenêtres, nullptr, Cave.Poste.Dossier() / "windows",
+                               Cave.Poste.Dossier() / "windows.ini");
+  CanalMuet Canal;
+  ÉtatPlugIn LÉtat(Plateforme, Canal);
+  LÉtat.BaseDeD = Cave.Base;
+  SansTerminal Services;
+  FSuiviChargnt Suivi(LÉtat, Services);
+  QTableView* Grille = nullptr;
+  for (QWidget* Fenêtre : QApplication::topLevelWidgets()) {
+    Fenêtre->show();
+    if (auto* const Sienne = Fenêtre->findChild<QTableView*>()) Grille = Sienne;
+  }
+  for ([[maybe_unused]] auto Tour : État) {
+    Suivi.Rafraîchir();
+    QApplication::processEvents();
+    if (Grille == nullptr || Grille->model()->rowCount() != Chargements)
+      État.SkipWithError("not every load is in sight");
+  }
+}
+BENCHMARK(ListRefreshed)
+    ->Name("list of 2,000 loads, refreshed in its window")
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond);
+#endif
+
+}  // namespace
+}  // namespace Ombrey::Mesures
