@@ -33,6 +33,8 @@ struct Hôte : testing::Test {
   /// Line of the message list, the newest first, without its time stamp.
   std::string Message(std::size_t Rang = 0) { return Vue().Lignes[Onglet::Suivis].at(Rang).first.substr(11); }
   void Dans(std::uint64_t Délai, std::function<void()> Faire) { Système.Après(milliseconds(Délai), std::move(Faire)); }
+  void Bouton() { LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, ""); }
+  void Menu() { LePlugIn->IPlugInTarvel_MenuAppelé(3, ""); }
   void Laisser(int Durée) { Système.Laisser(milliseconds(Durée)); }
   /// A terminal that answers every link test and has no load.
   void TerminalVide() {
@@ -153,7 +155,7 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
   EXPECT_EQ(Ouvertures, 1);
   EXPECT_GT(Port->Ecrits.size(), 3U) << "polling goes on";
   Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });
-  LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
+  Bouton();
   EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
 }
 
@@ -214,41 +216,85 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   EXPECT_EQ(Fenêtres.VueSuivi, nullptr) << "no window comes back";
 }
 
-TEST_F(Hôte, AsksNothingMoreBehindItsEnd) {
-  Lancer();
-  int Questions = 0;
-  Port->SurConfigurer = [&] { return ++Questions > 0; };
-  Dans(10500, [this] { LePlugIn->IPlugInTarvel_Configurer(); });
-  Dans(10600, [this] { LePlugIn->IPlugInTarvel_Terminer(); });
-  Laisser(15000);
-  EXPECT_EQ(Questions, 0);
-}
+using Geste = std::function<void()>;
+/// A call in which the end comes, and how it is brought about there.
+struct Fin {
+  const char* Où;
+  void (*Préparer)(Hôte&, const Geste& Finir);
+  bool EstLancé = true;
+};
+/// A poll lasts from 10 to 12 seconds; one that is put off in it, two more.
+// clang-format off
+const Fin Fins[] = {
+    {"start", [](Hôte&, const Geste& Finir) { Finir(); }, false},
+    {"first question", [](Hôte& H, const Geste& Finir) {
+       H.Ini.erase("Port");
+       H.Port->SurConfigurer = [Finir] { return Finir(), false; };
+       EXPECT_EQ(H.Initialiser(), ""); }, false},
+    {"question", [](Hôte& H, const Geste& Finir) {
+       H.Port->SurConfigurer = [Finir] { return Finir(), false; };
+       H.LePlugIn->IPlugInTarvel_Configurer(); }},
+    {"question put off", [](Hôte& H, const Geste& Finir) {
+       H.Port->SurConfigurer = [] { return ADD_FAILURE() << "asked behind the end", true; };
+       H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
+       H.Dans(10600, Finir); }},
+    {"poll", [](Hôte& H, const Geste& Finir) { H.Dans(10100, Finir); }},
+    {"poll with another put off", [](Hôte& H, const Geste& Finir) {
+       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
+       H.Dans(11000, Finir); }},
+    {"poll that was put off", [](Hôte& H, const Geste& Finir) {
+       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
+       H.Dans(13000, Finir); }},
+    {"writing", [](Hôte& H, const Geste& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }},
+    {"box of a poll", [](Hôte& H, const Geste& Finir) {
+       H.Port->EcritureRefusée = true;
+       H.Fenêtres.PendantBoîte = Finir; }},
+    {"box of a line", [](Hôte& H, const Geste& Finir) {
+       H.Fenêtres.PendantBoîte = Finir;
+       H.Vue().Gestes.ListeMessages_DblClick(Onglet::Suivis); }},
+    {"figures", [](Hôte& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }},
+    {"link test", [](Hôte& H, const Geste& Finir) { H.Dans(1000, Finir), H.Bouton(); }},
+    {"monitoring window", [](Hôte& H, const Geste& Finir) { H.Dans(3000, Finir), H.Bouton(); }},
+    {"link test of the menu", [](Hôte& H, const Geste& Finir) { H.Dans(1000, Finir), H.Menu(); }},
+    {"box of the menu", [](Hôte& H, const Geste& Finir) { H.Fenêtres.PendantBoîte = Finir, H.Menu(); }},
+    {"transfer window", [](Hôte& H, const Geste& Finir) { H.TerminalVide(), H.Dans(3000, Finir), H.Menu(); }},
+    {"transfer", [](Hôte& H, const Geste& Finir) {
+       H.TerminalVide();
+       H.Fenêtres.SurVueChargntDonnées = [&](auto& Fenêtre) {
+         H.Dans(100, Finir);
+         Fenêtre.Gestes.BtnTransférer_Click();
+       };
+       H.Menu(); }},
+};
+// clang-format on
+struct Finit : Hôte, testing::WithParamInterface<Fin> {};
+INSTANTIATE_TEST_SUITE_P(Table, Finit, testing::ValuesIn(Fins));
 
-TEST_F(Hôte, EndInAnyWaitEndsItAtOnceAndLetsThePlugInGo) {
-  LePlugIn->IPlugInTarvel_Terminer();
-  // The host drops its reference at once. A poll lasts from 10 to 12 seconds, one put off in it waits, then lasts two
-  // more.
-  const std::pair<std::string, std::uint64_t> Table[] = {{"poll", 10100}, {"put off", 11000}, {"put off", 13000},
-                                                         {"test", 1000},  {"window", 3000},   {"transfer", 3000}};
-  for (const auto& [Ici, Quand] : Table) {
-    LePlugIn = PlugIn::Créer(Plateforme);
-    LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
-    Lancer();
-    if (Ici == "transfer") TerminalVide();
-    const std::weak_ptr<PlugIn> Faible = LePlugIn;
-    const auto Début = Système.Horloge;
-    if (Ici == "put off") Dans(10500, [&] { LePlugIn->Retard_FinTempo(""); });
-    Dans(Quand, [&] {
-      LePlugIn->IPlugInTarvel_Terminer();
-      LePlugIn.reset();
-    });
-    if (Ici == "test" || Ici == "window") LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, "");
-    if (Ici == "transfer") LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
-    EXPECT_EQ(Système.Horloge - Début, Quand < 10000 ? Quand : 0);
-    Laisser(15000);
-    EXPECT_TRUE(Faible.expired() && !Fenêtres.VueSuivi && !Fenêtres.VueChargntDonnées) << Ici;
-    EXPECT_EQ(Fenêtres.Dites(), Mots());
+TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {
+  SCOPED_TRACE(GetParam().Où);
+  if (GetParam().EstLancé) Lancer();
+  const std::weak_ptr<PlugIn> Faible = LePlugIn;
+  std::uint64_t Arrivée = 0;
+  std::size_t Ecrits = 0;
+  GetParam().Préparer(*this, [&] {
+    if (!LePlugIn) return;
+    LePlugIn->IPlugInTarvel_Terminer();
+    LePlugIn.reset();  // the host drops its reference at once
+    Arrivée = Système.Horloge;
+    Ecrits = Port->Ecrits.size();
+    Fenêtres.Boîtes.clear();
+  });
+  if (Arrivée != 0) {
+    EXPECT_EQ(Système.Horloge, Arrivée) << "the call goes on behind the end";
   }
+  Laisser(20000);
+  EXPECT_NE(Arrivée, 0U) << "the end never came";
+  EXPECT_TRUE(Faible.expired() && !Fenêtres.VueSuivi && !Fenêtres.VueChargntDonnées);
+  EXPECT_EQ(Port->Ecrits.size(), Ecrits);
+  EXPECT_EQ(Fenêtres.Dites(), Mots());
+  EXPECT_FALSE(Fenêtres.Sablier);
 }
 
 }  // namespace

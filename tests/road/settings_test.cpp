@@ -124,7 +124,7 @@ TEST(Databases, OneThatIsLockedDelaysTheLoadOrHasItRefusedInTime) {
   for (auto* P : {&Court, &Long}) {
     P->LancerTerminal("--hasard 1 --jusqu-a-vide");
     P->LancerStation("messages");
-    EXPECT_TRUE(P->Station->Attendre("commande «menu»"));
+    EXPECT_TRUE(P->Station->Attendre("commande «menu»", 60s));
     P->Verrou->Exécuter("BEGIN IMMEDIATE");
     P->Station->Taper("interroger");
   }
