@@ -24,6 +24,8 @@ class Rafale {
 
   /// Takes bytes in and gives the bursts that they close, in order.
   [[nodiscard]] std::vector<Octets> Ajouter(std::string_view Reçus);
+  /// How long the line stays silent behind a message that is over.
+  [[nodiscard]] std::chrono::milliseconds Silence() const { return Silence_; }
   /// How long the line must stay silent for the held bytes to be a burst; none when nothing is held.
   [[nodiscard]] std::optional<std::chrono::milliseconds> SilenceAttendu() const;
   /// The silence is over: gives what is held, and holds nothing any more.

@@ -71,6 +71,13 @@ void PortSérie::Recevoir() {
   Livrer();
 }
 
+void PortSérie::Relever() {
+  while (LireAppareil()) continue;
+  Silence_.reset();
+  if (Octets Reste = Rafale_.Clore(); !Reste.EstVide()) Closes_.push_back(std::move(Reste));
+  Livrer();
+}
+
 /// Takes in what the device has. True when characters came.
 bool PortSérie::LireAppareil() {
   if (!Appareil_) return false;

@@ -44,6 +44,8 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Ouvrir() override;
   bool Ecrire(const Octets& Texte) override;
   bool Lire(Octets& Texte) override;
+  void Relever() override;
+  [[nodiscard]] std::chrono::milliseconds SilenceFinMessage() const override { return Rafale_.Silence(); }
   void Fermer() override;
   bool Configurer(const std::string& FichierIni, const std::string& Section) override;
 

@@ -1,6 +1,7 @@
 // The serial line as the plug-in sees it: a server that hands out ports, the port, and the client object of its event.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -49,6 +50,11 @@ class IPortComm : public IConfigurablePort {
   virtual bool Ecrire(const Octets& Texte) = 0;
   /// Puts what has arrived and wasn't handed to the client object into Texte, or empties it; never waits.
   virtual bool Lire(Octets& Texte) = 0;
+  /// Hands what has arrived by now to the client object, also what is held back until it is whole. Never waits.
+  virtual void Relever() = 0;
+  /// How long the line stays silent behind a message that is over: 3.5 characters at the present settings, and no less
+  /// than an adapter may take between two characters.
+  [[nodiscard]] virtual std::chrono::milliseconds SilenceFinMessage() const = 0;
   virtual void Fermer() = 0;
   virtual void FixerDossierA(const std::string& Dossier) = 0;
   virtual void FixerDossierB(const std::string& Dossier) = 0;

@@ -18,6 +18,8 @@ namespace Ombrey {
 namespace {
 
 constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
+constexpr const char* TexteLaissé =
+    "Chargement laissé sans réponse : le RG80 répondait peut-être à une demande plus ancienne.";
 
 /// The progress counter jumps at the import: from 105 on the import failed, from 205 on it worked.
 constexpr int SautImportRefusé = 101;
@@ -36,6 +38,7 @@ class Dialogue {
   void OuvrirFichierErreurs();
   bool DemanderChargement();
   bool AttendreTrame();
+  bool EstPourNous();
   bool Accordé(const Attente& Demande, const std::string& Refus);
   bool EcrireFichierImport();
   void Importer();
@@ -43,7 +46,7 @@ class Dialogue {
   void RefuserImportAvecErreur();
   void NoterRefus();
   void RefuserAuTerminal();
-  void RépondreAuTerminal();
+  bool RépondreAuTerminal();
   void EnvoyerCumuls();
   void Finir();
   void VérifierErreurEnAttente();
@@ -64,6 +67,7 @@ class Dialogue {
   std::filesystem::path FichierConservé_;
   std::shared_ptr<IBaseDeD> BaseDeD_;
   Octets RéponseRG80_;
+  Octets Trame_;  ///< as it came, with what stands around the record
   std::string NoChargement_;
   std::string TexteImport_;
   std::shared_ptr<IEtatBdD> EtatBdD_;
@@ -94,7 +98,7 @@ void Dialogue::SuivreLeCours() {
   EtatBdD_->ObtenirFichierImport(Dossier, Nom);
   FichierImport_ = Chemin(Dossier + "RG80 " + Nom);
 
-  if (!DemanderChargement() || !AttendreTrame() || EstRompu()) return;
+  if (!DemanderChargement() || !AttendreTrame() || EstRompu() || !EstPourNous()) return;
   Erreurs_->Ajouter("");
   TexteImport_ = Traitement_.TraiterDonnéesReçues(État_.TamponRéception, RéponseRG80_, NoChargement_);
   if (EstRompu()) return;
@@ -123,7 +127,7 @@ void Dialogue::OuvrirFichierErreurs() {
 }
 
 bool Dialogue::DemanderChargement() {
-  État_.TamponRéception.Vider();
+  Échange_.FaireTaire();
   return Accordé(Requête(Octets(CodeDemande)), "Aucun chargement à récupérer.");
 }
 
@@ -133,6 +137,16 @@ bool Dialogue::AttendreTrame() {
   // The answer to the request stays at the head of the buffer and counts.
   Trame.LongMin = LongTrameChargement;
   return Accordé(Trame, std::string(TexteÉchecLecture) + TextePasPrêt);
+}
+
+/// The frame is ours unless it can be the answer to an older request. Then nothing is answered: the terminal keeps the
+/// load, and the next poll asks again when the line has been silent.
+bool Dialogue::EstPourNous() {
+  const Octets& Tampon = État_.TamponRéception;
+  Trame_ = Tampon.Extrait(Tampon.Chercher(Octets(1, STX)),
+                          static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame);
+  if (Échange_.EstCopie(Trame_)) Résultat_ = TexteLaissé;
+  return Résultat_.empty();
 }
 
 /// Runs one exchange; false ends the dialogue in words, Refus being those for a NAK.
@@ -168,7 +182,7 @@ void Dialogue::Importer() {
     RefuserImportAvecErreur();
     return;
   }
-  RépondreAuTerminal();
+  if (!RépondreAuTerminal()) return;
   État_.Erreur.Effacer();
   Système_.Pomper(std::chrono::milliseconds(0));
   if (!EstRompu()) EnvoyerCumuls();
@@ -215,12 +229,13 @@ void Dialogue::RefuserAuTerminal() {
   if (!EstRompu()) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
 }
 
-void Dialogue::RépondreAuTerminal() {
+bool Dialogue::RépondreAuTerminal() {
   if (RéponseRG80_.EstVide()) {
     État_.Canal.AjouterMessage("Rien à répondre au RG80 !!?", true);
-  } else {
-    Exiger(État_.PortComm)->Ecrire(RéponseRG80_);
+  } else if (!Échange_.Acquitter(Trame_)) {
+    Résultat_ = TexteLaissé;
   }
+  return Résultat_.empty();
 }
 
 void Dialogue::EnvoyerCumuls() {

@@ -1,12 +1,18 @@
 // The waiting primitive and the link test.
 #include "link/exchange.h"
 
+#include <algorithm>
 #include <utility>
 
 #include "contracts/line_protocol.h"
 
 namespace Ombrey {
 namespace {
+
+/// A line that never falls silent holds up a request no longer than this.
+constexpr std::chrono::milliseconds AttenteSilenceMax{10000};
+constexpr const char* TexteInattendus =
+    "Le RG80 a envoyé des caractères que personne n'attendait : ils sont laissés sans réponse.";
 
 bool EstEnTête(const Octets& Tampon, const Octets& Motif) { return !Motif.EstVide() && Tampon.CommencePar(Motif); }
 
@@ -35,7 +41,63 @@ bool Échange::Envoyer(const Octets& Texte) {
   return false;
 }
 
+void Échange::EventPortComRG80_Lecture(const Octets& Texte) {
+  État_.TamponRéception += Texte;
+  if (!Texte.EstVide()) Doute_.Arrivée(EnAttente_);
+}
+
+void Échange::Lire() {
+  Octets Arrivé;
+  Exiger(État_.PortComm)->Lire(Arrivé);
+  EventPortComRG80_Lecture(Arrivé);
+}
+
+/// Takes in what has arrived and isn't in the buffer yet; true when there was something.
+bool Échange::Relever() {
+  const std::size_t Avant = État_.TamponRéception.Taille();
+  Exiger(État_.PortComm)->Relever();
+  Lire();
+  return État_.TamponRéception.Taille() > Avant;
+}
+
+void Échange::FaireTaire() {
+  ISystème& Système = État_.Plateforme.Système();
+  const std::uint32_t Début = Système.Tics();
+  Relever();
+  for (;;) {
+    État_.TamponRéception.Vider();
+    if (Doute_.EstÀDire()) État_.Canal.AjouterMessage(TexteInattendus, false);
+    const std::chrono::milliseconds Écoulé(static_cast<std::int32_t>(Système.Tics() - Début));
+    const auto Reste = std::min(Doute_.SilenceManquant(), AttenteSilenceMax - Écoulé);
+    if (Reste.count() <= 0) break;
+    Système.Pomper(Reste);
+    if (État_.Abandon) return;
+    Lire();
+  }
+  Doute_.Demande();
+}
+
+bool Échange::Acquitter(const Octets& Trame) {
+  Relever();
+  if (!Doute_.EstCalme() && !État_.TamponRéception.EstVide()) return false;
+  Doute_.Acquitter(Trame);
+  Exiger(État_.PortComm)->Ecrire(Octets(1, ACK));
+  return true;
+}
+
 CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse) {
+  if (État_.Abandon) return CodeÉchange::Silence;
+  struct Garde {
+    bool& EnAttente;
+    explicit Garde(bool& Drapeau) : EnAttente(Drapeau) { EnAttente = true; }
+    ~Garde() { EnAttente = false; }
+  } const EnAttente(EnAttente_);
+  const CodeÉchange Code = Attendre(Demande, Réponse);
+  if (Code == CodeÉchange::Silence || Code == CodeÉchange::ErreurPort) Doute_.SansRéponse();
+  return Code;
+}
+
+CodeÉchange Échange::Attendre(const Attente& Demande, Octets& Réponse) {
   if (!Demande.Texte.EstVide() && !Envoyer(Demande.Texte)) {
     return État_.Abandon ? CodeÉchange::Silence : CodeÉchange::ErreurPort;
   }
@@ -44,28 +106,43 @@ CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse
   const auto Délai = static_cast<std::int32_t>(Demande.Délai.count());
   // What already stands in the buffer counts at once: the first pump doesn't wait.
   std::chrono::milliseconds AttenteMax{0};
-  for (;;) {
+  for (bool EnSuspens = false;;) {
     if (État_.Abandon) return CodeÉchange::Silence;
     Système.Pomper(AttenteMax);
     if (État_.Abandon) return CodeÉchange::Silence;
-
-    Octets Arrivé;
-    Exiger(État_.PortComm)->Lire(Arrivé);
-    État_.TamponRéception += Arrivé;
+    Lire();
 
     // The tick count wraps: only the difference, taken as signed, tells the time that has passed.
     const auto Écoulé = static_cast<std::int32_t>(Système.Tics() - Début);
-    if (Écoulé > Délai) return CodeÉchange::Silence;
+    // What the port has held back came in time; what comes by its event only now didn't.
+    if (Écoulé > Délai && !EnSuspens && !Relever()) return CodeÉchange::Silence;
     if (const auto Code = Reconnaître(Demande, Réponse)) return *Code;
+    const auto Manque = SilenceManquant(Demande);
+    EnSuspens = Manque.count() > 0;
+    if (Écoulé > Délai && !EnSuspens) return CodeÉchange::Silence;
     // One millisecond beyond the time-out, so that an idle wait ends in one pump.
-    AttenteMax = std::chrono::milliseconds(Délai - Écoulé + 1);
+    AttenteMax = EnSuspens ? Manque : std::chrono::milliseconds(Délai - Écoulé + 1);
   }
+}
+
+/// An ACK or NAK with a code behind it answers a request, an older one, and not the frame that was sent.
+void Échange::RetirerRéponsesÀDesDemandes() {
+  Octets& Tampon = État_.TamponRéception;
+  while (Tampon.Taille() >= LongRéponse && (Tampon[0] == ACK || Tampon[0] == NAK)) Tampon.RetirerTête(LongRéponse);
+}
+
+/// How long the line must still be silent to show that the one character in the buffer stands alone.
+std::chrono::milliseconds Échange::SilenceManquant(const Attente& Demande) const {
+  if (!Demande.SansCode || Doute_.EstCalme() || État_.TamponRéception.Taille() != 1) return {};
+  return Exiger(État_.PortComm)->SilenceFinMessage() - Doute_.Silence();
 }
 
 /// The order of the tests is the priority of the patterns: the first two at the start of the buffer, then the two
 /// anywhere.
 std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octets& Réponse) {
   Octets& Tampon = État_.TamponRéception;
+  if (Demande.SansCode && !Doute_.EstCalme()) RetirerRéponsesÀDesDemandes();
+  if (SilenceManquant(Demande).count() > 0) return std::nullopt;
   if (!Assez(Tampon, Demande.LongMin)) return std::nullopt;
 
   const auto EnTête = [&](const Octets& Motif, CodeÉchange Code) -> std::optional<CodeÉchange> {
@@ -91,7 +168,7 @@ std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octet
 
 bool Échange::RéponseÀLaRequêteDeTest() {
   if (!État_.PortComm) return false;
-  État_.TamponRéception.Vider();
+  FaireTaire();
   // Only an answer at the head of the buffer counts.
   Attente Test = Requête(Octets(std::to_string(FichierRéponse)));
   std::swap(Test.Motif1, Test.Motif3);

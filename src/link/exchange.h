@@ -1,17 +1,14 @@
 // The one waiting primitive of the line, and the link test.
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <string>
 
 #include "common/plugin_state.h"
 #include "contracts/octets.h"
+#include "link/doubt.h"
 
 namespace Ombrey {
-
-/// How long the terminal may take for an answer, counted from the end of the sending.
-inline constexpr std::chrono::milliseconds DélaiRéponse{2000};
 
 /// How a wait ended.
 enum class CodeÉchange {
@@ -39,6 +36,7 @@ struct Attente {
   Octets Motif4{};
   bool Consommer = true;       ///< on a match of the first two: drop the pattern from the buffer
   bool Resynchroniser = true;  ///< whether the last two count; what precedes them is dropped
+  bool SansCode = false;       ///< the answer bears no code: on a line in doubt it counts only when it stands alone
 };
 
 /// The request that opens an exchange: ENQ and its code. The terminal repeats the code to grant it (third pattern) or
@@ -47,25 +45,44 @@ struct Attente {
 
 class Échange {
  public:
-  explicit Échange(ÉtatPlugIn& État) : État_(État) {}
+  explicit Échange(ÉtatPlugIn& État) : État_(État), Doute_(État.Plateforme.Système()) {}
+
+  /// Comes ahead of every request, so that what is taken for its answer was said behind it: drops what has come, and
+  /// while an older request can still be answered waits until the terminal has been silent for as long as it may take
+  /// to answer, ten seconds at most. The operator is told once what was dropped. Pumps.
+  void FaireTaire();
 
   /// Sends, then watches the reception buffer for the patterns, in their order, until one matches or the time is up.
   /// Réponse receives the whole buffer on a match and is untouched otherwise. Pumps: anything may happen meanwhile.
   /// Raises "Variable objet non définie" without a port.
   CodeÉchange AttendreRéponse(const Attente& Demande, Octets& Réponse);
 
+  /// True for a load frame that may be the answer to an older request: no ACK for it, or the load behind it is lost.
+  [[nodiscard]] bool EstCopie(const Octets& Trame) const { return Doute_.EstCopie(Trame); }
+  /// Writes the ACK for Trame, which has been taken out of the buffer. False, and nothing written, when an older
+  /// request can still be answered and more has come behind the frame: the request just sent is answered by what comes
+  /// last.
+  bool Acquitter(const Octets& Trame);
+
   /// The event of the port: characters arrive.
-  void EventPortComRG80_Lecture(const Octets& Texte) { État_.TamponRéception += Texte; }
+  void EventPortComRG80_Lecture(const Octets& Texte);
 
   /// Asks whether the terminal is there; any answer will do. Raises nothing.
   bool TesterConnexion();
 
  private:
   bool Envoyer(const Octets& Texte);
+  CodeÉchange Attendre(const Attente& Demande, Octets& Réponse);
+  void Lire();
+  bool Relever();
+  void RetirerRéponsesÀDesDemandes();
+  [[nodiscard]] std::chrono::milliseconds SilenceManquant(const Attente& Demande) const;
   std::optional<CodeÉchange> Reconnaître(const Attente& Demande, Octets& Réponse);
   bool RéponseÀLaRequêteDeTest();
 
   ÉtatPlugIn& État_;
+  Doute Doute_;
+  bool EnAttente_ = false;  ///< what comes is awaited
 };
 
 }  // namespace Ombrey

@@ -54,7 +54,7 @@ Envoi::Suite Envoi::EnvoyerLigne(Octets& Ligne) {
 }
 
 bool Envoi::Annoncer() {
-  État_.TamponRéception.Vider();
+  Échange_.FaireTaire();
   Octets Réponse;
   const CodeÉchange Code = Échange_.AttendreRéponse(Requête(Code_), Réponse);
   Erreur_ = Code == CodeÉchange::Motif4 ? TextePasPrêt : TextePanne(Code);
@@ -63,8 +63,11 @@ bool Envoi::Annoncer() {
 
 Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
   État_.TamponRéception.Vider();
-  const Attente Trame{
-      .Texte = CalculerCheckSum(Ligne), .LongMin = 1, .Motif1 = Octets(1, ACK), .Motif2 = Octets(1, NAK)};
+  const Attente Trame{.Texte = CalculerCheckSum(Ligne),
+                      .LongMin = 1,
+                      .Motif1 = Octets(1, ACK),
+                      .Motif2 = Octets(1, NAK),
+                      .SansCode = true};
   Octets Réponse;
   const CodeÉchange Code = Échange_.AttendreRéponse(Trame, Réponse);
   if (Code == CodeÉchange::Motif1) return Suite::Suivante;

@@ -3,6 +3,7 @@
 // terminal gets, which files stay).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <numeric>
 
 #include "base/files.h"
@@ -176,6 +177,8 @@ TEST_F(Liaison, PendingFailureOfACalleeIsReported) {
   EXPECT_EQ(Envoyer({""}), "Transmission de l'exportation vers le RG80 : panne");
 }
 
+const std::string Trame12 = "<" + std::string(58, 'x');
+
 /// Frame processing and figures are a script.
 struct Banc : Liaison, ITraitementChargement {
   Banc() {
@@ -188,9 +191,10 @@ struct Banc : Liaison, ITraitementChargement {
     État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { UneInterrogation.Retard_FinTempo(Code); });
     Canal.Visible = true;
     État.TamponRéception = Ligne("!A");  // an answer that came too late
-    Répondre({"^A" + std::string(59, 'x')});
+    Répondre({"^A" + Trame12});
   }
-  std::string TraiterDonnéesReçues(Octets&, Octets& Réponse, std::string& NoChargement) override {
+  std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) override {
+    Tampon.RetirerTête(Tampon.Chercher(Ligne("<")) + Trame12.size());
     PendantTrame();
     if (!Accusé.EstVide()) Réponse = Accusé;
     NoChargement = Numéro;
@@ -313,6 +317,87 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
   EXPECT_GE(Canal.Rafraîchissements, Base->Actualisations);
 }
 
+using Dits = std::vector<std::pair<int, std::string>>;  ///< milliseconds behind a writing, and what comes then
+
+/// One run of dialogues: P is a poll, E a frame "abc" under code 8, Z three seconds of rest. What comes as "=x" is held
+/// by the port, "." ends the plug-in.
+struct Réplique {
+  const char *Nom, *Actes;
+  std::vector<Dits> Dites;   ///< behind each writing in turn
+  std::string Ecrit, Issue;  ///< all that was written, and what the last act came to
+  std::uint64_t Durée;
+  int Avertis = 0;  ///< times that the operator was told of dropped characters
+};
+const std::string Offre = "^A" + Trame12;
+const std::string Laissé = "Chargement laissé sans réponse : le RG80 répondait peut-être à une demande plus ancienne.";
+const std::pair Avertissement{
+    std::string("Le RG80 a envoyé des caractères que personne n'attendait : ils sont laissés sans réponse."), false};
+const Dits Bavard = [] {
+  Dits Tous;
+  for (int Quand = 1; Quand < 20000; Quand += 500) Tous.emplace_back(Quand, "z");
+  return Tous;
+}();
+// clang-format off
+const Réplique Répliques[] = {
+    {"calm: no wait, and a load that comes again has lost its ACK", "PPE",
+     {{{5, Offre}}, {}, {{5, Offre}}, {}, {{5, "^8"}}, {{5, "^"}}}, "?A^?A^" T "$", "", 20},
+    {"silence counts from the end of the wait in vain", "PP", {{}, {{5, Offre}}}, "?A?A^", "", 4006},
+    {"silent for long enough", "PZP", {{}, {{5, Offre}}}, "?A?A^", "", 5006},
+    {"late answer", "PPP", {{{2500, Offre}}, {{5, "!A"}}, {{5, Offre}}}, "?A?A?A^", "", 4510, 1},
+    {"late answer between two dialogues", "PZP", {{{2500, Offre}}, {{5, Offre}}}, "?A?A^", "", 5006, 1},
+    {"held by the driver at the next request", "PP", {{{4, "=z"}, {5, "!A"}}, {{5, Offre}}}, "?A?A^", "", 2010, 1},
+    {"several answers: only what comes last is ours", "PP", {{}, {{5, Offre + Offre}}}, "?A?A", Laissé, 4006},
+    {"another answer has begun", "PP", {{}, {{5, Offre}, {5, "=^A<00"}}}, "?A?A", Laissé, 4006},
+    {"several answers on a calm line", "P", {{{5, Offre + Offre}}}, "?A^", "", 5},
+    {"copy of the acknowledged load", "PPP", {{{5, Offre}}, {}, {}, {{5, Offre}}}, "?A^?A?A", Laissé, 4011},
+    {"calm again behind an answer, silence and another answer", "PPPPP",
+     {{{5, Offre}}, {}, {}, {{5, "!A"}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A?A^", "", 6021},
+    {"a terminal that never said a word may still be busy", "PPZPZP",
+     {{{5, Offre}}, {}, {}, {}, {{5, Offre}}}, "?A^?A?A?A", Laissé, 10012},
+    {"another load", "PPP", {{{5, Offre}}, {}, {}, {{5, "^A<" + std::string(58, 'y')}}}, "?A^?A?A^", "", 4011},
+    {"never silent", "PP", {Bavard, {{5, Offre}}}, "?A?A^", "", 12006, 1},
+    {"answer to an older request", "EE", {{}, {{5, "^8"}}, {{5, "^8"}, {30, "^"}}}, "?8" T "$", "", 4040},
+    {"and nothing behind it", "EE", {{}, {{5, "^8"}}, {{5, "^8"}}}, "?8" T, MUET, 6007},
+    {"refusal of an older request, in pieces", "EE", {{}, {{5, "^8"}}, {{5, "!"}, {8, "8"}, {30, "^"}}}, "?8" T "$", "", 4040},
+    {"ACK in time that shows late that it stands alone", "EE", {{}, {{5, "^8"}}, {{1999, "^"}}}, "?8" T "$", "", 6009},
+    {"ACK too late", "EE", {{}, {{5, "^8"}}, {{2001, "^"}}}, "?8" T, MUET, 6007},
+    {"held by the port when the time is up", "E", {{{1900, "=!8"}}}, "?8", "Le RG80 n'est pas prêt (NACK).", 2001},
+    {"end in the silence", "PP", {{{2500, "."}}}, "?A", Muet, 2500}};
+// clang-format on
+
+struct RéponsePérimée : Banc, testing::WithParamInterface<Réplique> {
+  void Dire(const std::string& Dessin) {
+    if (Dessin == ".") return Terminer();
+    if (Dessin[0] == '=') {
+      Port->Tenus = Ligne(Dessin.substr(1));
+    } else {
+      Port->Client->Lecture(Ligne(Dessin));
+    }
+  }
+  std::string Jouer(char Acte) {
+    if (Acte == 'Z') Système.Laisser(milliseconds(3000));
+    return Acte == 'P' ? UneCollecte.LireDonnéesDeRG80() : Acte == 'E' ? Envoyer({"abc"}) : "";
+  }
+};
+INSTANTIATE_TEST_SUITE_P(Table, RéponsePérimée, testing::ValuesIn(Répliques));
+
+TEST_P(RéponsePérimée, IsNobodysAnswer) {
+  const Réplique& Cas = GetParam();
+  SCOPED_TRACE(Cas.Nom);
+  État.TamponRéception.Vider();
+  Port->SurEcriture = [&](const Octets&) {
+    if (Port->Ecrits.size() > Cas.Dites.size()) return;
+    for (const auto& [Quand, Dessin] : Cas.Dites[Port->Ecrits.size() - 1])
+      Système.Après(milliseconds(Quand), [this, Dessin] { Dire(Dessin); });
+  };
+  std::string Dernière;
+  for (const char Acte : std::string_view(Cas.Actes)) Dernière = Jouer(Acte);
+  EXPECT_EQ(Dernière, Cas.Issue);
+  EXPECT_EQ(Ecrit(), Ligne(Cas.Ecrit));
+  EXPECT_EQ(Système.Horloge - 1000, Cas.Durée);
+  EXPECT_EQ(std::count(Canal.Messages.begin(), Canal.Messages.end(), Avertissement), Cas.Avertis);
+}
+
 TEST_F(Banc, ARefusalIsSaidAndNotedEvenWhenItsFileCannotBeKept) {
   Etat.Erreur = "Masse : « x »";
   EcrireFichier(Système.DossierImportsConservés(), "");
@@ -325,13 +410,16 @@ TEST_F(Banc, ARefusalIsSaidAndNotedEvenWhenItsFileCannotBeKept) {
 TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromTheEnd) {
   État.PériodeInterrogation = 500;
   std::vector<std::uint64_t> Départs;
-  Port->SurEcriture = [&](const Octets&) { Départs.push_back(Système.Horloge); };
+  Port->SurEcriture = [&](const Octets&) {
+    Départs.push_back(Système.Horloge);
+    Port->Envoyer(Ligne("!A"), milliseconds(2000));
+  };
   for (const int Quand : {100, 101, 102}) {
     Système.Après(milliseconds(Quand), [this] { UneInterrogation.Retard_FinTempo(""); });
   }
   UneInterrogation.Retard_FinTempo("");
   Système.Laisser(milliseconds(2600));
-  EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3001, 5502}));
+  EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3000, 5500}));
 }
 
 TEST_F(Banc, AFileThatMovesWritesOverNoOther) {

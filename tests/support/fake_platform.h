@@ -59,6 +59,7 @@ struct PortScripté : IPortComm {
   bool EcritureRefusée = false;
   std::string Erreur;
   Octets ParLire;  ///< handed out by the next Lire
+  Octets Tenus;    ///< handed up by the next Relever
 
   /// The characters arrive by the event once Délai is over.
   void Envoyer(const Octets& Texte, milliseconds Délai = milliseconds(5)) {
@@ -85,6 +86,10 @@ struct PortScripté : IPortComm {
     Texte = std::exchange(ParLire, Octets());
     return true;
   }
+  void Relever() override {
+    if (!Tenus.EstVide()) Client->Lecture(std::exchange(Tenus, Octets()));
+  }
+  milliseconds SilenceFinMessage() const override { return milliseconds(4); }
   void Fermer() override { Noter("Fermer", ""); }
   void FixerDossierA(Mot Dossier) override { Noter("DossierA", Dossier); }
   void FixerDossierB(Mot Dossier) override { Noter("DossierB", Dossier); }

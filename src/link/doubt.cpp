@@ -1,0 +1,39 @@
+// How far the line can be trusted.
+#include "link/doubt.h"
+
+namespace Ombrey {
+
+std::chrono::milliseconds Doute::Silence() const {
+  // The tick count wraps: only the difference, taken as signed, tells the time that has passed.
+  return std::chrono::milliseconds(static_cast<std::int32_t>(Système_.Tics() - Depuis_));
+}
+
+std::chrono::milliseconds Doute::SilenceManquant() const {
+  return Niveau_ == Niveau::Trouble ? DélaiRéponse - Silence() : std::chrono::milliseconds(0);
+}
+
+void Doute::Arrivée(bool Attendue) {
+  Entendu_ = true;
+  Depuis_ = Système_.Tics();
+  if (Attendue) return;
+  Niveau_ = Niveau::Trouble;
+  if (!std::exchange(Dit_, true)) ÀDire_ = true;
+}
+
+void Doute::SansRéponse() {
+  Niveau_ = Niveau::Trouble;
+  Depuis_ = Système_.Tics();
+}
+
+void Doute::Demande() {
+  if (Niveau_ == Niveau::Convalescence) {
+    Niveau_ = Niveau::Calme;
+    Dit_ = false;
+  } else if (Niveau_ == Niveau::Trouble && Entendu_ && SilenceManquant().count() <= 0) {
+    // Not when it has only been silent: a terminal that hasn't said a word may still be busy.
+    Niveau_ = Niveau::Convalescence;
+  }
+  Entendu_ = false;
+}
+
+}  // namespace Ombrey

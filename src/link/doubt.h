@@ -1,0 +1,58 @@
+// How far the line can be trusted: whether what comes next can still be the answer to an older request.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <utility>
+
+#include "contracts/octets.h"
+#include "contracts/system.h"
+
+namespace Ombrey {
+
+/// How long the terminal may take for an answer, counted from the end of the sending.
+inline constexpr std::chrono::milliseconds DélaiRéponse{2000};
+
+/// An ACK bears no number. A terminal that was busy serves the requests that waited, one answer each, and whoever takes
+/// the answer to an older request for the one to his own acknowledges a load that he hasn't got. So the line is
+/// troubled from an unanswered request or an unexpected character on. It is calm again in two steps: once something was
+/// heard and then nothing for as long as an answer may take, and once a request behind that was answered.
+class Doute {
+ public:
+  explicit Doute(const ISystème& Système) : Système_(Système) {}
+
+  /// What comes next can't be the answer to an older request.
+  [[nodiscard]] bool EstCalme() const { return Niveau_ == Niveau::Calme; }
+  /// Since the last character, or the end of the last wait in vain.
+  [[nodiscard]] std::chrono::milliseconds Silence() const;
+  /// The silence that is still lacking before the next request; zero or less when it may go.
+  [[nodiscard]] std::chrono::milliseconds SilenceManquant() const;
+  /// True for the last acknowledged frame while the line isn't calm: it can be the answer to an older request, and an
+  /// ACK would remove the load behind it.
+  [[nodiscard]] bool EstCopie(const Octets& Trame) const {
+    return !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
+  }
+
+  void Acquitter(const Octets& Trame) { Acquittée_ = Trame; }
+  /// True once for each trouble in which characters came that nobody waited for: the operator should know.
+  [[nodiscard]] bool EstÀDire() { return std::exchange(ÀDire_, false); }
+  /// Characters came, in a wait for an answer or not.
+  void Arrivée(bool Attendue);
+  /// A wait ended without an answer.
+  void SansRéponse();
+  /// A request is about to go.
+  void Demande();
+
+ private:
+  enum class Niveau { Calme, Convalescence, Trouble };
+
+  const ISystème& Système_;
+  Niveau Niveau_ = Niveau::Calme;
+  bool Entendu_ = false;  ///< something came since the last request
+  std::uint32_t Depuis_ = 0;
+  bool ÀDire_ = false;
+  bool Dit_ = false;
+  Octets Acquittée_;
+};
+
+}  // namespace Ombrey
