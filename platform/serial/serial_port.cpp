@@ -56,7 +56,7 @@ void PortSérie::Libérer() {
 
 /// The device is gone: what it gave before still goes up, and the next Ecrire opens it again.
 void PortSérie::Perdre(int Numéro) {
-  if (Octets Reste = Rafale_.Clore(); !Reste.EstVide()) Closes_.push_back(std::move(Reste));
+  CloreRafale();
   Libérer();
   Échouer("Le port " + Nom_ + " a été perdu" + (Numéro == 0 ? "." : " : " + TexteErreurSystème(Numéro) + "."));
 }
@@ -74,7 +74,7 @@ void PortSérie::Recevoir() {
 void PortSérie::Relever() {
   while (LireAppareil()) continue;
   Silence_.reset();
-  if (Octets Reste = Rafale_.Clore(); !Reste.EstVide()) Closes_.push_back(std::move(Reste));
+  CloreRafale();
   Livrer();
 }
 
@@ -91,6 +91,11 @@ bool PortSérie::LireAppareil() {
   return Lu.Nombre > 0;
 }
 
+/// What is held back goes up as it is.
+void PortSérie::CloreRafale() {
+  if (Octets Reste = Rafale_.Clore(); !Reste.EstVide()) Closes_.push_back(std::move(Reste));
+}
+
 void PortSérie::ArmerSilence() {
   Silence_.reset();
   const auto Attente = Rafale_.SilenceAttendu();
@@ -104,8 +109,8 @@ void PortSérie::ArmerSilence() {
 void PortSérie::FinSilence() {
   if (LireAppareil()) {
     ArmerSilence();
-  } else if (Octets Close = Rafale_.Clore(); !Close.EstVide()) {
-    Closes_.push_back(std::move(Close));
+  } else {
+    CloreRafale();
   }
   Livrer();
 }

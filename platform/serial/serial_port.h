@@ -57,6 +57,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   void Libérer();
   void Perdre(int Numéro);
   void Recevoir();
+  void CloreRafale();
   void ArmerSilence();
   void FinSilence();
   bool LireAppareil();

@@ -352,8 +352,6 @@ const Réplique Répliques[] = {
     {"copy of the acknowledged load", "PPP", {{{5, Offre}}, {}, {}, {{5, Offre}}}, "?A^?A?A", Laissé, 4011},
     {"calm again behind an answer, silence and another answer", "PPPPP",
      {{{5, Offre}}, {}, {}, {{5, "!A"}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A?A^", "", 6021},
-    {"a terminal that never said a word may still be busy", "PPZPZP",
-     {{{5, Offre}}, {}, {}, {}, {{5, Offre}}}, "?A^?A?A?A", Laissé, 10012},
     {"another load", "PPP", {{{5, Offre}}, {}, {}, {{5, "^A<" + std::string(58, 'y')}}}, "?A^?A?A^", "", 4011},
     {"never silent", "PP", {Bavard, {{5, Offre}}}, "?A?A^", "", 12006, 1},
     {"answer to an older request", "EE", {{}, {{5, "^8"}}, {{5, "^8"}, {30, "^"}}}, "?8" T "$", "", 4040},

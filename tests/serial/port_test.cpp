@@ -66,10 +66,14 @@ TEST_F(Port, HandsUpAFrameWholeAndWhatStandsOutsideAtOnce) {
   // What is held back behind an STX, and what no pump has read yet, go up when somebody asks for it.
   Loin_.Envoyer("\x02x");
   ASSERT_TRUE(Boucle_.Pomper(1s));
-  Loin_.Envoyer("\x15" "A");
+  Loin_.Envoyer(
+      "\x15"
+      "A");
   EXPECT_EQ(Reçus_.back(), Tous);
   LePort_->Relever();
-  EXPECT_EQ(Reçus_.back(), "\x02x\x15" "A");
+  EXPECT_EQ(Reçus_.back(),
+            "\x02x\x15"
+            "A");
   EXPECT_EQ(LePort_->SilenceFinMessage(), 100ms);
 }
 
