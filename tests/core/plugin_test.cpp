@@ -151,7 +151,7 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
       Fenêtre.Gestes.BtnFermer_Click();
     });
   };
-  Laisser(75000);
+  Laisser(80000);
   EXPECT_EQ(Ouvertures, 1);
   EXPECT_GT(Port->Ecrits.size(), 3U) << "polling goes on";
   Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });

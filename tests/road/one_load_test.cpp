@@ -161,7 +161,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
   std::signal(SIGXFSZ, SIG_IGN);
   for (const auto& [Casser, Réparer, Boîte, Disque] : Pannes) {
     SCOPED_TRACE(Casser + std::to_string(Disque));
-    Relever(Octets());
+    Relever(Octets("\x15\x41"));
     Faire(Casser);
     const rlimit Plein{Disque, RLIM_INFINITY}, Sain{RLIM_INFINITY, RLIM_INFINITY};
     setrlimit(RLIMIT_FSIZE, &Plein);
