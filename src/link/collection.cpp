@@ -143,8 +143,7 @@ bool Dialogue::AttendreTrame() {
 /// load, and the next poll asks again when the line has been silent.
 bool Dialogue::EstPourNous() {
   const Octets& Tampon = État_.TamponRéception;
-  Trame_ = Tampon.Extrait(Tampon.Chercher(Octets(1, STX)),
-                          static_cast<std::size_t>(État_.LongEnregChargement) + EnrobageTrame);
+  Trame_ = Tampon.Extrait(Tampon.Chercher(Octets(1, STX)), LongTrameChargement);
   if (Échange_.EstCopie(Trame_)) Résultat_ = TexteLaissé;
   return Résultat_.empty();
 }
