@@ -4,15 +4,21 @@
 #include <filesystem>
 #include <memory>
 #include <string>
+#include <string_view>
 
 #include "platform/database/connection.h"
 
 namespace Tarvel {
 
+/// How a server's address begins.
+inline constexpr std::string_view ProtocoleServeur = "postgresql://";
+[[nodiscard]] inline bool EstSurServeur(const std::string& Base) { return Base.starts_with(ProtocoleServeur); }
+
 /// Opens a database, whatever tables it has. Raises ErreurExécution when it can't be had.
 [[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirMoteur(const std::string& Base,
                                                                Ombrey::Horloge Maintenant = {});
-/// A new database without a table. Raises ErreurExécution when there is one already, which stays as it is.
+/// A new database file, or the server's database as it stands. Raises ErreurExécution when there is such a file
+/// already, which stays as it is.
 [[nodiscard]] std::shared_ptr<Ombrey::IConnexion> CréerMoteur(const std::string& Base);
 /// Takes back what CréerMoteur made; nobody has it open.
 void AbandonnerBase(const std::string& Base);

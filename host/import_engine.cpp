@@ -50,6 +50,15 @@ std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre,
   for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
     Chargements.push_back(LireLigne(Définition, Ligne, Système_));
 
+  try {
+    return EcrireTout(Définition, Chargements);
+  } catch (const Ombrey::ÉchecPassager&) {
+    return EcrireTout(Définition, Chargements);
+  }
+}
+
+std::vector<ChargementImporté> MoteurImport::EcrireTout(const DéfinitionImport& Définition,
+                                                        const std::vector<LigneImport>& Chargements) {
   std::vector<ChargementImporté> Importés;
   Importés.reserve(Chargements.size());
   Ombrey::Transaction Tout(Connexion_);

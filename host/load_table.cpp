@@ -160,8 +160,7 @@ void TableDesChargements::CompléterArchive() {
   };
   for (const ColonneDeTable& Une : Connexion_.ColonnesDe(TableChargements)) {
     if (EstLà(Une)) continue;
-    Connexion_.Exécuter("ALTER TABLE ChargementArchive ADD COLUMN " + NomSql(Une.Nom) + " " + Une.Type +
-                        (Une.Défaut ? " DEFAULT " + *Une.Défaut : ""));
+    Connexion_.AjouterColonne(TableArchive, Une);
   }
 }
 

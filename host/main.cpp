@@ -55,9 +55,9 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
 /// One that can't be written can still be looked at.
 std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
                                                Tarvel::IÉdition& Édition) {
-  auto Connexion = Tarvel::OuvrirCoopérative(Ombrey::Chemin(Choisies.Base),
-                                             [&Système] { return NuméroDeJour(Système.Maintenant()); });
+  auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base, [&Système] { return NuméroDeJour(Système.Maintenant()); });
   Tarvel::MettreAJourSchéma(*Connexion);
+  Tarvel::VérifierDroits(*Connexion);
   if (Connexion->EstEnLectureSeule())
     Édition.Dire("La base « " + Choisies.Base + " » est en lecture seule : rien n'y sera enregistré.");
   return Connexion;
@@ -67,12 +67,18 @@ void Travailler(const Tarvel::Options& Choisies) {
   const auto Édition = CréerÉdition(Choisies);
   Tarvel::Station Station(Choisies, *Édition);
   std::shared_ptr<Ombrey::IConnexion> Connexion;
+  std::shared_ptr<Tarvel::BaseDeDTarvel> Base;
   const auto Ouvrir = [&](Ombrey::ISystème& Système) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
-    return std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
+    Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
                                                    [&](const std::string& Texte) { Édition->Dire(Texte); });
+    Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
+    return Base;
   };
-  Station.Exécuter(Ouvrir, [&] { Connexion->RangerJournal(); });
+  Station.Exécuter(Ouvrir, [&] {
+    Connexion->RangerJournal();
+    if (Connexion->ADuNouveau()) Base->Actualiser();
+  });
 }
 
 /// True when nothing is bad.
@@ -92,7 +98,7 @@ int Accomplir(const Tarvel::Options& Choisies) {
       std::puts(Tarvel::TexteVersion().c_str());
       break;
     case Tarvel::Tâche::CréerBase:
-      Tarvel::CréerBase(Ombrey::Chemin(Choisies.Base), Choisies.Exemple);
+      Tarvel::CréerBase(Choisies.Base, Choisies.Exemple);
       break;
     case Tarvel::Tâche::Sauvegarder:
       std::puts(Tarvel::SauvegarderBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());

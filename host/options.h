@@ -9,6 +9,8 @@
 #include <string>
 #include <string_view>
 
+#include "host/engine.h"
+
 namespace Tarvel {
 
 /// A command line that can't be followed; what() says why, for the operator.
@@ -28,9 +30,6 @@ enum class Tâche : unsigned {
   Diagnostic = 64
 };
 
-/// How a server's address begins.
-inline constexpr std::string_view ProtocoleServeur = "postgresql://";
-
 struct Options {
   Tâche QueFaire = Tâche::Station;
   /// The cooperative's database, to open or to create: the absolute path of a file, or a server's address.
@@ -46,7 +45,7 @@ struct Options {
   std::optional<std::chrono::seconds> Durée;
 
   /// True when Base is a server's address.
-  [[nodiscard]] bool EstSurServeur() const { return Base.starts_with(ProtocoleServeur); }
+  [[nodiscard]] bool EstSurServeur() const { return Tarvel::EstSurServeur(Base); }
   /// What the operator calls the database: the file's name, or the address.
   [[nodiscard]] std::string NomBase() const { return EstSurServeur() ? Base : Base.substr(Base.rfind('/') + 1); }
 };

@@ -40,13 +40,23 @@ std::string MotifRefus(void* Bibliothèque) {
 
 }  // namespace
 
-std::filesystem::path GreffonHabituel() {
+std::filesystem::path ModuleInstallé(const char* Nom) {
   std::error_code Erreur;
   const std::filesystem::path Programme = std::filesystem::read_symlink("/proc/self/exe", Erreur);
-  constexpr const char* Nom = "PlgInOmbrey.so";
   std::filesystem::path Voisin = Programme.parent_path() / Nom;
   if (std::filesystem::exists(Voisin, Erreur)) return Voisin;
   return (Programme.parent_path() / OMBREY_MODULES / Nom).lexically_normal();
+}
+
+std::filesystem::path GreffonHabituel() { return ModuleInstallé("PlgInOmbrey.so"); }
+
+void* SymboleDuModule(const char* Nom, const char* Symbole, const std::string& Début, const std::string& Fin) {
+  const std::filesystem::path Chemin = ModuleInstallé(Nom);
+  void* const Bibliothèque = dlopen(Chemin.c_str(), RTLD_NOW | RTLD_LOCAL | RTLD_NODELETE);
+  if (Bibliothèque == nullptr) throw ErreurExécution(Début + MotifChargement() + Fin);
+  void* const Trouvé = dlsym(Bibliothèque, Symbole);
+  if (Trouvé == nullptr) throw ErreurExécution(Début + MotifChargement() + Fin);
+  return Trouvé;
 }
 
 std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::path& Fichier,

@@ -4,6 +4,7 @@
 #include <array>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "base/failures.h"
 #include "host/engine.h"
@@ -103,6 +104,9 @@ void CréerBase(const std::string& Base, bool AvecExemple) {
   auto Connexion = CréerMoteur(Base);
   try {
     Transaction Tout(*Connexion);
+    for (const char* Table : Tables)
+      if (!Connexion->ColonnesDe(Table).empty())
+        throw ErreurExécution("La base « " + Base + " » a déjà une table " + Table + " : rien n'y est créé");
     CréerTables(*Connexion);
     if (AvecExemple) InsérerExemple(*Connexion);
     Tout.Valider();
@@ -121,6 +125,21 @@ std::shared_ptr<IConnexion> OuvrirCoopérative(const std::string& Base, Ombrey::
   if (!Absentes.empty())
     throw ErreurExécution("La base « " + Base + " » n'est pas celle d'une coopérative. Il manque :" + Absentes);
   return Connexion;
+}
+
+void VérifierDroits(IConnexion& Connexion) {
+  if (Connexion.EstEnLectureSeule()) return;
+  std::string Manquants;
+  for (const char* Table : Tables) {
+    const std::string Nom = Table;
+    std::vector<std::string> Droits = {"SELECT"};
+    if (Nom == "Coopérateur" || Nom == "Métayage") Droits.emplace_back("INSERT");
+    if (Nom == TableChargements || Nom == TableArchive) Droits = {"SELECT", "INSERT", "UPDATE", "DELETE"};
+    const std::string Siens = Connexion.DroitsManquants(Nom, Droits);
+    if (!Siens.empty()) Manquants.append("\n  ").append(Siens).append(" sur ").append(Nom);
+  }
+  if (!Manquants.empty())
+    throw ErreurExécution("Il manque des droits à ce compte sur la base « " + Connexion.Nom() + " » :" + Manquants);
 }
 
 }  // namespace Tarvel

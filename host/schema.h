@@ -21,4 +21,7 @@ void CréerBase(const std::string& Base, bool AvecExemple);
 [[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirCoopérative(const std::string& Base,
                                                                     Ombrey::Horloge Maintenant = {});
 
+/// Raises ErreurExécution with the rights that a station's user lacks. A base that can only be read wants none.
+void VérifierDroits(Ombrey::IConnexion& Connexion);
+
 }  // namespace Tarvel

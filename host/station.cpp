@@ -19,7 +19,8 @@ using namespace std::chrono_literals;
 
 constexpr std::uint8_t NumBouton = 1;
 constexpr std::uint8_t NumMenu = 1;
-constexpr auto AttenteParPompe = 1h;
+/// As often the station looks whether other sites have brought something in.
+constexpr auto AttenteParPompe = 1s;
 /// Between two tries of a loop that fails by itself, so that it can't eat the machine.
 constexpr auto RépitAprèsPanne = 100ms;
 

@@ -11,12 +11,19 @@
 #include <utility>
 #include <vector>
 
+#include "base/failures.h"
 #include "contracts/database.h"
 
 namespace Ombrey {
 
 /// Gives the present moment in days since 1899-12-30. Without it, queries that ask for the date fail.
 using Horloge = std::function<double()>;
+
+/// What a second try may bring through: another station was in the way.
+class [[gnu::visibility("default")]] ÉchecPassager : public ErreurExécution {
+ public:
+  using ErreurExécution::ErreurExécution;
+};
 
 /// One statement of an engine. Every operation raises ErreurExécution in French when the engine refuses.
 class IInstruction {
@@ -93,6 +100,21 @@ class IConnexion {
 
   /// The columns of a table or view, in order; none when there is no such table.
   [[nodiscard]] virtual std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) = 0;
+  /// Gives a table another column. A value that must be there is the default in all its rows.
+  virtual void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) = 0;
+  /// Those of the rights (SELECT, INSERT, UPDATE, DELETE) that this user lacks on the table; empty when none.
+  [[nodiscard]] virtual std::string DroitsManquants(const std::string& /*Table*/,
+                                                    const std::vector<std::string>& /*Droits*/) {
+    return {};
+  }
+  /// From now on, as long as the connection lives, no other station works under this site's code. Raises
+  /// ErreurExécution when one does.
+  virtual void PrendreSite(const std::string& Code) = 0;
+  /// True when others may have committed something since the last call; costs next to nothing.
+  [[nodiscard]] virtual bool ADuNouveau() = 0;
+  /// Patience is called over and over while the engine makes its caller wait; it may paint, and nothing else.
+  virtual void FixerPatience(std::function<void()> /*Patience*/) {}
+
   /// True when a table can't have both as columns.
   [[nodiscard]] virtual bool EstMêmeNom(const std::string& Un, const std::string& Autre) const { return Un == Autre; }
   /// How a table declares a whole number that the engine gives to each row by itself, and that is the row's key. With

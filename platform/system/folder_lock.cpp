@@ -46,31 +46,33 @@ std::string Décrire(const fs::path& Fichier) {
   return (Nom.empty() ? "" : Nom + ", ") + "processus " + Processus;
 }
 
-[[noreturn]] void Refuser(const fs::path& Dossier, int Numéro) {
-  throw ErreurExécution("Le dossier de travail " + TexteChemin(Dossier) + " ne peut pas être verrouillé : " +
-                        TexteErreurSystème(Numéro) + ". --dossier en choisit un autre.");
-}
-
 }  // namespace
 
-VerrouDossier::VerrouDossier(const fs::path& Dossier)
-    : Fichier_(open((Dossier / NomVerrou).c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, PourSonPropriétaire)) {
+VerrouFichier::VerrouFichier(const fs::path& Fichier, const std::string& Occupé, const std::string& Impossible,
+                             const std::string& Remède)
+    : Fichier_(open(Fichier.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, PourSonPropriétaire)) {
+  const auto Refuser = [&](int Numéro) {
+    throw ErreurExécution(Impossible + " ne peut pas être verrouillé : " + TexteErreurSystème(Numéro) + ". " + Remède);
+  };
   if (!Fichier_.EstOuvert()) {
     const int Motif = errno;
-    if (access(Dossier.c_str(), W_OK) == 0) Refuser(Dossier, Motif);
+    if (access(Fichier.parent_path().c_str(), W_OK) == 0) Refuser(Motif);
     return;
   }
   struct flock Voulu = Tout();
   if (fcntl(Fichier_.Numéro(), F_OFD_SETLK, &Voulu) != 0) {
-    if (errno != EACCES && errno != EAGAIN) Refuser(Dossier, errno);
-    throw ErreurExécution("Une autre station travaille déjà dans le dossier " + TexteChemin(Dossier) + " (" +
-                          Décrire(Dossier / NomVerrou) + "). --dossier en choisit un autre.");
+    if (errno != EACCES && errno != EAGAIN) Refuser(errno);
+    throw ErreurExécution(Occupé + " (" + Décrire(Fichier) + "). " + Remède);
   }
   const std::string Texte = std::to_string(getpid()) + " " + Machine() + "\n";
   // For others to read; the lock holds without it.
   if (ftruncate(Fichier_.Numéro(), 0) == 0)
     static_cast<void>(pwrite(Fichier_.Numéro(), Texte.data(), Texte.size(), 0) > 0);
 }
+
+VerrouDossier::VerrouDossier(const fs::path& Dossier)
+    : Fichier_(Dossier / NomVerrou, "Une autre station travaille déjà dans le dossier " + TexteChemin(Dossier),
+               "Le dossier de travail " + TexteChemin(Dossier), "--dossier en choisit un autre.") {}
 
 std::optional<std::string> OccupantDossier(const fs::path& Dossier) {
   const Descripteur Fichier(open((Dossier / NomVerrou).c_str(), O_RDWR | O_CLOEXEC | O_NOFOLLOW));

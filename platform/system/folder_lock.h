@@ -9,7 +9,19 @@
 
 namespace Ombrey {
 
-/// Holds a folder until the object or its process goes, however that ends.
+/// Holds a file, which it makes when there is none, until the object or its process goes, however that ends.
+class VerrouFichier {
+ public:
+  /// Raises ErreurExécution when it is held, with Occupé, the process that holds it and Remède, or when it can't be
+  /// locked, with Impossible. A folder where this process can write nothing needs no lock.
+  VerrouFichier(const std::filesystem::path& Fichier, const std::string& Occupé, const std::string& Impossible,
+                const std::string& Remède);
+
+ private:
+  Descripteur Fichier_;
+};
+
+/// Holds a folder.
 class VerrouDossier {
  public:
   /// Raises ErreurExécution, with the folder and the process that holds it, when it is held, or when this folder
@@ -17,7 +29,7 @@ class VerrouDossier {
   explicit VerrouDossier(const std::filesystem::path& Dossier);
 
  private:
-  Descripteur Fichier_;
+  VerrouFichier Fichier_;
 };
 
 /// The process that holds the folder, such as "tarvel, processus 4711"; none when it can be had.

@@ -10,6 +10,7 @@
 #include "host/cooperative_database.h"
 #include "host/schema.h"
 #include "platform/database/sqlite/sqlite_connection.h"
+#include "tests/support/each_engine.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
@@ -17,10 +18,12 @@ namespace Tarvel {
 
 class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
  public:
-  Coopérative() {
+  explicit Coopérative(Ombrey::Essais::Moteur Sien = Ombrey::Essais::Moteur::Sqlite) : Moteur_(Sien) {
     Système_.Dossier = Dossier_;
-    CréerBase(Fichier_, true);
-    Rouvrir();
+    Refaire();
+  }
+  void SetUp() override {
+    if (Adresse_.empty()) GTEST_SKIP() << "PostgreSQL isn't installed";
   }
 
   void EtatBdD_EnregistrementImporté(const std::string& Table, Ombrey::IRecordset& RecSet) override {
@@ -43,8 +46,16 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     Base_.reset();
     Connexion_.reset();
   }
+  /// Another base of the sample, and a station on it.
+  void Refaire() {
+    Fermer();
+    Adresse_ = NouvelleBase(Moteur_, Gardé_);
+    if (Adresse_.empty()) return;
+    CréerBase(Adresse_, true);
+    Rouvrir();
+  }
   void Rouvrir() {
-    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Fichier_, [this] { return NuméroDeJour(Système_.Mur); });
+    Connexion_ = OuvrirMoteur(Adresse_, [this] { return NuméroDeJour(Système_.Mur); });
     Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_, "",
                                             [this](const std::string& Texte) { Avis_ += Texte + "\n"; });
     Base_->EtatBdD()->Connecter(this);
@@ -69,13 +80,25 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
            std::to_string(Base_->CalculerRestantExploit(Exploitation, Vide, Rouge, Vide, {}, {}));
   }
 
-  std::string Lire(const std::string& Sql) { return TexteOuVide(Connexion_->Lire(Sql), Ombrey::Régional{}); }
+  /// Rows with commas between them, values with blanks.
+  std::string Lire(const std::string& Sql) {
+    std::string Texte;
+    Ombrey::Instruction Requête = Connexion_->Préparer(Sql);
+    while (Requête.Avancer()) {
+      if (!Texte.empty()) Texte += ',';
+      for (std::size_t Rang = 0; Rang < Requête.Colonnes().size(); ++Rang)
+        Texte += (Rang == 0 ? "" : " ") + TexteOuVide(Requête.Valeur(Rang), Ombrey::Régional{});
+    }
+    return Texte;
+  }
 
   Ombrey::Essais::DossierEssai Gardé_;
   const std::filesystem::path Dossier_ = Gardé_.Chemin();
-  const std::filesystem::path Fichier_ = Dossier_ / "coopé.db";
+  const std::filesystem::path Fichier_ = Dossier_ / "coopé.db";  ///< the base, where it is one
+  const Ombrey::Essais::Moteur Moteur_;
+  std::string Adresse_;
   Ombrey::Essais::FauxSystème Système_;
-  std::shared_ptr<Ombrey::ConnexionSqlite> Connexion_;
+  std::shared_ptr<Ombrey::IConnexion> Connexion_;
   std::shared_ptr<BaseDeDTarvel> Base_;
   std::string Annonces_;
   std::string Avis_;
@@ -88,6 +111,12 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
                  TexteValeur(RecSet.FieldsNommé("NoChargement"), Formes) + "\n";
     if (ÉcouteurEnPanne_) throw Ombrey::ErreurExécution("panne de l'écouteur");
   }
+};
+
+/// The same on each engine.
+class SurChaqueMoteur : public Coopérative, public testing::WithParamInterface<Ombrey::Essais::Moteur> {
+ public:
+  SurChaqueMoteur() : Coopérative(GetParam()) {}
 };
 
 }  // namespace Tarvel

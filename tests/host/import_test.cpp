@@ -4,7 +4,8 @@
 namespace Tarvel {
 namespace {
 
-using Import = Coopérative;
+using Import = SurChaqueMoteur;
+SUR_CHAQUE_MOTEUR(Import);
 
 /// What happens to a load or its row: a line of the import file, SQL of the office, or "fermer" the base and open it.
 using Actes = std::vector<std::string>;
@@ -62,7 +63,7 @@ const SuiteDActes Suites[] = {
 };
 // clang-format on
 
-TEST_F(Import, KnowsALoadByWhatTheTerminalSentAndKeepsItOnce) {
+TEST_P(Import, KnowsALoadByWhatTheTerminalSentAndKeepsItOnce) {
   for (const auto& [Nom, Faits, Rangées, Cumuls, Annonce] : Suites) {
     SCOPED_TRACE(Nom);
     Connexion_->ExécuterTout("DELETE FROM Chargement; DELETE FROM ChargementArchive");
@@ -77,7 +78,7 @@ TEST_F(Import, KnowsALoadByWhatTheTerminalSentAndKeepsItOnce) {
       }
     }
     EXPECT_EQ(Annonces_.substr(0, Annonces_.find(" Ch")), Annonce);
-    const std::string Toutes = "SELECT group_concat(Métayage || ' ' || ifnull(Masse, '') || substr(Arrivée, 11)) FROM ";
+    const std::string Toutes = "SELECT Métayage, Masse, substr(Arrivée, 12) FROM ";
     const std::string Archivées = Lire(Toutes + "ChargementLisible WHERE Archive = 'archivé'");
     EXPECT_EQ(Lire(Toutes + "ChargementLisible WHERE Archive = ''") + (Archivées.empty() ? "" : "+") + Archivées,
               Rangées);
@@ -86,27 +87,28 @@ TEST_F(Import, KnowsALoadByWhatTheTerminalSentAndKeepsItOnce) {
   }
 }
 
-TEST_F(Import, TellsTheOperatorOfALoadThatGoesToTheArchive) {
+TEST_P(Import, TellsTheOperatorOfALoadThatGoesToTheArchive) {
   ASSERT_EQ(Importer(Ligne()), "");
-  EXPECT_EQ(Lire("SELECT Cépage || Qualité || ' ' || Degré || ' ' || Cuve || Synchronisé FROM Chargement"),
-            "Syrah01 12.5 70");
+  EXPECT_EQ(Lire("SELECT Cépage || Qualité, Degré, Cuve, Synchronisé FROM Chargement"), "Syrah01 12,5 7 0");
   ASSERT_EQ(Importer(Ligne("12", "23/09/26 10:00")), "");
   EXPECT_EQ(Avis_,
             "Le chargement n° 12 du site 1, arrivé le 22/09/2026 08:30 (exploitation 4, 1234 kg), passe dans "
             "ChargementArchive : son numéro sert à un autre. Il compte toujours dans les cumuls.\n");
 }
 
-TEST_F(Import, ArchivesColumnsThatTheCooperativeAdded) {
+TEST_P(Import, ArchivesColumnsThatTheCooperativeAdded) {
   Connexion_->ExécuterTout(
-      "ALTER TABLE Chargement ADD COLUMN \"N° de \"\"ticket\"\"\" DECIMAL(8, 2) NOT NULL DEFAULT 7;"
-      "ALTER TABLE Chargement ADD COLUMN [Sans genre]; ALTER TABLE ChargementArchive ADD COLUMN [SANS GENRE]");
+      "ALTER TABLE Chargement ADD COLUMN \"N° de \"\"ticket\"\"\" DECIMAL(8, 2) NOT NULL DEFAULT 7");
+  if (Connexion_->SonFichier())
+    Connexion_->ExécuterTout(
+        "ALTER TABLE Chargement ADD COLUMN [Sans genre]; ALTER TABLE ChargementArchive ADD COLUMN [SANS GENRE]");
   for (const char* Date : {Matin, "23/09/26 08:30", "24/09/26 08:30"}) ASSERT_EQ(Importer(Ligne("12", Date)), "");
   Connexion_->Exécuter("ALTER TABLE Chargement ADD COLUMN Tardive INTEGER NOT NULL DEFAULT 3");
   ASSERT_EQ(Importer(Ligne()), "") << "one that was archived ahead of the last column comes back";
-  EXPECT_EQ(Lire("SELECT count(*) || '/' || sum(\"N° de \"\"ticket\"\"\") FROM ChargementArchive"), "2/14");
+  EXPECT_EQ(Lire("SELECT count(*), sum(\"N° de \"\"ticket\"\"\") FROM ChargementArchive"), "2 14");
 }
 
-TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
+TEST_P(Import, SaysWhichValueItCannotReadAndWritesNothing) {
   // clang-format off
   const std::pair<std::string, const char*> Cas[] = {
       {Ligne("AB12"), "Colonne NoChargement : valeur illisible : « AB12 »"},
@@ -131,7 +133,7 @@ TEST_F(Import, SaysWhichValueItCannotReadAndWritesNothing) {
   EXPECT_EQ(Importer(Ligne()), "") << "the next file is judged by itself";
 }
 
-TEST_F(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine) {
+TEST_P(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine) {
   const std::string Long = "Muscat à petits grains blancs de la plaine";
   for (const auto& [Table, Colonne] : {std::pair{"Cépage", "Désignation"}, {"Paramètre", "Valeur"}}) {
     const std::string Sql = std::string("UPDATE ") + Table + " SET " + Colonne + " = ?1";
@@ -146,7 +148,7 @@ TEST_F(Import, TakesTheCooperativesOwnNamesAsLongAsTheyAreAndNoneThatSplitsALine
             "Cave de Saint-Cœur/é'/" + Long);
 }
 
-TEST_F(Import, StaysDoneWhenAListenerFails) {
+TEST_P(Import, StaysDoneWhenAListenerFails) {
   ÉcouteurEnPanne_ = true;
   testing::internal::CaptureStderr();
   EXPECT_EQ(Importer(Ligne("12") + Ligne("13")), "");
@@ -154,7 +156,7 @@ TEST_F(Import, StaysDoneWhenAListenerFails) {
   EXPECT_EQ(Annonces_, "importé Chargement 1/12\nimporté Chargement 1/13\n");
 }
 
-TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
+TEST_P(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
   bool Drapeau = false;
   const auto Etat = Base_->EtatBdD();
   EXPECT_FALSE(Etat->TableImporter(TitreImport, (Dossier_ / "absent.txt").string(), Drapeau));
@@ -171,16 +173,14 @@ TEST_F(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
       {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')",
        "faux : Définition d'import : il manque la colonne DateCh"},
       {"UPDATE MSysEtats SET Format = NULL", "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
-      {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats (no such table: MSysEtats)"},
+      {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats"},
   };
   // clang-format on
   for (const auto& [Changement, Attendu] : Cas) {
     Connexion_->Exécuter(Changement);
-    EXPECT_EQ(Importer(Ligne()), Attendu);
-    Fermer();
-    std::filesystem::remove(Fichier_);
-    CréerBase(Fichier_, true);
-    Rouvrir();
+    const std::string Dit = Importer(Ligne());
+    EXPECT_EQ(Dit.substr(0, Dit.find(" (")), Attendu);
+    Refaire();
   }
 }
 

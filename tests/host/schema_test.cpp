@@ -19,7 +19,7 @@ struct Schema : Coopérative {
     Ombrey::ConnexionSqlite::Créer(Fichier_)->ExécuterTout(Script.str());
     Rouvrir();
   }
-  static std::string Plan(Ombrey::ConnexionSqlite& Connexion) {
+  static std::string Plan(Ombrey::IConnexion& Connexion) {
     return Ombrey::TexteOuVide(
         Connexion.Lire("SELECT group_concat(Nom || ' ' || sql, char(10)) FROM (SELECT m.name || '.' ||"
                        " ifnull(c.name, '') AS Nom, CASE m.type WHEN 'table' THEN c.type ELSE m.sql END"

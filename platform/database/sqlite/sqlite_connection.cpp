@@ -223,6 +223,26 @@ std::vector<ColonneDeTable> ConnexionSqlite::ColonnesDe(const std::string& Table
   return Toutes;
 }
 
+void ConnexionSqlite::AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) {
+  std::string Nom = "\"";
+  for (const char C : Colonne.Nom) Nom.append(C == '"' ? 2 : 1, C);
+  Exécuter("ALTER TABLE " + Table + " ADD COLUMN " + Nom + "\" " + Colonne.Type +
+           (Colonne.Défaut ? " DEFAULT " + *Colonne.Défaut : ""));
+}
+
+void ConnexionSqlite::PrendreSite(const std::string& Code) {
+  std::string Suffixe = ".site-";
+  for (const char C : Code) Suffixe += C == '/' || C == '\0' ? '_' : C;
+  Site_.emplace(Fichier_.string() + Suffixe,
+                "Une autre station travaille déjà sous le code de site « " + Code + " » sur cette base",
+                "Le code de site « " + Code + " »", "--site en donne un autre.");
+}
+
+bool ConnexionSqlite::ADuNouveau() {
+  ValeurChamp Compteur = Lire("PRAGMA data_version");
+  return Compteur != std::exchange(Compteur_, Compteur) && !EstNull(Compteur_);
+}
+
 bool ConnexionSqlite::EstMêmeNom(const std::string& Un, const std::string& Autre) const {
   return sqlite3_stricmp(Un.c_str(), Autre.c_str()) == 0;
 }

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "platform/database/connection.h"
+#include "platform/system/folder_lock.h"
 
 struct sqlite3;
 struct sqlite3_stmt;
@@ -64,6 +65,9 @@ class ConnexionSqlite final : public IConnexion {
   void ExécuterTout(std::string_view Script) override;
 
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override;
+  void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
+  void PrendreSite(const std::string& Code) override;
+  [[nodiscard]] bool ADuNouveau() override;
   [[nodiscard]] bool EstMêmeNom(const std::string& Un, const std::string& Autre) const override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
@@ -97,6 +101,8 @@ class ConnexionSqlite final : public IConnexion {
 
   std::filesystem::path Fichier_;
   Horloge Maintenant_;
+  std::optional<VerrouFichier> Site_;
+  ValeurChamp Compteur_;      ///< of the changes that other connections have made
   std::int64_t Rangées_ = 0;  ///< rows changed by this connection that stand in the file itself
   std::unique_ptr<sqlite3, Fermer> Base_;
 };

@@ -1,0 +1,291 @@
+// The cooperative's database on a PostgreSQL server.
+#include "platform/database/postgresql/postgresql_connection.h"
+
+#include <libpq-fe.h>
+
+#include <charconv>
+#include <cstdint>
+#include <cstdio>
+#include <string_view>
+#include <utility>
+
+#include "base/failures.h"
+#include "base/regional_forms.h"
+#include "platform/database/dialect.h"
+#include "platform/database/postgresql/postgresql_dialect.h"
+
+namespace Ombrey {
+namespace {
+
+/// Locks of one database that nobody else has a reason to take: the first number is ours, the second is 0 for writers,
+/// else it stands for a site.
+constexpr const char* Nôtre = "1330463315";
+constexpr const char* Canal = "tarvel_chargements";
+
+/// The same for the same code in every release.
+std::int32_t NuméroDeSite(std::string_view Code) {
+  std::uint32_t Somme = 2'166'136'261U;
+  for (const char C : Code) Somme = (Somme ^ static_cast<unsigned char>(C)) * 16'777'619U;
+  return static_cast<std::int32_t>(Somme | 1U);
+}
+
+enum Oid : unsigned { Booléen = 16, Entier8 = 20, Entier2 = 21, Entier4 = 23, Réel4 = 700, Réel8 = 701, Date = 1082 };
+enum OidLong : unsigned { Instant = 1114, InstantDeZone = 1184, Décimal = 1700 };
+
+template <class Nombre>
+Nombre Lu(std::string_view Texte) {
+  Nombre Valeur{};
+  std::from_chars(Texte.data(), Texte.data() + Texte.size(), Valeur);
+  return Valeur;
+}
+
+/// A whole number stays one, as far as it can.
+ValeurChamp DécimalLu(std::string_view Texte) {
+  constexpr std::size_t ChiffresSûrs = 18;
+  if (Texte.find_first_of(".eN") == Texte.npos && Texte.size() <= ChiffresSûrs) return Lu<std::int64_t>(Texte);
+  return Lu<double>(Texte);
+}
+
+ValeurChamp DateLue(const char* Texte) {
+  DateHeure Moment{};
+  const int Lus = std::sscanf(Texte, "%d-%d-%d %d:%d:%d", &Moment.Année, &Moment.Mois, &Moment.Jour, &Moment.Heure,
+                              &Moment.Minute, &Moment.Seconde);
+  constexpr int Trois = 3;
+  return Lus < Trois ? ValeurChamp{std::string(Texte)} : ValeurChamp{NuméroDeJour(Moment)};
+}
+
+ValeurChamp ValeurDe(const PGresult* Lignes, int Ligne, int Colonne) {
+  if (PQgetisnull(Lignes, Ligne, Colonne) != 0) return std::monostate{};
+  const char* const Texte = PQgetvalue(Lignes, Ligne, Colonne);
+  switch (PQftype(Lignes, Colonne)) {
+    case Booléen:
+      return std::int64_t{*Texte == 't' ? -1 : 0};
+    case Entier8:
+    case Entier4:
+    case Entier2:
+      return Lu<std::int64_t>(Texte);
+    case Réel4:
+    case Réel8:
+      return Lu<double>(Texte);
+    case Décimal:
+      return DécimalLu(Texte);
+    case Date:
+    case Instant:
+    case InstantDeZone:
+      return DateLue(Texte);
+    default:
+      return std::string(Texte, static_cast<std::size_t>(PQgetlength(Lignes, Ligne, Colonne)));
+  }
+}
+
+}  // namespace
+
+/// Runs at the first look at its rows, all of which come at once.
+class ConnexionPostgresql::InstructionServeur final : public IInstruction {
+ public:
+  InstructionServeur(std::shared_ptr<ConnexionPostgresql> Connexion, std::string Sql, bool EstRépétable)
+      : Connexion_(std::move(Connexion)), Sql_(std::move(Sql)), EstRépétable_(EstRépétable) {}
+
+  void Lier(const std::vector<ValeurChamp>& Valeurs) override {
+    Valeurs_ = Valeurs;
+    Lignes_.reset();
+  }
+  bool Avancer() override {
+    Courir();
+    return ++Ici_ < PQntuples(Lignes_.get());
+  }
+  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const override {
+    return ValeurDe(Lignes_.get(), Ici_, static_cast<int>(Rang));
+  }
+  [[nodiscard]] std::vector<std::string> Colonnes() override {
+    Courir();
+    std::vector<std::string> Noms;
+    for (int Rang = 0; Rang < PQnfields(Lignes_.get()); ++Rang) Noms.emplace_back(PQfname(Lignes_.get(), Rang));
+    return Noms;
+  }
+  void Courir() {
+    if (Lignes_) return;
+    Lignes_ = Connexion_->Demander(Sql_, Valeurs_, EstRépétable_);
+    Ici_ = -1;
+  }
+
+ private:
+  std::shared_ptr<ConnexionPostgresql> Connexion_;
+  std::string Sql_;
+  bool EstRépétable_;
+  std::vector<ValeurChamp> Valeurs_;
+  Résultat Lignes_;
+  int Ici_ = -1;
+};
+
+ConnexionPostgresql::ConnexionPostgresql(const std::string& Adresse, Horloge Maintenant)
+    : Lien_(Adresse), Maintenant_(std::move(Maintenant)) {
+  Relier();
+}
+
+void ConnexionPostgresql::Relier() {
+  Lien_.Ouvrir();
+  try {
+    const Résultat Lus = Lien_.Demander("SELECT current_setting('transaction_read_only')");
+    EstEnLectureSeule_ = std::string_view(PQgetvalue(Lus.get(), 0, 0)) == "on";
+    if (Site_) VerrouillerSite();
+  } catch (const ErreurExécution&) {
+    Lien_.Fermer();
+    throw;
+  }
+  AncienProcessus_ = Lien_.Processus();
+  ADesNouvelles_ = true;
+  EstCoupé_ = false;
+}
+
+Résultat ConnexionPostgresql::Demander(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
+                                       bool EstRépétable) {
+  if (!Lien_.EstOuvert()) {
+    if (DansTransaction_) throw ErreurExécution("La liaison avec le serveur de la base est perdue");
+    Relier();
+    return Lien_.Demander(Sql, Valeurs);
+  }
+  try {
+    return Lien_.Demander(Sql, Valeurs);
+  } catch (const LienPerdu&) {
+    if (DansTransaction_ || !EstRépétable) throw;
+  }
+  Relier();
+  return Lien_.Demander(Sql, Valeurs);
+}
+
+Instruction ConnexionPostgresql::Préparer(std::string_view Sql) {
+  return Instruction(std::make_unique<InstructionServeur>(shared_from_this(), TraduireEnPostgresql(Sql, Maintenant_),
+                                                          CommenceParSelect(Sql)));
+}
+
+Instruction ConnexionPostgresql::PréparerLecture(std::string_view Sql) {
+  // More than one statement is refused by the server itself.
+  if (Sql.find('\0') != Sql.npos || ContientMot(Sql, "INTO")) throw ErreurExécution(PasUnSelect);
+  auto Requête = std::make_unique<InstructionServeur>(shared_from_this(), TraduireEnPostgresql(Sql, Maintenant_), true);
+  Requête->Courir();
+  return Instruction(std::move(Requête));
+}
+
+void ConnexionPostgresql::ExécuterTout(std::string_view Script) {
+  for (const std::string_view Une : Instructions(Script)) Exécuter(Une);
+}
+
+std::vector<ColonneDeTable> ConnexionPostgresql::ColonnesDe(const std::string& Table) {
+  const Résultat Lues = Demander(
+      "SELECT a.attname, format_type(a.atttypid, a.atttypmod) || CASE c.collname WHEN 'C' THEN ' COLLATE \"C\"'"
+      " ELSE '' END, CASE WHEN a.attnotnull THEN pg_get_expr(d.adbin, d.adrelid) END"
+      " FROM pg_attribute a LEFT JOIN pg_attrdef d ON d.adrelid = a.attrelid AND d.adnum = a.attnum"
+      " LEFT JOIN pg_collation c ON c.oid = a.attcollation"
+      " WHERE a.attrelid = to_regclass(quote_ident($1)) AND a.attnum > 0 AND NOT a.attisdropped ORDER BY a.attnum",
+      {Table}, true);
+  std::vector<ColonneDeTable> Toutes;
+  for (int Ligne = 0; Ligne < PQntuples(Lues.get()); ++Ligne) {
+    const auto Texte = [&](int Colonne) { return std::string(PQgetvalue(Lues.get(), Ligne, Colonne)); };
+    Toutes.push_back(
+        {Texte(0), Texte(1), PQgetisnull(Lues.get(), Ligne, 2) == 0 ? std::optional(Texte(2)) : std::nullopt});
+  }
+  return Toutes;
+}
+
+void ConnexionPostgresql::AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) {
+  static_cast<void>(Demander("ALTER TABLE " + NomPostgresql(Table) + " ADD COLUMN " + NomPostgresql(Colonne.Nom) + " " +
+                                 Colonne.Type + (Colonne.Défaut ? " DEFAULT " + *Colonne.Défaut : ""),
+                             {}, false));
+}
+
+std::string ConnexionPostgresql::CléNumérotée(bool /*JamaisReprise*/) const {
+  return "BIGINT GENERATED BY DEFAULT AS IDENTITY PRIMARY KEY";
+}
+
+std::string ConnexionPostgresql::SansCoupure(const std::string& Colonne) const {
+  return Colonne + " !~ '[;\\x01-\\x1F\\x7F]'";
+}
+
+std::string ConnexionPostgresql::DateLisible(const std::string& Colonne) const {
+  return "to_char(timestamp '1899-12-30' + round(" + Colonne + " * 86400) * interval '1 second', 'DD/MM/YYYY HH24:MI')";
+}
+
+std::string ConnexionPostgresql::DroitsManquants(const std::string& Table, const std::vector<std::string>& Droits) {
+  std::string Absents;
+  for (const std::string& Droit : Droits) {
+    const Résultat Lu = Demander("SELECT has_table_privilege(quote_ident($1), $2)", {Table, Droit}, true);
+    if (*PQgetvalue(Lu.get(), 0, 0) != 't') Absents += (Absents.empty() ? "" : ", ") + Droit;
+  }
+  return Absents;
+}
+
+void ConnexionPostgresql::PrendreSite(const std::string& Code) {
+  Site_ = Code;
+  if (Lien_.EstOuvert())
+    VerrouillerSite();
+  else
+    Relier();
+}
+
+void ConnexionPostgresql::VerrouillerSite() {
+  const std::string Verrou = std::string(Nôtre) + ", " + std::to_string(NuméroDeSite(*Site_));
+  // A link of our own that the server hasn't missed yet would keep us out.
+  if (AncienProcessus_ != 0 && AncienProcessus_ != Lien_.Processus())
+    static_cast<void>(
+        Lien_.Demander("SELECT pg_terminate_backend(pid) FROM pg_locks WHERE locktype = 'advisory' AND classid = " +
+                       std::string(Nôtre) + " AND pid = " + std::to_string(AncienProcessus_)));
+  try {
+    static_cast<void>(Lien_.DemanderTout("SET lock_timeout = 2000; SELECT pg_advisory_lock(" + Verrou +
+                                         "); SET lock_timeout = 7000; LISTEN " + Canal));
+  } catch (const LienPerdu&) {
+    throw;
+  } catch (const ErreurExécution& Erreur) {
+    throw ErreurExécution("Une autre station travaille sous le code de site « " + *Site_ +
+                          " » sur cette base ; --site en donne un autre. " + Erreur.what());
+  }
+}
+
+bool ConnexionPostgresql::ADuNouveau() {
+  constexpr auto EntreDeuxEssais = std::chrono::seconds(30);
+  if (!Lien_.EstOuvert() && std::chrono::steady_clock::now() > ProchainEssai_) {
+    ProchainEssai_ = std::chrono::steady_clock::now() + EntreDeuxEssais;
+    try {
+      Relier();
+    } catch (const ErreurExécution&) {
+      if (!std::exchange(EstCoupé_, true)) throw;
+    }
+  }
+  return Lien_.EstAverti() || std::exchange(ADesNouvelles_, false);
+}
+
+void ConnexionPostgresql::Commencer() {
+  static_cast<void>(Demander("BEGIN", {}, true));
+  DansTransaction_ = true;
+  try {
+    const Résultat Lus = Lien_.Demander("SELECT current_setting('synchronous_commit'), pg_advisory_xact_lock(" +
+                                        std::string(Nôtre) + ", 0)");
+    const std::string Mode = PQgetvalue(Lus.get(), 0, 0);
+    if (Mode != "on" && Mode != "remote_apply")
+      throw ErreurExécution(
+          "Le serveur de la base annonce des écritures qui ne sont pas encore sur son disque "
+          "(synchronous_commit = " +
+          Mode + ") : rien n'y est enregistré");
+  } catch (const ErreurExécution&) {
+    Annuler();
+    throw;
+  }
+}
+
+void ConnexionPostgresql::Valider() {
+  const Résultat Fin = Lien_.DemanderTout(std::string("NOTIFY ") + Canal + "; COMMIT");
+  DansTransaction_ = false;
+  if (std::string_view(PQcmdStatus(Fin.get())) != "COMMIT")
+    throw ErreurExécution("Le serveur de la base a annulé l'enregistrement");
+}
+
+void ConnexionPostgresql::Annuler() noexcept {
+  DansTransaction_ = false;
+  try {
+    if (Lien_.EstOuvert()) static_cast<void>(Lien_.DemanderTout("ROLLBACK"));
+  } catch (const std::exception&) {
+    Lien_.Fermer();  // the server undoes what it hasn't been told to keep
+  }
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,76 @@
+// What a PostgreSQL server refuses, in an operator's French.
+#include "platform/database/postgresql/postgresql_failures.h"
+
+#include <algorithm>
+#include <array>
+
+#include "platform/database/connection.h"
+
+namespace Ombrey {
+namespace {
+
+/// For the code, or for all that begin so.
+struct Traduction {
+  std::string_view Code;
+  const char* Texte;
+  bool AvecNom = false;  ///< the name that the server's words quote follows
+};
+
+constexpr std::array<Traduction, 22> Traductions = {{
+    {"42P01", "Table introuvable : ", true},
+    {"42703", "Colonne introuvable : ", true},
+    {"42883", "Fonction inconnue : ", true},
+    {"42501", "Droit refusé par le serveur"},
+    {"42P07", "La table existe déjà"},
+    {"40001", "Une autre station a changé les mêmes données"},
+    {"40P01", "Une autre station attendait les mêmes données"},
+    {"55P03", "La base de données est verrouillée par un autre programme"},
+    {"57014", "Le serveur a interrompu une requête trop longue"},
+    {"57P", "Le serveur de la base s'arrête ou a coupé la liaison"},
+    {"53100", "Le disque du serveur est plein"},
+    {"53300", "Le serveur n'accepte pas d'autre liaison"},
+    {"53", "Les moyens du serveur sont épuisés"},
+    {"25006", "La base de données est en lecture seule"},
+    {"22001", "Texte trop long"},
+    {"22003", "Dépassement de capacité"},
+    {"22", "Valeur illisible pour la base de données"},
+    {"23", "Valeur refusée par la base de données"},
+    {"28", "Le serveur refuse l'accès"},
+    {"3D000", "Le serveur n'a pas cette base"},
+    {"08", "La liaison avec le serveur de la base est perdue"},
+    {"58", "Erreur de lecture ou d'écriture du disque du serveur"},
+}};
+
+constexpr const char* RequêteRefusée = "La base de données refuse la requête";
+
+/// What the server's words put into quotes first, or what stands behind "function" or "column".
+std::string NomCité(std::string_view Mots) {
+  const std::size_t Début = Mots.find('"');
+  const std::size_t Fin = Mots.find('"', Début + 1);
+  if (Début != Mots.npos && Fin != Mots.npos) return std::string(Mots.substr(Début + 1, Fin - Début - 1));
+  constexpr std::string_view Colonne = "column ";
+  const std::size_t Place = Mots.find(Colonne);
+  if (Place == Mots.npos) return {};
+  const std::string_view Reste = Mots.substr(Place + Colonne.size());
+  return std::string(Reste.substr(0, Reste.find(' ')));
+}
+
+}  // namespace
+
+std::string SurUneLigne(std::string_view Mots) {
+  std::string Texte(Mots.substr(0, Mots.find_last_not_of(" \n") + 1));
+  std::ranges::replace(Texte, '\n', ' ');
+  return Texte;
+}
+
+void LeverÉchecServeur(std::string_view Code, std::string_view Mots) {
+  const auto* const Trouvée =
+      std::ranges::find_if(Traductions, [&](const Traduction& T) { return Code.starts_with(T.Code); });
+  const bool EstConnue = Trouvée != Traductions.end();
+  const std::string Texte = (EstConnue ? Trouvée->Texte + (Trouvée->AvecNom ? NomCité(Mots) : "") : RequêteRefusée) +
+                            std::string(" (") + SurUneLigne(Mots) + ")";
+  if (Code == "40001" || Code == "40P01") throw ÉchecPassager(Texte);
+  throw ErreurExécution(Texte);
+}
+
+}  // namespace Ombrey

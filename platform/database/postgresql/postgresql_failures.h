@@ -1,0 +1,18 @@
+// What a PostgreSQL server refuses, in an operator's French.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "base/failures.h"
+
+namespace Ombrey {
+
+/// Raises the failure for the server's five-letter code and its own words. ÉchecPassager for what a second try may
+/// bring through.
+[[noreturn]] void LeverÉchecServeur(std::string_view Code, std::string_view Mots);
+
+/// The server's words on one line.
+[[nodiscard]] std::string SurUneLigne(std::string_view Mots);
+
+}  // namespace Ombrey
