@@ -77,7 +77,8 @@ void LongFile(benchmark::State& État) {
   const ContextePort Contexte{Boucle, {}, nullptr};
   ServeurPortComm Serveur(Contexte);
   const auto Port =
-      Serveur.ObtenirPort(Autre.NomPort(), std::make_shared<ClientPortComm>(Contexte, [](const Octets&) {}));
+      Serveur.ObtenirPort(Autre.NomPort(), std::make_shared<ClientPortComm>(
+                                               Contexte, [](const Octets&) {}, [](const std::string&, bool) {}));
   Port->FixerBauds(Bauds);
   Port->FixerTailleMots(8);
   Port->FixerParité("aucune");

@@ -40,8 +40,9 @@ std::shared_ptr<IServeurPortComm> PlateformeMachine::CréerServeurPortComm() {
   return std::make_shared<ServeurPortComm>(Contexte());
 }
 
-std::shared_ptr<IClientPortComm> PlateformeMachine::CréerClientPortComm(std::function<void(const Octets&)> Lecture) {
-  return std::make_shared<ClientPortComm>(Contexte(), std::move(Lecture));
+std::shared_ptr<IClientPortComm> PlateformeMachine::CréerClientPortComm(
+    std::function<void(const Octets&)> Lecture, std::function<void(const std::string&, bool)> ÉtatLiaison) {
+  return std::make_shared<ClientPortComm>(Contexte(), std::move(Lecture), std::move(ÉtatLiaison));
 }
 
 std::shared_ptr<IAccèsDistant> PlateformeMachine::CréerAccèsDistant() {

@@ -26,7 +26,7 @@ class PlateformeMachine final : public IPlateforme {
   [[nodiscard]] std::shared_ptr<IRetard> CréerRetard(std::function<void(const std::string&)> FinTempo) override;
   [[nodiscard]] std::shared_ptr<IServeurPortComm> CréerServeurPortComm() override;
   [[nodiscard]] std::shared_ptr<IClientPortComm> CréerClientPortComm(
-      std::function<void(const Octets&)> Lecture) override;
+      std::function<void(const Octets&)> Lecture, std::function<void(const std::string&, bool)> ÉtatLiaison) override;
   /// This machine needs no remote access: the object does nothing.
   [[nodiscard]] std::shared_ptr<IAccèsDistant> CréerAccèsDistant() override;
 

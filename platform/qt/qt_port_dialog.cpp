@@ -1,6 +1,7 @@
 // The port's settings, asked of the operator in a dialog.
 #include "platform/qt/qt_port_dialog.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
@@ -17,7 +18,7 @@
 namespace Ombrey {
 
 namespace {
-constexpr int LargeurChamps = 260;
+constexpr int LargeurChamps = 420;  // a name from /dev/serial/by-id
 constexpr int LignesCompteRendu = 3;
 
 struct Champ {
@@ -102,6 +103,7 @@ class DialoguePort : public QDialog {
       const QString Détail = Port.Description.empty() ? QString() : QStringLiteral("  –  ") + Texte(Port.Description);
       Saisie.addItem(Texte(Port.Nom) + Détail, Texte(Port.Nom));
     }
+    Saisie.view()->setMinimumWidth(Saisie.view()->sizeHintForColumn(0));
   }
   void Vérifier() {
     const bool Complet = std::ranges::all_of(

@@ -13,6 +13,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <string_view>
 
 #include "base/failures.h"
 #include "base/system_error.h"
@@ -29,9 +30,20 @@ constexpr unsigned DernierMajeurPty = 143;
 /// Beside the system's error numbers.
 constexpr int RéglagesRefusés = -1;
 
+/// How long after the coming of a device udev's rule may take to open it to its group.
+constexpr auto DélaiDroit = std::chrono::milliseconds(500);
+
+/// What an adapter takes as accepted and can't do, where its driver is known to say nothing of it.
+struct LimitePilote {
+  std::string_view Pilote;
+  int BaudsMin;
+  int BitsMin;
+};
+constexpr LimitePilote LimitesPilotes[] = {{"ftdi_sio", 200, 7}};
+
 /// "COM1: (/dev/ttyS0)", or the path alone.
-std::string Désignation(const std::string& NomPort, const std::string& Chemin) {
-  return NomPort == Chemin ? NomPort : NomPort + " (" + Chemin + ")";
+std::string Désignation(const AdressePort& Adresse) {
+  return Adresse.Nom == Adresse.Chemin ? Adresse.Nom : Adresse.Nom + " (" + Adresse.Chemin + ")";
 }
 
 /// How to get the right to a device, for whom it is refused.
@@ -47,9 +59,8 @@ std::string Conseil(const std::string& Chemin) {
   return ConseilDroit(État.st_mode, Groupe->gr_name, Qui);
 }
 
-[[noreturn]] void Refuser(const std::string& NomPort, int Numéro) {
-  const std::string Chemin = CheminDuPort(NomPort);
-  const std::string Port = "Le port " + Désignation(NomPort, Chemin);
+[[noreturn]] void Refuser(const AdressePort& Adresse, int Numéro) {
+  const std::string Port = "Le port " + Désignation(Adresse);
   switch (Numéro) {
     case ENOENT:
     case ENODEV:
@@ -61,8 +72,8 @@ std::string Conseil(const std::string& Chemin) {
     case EWOULDBLOCK:
       throw ErreurExécution(Port + " est déjà utilisé par un autre programme.");
     case EACCES:
-      throw ErreurExécution("Vous n'avez pas le droit d'utiliser le port " + Désignation(NomPort, Chemin) + "." +
-                            Conseil(Chemin));
+      throw ErreurExécution("Vous n'avez pas le droit d'utiliser le port " + Désignation(Adresse) + "." +
+                            Conseil(Adresse.Chemin));
     case RéglagesRefusés:
       throw ErreurExécution(Port + " n'accepte pas ces réglages de vitesse, de parité ou de taille des mots.");
     case ENOTTY:
@@ -70,6 +81,20 @@ std::string Conseil(const std::string& Chemin) {
       throw ErreurExécution(Port + " n'est pas un port série.");
     default:
       throw ErreurExécution(Port + " ne peut pas être ouvert : " + TexteErreurSystème(Numéro) + ".");
+  }
+}
+
+void RefuserAuPilote(const AdressePort& Adresse, const RéglagesLigne& Réglages, const std::string& Pilote) {
+  for (const LimitePilote& Limite : LimitesPilotes) {
+    if (Limite.Pilote != Pilote) continue;
+    const std::string Début = "Le port " + Désignation(Adresse) + " ne peut pas être réglé sur ";
+    const std::string Adaptateur = " : son adaptateur (pilote " + Pilote + ") n'en fait pas moins de ";
+    if (Réglages.Bauds < Limite.BaudsMin)
+      throw ErreurExécution(Début + std::to_string(Réglages.Bauds) + " bauds" + Adaptateur +
+                            std::to_string(Limite.BaudsMin) + ".");
+    if (Réglages.Bits < Limite.BitsMin)
+      throw ErreurExécution(Début + "des mots de " + std::to_string(Réglages.Bits) + " bits" + Adaptateur +
+                            std::to_string(Limite.BitsMin) + ".");
   }
 }
 
@@ -87,18 +112,28 @@ dev_t IdentitéAppareil(const std::string& Chemin) {
   return stat(Chemin.c_str(), &État) == 0 && S_ISCHR(État.st_mode) ? État.st_rdev : dev_t{0};
 }
 
-AppareilLigne::AppareilLigne(const std::string& NomPort, const RéglagesLigne& Réglages) {
-  const std::string Chemin = CheminDuPort(NomPort);
+bool AttendSonDroit(const std::string& Chemin) {
+  struct stat État {};
+  if (stat(Chemin.c_str(), &État) != 0 || faccessat(AT_FDCWD, Chemin.c_str(), R_OK | W_OK, AT_EACCESS) == 0)
+    return false;
+  const auto Venu = std::chrono::seconds(État.st_ctim.tv_sec) + std::chrono::nanoseconds(État.st_ctim.tv_nsec);
+  const auto Âge = std::chrono::system_clock::now().time_since_epoch() - Venu;
+  return Âge >= Âge.zero() && Âge < DélaiDroit;
+}
+
+AppareilLigne::AppareilLigne(const AdressePort& Adresse, const RéglagesLigne& Réglages, const RacinesSystème& Racines) {
+  const char* Chemin = Adresse.Chemin.c_str();
   struct stat État {};
   // Looked at before it is opened: opening alone can start something on a device that is no serial port.
-  if (stat(Chemin.c_str(), &État) != 0) Refuser(NomPort, errno);
-  if (!S_ISCHR(État.st_mode)) Refuser(NomPort, ENOTTY);
-  Descripteur_ = Descripteur(open(Chemin.c_str(), O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!Descripteur_.EstOuvert() || fstat(Numéro(), &État) != 0) Refuser(NomPort, errno);
+  if (stat(Chemin, &État) != 0) Refuser(Adresse, errno);
+  if (!S_ISCHR(État.st_mode)) Refuser(Adresse, ENOTTY);
+  RefuserAuPilote(Adresse, Réglages, PiloteDe(EntréeDe(Racines, État.st_rdev)));
+  Descripteur_ = Descripteur(open(Chemin, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
+  if (!Descripteur_.EstOuvert() || fstat(Numéro(), &État) != 0) Refuser(Adresse, errno);
   Identité_ = État.st_rdev;
   const unsigned Majeur = major(Identité_);
   PseudoTerminal_ = Majeur >= PremierMajeurPty && Majeur <= DernierMajeurPty;
-  Prendre(NomPort, Réglages);
+  Prendre(Adresse, Réglages);
 }
 
 AppareilLigne::~AppareilLigne() {
@@ -111,16 +146,16 @@ AppareilLigne::~AppareilLigne() {
 /// The lock keeps out our own programs, the superuser's too; the exclusive mode keeps out those that know no lock. It
 /// comes last: where the device is refused, nothing stays behind.
 /// A pseudo-terminal would stay exclusive when its program is killed, until its far side ends.
-void AppareilLigne::Prendre(const std::string& NomPort, const RéglagesLigne& Réglages) const {
+void AppareilLigne::Prendre(const AdressePort& Adresse, const RéglagesLigne& Réglages) const {
   termios Présent{};
-  if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(NomPort, errno);
+  if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(Adresse, errno);
   const termios Voulu = ModeBrut(Présent, Réglages);
   // The call succeeds when any part of the settings was taken.
-  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) Refuser(NomPort, errno == EINVAL ? RéglagesRefusés : errno);
-  if (tcgetattr(Numéro(), &Présent) != 0) Refuser(NomPort, errno);
-  if (!PseudoTerminal_ && !EstAppliqué(Voulu, Présent)) Refuser(NomPort, RéglagesRefusés);
+  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) Refuser(Adresse, errno == EINVAL ? RéglagesRefusés : errno);
+  if (tcgetattr(Numéro(), &Présent) != 0) Refuser(Adresse, errno);
+  if (!PseudoTerminal_ && !EstAppliqué(Voulu, Présent)) Refuser(Adresse, RéglagesRefusés);
   tcflush(Numéro(), TCIFLUSH);
-  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(NomPort, errno);
+  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(Adresse, errno);
 }
 
 Passage AppareilLigne::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }
@@ -133,8 +168,6 @@ std::size_t AppareilLigne::EnAttente() const {
   int Nombre = 0;
   return ioctl(Numéro(), TIOCOUTQ, &Nombre) == 0 ? static_cast<std::size_t>(std::max(Nombre, 0)) : 0;
 }
-
-void AppareilLigne::AttendreFinEnvoi() const { tcdrain(Numéro()); }
 
 void AppareilLigne::JeterEnvoi() const { tcflush(Numéro(), TCOFLUSH); }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "platform/loop/descriptor.h"
+#include "platform/serial/device_tree.h"
 #include "platform/serial/line_settings.h"
 
 namespace Ombrey {
@@ -19,12 +20,18 @@ struct Passage {
   int Erreur = 0;      ///< errno that goes with it, 0 at the end of the device
 };
 
+/// A port by the name that it has in the settings, and its device file.
+struct AdressePort {
+  std::string Nom;
+  std::string Chemin;
+};
+
 /// Taken for this program alone from its making to its end, which waits for nothing.
 class AppareilLigne {
  public:
   /// Opens the device raw, without flow control. Raises ErreurExécution with a sentence that names the port and says
   /// why it can't be had: absent, in use, no right and the group to join, no serial port, settings refused.
-  AppareilLigne(const std::string& NomPort, const RéglagesLigne& Réglages);
+  AppareilLigne(const AdressePort& Adresse, const RéglagesLigne& Réglages, const RacinesSystème& Racines = {});
   AppareilLigne(const AppareilLigne&) = delete;
   AppareilLigne& operator=(const AppareilLigne&) = delete;
   ~AppareilLigne();
@@ -38,13 +45,11 @@ class AppareilLigne {
   [[nodiscard]] Passage Ecrire(std::string_view Octets) const;
   /// Bytes that the driver still holds.
   [[nodiscard]] std::size_t EnAttente() const;
-  /// Waits for the last characters in the adapter itself; only to be called when EnAttente is 0.
-  void AttendreFinEnvoi() const;
   /// Drops what hasn't left yet.
   void JeterEnvoi() const;
 
  private:
-  void Prendre(const std::string& NomPort, const RéglagesLigne& Réglages) const;
+  void Prendre(const AdressePort& Adresse, const RéglagesLigne& Réglages) const;
 
   Descripteur Descripteur_;
   dev_t Identité_ = 0;
@@ -53,5 +58,8 @@ class AppareilLigne {
 
 /// Number of the device behind a path, 0 when there is none.
 [[nodiscard]] dev_t IdentitéAppareil(const std::string& Chemin);
+
+/// Whether a device that may not be used has come so short a time ago that the system may still be about to grant it.
+[[nodiscard]] bool AttendSonDroit(const std::string& Chemin);
 
 }  // namespace Ombrey

@@ -3,11 +3,12 @@
 
 #include <algorithm>
 #include <charconv>
-#include <fstream>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
+
+#include "platform/serial/device_tree.h"
 
 namespace Ombrey {
 
@@ -17,35 +18,30 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view PréfixeCom = "ttyS";
 constexpr int NombreCom = 16;
-/// From an adapter's port up to the device that bears the adapter's name.
-constexpr int NiveauxMax = 6;
 
-std::string PremièreLigne(const fs::path& Fichier) {
-  std::ifstream Flux(Fichier);
-  std::string Ligne;
-  std::getline(Flux, Ligne);
-  return Ligne;
-}
+/// In the order in which they are offered: a name that stays the adapter's own comes first.
+enum class Sorte { NomStable, DeLaMachine, Adaptateur };
 
 struct Candidat {
-  bool Adaptateur = false;
+  Sorte LaSorte = Sorte::DeLaMachine;
   std::string Préfixe;
   int Numéro = 0;
   PortTrouvé Port;
 };
 
-/// The product name of the adapter, from the first folder above that has one.
-std::string NomAdaptateur(const fs::path& Entrée) {
+/// The name that udev keeps for an adapter under whatever number it comes; empty when there is none.
+std::string NomStable(const fs::path& Dev, const fs::path& Appareil) {
   std::error_code Erreur;
-  fs::path Dossier = fs::canonical(Entrée / "device", Erreur);
-  for (int Niveau = 0; !Erreur && Niveau < NiveauxMax && Dossier.has_relative_path(); ++Niveau) {
-    if (std::string Produit = PremièreLigne(Dossier / "product"); !Produit.empty()) return Produit;
-    Dossier = Dossier.parent_path();
+  const fs::path Réel = fs::canonical(Appareil, Erreur);
+  if (Erreur) return "";
+  for (fs::directory_iterator Lien(Dev / "serial/by-id", Erreur), Fin; !Erreur && Lien != Fin; Lien.increment(Erreur)) {
+    std::error_code Pendant;
+    if (fs::canonical(Lien->path(), Pendant) == Réel) return Lien->path().string();
   }
-  return "modèle inconnu";
+  return "";
 }
 
-std::optional<Candidat> Examiner(const fs::path& Entrée) {
+std::optional<Candidat> Examiner(const fs::path& Dev, const fs::path& Entrée) {
   std::error_code Erreur;
   if (!fs::exists(Entrée / "device", Erreur)) return std::nullopt;
   const std::string Nom = Entrée.filename().string();
@@ -54,7 +50,7 @@ std::optional<Candidat> Examiner(const fs::path& Entrée) {
   Trouvé.Préfixe = Nom.substr(0, Chiffres);
   if (std::from_chars(Nom.data() + Chiffres, Nom.data() + Nom.size(), Trouvé.Numéro).ec != std::errc())
     return std::nullopt;
-  const std::string Appareil = "/dev/" + Nom;
+  const std::string Appareil = (Dev / Nom).string();
   Trouvé.Port.Nom = Appareil;
   // The kernel lists the places of ports that a machine could have; those without a circuit are of type 0.
   if (const std::string Type = PremièreLigne(Entrée / "type"); !Type.empty()) {
@@ -65,20 +61,24 @@ std::optional<Candidat> Examiner(const fs::path& Entrée) {
     return Trouvé;
   }
   if (Trouvé.Préfixe != "ttyUSB" && Trouvé.Préfixe != "ttyACM") return std::nullopt;
-  Trouvé.Adaptateur = true;
-  Trouvé.Port.Description = "adaptateur USB : " + NomAdaptateur(Entrée);
+  const auto Adaptateur = AdaptateurDe(Entrée);
+  const std::string Modèle = Adaptateur && !Adaptateur->Nom.empty() ? Adaptateur->Nom : "modèle inconnu";
+  const std::string Stable = NomStable(Dev, Appareil);
+  Trouvé.LaSorte = Stable.empty() ? Sorte::Adaptateur : Sorte::NomStable;
+  Trouvé.Port.Nom = Stable.empty() ? Appareil : Stable;
+  Trouvé.Port.Description = "adaptateur USB : " + Modèle + (Stable.empty() ? "" : " (" + Appareil + ")");
   return Trouvé;
 }
 
 }  // namespace
 
-std::vector<PortTrouvé> PortsListésDans(const fs::path& Classe) {
+std::vector<PortTrouvé> PortsListésDans(const fs::path& Classe, const fs::path& Dev) {
   std::vector<Candidat> Candidats;
   std::error_code Erreur;
   for (fs::directory_iterator Entrée(Classe, Erreur), Fin; !Erreur && Entrée != Fin; Entrée.increment(Erreur))
-    if (auto Trouvé = Examiner(Entrée->path())) Candidats.push_back(std::move(*Trouvé));
+    if (auto Trouvé = Examiner(Dev, Entrée->path())) Candidats.push_back(std::move(*Trouvé));
   std::sort(Candidats.begin(), Candidats.end(), [](const Candidat& A, const Candidat& B) {
-    return std::tie(A.Adaptateur, A.Préfixe, A.Numéro) < std::tie(B.Adaptateur, B.Préfixe, B.Numéro);
+    return std::tie(A.LaSorte, A.Préfixe, A.Numéro) < std::tie(B.LaSorte, B.Préfixe, B.Numéro);
   });
   std::vector<PortTrouvé> Ports;
   Ports.reserve(Candidats.size());

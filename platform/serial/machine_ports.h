@@ -8,7 +8,9 @@
 
 namespace Ombrey {
 
-/// The ports listed in a folder that is made like /sys/class/tty, the machine's own ahead of the adapters.
-[[nodiscard]] std::vector<PortTrouvé> PortsListésDans(const std::filesystem::path& Classe);
+/// The ports listed in a folder that is made like /sys/class/tty, with their devices in Dev: adapters by their stable
+/// names, then the machine's own ports, then the adapters that have none.
+[[nodiscard]] std::vector<PortTrouvé> PortsListésDans(const std::filesystem::path& Classe,
+                                                      const std::filesystem::path& Dev = "/dev");
 
 }  // namespace Ombrey

@@ -76,7 +76,7 @@ std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool
     const std::string Chemin = CheminDuPort(Nom);
     const RéglagesLigne Vérifiés = VérifierRéglages(Nom, Demandés);
     if (!DéjàOuvert(Chemin)) {
-      const AppareilLigne Essai(Nom, Vérifiés);
+      const AppareilLigne Essai({Nom, Chemin}, Vérifiés);
     }
     return "";
   } catch (const ErreurExécution& Erreur) {

@@ -24,12 +24,19 @@ std::shared_ptr<IPortComm> ServeurPortComm::ObtenirPort(const std::string& Nom,
   return std::make_shared<PortSérie>(Contexte_, Nom, std::move(Client));
 }
 
-ClientPortComm::ClientPortComm(ContextePort Contexte, Gestionnaire Lecture)
-    : Contexte_(std::move(Contexte)), Lecture_(std::make_shared<const Gestionnaire>(std::move(Lecture))) {}
+ClientPortComm::ClientPortComm(ContextePort Contexte, Gestionnaire Lecture, GestionnaireÉtat État)
+    : Contexte_(std::move(Contexte)),
+      Lecture_(std::make_shared<const Gestionnaire>(std::move(Lecture))),
+      État_(std::make_shared<const GestionnaireÉtat>(std::move(État))) {}
 
 void ClientPortComm::Lecture(const Octets& Texte) {
   const auto Tenu = Lecture_;
   (*Tenu)(Texte);
+}
+
+void ClientPortComm::ÉtatLiaison(const std::string& Texte, bool Présente) {
+  const auto Tenu = État_;
+  (*Tenu)(Texte, Présente);
 }
 
 bool ClientPortComm::Configurer(const std::string& FichierIni, const std::string& Section) {

@@ -25,15 +25,18 @@ class ServeurPortComm final : public IServeurPortComm {
 class ClientPortComm final : public IClientPortComm {
  public:
   using Gestionnaire = std::function<void(const Octets&)>;
+  using GestionnaireÉtat = std::function<void(const std::string&, bool)>;
 
-  ClientPortComm(ContextePort Contexte, Gestionnaire Lecture);
+  ClientPortComm(ContextePort Contexte, Gestionnaire Lecture, GestionnaireÉtat État);
   void FixerNomPort(const std::string&) override {}
   void Lecture(const Octets& Texte) override;
+  void ÉtatLiaison(const std::string& Texte, bool Présente) override;
   bool Configurer(const std::string& FichierIni, const std::string& Section) override;
 
  private:
   ContextePort Contexte_;
   std::shared_ptr<const Gestionnaire> Lecture_;
+  std::shared_ptr<const GestionnaireÉtat> État_;
 };
 
 }  // namespace Ombrey

@@ -19,11 +19,11 @@ struct RéglagesPort {
 
 /// A serial port of this machine.
 struct PortTrouvé {
-  std::string Nom;          ///< what goes into the settings, such as "COM1:" or "/dev/ttyUSB0"
+  std::string Nom;          ///< what goes into the settings, such as "COM1:" or a device's path
   std::string Description;  ///< for the operator: device, driver or adapter
 };
 
-/// The serial ports that this machine has now, real ones first; empty when there are none.
+/// The serial ports that this machine has now, the likeliest first; empty when there are none.
 [[nodiscard]] std::vector<PortTrouvé> PortsDeLaMachine();
 
 /// What a dialogue offers to choose from. Any other text can be typed and is checked by the trial.

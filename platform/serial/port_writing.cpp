@@ -13,8 +13,10 @@ using namespace std::chrono_literals;
 
 /// The loop never waits longer than this for its next pump.
 constexpr std::chrono::milliseconds PauseMax = 20ms;
-/// What a pseudo-terminal is given ahead of the line's pace.
-constexpr std::chrono::milliseconds AvancePseudoTerminal = 100ms;
+/// What a device is given ahead of the line's pace: closing it waits for what it still holds. On the slowest lines it
+/// is two characters, so that one is always there when the other has left.
+constexpr std::chrono::nanoseconds AvanceMin = 100ms;
+constexpr int CaractèresAvance = 2;
 /// A far side that has taken nothing for this long takes nothing any more.
 constexpr std::chrono::seconds AttenteProgrès = 5s;
 
@@ -24,7 +26,7 @@ constexpr std::chrono::seconds AttenteProgrès = 5s;
 struct PortSérie::Envoi {
   std::string_view Reste;
   std::uint64_t Session;
-  Horloge::time_point Progrès;  ///< when the device last took or sent something
+  Horloge::time_point Progrès;  ///< when the last of what the device took should have left, or one of them did
   std::size_t EnAttente = 0;    ///< in the driver, as seen last
 };
 
@@ -33,14 +35,15 @@ bool PortSérie::Ecrire(const Octets& Texte) {
   if (EnvoiEnCours_) return Échouer("Le port " + Nom_ + " est occupé par un autre envoi.");
   if (!Voulu_)
     return Échouer("Le port " + Nom_ + " est fermé : ses réglages n'ont pas permis de l'ouvrir, ou il ne sert plus.");
-  if (!Appareil_ && !Ouvrir()) return false;
-  const std::string Tenu(Texte.Bruts());
-  Envoi Travail{Tenu, Session_, Horloge::now()};
   struct Garde {
     bool& EnCours;
     explicit Garde(bool& Drapeau) : EnCours(Drapeau) { EnCours = true; }
     ~Garde() { EnCours = false; }
   } const EnCours(EnvoiEnCours_);
+  if (!Appareil_ && !Rouvrir()) return false;
+  const std::string Tenu(Texte.Bruts());
+  FinDeLigne_ = std::max(FinDeLigne_, Horloge::now());
+  Envoi Travail{Tenu, Session_, FinDeLigne_};
   if (!Envoyer(Travail)) return false;
   Erreur_.clear();
   return true;
@@ -53,17 +56,15 @@ bool PortSérie::Envoyer(Envoi& Travail) {
     if (Session_ != Travail.Session) return false;
     const auto Maintenant = Horloge::now();
     const std::size_t EnAttente = Appareil_->EnAttente();
-    if (EnAttente < Travail.EnAttente) Travail.Progrès = Maintenant;
+    if (EnAttente < Travail.EnAttente) Travail.Progrès = std::max(Travail.Progrès, Maintenant);
     Travail.EnAttente = EnAttente;
-    if (Travail.Reste.empty() && EnAttente == 0 && Maintenant >= FinDeLigne_) break;
-    if (Maintenant - std::max(Travail.Progrès, FinDeLigne_) >= AttenteProgrès) {
+    if (Travail.Reste.empty() && EnAttente == 0 && Maintenant >= FinDeLigne_) return true;
+    if (Maintenant - Travail.Progrès >= AttenteProgrès) {
       Appareil_->JeterEnvoi();
       return Échouer("Le port " + Nom_ + " n'envoie plus : l'appareil au bout de la ligne ne prend rien.");
     }
     if (!Céder(Travail)) return false;
   }
-  if (!Appareil_->EstPseudoTerminal()) Appareil_->AttendreFinEnvoi();
-  return true;
 }
 
 /// Pumps once: while bytes are left for the time of a pause, then no longer than is left of the line's time. False when
@@ -79,27 +80,25 @@ bool PortSérie::Céder(const Envoi& Travail) {
 
 /// Gives the device what it takes for now, and keeps the line's account.
 void PortSérie::Remettre(Envoi& Travail) {
-  const Passage Écrit = Appareil_->Ecrire(Travail.Reste.substr(0, Permis()));
+  const auto Maintenant = Horloge::now();
+  // A line that stood idle has lost the time. Behind a pseudo-terminal there is none: a program that was woken late
+  // catches up with the clock there.
+  if (!Appareil_->EstPseudoTerminal()) FinDeLigne_ = std::max(FinDeLigne_, Maintenant);
+  const auto Avance = std::max(AvanceMin, TempsCaractère_ * CaractèresAvance);
+  const auto Permis = std::max((Maintenant + Avance - FinDeLigne_) / TempsCaractère_, std::int64_t{0});
+  const Passage Écrit = Appareil_->Ecrire(Travail.Reste.substr(0, static_cast<std::size_t>(Permis)));
   if (Écrit.Perdu) {
     Perdre(Écrit.Erreur);
     Livrer();
     return;
   }
-  if (Écrit.Nombre == 0) return;
-  const auto Maintenant = Horloge::now();
-  Travail.Progrès = Maintenant;
+  if (Écrit.Nombre == 0) {  // by the account or by the device, which doesn't catch up
+    FinDeLigne_ = std::max(FinDeLigne_, Maintenant);
+    return;
+  }
   Travail.Reste.remove_prefix(Écrit.Nombre);
-  FinDeLigne_ = std::max(FinDeLigne_, Maintenant) + TempsCaractère_ * static_cast<std::int64_t>(Écrit.Nombre);
-}
-
-/// How many bytes the device may be given now.
-std::size_t PortSérie::Permis() const {
-  if (!Appareil_->EstPseudoTerminal()) return std::string_view::npos;
-  const auto Maintenant = Horloge::now();
-  const auto Avance = Maintenant + AvancePseudoTerminal - std::max(FinDeLigne_, Maintenant);
-  // On the slowest lines one character takes longer than the advance.
-  const std::int64_t AuMoins = FinDeLigne_ <= Maintenant ? 1 : 0;
-  return static_cast<std::size_t>(std::max<std::int64_t>(Avance / TempsCaractère_, AuMoins));
+  FinDeLigne_ += TempsCaractère_ * static_cast<std::int64_t>(Écrit.Nombre);
+  Travail.Progrès = std::max(FinDeLigne_, Maintenant);
 }
 
 }  // namespace Ombrey

@@ -10,6 +10,11 @@
 
 namespace Ombrey {
 
+namespace {
+/// Between two looks at a device that isn't granted yet.
+constexpr std::chrono::milliseconds PasDuDroit{20};
+}  // namespace
+
 PortSérie::PortSérie(ContextePort Contexte, std::string Nom, std::shared_ptr<IClientPortComm> Client)
     : Contexte_(std::move(Contexte)), Nom_(std::move(Nom)), Client_(std::move(Client)) {}
 
@@ -20,25 +25,63 @@ bool PortSérie::Échouer(const std::string& Texte) {
 }
 
 bool PortSérie::Ouvrir() {
-  Libérer();
   Voulu_ = true;
+  Signalement_.clear();
+  return Prendre();
+}
+
+/// Where the port's device is now. Raises ErreurExécution when another one stands in its place.
+AdressePort PortSérie::Adresse() const {
+  const RacinesSystème& Racines = Contexte_.Racines;
+  const std::string Chemin = CheminDuPort(Nom_);
+  const dev_t Présent = IdentitéAppareil(Chemin);
+  if (Signalement_.empty() || (Présent != 0 && SignalementDe(EntréeDe(Racines, Présent)) == Signalement_))
+    return {Nom_, Chemin};
+  if (const auto Ailleurs = AppareilSignalé(Racines, Signalement_); !Ailleurs.empty()) return {Nom_, Ailleurs};
+  if (Présent == 0) return {Nom_, Chemin};
+  throw ErreurExécution("Le port " + Nom_ +
+                        " est maintenant celui d'un autre appareil, qui n'a pas été ouvert : rebranchez celui du RG80, "
+                        "ou choisissez l'autre en configurant le port.");
+}
+
+/// For a writing: a device that has just come back is given the time that the system takes to grant it.
+bool PortSérie::Rouvrir() {
   try {
+    while (Voulu_ && !Appareil_ && AttendSonDroit(Adresse().Chemin)) Contexte_.Boucle.Pomper(PasDuDroit);
+  } catch (const ErreurExécution& Erreur) {
+    return Échouer(Erreur.what());
+  }
+  if (!Voulu_) return Échouer("Le port " + Nom_ + " a été fermé pendant l'envoi.");
+  return Appareil_ || Prendre();
+}
+
+bool PortSérie::Prendre() {
+  Libérer();
+  AdressePort Ici;
+  try {
+    Ici = Adresse();
     const RéglagesLigne Réglages = VérifierRéglages(Nom_, Demandés_);
-    Appareil_ = std::make_unique<AppareilLigne>(Nom_, Réglages);
+    Appareil_ = std::make_unique<AppareilLigne>(Ici, Réglages, Contexte_.Racines);
     TempsCaractère_ = Réglages.TempsCaractère();
   } catch (const ErreurExécution& Erreur) {
     return Échouer(Erreur.what());
   }
+  Signalement_ = SignalementDe(EntréeDe(Contexte_.Racines, Appareil_->Identité()));
   Rafale_ = Rafale(TempsCaractère_);
   Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Attente::Lecture, [Faible = weak_from_this()] {
     if (const auto Moi = Faible.lock()) Moi->Recevoir();
   });
   Erreur_.clear();
-  return true;
+  if (std::exchange(Perdu_, false)) {
+    const bool SousSonNom = Ici.Chemin == CheminDuPort(Nom_);
+    Client_->ÉtatLiaison("Le port " + Nom_ + " est revenu" + (SousSonNom ? "." : " sous le nom " + Ici.Chemin + "."),
+                         true);
+  }
+  return Appareil_ != nullptr;
 }
 
 void PortSérie::Fermer() {
-  Voulu_ = false;
+  Voulu_ = Perdu_ = false;
   Libérer();
   Closes_.clear();
   Erreur_.clear();
@@ -59,6 +102,8 @@ void PortSérie::Perdre(int Numéro) {
   CloreRafale();
   Libérer();
   Échouer("Le port " + Nom_ + " a été perdu" + (Numéro == 0 ? "." : " : " + TexteErreurSystème(Numéro) + "."));
+  Perdu_ = true;
+  Client_->ÉtatLiaison(std::string(Erreur_), false);
 }
 
 bool PortSérie::Lire(Octets& Texte) {

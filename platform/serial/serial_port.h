@@ -22,6 +22,7 @@ struct ContextePort {
   IBoucle& Boucle;
   std::function<std::unique_ptr<ILecteurIni>()> CréerLecteurIni;
   IQuestionnairePort* Questionnaire = nullptr;  ///< none: the settings can't be changed by Configurer
+  RacinesSystème Racines{};
 };
 
 /// Made by ServeurPortComm. Received characters reach Client within a pump; Lire therefore never has any. Anything can
@@ -54,6 +55,9 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   struct Envoi;
 
   bool Échouer(const std::string& Texte);
+  [[nodiscard]] AdressePort Adresse() const;
+  bool Rouvrir();
+  bool Prendre();
   void Libérer();
   void Perdre(int Numéro);
   void Recevoir();
@@ -65,16 +69,17 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Envoyer(Envoi& Travail);
   bool Céder(const Envoi& Travail);
   void Remettre(Envoi& Travail);
-  [[nodiscard]] std::size_t Permis() const;
 
   ContextePort Contexte_;
   std::string Nom_;
   std::shared_ptr<IClientPortComm> Client_;
   RéglagesDemandés Demandés_;
   std::string Erreur_;
+  bool Perdu_ = false;  ///< the client was told of a loss, and not yet of the return
   bool Voulu_ = false;  ///< Ouvrir was called, and Fermer wasn't since: Ecrire opens the port when it isn't
 
   std::unique_ptr<AppareilLigne> Appareil_;
+  std::string Signalement_;    ///< of the device that Ouvrir took: a lost port is opened again as this one alone
   std::uint64_t Session_ = 0;  ///< changes each time that the device is released
   std::chrono::nanoseconds TempsCaractère_{};
   Horloge::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account

@@ -2,17 +2,15 @@
 #include "platform/serial/udev_rule.h"
 
 #include <algorithm>
-#include <fstream>
 #include <string>
 #include <system_error>
+
+#include "platform/serial/device_tree.h"
 
 namespace Ombrey {
 namespace {
 
 namespace fs = std::filesystem;
-
-/// From an adapter's port up to the device that bears the adapter's number.
-constexpr int NiveauxMax = 6;
 
 bool EstSimple(char Caractère) {
   return (Caractère >= '0' && Caractère <= '9') || (Caractère >= 'a' && Caractère <= 'z') ||
@@ -26,17 +24,9 @@ std::string Simplifié(std::string Texte, char Remplaçant) {
   return Texte;
 }
 
-/// An attribute as a pattern of a rule: "?" stands for any character. Empty when there is none.
-std::string Motif(const fs::path& Attribut) {
-  std::ifstream Flux(Attribut);
-  std::string Texte;
-  std::getline(Flux, Texte);
-  Texte.erase(Texte.find_last_not_of(" \t\r") + 1);  // as the system compares it
-  return Simplifié(std::move(Texte), '?');
-}
-
+/// In the pattern "?" stands for any character.
 std::string Clause(const char* Clé, const std::string& Valeur) {
-  return Valeur.empty() ? "" : std::string(Clé) + "==\"" + Valeur + "\", ";
+  return Valeur.empty() ? "" : std::string(Clé) + "==\"" + Simplifié(Valeur, '?') + "\", ";
 }
 
 /// What the rule knows the device by, and in French how.
@@ -46,24 +36,13 @@ struct Signe {
 };
 
 Signe SigneDe(const std::string& Nom, const fs::path& Classe) {
-  std::error_code Erreur;
-  fs::path Dossier = fs::canonical(Classe / Nom / "device", Erreur);
-  std::string Interface;
-  for (int Niveau = 0; !Erreur && Niveau < NiveauxMax && Dossier.has_relative_path(); ++Niveau) {
-    // An adapter with several ports has one number for all of them.
-    if (Interface.empty()) Interface = Motif(Dossier / "bInterfaceNumber");
-    const std::string Marque = Motif(Dossier / "idVendor");
-    if (!Marque.empty()) {
-      const std::string Numéro = Motif(Dossier / "serial");
-      const std::string Place = Simplifié(Dossier.filename().string(), '?');
-      return {Clause("ENV{ID_USB_INTERFACE_NUM}", Interface) + (Numéro.empty() ? Clause("KERNELS", Place) : "") +
-                  Clause("ATTRS{idVendor}", Marque) + Clause("ATTRS{idProduct}", Motif(Dossier / "idProduct")) +
-                  Clause("ATTRS{serial}", Numéro),
-              Numéro.empty() ? "sa prise " + Place + " (il n'a pas de numéro de série)" : "son numéro de série"};
-    }
-    Dossier = Dossier.parent_path();
-  }
-  return {Clause("KERNEL", Nom), "son nom"};
+  const auto Adaptateur = AdaptateurDe(Classe / Nom);
+  if (!Adaptateur) return {Clause("KERNEL", Nom), "son nom"};
+  const auto& [Dossier, Interface, Marque, Modèle, Numéro, NomAdaptateur] = *Adaptateur;
+  const std::string Place = Simplifié(Dossier.filename().string(), '?');
+  return {Clause("ENV{ID_USB_INTERFACE_NUM}", Interface) + (Numéro.empty() ? Clause("KERNELS", Place) : "") +
+              Clause("ATTRS{idVendor}", Marque) + Clause("ATTRS{idProduct}", Modèle) + Clause("ATTRS{serial}", Numéro),
+          Numéro.empty() ? "sa prise " + Place + " (il n'a pas de numéro de série)" : "son numéro de série"};
 }
 
 }  // namespace

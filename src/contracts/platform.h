@@ -24,9 +24,9 @@ class IPlateforme {
   /// FinTempo is the timer's event; its argument is the code given to Démarrer.
   [[nodiscard]] virtual std::shared_ptr<IRetard> CréerRetard(std::function<void(const std::string&)> FinTempo) = 0;
   [[nodiscard]] virtual std::shared_ptr<IServeurPortComm> CréerServeurPortComm() = 0;
-  /// Lecture is the event of the client port object.
+  /// Lecture and ÉtatLiaison are the events of the client port object.
   [[nodiscard]] virtual std::shared_ptr<IClientPortComm> CréerClientPortComm(
-      std::function<void(const Octets&)> Lecture) = 0;
+      std::function<void(const Octets&)> Lecture, std::function<void(const std::string&, bool)> ÉtatLiaison) = 0;
   [[nodiscard]] virtual std::shared_ptr<IAccèsDistant> CréerAccèsDistant() = 0;
 };
 

@@ -27,10 +27,13 @@ class IClientPortComm : public IConfigurablePort {
   /// Hands a run of received characters to the handler; called by the port, on the one thread, within a pump or a
   /// call on the port.
   virtual void Lecture(const Octets& Texte) = 0;
+  /// Hands a French sentence on: the line was lost, or it is back (Présente). Each is told once, called as Lecture is.
+  virtual void ÉtatLiaison(const std::string& Texte, bool Présente) = 0;
 };
 
 /// A port. Settings first, then Ouvrir, then Ecrire and Lire at will, Fermer at the end. A port that was lost or
-/// couldn't be opened is opened again at the next Ecrire, always under the same name.
+/// couldn't be opened is opened again at the next Ecrire: once opened it keeps to its device, under whatever name that
+/// comes back.
 class IPortComm : public IConfigurablePort {
  public:
   virtual void FixerNomPort(const std::string& Nom) = 0;

@@ -75,9 +75,13 @@ std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> Even
 }
 
 std::shared_ptr<IClientPortComm> PlugIn::NouvelEventPort(const std::string& NomPort) {
-  auto Client = État_.Plateforme.CréerClientPortComm([Faible = weak_from_this()](const Octets& Texte) {
-    if (const auto Vivant = Faible.lock()) Vivant->Échange_.EventPortComRG80_Lecture(Texte);
-  });
+  auto Client = État_.Plateforme.CréerClientPortComm(
+      [Faible = weak_from_this()](const Octets& Texte) {
+        if (const auto Vivant = Faible.lock()) Vivant->Échange_.EventPortComRG80_Lecture(Texte);
+      },
+      [Faible = weak_from_this()](const std::string& Texte, bool Présente) {
+        if (const auto Vivant = Faible.lock()) Vivant->Canal_.AjouterMessage(Texte, Présente);
+      });
   Exiger(Client)->FixerNomPort(NomPort);
   return Client;
 }

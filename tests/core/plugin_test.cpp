@@ -70,6 +70,11 @@ TEST_F(Hôte, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
   EXPECT_TRUE(Port->Ecrits.empty());
   Laisser(1);
   EXPECT_EQ(Port->Ecrits.size(), 1U);
+  for (const bool Présente : {false, true}) {
+    Port->Client->ÉtatLiaison(Présente ? "revenu" : "perdu", Présente);
+    EXPECT_EQ(Message(), Présente ? "revenu" : "perdu");
+    EXPECT_EQ(Vue().Lignes[Onglet::Suivis][0].second, Présente);
+  }
 }
 
 struct Début {

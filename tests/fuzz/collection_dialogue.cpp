@@ -1,9 +1,9 @@
 // The collection dialogue with the poll around it. The input is what the terminal sends, cut by "~" and a letter: what
 // happens on the machine meanwhile, as Jouer and Gestes have it.
 #include "base/text_helpers.h"
+#include "link/polling.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/station.h"
-#include "link/polling.h"
 
 namespace Ombrey::Essais {
 namespace {
@@ -23,7 +23,8 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     État.EventPlugin = std::make_shared<FauxÉvénements>();
     État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { Interroger(Code); });
     État.PériodeInterrogation = 100'000;
-    Port->Client = Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); });
+    Port->Client =
+        Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
     Port->SurEcriture = [this](const Octets& Texte) { Ecrit(Texte); };
   }
 

@@ -31,7 +31,8 @@ Octets Ligne(std::string Dessin) {
 struct Liaison : testing::Test {
   Liaison() {
     État.PortComm = Port;
-    Port->Client = Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); });
+    Port->Client =
+        Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
   }
   /// What the terminal answers to each writing from now on, in the drawing of the line's bytes; "" for silence.
   void Répondre(const Mots& Dessins) {

@@ -8,6 +8,8 @@
 #include "platform/serial/burst.h"
 #include "platform/serial/line_settings.h"
 #include "platform/serial/machine_ports.h"
+#include "tests/serial/pseudo_terminal.h"
+#include "tests/serial/usb_tree.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey {
@@ -85,23 +87,26 @@ TEST(RéglagesDeLigne, AreTakenOrRefusedByTheirValue) {
   EXPECT_EQ(VérifierRéglages("COM1:", {300, 7, "E", 2}).TempsCaractère(), std::chrono::nanoseconds(11000000000) / 300);
 }
 
-TEST(PortsDeLaMachine, AreTheOnesWithACircuitAndTheAdapters) {
+TEST(PortsDeLaMachine, AreTheAdaptersByTheirStableNamesAndTheOnesWithACircuit) {
   const Essais::DossierEssai Dossier;
-  // clang-format off
-  const std::pair<const char*, const char*> Fichiers[] = {
-      {"ttyUSB1/device/product", "RS232 Adapter"}, {"ttyS0/type", "4"}, {"ttyS1/type", "0"}, {"ttyS10/type", "4"},
-      {"ttyS2/type", "4"}, {"ttyprintk/x", ""}, {"tty1", ""}};
-  // clang-format on
-  for (const auto& [Nom, Texte] : Fichiers) {
-    const std::filesystem::path Chemin = Dossier.Chemin() / Nom;
-    std::filesystem::create_directories(Chemin.parent_path() / "device");
-    std::ofstream(Chemin) << Texte << '\n';
-  }
+  const ArbreUsb Usb(Dossier.Chemin());
+  const std::filesystem::path Classe = Usb.Racines.Sys / "class/tty";
+  for (const char* Nom : {"ttyS0", "ttyS2", "ttyS10", "ttyS1", "ttyprintk", "tty1"})
+    std::filesystem::create_directories(Classe / Nom / (std::string(Nom) == "tty1" ? "" : "device"));
+  for (const char* Nom : {"ttyS0", "ttyS2", "ttyS10"}) std::ofstream(Classe / Nom / "type") << "4\n";
+  std::ofstream(Classe / "ttyS1/type") << "0\n";
+  const PseudoTerminal Loin[2];
+  Usb.Brancher({"ttyUSB1", "1-1"}, Loin[0].Nom());
+  Usb.Brancher({"ttyUSB2", "1-2", "A1"}, Loin[1].Nom());
+  std::filesystem::create_symlink("../../ttyUSB2", Usb.Racines.Dev / "serial/by-id/usb-A1");
   std::string Noms;
-  for (const auto& Port : PortsListésDans(Dossier.Chemin())) Noms += Port.Nom + " " + Port.Description + "\n";
+  for (const auto& Port : PortsListésDans(Classe, Usb.Racines.Dev)) Noms += Port.Nom + " " + Port.Description + "\n";
+  for (std::size_t Ici; (Ici = Noms.find(Usb.Racines.Dev)) != std::string::npos;)
+    Noms.replace(Ici, Usb.Racines.Dev.string().size(), "/DEV");
   EXPECT_EQ(Noms,
-            "COM1: port série de la machine (/dev/ttyS0)\nCOM3: port série de la machine (/dev/ttyS2)\n"
-            "COM11: port série de la machine (/dev/ttyS10)\n/dev/ttyUSB1 adaptateur USB : RS232 Adapter\n");
+            "/DEV/serial/by-id/usb-A1 adaptateur USB : RS232 1-2 (/DEV/ttyUSB2)\n"
+            "COM1: port série de la machine (/DEV/ttyS0)\nCOM3: port série de la machine (/DEV/ttyS2)\n"
+            "COM11: port série de la machine (/DEV/ttyS10)\n/DEV/ttyUSB1 adaptateur USB : RS232 1-1\n");
   EXPECT_TRUE(PortsListésDans(Dossier.Chemin() / "rien").empty());
 }
 

@@ -99,14 +99,17 @@ struct PortScripté : IPortComm {
 };
 
 struct FauxClient : IClientPortComm {
-  FauxClient(PortScripté& Port, std::function<void(const Octets&)> Lire) : Port_(Port), Lire_(std::move(Lire)) {}
+  FauxClient(PortScripté& Port, std::function<void(const Octets&)> Lire, std::function<void(Mot, bool)> État)
+      : Port_(Port), Lire_(std::move(Lire)), État_(std::move(État)) {}
   void FixerNomPort(Mot) override {}
   void Lecture(const Octets& Texte) override { Lire_(Texte); }
+  void ÉtatLiaison(Mot Texte, bool Présente) override { État_(Texte, Présente); }
   bool Configurer(Mot Fichier, Mot Section) override { return Port_.Configurer(Fichier, Section); }
 
  private:
   PortScripté& Port_;
   std::function<void(const Octets&)> Lire_;
+  std::function<void(Mot, bool)> État_;
 };
 
 struct FauxAccèsDistant : IAccèsDistant {
@@ -131,8 +134,9 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
     return std::make_shared<FauxRetard>(LeSystème, std::move(Fin));
   }
   std::shared_ptr<IServeurPortComm> CréerServeurPortComm() override { return {std::shared_ptr<void>(), this}; }
-  std::shared_ptr<IClientPortComm> CréerClientPortComm(std::function<void(const Octets&)> Lecture) override {
-    return std::make_shared<FauxClient>(*Port, std::move(Lecture));
+  std::shared_ptr<IClientPortComm> CréerClientPortComm(std::function<void(const Octets&)> Lecture,
+                                                       std::function<void(Mot, bool)> État) override {
+    return std::make_shared<FauxClient>(*Port, std::move(Lecture), std::move(État));
   }
   std::shared_ptr<IAccèsDistant> CréerAccèsDistant() override { return std::make_shared<FauxAccèsDistant>(); }
 

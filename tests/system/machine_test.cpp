@@ -185,13 +185,13 @@ TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
       Réglages.Parité = "impaire";
       return Garder;
     };
-    EXPECT_EQ(Machine_.CréerClientPortComm({})->Configurer(Ini_, "S"), Garder);
+    EXPECT_EQ(Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"), Garder);
     EXPECT_EQ(LireFichier(Ini_), Après);
   }
 }
 
 TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
-  const auto Port = Machine_.CréerServeurPortComm()->ObtenirPort(Loin_.Nom(), Machine_.CréerClientPortComm({}));
+  const auto Port = Machine_.CréerServeurPortComm()->ObtenirPort(Loin_.Nom(), Machine_.CréerClientPortComm({}, {}));
   Port->FixerBauds(9600);
   Port->FixerTailleMots(8);
   Port->FixerParité("N");
@@ -217,7 +217,7 @@ TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
     EXPECT_EQ(seteuid(Moi), 0);
     return false;
   };
-  EXPECT_FALSE(Machine_.CréerClientPortComm({})->Configurer(Ini_, "S"));
+  EXPECT_FALSE(Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"));
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
     return Essayer({Loin_.Nom(), "4800", "N", "1", "8"}).empty();
   };

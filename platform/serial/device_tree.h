@@ -1,0 +1,48 @@
+// What the system tells of the device behind a serial port.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <optional>
+#include <string>
+
+namespace Ombrey {
+
+/// Where the system keeps its devices and what it knows of them.
+struct RacinesSystème {
+  std::filesystem::path Dev = "/dev";
+  std::filesystem::path Sys = "/sys";
+};
+
+/// The first line of a file, without the blanks at its end; empty when there is none.
+[[nodiscard]] std::string PremièreLigne(const std::filesystem::path& Fichier);
+
+/// The adapter that bears a port. What it doesn't tell is empty.
+struct AdaptateurUsb {
+  std::filesystem::path Dossier;
+  std::string Interface;  ///< an adapter with several ports has one number for all of them
+  std::string Marque;
+  std::string Modèle;
+  std::string Numéro;  ///< serial number
+  std::string Nom;     ///< for people
+};
+
+/// The adapter of a port, whose entry is such as /sys/class/tty/ttyUSB0; none for a port that is no adapter's.
+[[nodiscard]] std::optional<AdaptateurUsb> AdaptateurDe(const std::filesystem::path& Entrée);
+
+/// The entry of a device by its number; it needn't exist.
+[[nodiscard]] std::filesystem::path EntréeDe(const RacinesSystème& Racines, dev_t Identité);
+
+/// The name of a device's driver; empty when the system doesn't say.
+[[nodiscard]] std::string PiloteDe(const std::filesystem::path& Entrée);
+
+/// What tells a port's device from every other one, whatever name the system gives it: the adapter's serial number, for
+/// one that bears none the socket where it is plugged in, for a port of the machine its place. Empty when the system
+/// doesn't know the device.
+[[nodiscard]] std::string SignalementDe(const std::filesystem::path& Entrée);
+
+/// The device file of the one port that this is the description of; empty when there is none or more than one.
+[[nodiscard]] std::filesystem::path AppareilSignalé(const RacinesSystème& Racines, const std::string& Signalement);
+
+}  // namespace Ombrey
