@@ -138,6 +138,14 @@ picture '^Port du RG80$' port
 press '^Port du RG80$' Escape
 await "closed port dialog" gone '^Port du RG80$'
 cmp "$work/before.ini" "$work/tarvel.ini" || fail "the settings changed"
+step "the same, kept: the plug-in comes anew under its old button"
+await "port dialog" pick alt+s c '^Port du RG80$'
+press '^Port du RG80$' alt+n
+await "closed port dialog" gone '^Port du RG80$'
+press '^Tarvel' F5
+await "monitoring window" seen '^Liste des chargements$'
+press '^Liste des chargements$' Escape
+await "hidden window" gone '^Liste des chargements$'
 
 step "end"
 press '^Tarvel' ctrl+q
