@@ -53,6 +53,14 @@ install_packages() {
   [ -z "$left_out" ] || say "Going on without" $(missing "$1" | cut -d ' ' -f 1)
 }
 
+# Debian packages that only one trial needs.
+install_tools() {
+  dpkg -s "$@" >/dev/null 2>&1 && return 0
+  say "Installing what is missing of: $*"
+  { as_root apt-get update -q && as_root env DEBIAN_FRONTEND=noninteractive apt-get install -y -q --no-install-recommends "$@"; } >"$log" 2>&1 ||
+    { tail -5 "$log" >&2; fail "Missing and not to be installed here"; }
+}
+
 # $1: preset; the rest: targets, all of them unless given. Configures each time: a package may have come since.
 build() {
   local preset=$1 targets=() windows=ON

@@ -1,0 +1,169 @@
+# Runs in the guest. A line that begins with "@" asks the outside for something, which answers with a line; one that
+# begins with "=" is a case: its name, "bon" or "mauvais", its figure.
+ask() { echo "@$*"; read -r answer; }
+verdict() { [ "$2" = 0 ] && echo "= $1 | bon | $3" || echo "= $1 | mauvais | $3"; }
+now() { read -r up _ </proc/uptime; echo "${up%.*}${up#*.}0"; } # milliseconds
+
+# $1: port; $2: bauds; the rest: lines that win over the usual ones.
+settings() {
+  printf '[Tarvel]\nBase=/tmp/cave.db\n[PlugInOmbrey]\nPort=%s\nBauds=%s\n' "$1" "$2" >/tmp/poste.ini
+  shift 2
+  printf '%s\n' "${@:-Parité=aucune}" 'BitsStop=1' 'TailleMots=8' 'Période interrogation=200' >>/tmp/poste.ini
+}
+fresh_base() { rm -rf /tmp/cave.db* /tmp/import; cp /cave.db /tmp/cave.db; }
+
+# A station with the commands of fifo 7 and its words in /tmp/said; $@: what runs it.
+start() {
+  rm -f /tmp/commands && mkfifo /tmp/commands
+  "$@" /bin/tarvel --console --sans-operateur --ini /tmp/poste.ini </tmp/commands >/tmp/said 2>&1 &
+  station=$!
+  exec 7>/tmp/commands
+  echo interroger >&7
+}
+said() { # $1: text, $2: seconds
+  limit=$(($(now) + $2 * 1000))
+  until grep -q "$1" /tmp/said; do
+    [ "$(now)" -lt $limit ] || return 1
+    sleep 0.1
+  done
+}
+# Milliseconds from SIGTERM to the station's end.
+stop() {
+  t0=$(now)
+  kill -TERM $station
+  wait $station
+  code=$?
+  took=$(($(now) - t0))
+  exec 7>&-
+  return $code
+}
+# Rows and distinct numbers in today's list, as "8 8".
+rows() {
+  printf 'liste\nfin\n' | tarvel --console --sans-operateur --ini /tmp/poste.ini 2>/dev/null |
+    awk -F ' *[|] *' '/^ *Chai / {on = 1; next} on && NF > 5 {n++; d += !s[$2]++; next} {on = 0} END {print n + 0, d + 0}'
+}
+# Waits until the terminal of the line has nothing left; $1: line, $2: seconds.
+emptied() {
+  ask "attendre $1 $2"
+  [ "$answer" = ok ]
+}
+
+# $1: case, $2: line, $3: port, $4: bauds
+eight_loads() {
+  fresh_base
+  settings "$3" "$4"
+  ask "rg80 $2 $4 --hasard 8 --jusqu-a-vide"
+  t0=$(now)
+  start
+  emptied "$2" 240
+  full=$?
+  figure="$((($(now) - t0) / 1000)) s"
+  stop
+  [ $full = 0 ] && [ "$(rows)" = "8 8" ]
+  verdict "$1" $? "$figure, lignes et numéros : $(rows)"
+}
+
+# The end in the midst of a file; the same on a pseudo-terminal is what it is measured against. $3: port.
+stop_in_a_file() {
+  fresh_base
+  settings "$3" 1200
+  ask "rg80 $2 1200 --f6"
+  start
+  said 'commande «menu»' 60
+  sleep 1
+  printf 'ok\nmenu\n' >&7
+  said 'Communication établie' 60
+  echo transferer >&7
+  ask "dit $2 fichier 60"
+  sleep 1.5
+  stop
+  code=$?
+  [ $code = 0 ] && [ $took -lt "$4" ]
+  verdict "$1" $? "$took ms"
+  ask "finir $2"
+}
+
+# What the driver says it does, and the chip itself, whose registers stand at 2f8.
+chip() { dd if=/dev/port bs=1 skip=$((0x2f8 + $1)) count=1 2>/dev/null | hexdump -e '1/1 "%02x"'; }
+settings_reach_the_chip() {
+  for row in '9600:Parité=aucune:13:cs8 -parenb' '1200:Parité=paire:1b:parenb -parodd' '19200:Parité=impaire:0b:parodd' \
+    '300:Parité=marque:2b:cmspar' '2400:Parité=espace:3b:cmspar'; do
+    IFS=: read -r bauds parity lcr flags <<EOF
+$row
+EOF
+    fresh_base
+    settings /dev/ttyS1 "$bauds" "$parity"
+    start
+    said 'Vérification' 30
+    seen=$(stty -F /dev/ttyS1 -a 2>/dev/null | tr '\n' ' ')
+    found=$(chip 3)
+    printf "\\x$(printf %x $((0x$found | 0x80)))" | dd of=/dev/port bs=1 seek=$((0x2fb)) conv=notrunc 2>/dev/null
+    divisor=$((0x$(chip 1)$(chip 0)))
+    printf "\\x$found" | dd of=/dev/port bs=1 seek=$((0x2fb)) conv=notrunc 2>/dev/null
+    stop
+    [ "$found" = "$lcr" ] && [ $((115200 / divisor)) = "$bauds" ] && case $seen in *"speed $bauds baud"*) true ;; *) false ;; esac
+    verdict "settings, 16550: $bauds ${parity#*=}" $? "LCR $found, diviseur $divisor"
+  done
+}
+
+# $1: case, $2: seconds between, $3: how often, $4: settled before. The adapter goes and comes while eight loads come in.
+pulled_out() {
+  fresh_base
+  settings /dev/ttyUSB0 9600
+  ask "rg80 usb 9600 --hasard 8 --jusqu-a-vide"
+  start
+  pulls=0
+  while [ $pulls -lt "$3" ]; do
+    sleep "$2"
+    ask debrancher
+    while [ -e /dev/ttyUSB0 ]; do sleep 0.1; done
+    sleep 0.$((pulls % 9 + 1))
+    ask brancher
+    while [ ! -e /dev/ttyUSB0 ]; do sleep 0.1; done
+    pulls=$((pulls + 1))
+  done
+  emptied usb 120
+  full=$?
+  open=$(ls -l /proc/$station/fd | grep -c ttyUSB)
+  all=$(ls /proc/$station/fd | wc -l)
+  stop
+  [ $full = 0 ] && [ "$(rows)" = "8 8" ] && [ "$open" -le 1 ]
+  verdict "$1" $? "lignes et numéros : $(rows) ; descripteurs : $all"
+}
+
+refused() { # $1: case, $2: port, $3: what is said, $4...: who runs it
+  name=$1 port=$2 words=$3
+  shift 3
+  fresh_base
+  chmod 666 /tmp/cave.db && chmod 777 /tmp
+  settings "$port" 9600
+  start "$@"
+  said "$words" 30
+  good=$?
+  stop
+  verdict "$name" $good "$(grep -m1 -o 'Le port.*\|Vous n.*' /tmp/said | cut -c1-120)"
+}
+
+killed_and_started() {
+  fresh_base
+  settings /dev/ttyS1 9600
+  ask "rg80 serie 9600 --hasard 8 --jusqu-a-vide"
+  deaths=0
+  while [ $deaths -lt 18 ]; do
+    start
+    sleep 0.$((deaths % 8 + 1))
+    sleep 0.5
+    kill -KILL $station
+    wait $station
+    exec 7>&-
+    deaths=$((deaths + 1))
+  done 2>/dev/null
+  start
+  emptied serie 120
+  full=$?
+  stop
+  [ $full = 0 ] && [ "$(rows)" = "8 8" ]
+  verdict "killed and started at once, 18 times, 16550" $? "lignes et numéros : $(rows)"
+}
+
+. /drivers.sh
