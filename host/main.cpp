@@ -16,6 +16,7 @@
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/diagnostic.h"
+#include "host/onlooker.h"
 #include "host/options.h"
 #include "host/saved_base.h"
 #include "host/schema.h"
@@ -65,6 +66,7 @@ std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, 
 
 void Travailler(const Tarvel::Options& Choisies) {
   const auto Édition = CréerÉdition(Choisies);
+  if (Choisies.Regarder) return Tarvel::Spectateur(Choisies, *Édition).Exécuter();
   Tarvel::Station Station(Choisies, *Édition);
   std::shared_ptr<Ombrey::IConnexion> Connexion;
   std::shared_ptr<Tarvel::BaseDeDTarvel> Base;

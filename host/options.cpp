@@ -49,8 +49,9 @@ struct TâcheConnue {
 
 constexpr TâcheConnue Tâches[] = {
     {Tâche::Station,
-     "[--base B] --ini F [--site CODE] [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur]", true,
-     true},
+     "[--base B] --ini F [--site CODE] [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur] "
+     "[--regarder]",
+     true, true},
     {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
     {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
     {Tâche::Restaurer, "--base B --restaurer F", false, true},
@@ -91,6 +92,8 @@ constexpr Option Connues[] = {
      [](Options& O, Mots V) { O.Durée = LireDurée(V[0]); }},
     {"--sans-operateur", "", "les boîtes répondent d'elles-mêmes (OK, Annuler)", Tâche::Station, Précise,
      [](Options& O, Mots) { O.SansOpérateur = true; }},
+    {"--regarder", "", "montre les chargements du jour sans prendre la ligne, à côté de la station qui l'a",
+     Tâche::Station, Précise, [](Options& O, Mots) { O.Regarder = true; }},
     {"--creer-base", "B", "crée une base neuve et s'arrête", Tâche::CréerBase, Demande,
      [](Options& O, Mots V) { O.Base = V[0]; }},
     {"--exemple", "", "met une petite coopérative dans la base neuve", Tâche::CréerBase, Précise,

@@ -41,6 +41,7 @@ struct Options {
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program
   bool Console = false;
   bool SansOpérateur = false;
+  bool Regarder = false;  ///< shows the base and leaves line and folder to the station that has them
   bool Exemple = false;
   std::optional<std::chrono::seconds> Durée;
 

@@ -71,7 +71,7 @@ look_at_packages() {
 
 in_root() { chroot "$root" env -i PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 DEBIAN_FRONTEND=noninteractive "$@"; }
 as_service() { in_root runuser -u ombrey -- env HOME=/var/lib/ombrey/chai "$@"; }
-install_in_root() { in_root apt-get -qq -y --no-install-recommends --allow-downgrades install "$@" >"$work/apt" 2>&1 || { cat "$work/apt" >&2; fail "not to be installed: $*"; }; }
+install_in_root() { in_root sh -c "apt-get -qq -y --no-install-recommends --allow-downgrades install $*" >"$work/apt" 2>&1 || { cat "$work/apt" >&2; fail "not to be installed: $*"; }; }
 # Ends the program of this name space that bears the name.
 end() {
   local process
@@ -108,7 +108,7 @@ collect() {
   local loads=$1 first=$2 command terminal station
   command=$(in_root sed -n 's/^ExecStart=//p' "/lib/systemd/system/ombrey@.service")
   awk -v first="$first" -v loads="$loads" -v day="$(date +%d%m%y)" 'BEGIN { for (n = first; n < first + loads; n++)
-    printf "%04d%s0742%s0755%06d%06d001100000005011251%04d007\n", n, day, day, 101, 101, 4000 + n }' >"$root/tmp/loads"
+    printf "%04d%s0742%s%06d%06d001100000005011251%04d007\n", n, day, "0755", 101, 101, 4000 + n }' >"$root/tmp/loads"
   as_service timeout 120 rg80 --lien /tmp/rg80 --chargements /tmp/loads --cadence 9600 --jusqu-a-vide >"$work/rg80.log" 2>&1 &
   terminal=$!
   until [ -e "$root/tmp/rg80" ] || [ -L "$root/tmp/rg80" ]; do sleep 0.1; done
@@ -187,7 +187,7 @@ live() {
   as_service rm /var/lib/ombrey/chai/cave.db
   as_service tarvel --ini /etc/ombrey/chai.ini --restaurer /var/lib/ombrey/chai/copie.db
   expect_loads $((done + 8))
-  in_root apt-get -qq --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_*.deb >/dev/null || fail "ombrey-qt or -doc can't be installed"
+  in_root sh -c "apt-get -qq --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_3*.deb" >/dev/null || fail "ombrey-qt or -doc can't be installed"
 }
 
 leave() {

@@ -71,15 +71,41 @@ stop_in_a_file() {
   start
   said 'commande «menu»' 60
   sleep 1
-  printf 'ok\nmenu\n' >&7
-  said 'Communication établie' 60
+  echo menu >&7
+  said 'en attente de fichiers' 60
   echo transferer >&7
   ask "dit $2 fichier 60"
   sleep 1.5
-  stop
+  stop && [ "$answer" = ok ]
   code=$?
   [ $code = 0 ] && [ $took -lt "$4" ]
   verdict "$1" $? "$took ms"
+  ask "finir $2"
+}
+
+# The five files, some 20,000 bytes, beside those that a pseudo-terminal took. $4: what happens on the way.
+whole_files() {
+  fresh_base
+  cp /full.db /tmp/cave.db
+  settings "$3" 19200
+  ask "rg80 $2 19200 --f6"
+  start
+  said 'commande «menu»' 60
+  sleep 1
+  echo menu >&7
+  said 'en attente de fichiers' 60
+  t0=$(now)
+  echo transferer >&7
+  ask "dit $2 coopérateurs 60"
+  $4
+  ask "dit $2 observations 120"
+  figure="$((($(now) - t0) / 1000)) s"
+  sleep 0.5
+  ask "pareils $2"
+  same=$answer
+  stop
+  [ "$same" = ok ]
+  verdict "$1" $? "$figure, octets pareils : $same"
   ask "finir $2"
 }
 
@@ -142,6 +168,116 @@ refused() { # $1: case, $2: port, $3: what is said, $4...: who runs it
   good=$?
   stop
   verdict "$name" $good "$(grep -m1 -o 'Le port.*\|Vous n.*' /tmp/said | cut -c1-120)"
+}
+
+# The name that udev would give moves on to the adapter's new number, as the former one is held by somebody.
+another_number() {
+  fresh_base
+  ln -sf ttyUSB0 /dev/ombrey-chai
+  settings /dev/ombrey-chai 9600
+  ask "rg80 usb 9600 --hasard 8 --jusqu-a-vide"
+  start
+  said 'reçu\|chargement' 60
+  sleep 100 </dev/ttyUSB0 3<&0 &
+  holder=$!
+  sleep 0.5
+  ask debrancher
+  sleep 1
+  ask brancher
+  limit=$(($(now) + 10000))
+  until [ -e /dev/ttyUSB1 ] || [ "$(now)" -gt $limit ]; do sleep 0.1; done
+  ln -sf ttyUSB1 /dev/ombrey-chai
+  emptied usb 120
+  full=$?
+  stop
+  kill $holder
+  [ $full = 0 ] && [ "$(rows)" = "8 8" ]
+  verdict "$1" $? "lignes et numéros : $(rows)"
+  ask debrancher
+  sleep 1
+  ask brancher
+  while [ ! -e /dev/ttyUSB0 ]; do sleep 0.1; done
+}
+
+two_stations() {
+  fresh_base
+  settings /dev/ttyS1 9600
+  start
+  said 'Vérification' 30
+  cp /tmp/poste.ini /tmp/autre.ini
+  printf 'interroger\n' | timeout 5 tarvel --console --duree 2 --sans-operateur --ini /tmp/autre.ini --dossier /tmp/autre >/tmp/second 2>&1
+  grep -q 'déjà utilisé' /tmp/second
+  verdict "two stations on one port, 16550" $? "$(grep -m1 -o 'Le port.*' /tmp/second)"
+  stop
+}
+
+# The far end answers and then takes nothing more; the station is ended with a driver full of bytes.
+nothing_taken() {
+  fresh_base
+  cp /full.db /tmp/cave.db
+  settings "$3" 9600
+  ask "rg80 $2 9600 --f6"
+  start
+  said 'commande «menu»' 60
+  sleep 1
+  echo menu >&7
+  said 'en attente de fichiers' 60
+  echo transferer >&7
+  ask "dit $2 coopérateurs 60"
+  begun=$answer
+  ask "rythme $2 1"
+  sleep 2
+  stop && [ "$begun" = ok ]
+  code=$?
+  [ $code = 0 ] && [ $took -lt "$4" ]
+  verdict "$1" $? "$took ms"
+  ask "finir $2"
+}
+
+# A device made by the guest itself, whose far side is the terminal; that one stops in the midst of a file, as one that
+# hangs does. $1: driver, $2: port, $3: what the device is made with.
+gadget() {
+  modprobe g_serial $3
+  limit=$(($(now) + 20000))
+  until [ -e "$2" ] || [ "$(now)" -gt $limit ]; do sleep 0.1; done
+  for bauds in 1200 19200; do
+    fresh_base
+    settings "$2" $bauds
+    rg80 --port /dev/ttyGS0 --hasard 8 --jusqu-a-vide --cadence $bauds >/tmp/rg80 2>&1 &
+    terminal=$!
+    t0=$(now)
+    start
+    limit=$(($(now) + 120000))
+    while kill -0 $terminal 2>/dev/null && [ "$(now)" -lt $limit ]; do sleep 0.2; done
+    figure="$((($(now) - t0) / 1000)) s"
+    kill $terminal 2>/dev/null
+    wait $terminal
+    full=$?
+    stop
+    [ $full = 0 ] && [ "$(rows)" = "8 8" ]
+    verdict "eight loads, $1, $bauds" $? "$figure, lignes et numéros : $(rows)"
+  done
+  fresh_base
+  cp /full.db /tmp/cave.db
+  settings "$2" 1200
+  rg80 --port /dev/ttyGS0 --f6 --cadence 1200 >/tmp/rg80 2>&1 &
+  terminal=$!
+  start
+  said 'commande «menu»' 60
+  sleep 1
+  echo menu >&7
+  said 'en attente de fichiers' 60
+  echo transferer >&7
+  limit=$(($(now) + 60000))
+  until grep -q 'coopérateurs) : prêt' /tmp/rg80 || [ "$(now)" -gt $limit ]; do sleep 0.1; done
+  kill -STOP $terminal
+  sleep 2
+  stop
+  code=$?
+  kill -KILL $terminal
+  [ $code = 0 ] && [ $took -lt 1000 ]
+  verdict "SIGTERM in a file that nobody takes, $1" $? "$took ms"
+  rmmod g_serial
 }
 
 killed_and_started() {

@@ -35,15 +35,34 @@ build_guest() {
   cp "$here/init" guest/init && chmod +x guest/init && cp "$here/cases.sh" "$here/drivers.sh" guest/
   printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >guest/etc/passwd
   printf 'root:x:0:\ndialout:x:20:\nnogroup:x:65534:\n' >guest/etc/group
-  put_program "$bin/tarvel" && put_program "$bin/PlgInOmbrey.so" && put_program "$bin/rg80"
+  put_program "$(command -v setpriv)" && put_program "$bin/tarvel" && put_program "$bin/PlgInOmbrey.so" && put_program "$bin/rg80"
   for module in xhci-pci ftdi_sio usbserial cdc-acm dummy_hcd g_serial; do
     modprobe -d "$PWD/kernel" -S "$release" --show-depends "$module" | sed -n 's|^insmod .*/kernel/\(lib/modules/[^ ]*\).*|\1|p'
   done | sort -u | while read -r module; do (cd kernel && cp --parents "$module" ../guest/); done
   cp "kernel/lib/modules/$release"/modules.{builtin,builtin.modinfo,order} "guest/lib/modules/$release/"
   depmod -b guest "$release"
   "$bin/tarvel" --creer-base guest/cave.db --exemple
-  # A hundred members more make a file of some size.
+  # Some members more make files of some 20,000 bytes in all.
+  cp guest/cave.db guest/full.db
+  sqlite3 guest/full.db "WITH n(i) AS (SELECT 1000 UNION ALL SELECT i + 1 FROM n WHERE i < 1270)
+    INSERT INTO Coopérateur (IdCoopérateur, Nom) SELECT i, 'Membre numéro ' || i FROM n;
+    INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, IdGrp) SELECT IdCoopérateur, IdCoopérateur, IdCoopérateur, 100, '1'
+    FROM Coopérateur WHERE CAST(IdCoopérateur AS INTEGER) >= 1000"
   (cd guest && find . | cpio -o -H newc --quiet | gzip -1) >initrd.gz
+}
+
+# What a pseudo-terminal takes of the same base.
+take_reference() {
+  local station
+  rm -rf reference* && cp guest/full.db reference.db
+  printf '[PlugInOmbrey]\nPort=%s\nBauds=19200\nParité=aucune\nBitsStop=1\nTailleMots=8\n' "$PWD/reference.link" >reference.ini
+  "$bin/rg80" --lien reference.link --f6 --cadence 19200 --sortie reference.received >reference.log &
+  terminals[reference]=$!
+  until [ -L reference.link ]; do sleep 0.05; done
+  { printf 'menu\n' && await_word reference prêt 30 && sleep 3 && printf 'transferer\n' && await_word reference observations 120 && printf 'fermer\nfin\n'; } |
+    XDG_CONFIG_HOME=$PWD "$bin/tarvel" --console --base reference.db --ini reference.ini --dossier reference.station >reference.said
+  end_terminal reference
+  [ "$(cat reference.received/fichier-*.txt | wc -c)" -gt 20000 ] || fail "the reference is too short"
 }
 
 # A terminal outside: $1: line, $2: bauds, the rest: rg80's options.
@@ -52,6 +71,7 @@ start_terminal() {
   local line=$1 bauds=$2
   shift 2
   end_terminal "$line"
+  rm -rf "$line.received"
   echo "$line $bauds" >&5
   timeout 600 "$bin/rg80" --lien "$line.link" --cadence "$bauds" --sortie "$line.received" "$@" >"$line.log" 2>&1 &
   terminals[$line]=$!
@@ -85,7 +105,8 @@ answer() {
     finir) end_terminal "$1" ;;
     brancher) monitor 'device_add usb-serial,id=adaptateur,chardev=usb' ;;
     debrancher) monitor 'device_del adaptateur' ;;
-    rythme) ;;
+    pareils) diff -r reference.received "$1.received" >/dev/null || { echo non; return; } ;;
+    rythme) echo "$*" >&5 ;;
   esac
   echo ok
 }
@@ -94,6 +115,7 @@ unpack_kernel
 release=$(ls kernel/lib/modules)
 build_guest "$release"
 c++ -std=c++20 -O1 "$here/pacer.cpp" -o pacer
+take_reference
 mkfifo -m 600 input pace output 2>/dev/null || true
 exec 4<>input 5<>pace 6<>output
 trap 'for line in "${!terminals[@]}"; do end_terminal "$line"; done; [ -z "${machine:-}" ] || kill "$machine" 2>/dev/null || true' EXIT

@@ -73,6 +73,13 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
   Constater("bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
             P.Station->Numéro() + ")");
+  Programme Regard("cd " + P.En("") +
+                   " && exec " BIN_DIR "/tarvel --console --regarder --base cave.db --ini tarvel.ini --dossier poste");
+  EXPECT_TRUE(Regard.Attendre("sans prendre la ligne, qui est à la station au travail (tarvel, processus "))
+      << Regard.Dit();
+  EXPECT_TRUE(Regard.Attendre("Chargement n° ")) << Regard.Dit();
+  Regard.Taper("fin");
+  EXPECT_EQ(Regard.Fin(), 0);
   P.Rg80->Signaler(SIGINT);
   P.Finir("1 1 0");
   P.Faire("UPDATE Chargement SET DateCh = DateCh + 90000");

@@ -1,0 +1,80 @@
+// A look at the base that another station, or the service, works on.
+#include "host/onlooker.h"
+
+#include <chrono>
+#include <cmath>
+#include <exception>
+
+#include "base/regional_forms.h"
+#include "host/schema.h"
+#include "platform/loop/signals.h"
+#include "platform/system/folder_lock.h"
+#include "platform/system/machine_system.h"
+
+namespace Tarvel {
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto Rythme = 2s;
+constexpr auto AttenteParPompe = 1h;
+
+}  // namespace
+
+Spectateur::Spectateur(const Options& Choisies, IÉdition& Édition)
+    : Options_(Choisies),
+      Édition_(Édition),
+      Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
+
+void Spectateur::Exécuter() {
+  Connexion_ = OuvrirCoopérative(Options_.Base);
+  const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
+  const Ombrey::IBoucle::Jeton Échéance =
+      Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
+  Édition_.Raccorder(*this);
+  DireCeQuIlEst();
+  Regarder();
+  while (!EnFin_) Boucle_.Pomper(AttenteParPompe);
+}
+
+void Spectateur::Finir() {
+  if (EnFin_) return;
+  EnFin_ = true;
+  Suite_.reset();
+  Édition_.Finir();
+}
+
+void Spectateur::DireCeQuIlEst() {
+  const auto Station = Ombrey::OccupantDossier(Options_.Dossier);
+  Édition_.Dire("On regarde la base « " + Options_.NomBase() + " » sans prendre la ligne, qui est " +
+                (Station ? "à la station au travail (" + *Station + ")." : "libre : aucune station n'y travaille."));
+}
+
+/// A base that is locked, or gone for a moment, is looked at again.
+void Spectateur::Regarder() {
+  try {
+    Montrer();
+  } catch (const std::exception& Erreur) {
+    Édition_.Dire(Erreur.what());
+  }
+  if (!EnFin_) Suite_ = Boucle_.Après(Rythme, [this] { Regarder(); });
+}
+
+void Spectateur::Montrer() {
+  const double Aujourdhui = std::floor(Ombrey::NuméroDeJour(Ombrey::HeureLocale()));
+  auto Rangées = Connexion_->Préparer(
+      "SELECT IdChargement, NoChargement, DateCh, Métayage, Sélection, Masse FROM Chargement"
+      " WHERE IdChargement > ?1 AND DateCh >= ?2 ORDER BY IdChargement");
+  Rangées.Lier({Dernier_, Aujourdhui});
+  while (Rangées.Avancer()) {
+    const auto Texte = [&](std::size_t Rang) { return Ombrey::TexteOuVide(Rangées.Valeur(Rang), {}); };
+    const auto Rang = Rangées.Valeur(0);
+    const auto Arrivée = Rangées.Valeur(2);
+    if (const auto* Lu = std::get_if<std::int64_t>(&Rang)) Dernier_ = *Lu;
+    const auto* const Jour = std::get_if<double>(&Arrivée);
+    Édition_.Dire((Jour ? Ombrey::TexteHeure(Ombrey::DepuisNuméroDeJour(*Jour)) + " " : "") + "Chargement n° " +
+                  Texte(1) + ", exploitation " + Texte(3) + ", appellation " + Texte(4) + ", " + Texte(5) + " kg");
+  }
+}
+
+}  // namespace Tarvel
