@@ -107,6 +107,8 @@ std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
     return "Impossible d'initialiser le port de communication.\r" + ServeurPortComm_->ErreurServeur();
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
+  // The station that stopped, or was killed, a moment ago may have asked a terminal that was busy.
+  Échange_.Reprendre();
   if (État_.PortComm->Ouvrir()) {
     bool Drapeau = false;
     Exiger(État_.BaseDeD)->ActiverBase(Drapeau);

@@ -12,6 +12,12 @@ std::chrono::milliseconds Doute::SilenceManquant() const {
   return Niveau_ == Niveau::Trouble ? DélaiRéponse - Silence() : std::chrono::milliseconds(0);
 }
 
+bool Doute::EstCopie(const Octets& Trame) {
+  const bool Copie = !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
+  if (Copie && Niveau_ == Niveau::Nouveau) SansRéponse();
+  return Copie;
+}
+
 void Doute::Arrivée(bool Attendue) {
   Entendu_ = true;
   Depuis_ = Système_.Tics();
@@ -29,7 +35,7 @@ void Doute::Demande() {
   if (Niveau_ == Niveau::Convalescence) {
     Niveau_ = Niveau::Calme;
     Dit_ = false;
-  } else if (Niveau_ == Niveau::Trouble && Entendu_ && SilenceManquant().count() <= 0) {
+  } else if (Niveau_ != Niveau::Calme && Entendu_ && Silence() >= DélaiRéponse) {
     // Not when it has only been silent: a terminal that hasn't said a word may still be busy.
     Niveau_ = Niveau::Convalescence;
   }

@@ -28,10 +28,8 @@ class Doute {
   /// The silence that is still lacking before the next request; zero or less when it may go.
   [[nodiscard]] std::chrono::milliseconds SilenceManquant() const;
   /// True for the last acknowledged frame while the line isn't calm: it can be the answer to an older request, and an
-  /// ACK would remove the load behind it.
-  [[nodiscard]] bool EstCopie(const Octets& Trame) const {
-    return !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
-  }
+  /// ACK would remove the load behind it. It shows that a new line is a troubled one.
+  [[nodiscard]] bool EstCopie(const Octets& Trame);
 
   void Acquitter(const Octets& Trame) { Acquittée_ = Trame; }
   /// True once for each trouble in which characters came that nobody waited for: the operator should know.
@@ -42,9 +40,12 @@ class Doute {
   void SansRéponse();
   /// A request is about to go.
   void Demande();
+  /// Somebody else may have asked on this line a moment ago. Nothing says so: no request waits for silence, but the
+  /// line isn't calm until it has been silent.
+  void Nouvelle() { Niveau_ = Niveau::Nouveau; }
 
  private:
-  enum class Niveau { Calme, Convalescence, Trouble };
+  enum class Niveau { Calme, Convalescence, Nouveau, Trouble };
 
   const ISystème& Système_;
   Niveau Niveau_ = Niveau::Calme;

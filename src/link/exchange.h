@@ -58,11 +58,14 @@ class Échange {
   CodeÉchange AttendreRéponse(const Attente& Demande, Octets& Réponse);
 
   /// True for a load frame that may be the answer to an older request: no ACK for it, or the load behind it is lost.
-  [[nodiscard]] bool EstCopie(const Octets& Trame) const { return Doute_.EstCopie(Trame); }
+  [[nodiscard]] bool EstCopie(const Octets& Trame) { return Doute_.EstCopie(Trame); }
   /// Writes the ACK for Trame, which has been taken out of the buffer. False, and nothing written, when an older
   /// request can still be answered and more has come behind the frame: the request just sent is answered by what comes
   /// last.
   bool Acquitter(const Octets& Trame);
+
+  /// The line is taken over: answers to whoever had it before can still come.
+  void Reprendre() { Doute_.Nouvelle(); }
 
   /// The event of the port: characters arrive.
   void EventPortComRG80_Lecture(const Octets& Texte);

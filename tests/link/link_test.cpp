@@ -320,8 +320,8 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
 
 using Dits = std::vector<std::pair<int, std::string>>;  ///< milliseconds behind a writing, and what comes then
 
-/// One run of dialogues: P is a poll, E a frame "abc" under code 8, Z three seconds of rest. What comes as "=x" is held
-/// by the port, "." ends the plug-in.
+/// One run of dialogues: P is a poll, E a frame "abc" under code 8, Z three seconds of rest, N a new
+/// station. What comes as "=x" is held by the port, "." ends the plug-in.
 struct Réplique {
   const char *Nom, *Actes;
   std::vector<Dits> Dites;   ///< behind each writing in turn
@@ -351,6 +351,9 @@ const Réplique Répliques[] = {
     {"another answer has begun", "PP", {{}, {{5, Offre}, {5, "=^A<00"}}}, "?A?A", Laissé, 4006},
     {"several answers on a calm line", "P", {{{5, Offre + Offre}}}, "?A^", "", 5},
     {"copy of the acknowledged load", "PPP", {{{5, Offre}}, {}, {}, {{5, Offre}}}, "?A^?A?A", Laissé, 4011},
+    {"left busy by the station before this one", "NPPPP",
+     {{{5, Offre}}, {}, {{5, Offre}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A^", "", 2020},
+    {"taken over and silent", "NPZPZPP", {{{5, Offre}}, {}, {{5, "!A"}}, {{5, "!A"}}, {{5, Offre}}}, "?A^?A?A?A^", "", 6020},
     {"calm again behind an answer, silence and another answer", "PPPPP",
      {{{5, Offre}}, {}, {}, {{5, "!A"}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A?A^", "", 6021},
     {"another load", "PPP", {{{5, Offre}}, {}, {}, {{5, "^A<" + std::string(58, 'y')}}}, "?A^?A?A^", "", 4011},
@@ -374,6 +377,7 @@ struct RéponsePérimée : Banc, testing::WithParamInterface<Réplique> {
     }
   }
   std::string Jouer(char Acte) {
+    if (Acte == 'N') UnÉchange.Reprendre();
     if (Acte == 'Z') Système.Laisser(milliseconds(3000));
     return Acte == 'P' ? UneCollecte.LireDonnéesDeRG80() : Acte == 'E' ? Envoyer({"abc"}) : "";
   }
