@@ -16,6 +16,14 @@
 
 namespace Tarvel {
 
+/// The line of a load that can be imported as it stands.
+inline std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
+                         const std::string& Métayage = "4", const std::string& Sélection = "05",
+                         const std::string& Masse = "1234") {
+  return "1;" + Numéro + ";" + Date + ";22/09/26 09:15;" + Métayage + ";" + Sélection + ";Syrah;01;12,5;2;" + Masse +
+         ";7;0;0;0;0;01;0;\r\n";
+}
+
 class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
  public:
   explicit Coopérative(Ombrey::Essais::Moteur Sien = Ombrey::Essais::Moteur::Sqlite) : Moteur_(Sien) {
@@ -31,14 +39,6 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
   }
   void EtatBdD_EnregistrementMisAJour(const std::string& Table, Ombrey::IRecordset& RecSet) override {
     Noter("mis à jour", Table, RecSet);
-  }
-
-  /// The line of a load that can be imported as it stands.
-  static std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
-                           const std::string& Métayage = "4", const std::string& Sélection = "05",
-                           const std::string& Masse = "1234") {
-    return "1;" + Numéro + ";" + Date + ";22/09/26 09:15;" + Métayage + ";" + Sélection + ";Syrah;01;12,5;2;" + Masse +
-           ";7;0;0;0;0;01;0;\r\n";
   }
 
  protected:

@@ -7,7 +7,8 @@ namespace {
 using Import = SurChaqueMoteur;
 SUR_CHAQUE_MOTEUR(Import);
 
-/// What happens to a load or its row: a line of the import file, SQL of the office, or "fermer" the base and open it.
+/// What happens to a load or its row: a line of the import file, a change by the office, or "fermer" the base and open
+/// it.
 using Actes = std::vector<std::string>;
 
 struct SuiteDActes {
@@ -20,46 +21,29 @@ struct SuiteDActes {
 
 constexpr const char* Matin = "22/09/26 08:30";
 constexpr const char* SansDate = "22/09/2026 23:59:50";
-const std::string DeLAutreSite = "3" + Import::Ligne().substr(1);
+const std::string DeLAutreSite = "3" + Ligne().substr(1), DixHeures = Ligne("12", "22/09/26 10:00");
 
 // clang-format off
 const SuiteDActes Suites[] = {
-  {"the same twice", {Import::Ligne(), Import::Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
-  {"a holding that could be had only at the second time", {Import::Ligne("12", Matin, "0"), Import::Ligne()},
-   "4 1234 08:30", "1234 58766", "mis à jour"},
-  {"a holding that the office found meanwhile", {Import::Ligne("12", Matin, "0"), "UPDATE Chargement SET Métayage = '5'", Import::Ligne()},
-   "5 1234 08:30", "1234 60000", "mis à jour"},
-  {"a holding that was corrected, or added, between the two sendings", {Import::Ligne(), Import::Ligne("12", Matin, "5")},
-   "4 1234 08:30", "1234 58766", "mis à jour"},
-  {"the office's corrections stay", {Import::Ligne(), "UPDATE Chargement SET Masse = 1300, DateCh = DateCh + 0.125, Sélection = '10'", Import::Ligne()},
-   "4 1300 11:30", "0 60000", "mis à jour"},
-  {"a number that the office corrected", {Import::Ligne(), "UPDATE Chargement SET NoChargement = 99", Import::Ligne()},
-   "4 1234 08:30", "1234 58766", "mis à jour"},
-  {"a number that the office gave to another load", {Import::Ligne(), "UPDATE Chargement SET NoChargement = 13", Import::Ligne("13", Matin, "4", "05", "20")},
-   "4 20 08:30+4 1234 08:30", "1254 58746", "importé"},
-  {"another load of the same number, minute and holding", {Import::Ligne(), Import::Ligne("12", Matin, "4", "05", "1235")},
-   "4 1235 08:30+4 1234 08:30", "2469 57531", "importé"},
-  {"another load of a later minute", {Import::Ligne(), Import::Ligne("12", "22/09/26 08:31")},
-   "4 1234 08:31+4 1234 08:30", "2468 57532", "importé"},
-  {"another load of the next day", {Import::Ligne(), Import::Ligne("12", "23/09/26 08:30")},
-   "4 1234 08:30+4 1234 08:30", "2468 57532", "importé"},
-  {"the first one once more, behind another", {Import::Ligne(), "UPDATE Chargement SET Masse = 1300", Import::Ligne("12", "22/09/26 10:00"), Import::Ligne()},
-   "4 1300 08:30+4 1234 10:00", "2534 57466", "mis à jour"},
-  {"and the other one again", {Import::Ligne(), Import::Ligne("12", "22/09/26 10:00"), Import::Ligne(), Import::Ligne("12", "22/09/26 10:00")},
-   "4 1234 10:00+4 1234 08:30", "2468 57532", "mis à jour"},
-  {"an archived one whose holding could be had only now", {Import::Ligne("12", Matin, "0"), Import::Ligne("12", "22/09/26 10:00"), Import::Ligne()},
-   "4 1234 08:30+4 1234 10:00", "2468 57532", "mis à jour"},
-  {"no date: the times of two imports, a day apart", {Import::Ligne("12", SansDate), Import::Ligne("12", "24/09/2026 00:00:07")},
-   "4 1234 23:59", "1234 58766", "mis à jour"},
-  {"no date: both imports on whole minutes", {Import::Ligne("12", "22/09/2026 10:00:00"), Import::Ligne("12", "22/09/2026 11:00:00")},
-   "4 1234 10:00", "1234 58766", "mis à jour"},
-  {"no date, and another weight", {Import::Ligne("12", SansDate), Import::Ligne("12", SansDate, "4", "05", "1235")},
-   "4 1235 23:59+4 1234 23:59", "2469 57531", "importé"},
-  {"no date, and neither appellation nor weight", {Import::Ligne("12", SansDate, "4", "", ""), Import::Ligne("12", "23/09/2026 09:00:01", "4", "", "")},
-   "4  23:59", "0 60000", "mis à jour"},
-  {"the same number at another site", {Import::Ligne(), DeLAutreSite, Import::Ligne(), DeLAutreSite},
-   "4 1234 08:30,4 1234 08:30", "2468 57532", "mis à jour"},
-  {"over a new start", {Import::Ligne(), "fermer", Import::Ligne("12", Matin, "5")}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"the same twice", {Ligne(), Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"a holding that could be had only at the second time", {Ligne("12", Matin, "0"), Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"a holding that the office found meanwhile", {Ligne("12", Matin, "0"), "SET Métayage = '5'", Ligne()}, "5 1234 08:30", "1234 60000", "mis à jour"},
+  {"a holding that was corrected, or added, between the two sendings", {Ligne(), Ligne("12", Matin, "5")}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"the office's corrections stay", {Ligne(), "SET Masse = 1300, DateCh = DateCh + 0.125, Sélection = '10'", Ligne()}, "4 1300 11:30", "0 60000", "mis à jour"},
+  {"a number that the office corrected", {Ligne(), "SET NoChargement = 99", Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"a number that the office gave to another load", {Ligne(), "SET NoChargement = 13", Ligne("13", Matin, "4", "05", "20")}, "4 20 08:30+4 1234 08:30", "1254 58746", "importé"},
+  {"another load of the same number, minute and holding", {Ligne(), Ligne("12", Matin, "4", "05", "1235")}, "4 1235 08:30+4 1234 08:30", "2469 57531", "importé"},
+  {"another load of a later minute", {Ligne(), Ligne("12", "22/09/26 08:31")}, "4 1234 08:31+4 1234 08:30", "2468 57532", "importé"},
+  {"another load of the next day", {Ligne(), Ligne("12", "23/09/26 08:30")}, "4 1234 08:30+4 1234 08:30", "2468 57532", "importé"},
+  {"the first one once more, behind another", {Ligne(), "SET Masse = 1300", DixHeures, Ligne()}, "4 1300 08:30+4 1234 10:00", "2534 57466", "mis à jour"},
+  {"and the other one again", {Ligne(), DixHeures, Ligne(), DixHeures}, "4 1234 10:00+4 1234 08:30", "2468 57532", "mis à jour"},
+  {"an archived one whose holding could be had only now", {Ligne("12", Matin, "0"), DixHeures, Ligne()}, "4 1234 08:30+4 1234 10:00", "2468 57532", "mis à jour"},
+  {"no date: the times of two imports, a day apart", {Ligne("12", SansDate), Ligne("12", "24/09/2026 00:00:07")}, "4 1234 23:59", "1234 58766", "mis à jour"},
+  {"no date: both imports on whole minutes", {Ligne("12", "22/09/2026 10:00:00"), Ligne("12", "22/09/2026 11:00:00")}, "4 1234 10:00", "1234 58766", "mis à jour"},
+  {"no date, and another weight", {Ligne("12", SansDate), Ligne("12", SansDate, "4", "05", "1235")}, "4 1235 23:59+4 1234 23:59", "2469 57531", "importé"},
+  {"no date, and neither appellation nor weight", {Ligne("12", SansDate, "4", "", ""), Ligne("12", "23/09/2026 09:00:01", "4", "", "")}, "4  23:59", "0 60000", "mis à jour"},
+  {"the same number at another site", {Ligne(), DeLAutreSite, Ligne(), DeLAutreSite}, "4 1234 08:30,4 1234 08:30", "2468 57532", "mis à jour"},
+  {"over a new start", {Ligne(), "fermer", Ligne("12", Matin, "5")}, "4 1234 08:30", "1234 58766", "mis à jour"},
 };
 // clang-format on
 
@@ -74,7 +58,7 @@ TEST_P(Import, KnowsALoadByWhatTheTerminalSentAndKeepsItOnce) {
       } else if (Fait.ends_with("\n")) {
         EXPECT_EQ(Importer(Fait), "");
       } else {
-        Connexion_->Exécuter(Fait);
+        Connexion_->Exécuter("UPDATE Chargement " + Fait);
       }
     }
     EXPECT_EQ(Annonces_.substr(0, Annonces_.find(" Ch")), Annonce);
@@ -158,21 +142,16 @@ TEST_P(Import, StaysDoneWhenAListenerFails) {
 
 TEST_P(Import, GivesFalseForAnUnusableFileLayoutOrDatabase) {
   bool Drapeau = false;
-  const auto Etat = Base_->EtatBdD();
-  EXPECT_FALSE(Etat->TableImporter(TitreImport, (Dossier_ / "absent.txt").string(), Drapeau));
-  EXPECT_EQ(Etat->DernièreErreur(), "Fichier d'import illisible : " + (Dossier_ / "absent.txt").string());
-  EXPECT_FALSE(Etat->TableImporter("Autre titre", "x", Drapeau));
-  EXPECT_EQ(Etat->DernièreErreur(), "Définition d'import inconnue : Autre titre");
-
+  EXPECT_FALSE(Base_->EtatBdD()->TableImporter(TitreImport, "/absent.txt", Drapeau));
+  EXPECT_EQ(Base_->EtatBdD()->DernièreErreur(), "Fichier d'import illisible : /absent.txt");
+  const std::string Définition = "faux : Définition d'import";
   // clang-format off
-  const std::pair<const char*, const char*> Cas[] = {
-      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'texte', 'mémo')",
-       "faux : Définition d'import : genre inconnu pour la colonne CodeSite"},
-      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'Cuve', 'Cuvier')",
-       "faux : Définition d'import : colonne inconnue : Cuvier"},
-      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')",
-       "faux : Définition d'import : il manque la colonne DateCh"},
-      {"UPDATE MSysEtats SET Format = NULL", "faux : Définition d'import sans séparateur : Synchronisation des chargements"},
+  const std::pair<const char*, std::string> Cas[] = {
+      {"UPDATE MSysEtats SET Titre = 'x'", Définition + " inconnue : Synchronisation des chargements"},
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'texte', 'mémo')", Définition + " : genre inconnu pour la colonne CodeSite"},
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'Cuve', 'Cuvier')", Définition + " : colonne inconnue : Cuvier"},
+      {"UPDATE MSysEtats SET LongChps = replace(LongChps, 'DateCh', 'DateSortie')", Définition + " : il manque la colonne DateCh"},
+      {"UPDATE MSysEtats SET Format = NULL", Définition + " sans séparateur : Synchronisation des chargements"},
       {"DROP TABLE MSysEtats", "faux : Table introuvable : MSysEtats"},
   };
   // clang-format on
