@@ -16,9 +16,8 @@ namespace {
 
 /// What the station must wait out takes it two seconds.
 constexpr const char* TauxLongs =
-    "silence=0.02,nak=0.05,checksum=0.04,bruit=0.03,coupe=0.03,retard=0.02,ack-perdu=0.03";
-constexpr const char* TauxCourts =
-    "silence=0.01,nak=0.08,checksum=0.08,bruit=0.02,coupe=0.02,retard=0.01,ack-perdu=0.02";
+    "silence=0.02,nak=0.05,checksum=0.04,bruit=0.03,coupe=0.03,retard=0.02,ack-perdu=0.03,occupe=0.01";
+constexpr const char* TauxCourts = "silence=0.01,nak=0.08,checksum=0.08,bruit=0.02,coupe=0.02,ack-perdu=0.02";
 constexpr const char* MotDeMort = "=== station tuée";
 using Décompte = std::map<std::string, std::size_t>;
 
@@ -365,12 +364,12 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   std::vector<std::thread> Fils;
   for (unsigned Rang = 0; Rang < NombreCaves; ++Rang)
     Caves.emplace_back(Graine * NombreCaves + Rang, 1 + Rang * Nombre, Nombre, EstLongue);
-  for (Cave& Une : Caves) Fils.emplace_back([&Une, EstLongue] { Une.Tenir(EstLongue ? 360s : 60s); });
+  for (Cave& Une : Caves) Fils.emplace_back([&Une, EstLongue] { Une.Tenir(EstLongue ? 600s : 60s); });
   for (std::thread& Fil : Fils) Fil.join();
   Décompte Somme;
+  if (HasFailure()) return;
   for (Cave& Une : Caves)
-    if (!HasFailure())
-      for (const auto& [Nom, Combien] : Une.Vérifier()) Somme[Nom] += Combien;
+    for (const auto& [Nom, Combien] : Une.Vérifier()) Somme[Nom] += Combien;
   const auto Durée = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - Début);
   std::printf("endurance: seed %u, %lld s, bases %u", Graine, static_cast<long long>(Durée.count()), NombreCaves);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
