@@ -140,8 +140,8 @@ CREATE TRIGGER Correction AFTER UPDATE ON Chargement BEGIN
               " WHERE IdMétayage = ?1 AND IdSélection = ?2",
               {Un.Métayage, Un.Sélection}, Masse("exploitation ")));
     Chiffres[1].insert(EnChiffres(std::llround(Masse("groupe ")), 6));
-    for (const double Pris : {Masse("groupe "), 0.0})
-      if (Pris > 0 || PasseMinuit) Chiffres[2].insert(Reste(DuJour, {Un.Groupe, Un.Sélection}, Pris));
+    Chiffres[2].insert(Reste(DuJour, {Un.Groupe, Un.Sélection}, Masse("groupe ")));
+    if (PasseMinuit) Chiffres[2].insert(Reste(DuJour, {Un.Groupe, Un.Sélection}, 0));
   }
   [[nodiscard]] std::string Reste(const char* Quota, const std::vector<ValeurChamp>& Clés, double Pris) const {
     const ValeurChamp Lu = Base_->Lire(Quota, Clés);
