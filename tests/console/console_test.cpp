@@ -315,7 +315,7 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
       {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
        {"réglages du port : retenus.\nhôte : Les réglages du port ont changé : le greffon repart avec eux.\nmessage [x] ",
         "(OK) : Le port /dev/autre est absent"}, REGLAGES("/dev/autre")},
-      {"", "/dev/autre\n\n\n\n\noui\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
+      {"", "/dev/autre\n\n\n\n\noui\nconfigurer\nannuler\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
       {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
       {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
       {"", "", {"README.md» ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
