@@ -94,6 +94,7 @@ make_root() {
   cp /etc/resolv.conf "$root/etc/resolv.conf"
   [ ! -f /etc/apt/apt.conf ] || cp /etc/apt/apt.conf "$root/etc/apt/"
   printf '#!/bin/sh\nexit 101\n' >"$root/usr/sbin/policy-rc.d" && chmod +x "$root/usr/sbin/policy-rc.d"
+  echo force-unsafe-io >"$root/etc/dpkg/dpkg.cfg.d/trial"
   mkdir "$root/debs" && cp $(packages_of one) "$root/debs/"
   [ ! -d "$work/former" ] || cp $(packages_of former) "$root/debs/"
   in_root apt-get -qq update
@@ -101,6 +102,11 @@ make_root() {
   install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
   in_root apt-get -qq -y purge ombrey ombrey-rg80 >/dev/null 2>&1
   files_of_root >"$work/files.before"
+}
+
+# The terminal has made its line.
+await_line() {
+  timeout 30 sh -c 'until [ -L "$1" ]; do sleep 0.1; done' - "$root/tmp/rg80" || fail "no terminal: $(cat "$work/rg80.log")"
 }
 
 # The terminal with so many loads from a number on, and the service's own command line; $3: what rg80 is told besides.
@@ -111,7 +117,7 @@ collect() {
     printf "%04d%s0742%s%06d%06d001100000005011251%04d007\n", n, day, "0755", 101, 101, 4000 + n }' >"$root/tmp/loads"
   as_service timeout 120 rg80 --lien /tmp/rg80 --chargements /tmp/loads --cadence 9600 --jusqu-a-vide >"$work/rg80.log" 2>&1 &
   terminal=$!
-  until [ -e "$root/tmp/rg80" ] || [ -L "$root/tmp/rg80" ]; do sleep 0.1; done
+  await_line
   as_service timeout 120 ${command//%i/chai} </dev/null >"$work/station.log" 2>&1 &
   station=$!
   wait $terminal || { cat "$work/station.log" "$work/rg80.log" >&2; fail "the terminal keeps loads"; }
@@ -139,7 +145,7 @@ stop_in_a_load() {
   say "Stopped in the midst of a load"
   local start station
   as_service timeout 60 rg80 --lien /tmp/rg80 --chargements /tmp/loads --cadence 300 >"$work/rg80.log" 2>&1 &
-  until [ -L "$root/tmp/rg80" ]; do sleep 0.1; done
+  await_line
   as_service tarvel --console --sans-operateur --ini /etc/ombrey/chai.ini </dev/null >"$work/station.log" 2>&1 &
   station=$!
   timeout 60 sh -c 'until grep -q offert "$1"; do sleep 0.05; done' - "$work/rg80.log" || fail "no load was offered"
@@ -177,7 +183,8 @@ live() {
   stop_in_a_load
 
   say "Diagnosis, unit, copy and way back"
-  as_service rg80 --lien /tmp/rg80 >/dev/null & until [ -L "$root/tmp/rg80" ]; do sleep 0.1; done
+  as_service rg80 --lien /tmp/rg80 >"$work/rg80.log" 2>&1 &
+  await_line
   as_service tarvel --diagnostic --ini /etc/ombrey/chai.ini || fail "the diagnosis finds something bad"
   end rg80 && wait || true
   silent in_root systemd-analyze verify ombrey@chai.service ombrey-port@chai.service

@@ -117,15 +117,16 @@ build_guest "$release"
 c++ -std=c++20 -O1 "$here/pacer.cpp" -o pacer
 take_reference
 mkfifo -m 600 input pace output 2>/dev/null || true
-exec 4<>input 5<>pace 6<>output
+exec 4<>input 5<>pace
 trap 'for line in "${!terminals[@]}"; do end_terminal "$line"; done; [ -z "${machine:-}" ] || kill "$machine" 2>/dev/null || true' EXIT
 ./pacer serie="$PWD/serie.link" usb="$PWD/usb.link" -- qemu-system-x86_64 -accel tcg,thread=multi -cpu max -smp 2 -m 512 -nodefaults -no-reboot \
-  -display none -kernel kernel/boot/vmlinuz-* -initrd initrd.gz -append 'console=ttyS0 quiet panic=-1 random.trust_cpu=on mitigations=off' \
+  -display none -kernel kernel/boot/vmlinuz-* -initrd initrd.gz -append 'console=ttyS0 quiet no_timer_check panic=-1 random.trust_cpu=on mitigations=off' \
   -chardev stdio,id=console,signal=off -device isa-serial,chardev=console,iobase=0x3f8,irq=4 \
   -chardev 'socket,id=serie,fd={serie}' -device isa-serial,chardev=serie,iobase=0x2f8,irq=3 \
   -chardev 'socket,id=usb,fd={usb}' -device qemu-xhci \
   -monitor unix:monitor.socket,server=on,wait=off 3<input <pace >output 2>machine.log 5<&- &
 machine=$!
+exec 6<output # whose end is the machine's
 bad=0 cases=0
 while IFS= read -r -t "${MACHINE_PATIENCE:-300}" text <&6; do
   text=${text%$'\r'}
