@@ -15,6 +15,7 @@
 #include "base/regional_forms.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
+#include "host/copied_base.h"
 #include "host/diagnostic.h"
 #include "host/onlooker.h"
 #include "host/options.h"
@@ -107,6 +108,9 @@ int Accomplir(const Tarvel::Options& Choisies) {
       break;
     case Tarvel::Tâche::Restaurer:
       std::puts(Tarvel::RestaurerBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());
+      break;
+    case Tarvel::Tâche::CopierBase:
+      std::puts(Tarvel::CopierBase(Choisies.Base, Choisies.Vers).c_str());
       break;
     case Tarvel::Tâche::Station:
       Travailler(Choisies);

@@ -55,6 +55,7 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
     {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
     {Tâche::Restaurer, "--base B --restaurer F", false, true},
+    {Tâche::CopierBase, "--copier-base DE VERS", false, true},
     {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
@@ -104,6 +105,13 @@ constexpr Option Connues[] = {
      Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--diagnostic", "", "regarde tout ce qu'il faut à la station : bon, à voir ou mauvais, et ce qu'il faut faire",
      Tâche::Diagnostic, Demande, [](Options&, Mots) {}},
+    {"--copier-base", "DE VERS",
+     "copie une coopérative d'un fichier vers un serveur, ou l'inverse, et vérifie la copie", Tâche::CopierBase,
+     Demande,
+     [](Options& O, Mots V) {
+       O.Base = V[0];
+       O.Vers = V[1];
+     }},
     {"--help", "", "cette aide", Tâche::Aide, Demande, [](Options&, Mots) {}},
     {"--version", "", "le numéro de version", Tâche::Version, Demande, [](Options&, Mots) {}},
 };
@@ -185,6 +193,10 @@ void RefuserMotDePasse(const std::string& Adresse) {
 }
 
 void PréciserChemins(Options& Lues) {
+  if (EstSurServeur(Lues.Vers))
+    RefuserMotDePasse(Lues.Vers);
+  else if (!Lues.Vers.empty())
+    Lues.Vers = Ombrey::TexteChemin(fs::absolute(Ombrey::Chemin(Lues.Vers)));
   if (Lues.EstSurServeur()) {
     RefuserMotDePasse(Lues.Base);
     if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();

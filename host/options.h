@@ -27,7 +27,8 @@ enum class Tâche : unsigned {
   Version = 8,
   Sauvegarder = 16,
   Restaurer = 32,
-  Diagnostic = 64
+  Diagnostic = 64,
+  CopierBase = 128
 };
 
 struct Options {
@@ -35,6 +36,7 @@ struct Options {
   /// The cooperative's database, to open or to create: the absolute path of a file, or a server's address.
   std::string Base;
   std::string CodeSite;           ///< the station's site code; empty: the one that the database names
+  std::string Vers;               ///< the database that takes a copy: as Base
   std::filesystem::path Copie;    ///< a copy of the database, to make or to put back
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given

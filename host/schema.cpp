@@ -101,6 +101,14 @@ void CréerTables(IConnexion& Connexion) {
 }  // namespace
 
 void CréerBase(const std::string& Base, bool AvecExemple) {
+  CréerBase(Base, [&](IConnexion& Neuve) {
+    if (AvecExemple) InsérerExemple(Neuve);
+  });
+}
+
+std::span<const char* const> TablesCoopérative() { return Tables; }
+
+void CréerBase(const std::string& Base, const std::function<void(IConnexion&)>& Remplir) {
   auto Connexion = CréerMoteur(Base);
   try {
     Transaction Tout(*Connexion);
@@ -108,7 +116,7 @@ void CréerBase(const std::string& Base, bool AvecExemple) {
       if (!Connexion->ColonnesDe(Table).empty())
         throw ErreurExécution("La base « " + Base + " » a déjà une table " + Table + " : rien n'y est créé");
     CréerTables(*Connexion);
-    if (AvecExemple) InsérerExemple(*Connexion);
+    Remplir(*Connexion);
     Tout.Valider();
   } catch (const ErreurExécution&) {
     Connexion.reset();

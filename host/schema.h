@@ -1,7 +1,9 @@
 // The cooperative's tables: a new database, and a look at whether a database has them.
 #pragma once
 
+#include <functional>
 #include <memory>
+#include <span>
 #include <string>
 
 #include "contracts/host.h"
@@ -15,6 +17,11 @@ using Ombrey::TitreImport;
 /// cooperative to try things out on. Raises ErreurExécution, and leaves nothing behind, when it can't; a database that
 /// is there already stays as it is.
 void CréerBase(const std::string& Base, bool AvecExemple);
+/// The same, filled in the same transaction by Remplir.
+void CréerBase(const std::string& Base, const std::function<void(Ombrey::IConnexion&)>& Remplir);
+
+/// All tables that hold what a cooperative has.
+[[nodiscard]] std::span<const char* const> TablesCoopérative();
 
 /// Opens a database that has all the tables that a station needs. Raises ErreurExécution when it can't be opened, or
 /// with the names of those that are missing.

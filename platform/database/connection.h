@@ -120,6 +120,8 @@ class IConnexion {
   /// How a table declares a whole number that the engine gives to each row by itself, and that is the row's key. With
   /// JamaisReprise a number never comes back, even when its row has gone.
   [[nodiscard]] virtual std::string CléNumérotée(bool JamaisReprise) const = 0;
+  /// Rows with keys of their own have come into the table: the engine goes on behind the highest.
+  virtual void ReprendreNumérotation(const std::string& /*Table*/, const std::string& /*Colonne*/) {}
   /// The condition that a text has neither semicolon nor control character.
   [[nodiscard]] virtual std::string SansCoupure(const std::string& Colonne) const = 0;
   /// A date as day, month, year, hour and minute, by what the engine itself can do.

@@ -7,6 +7,8 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdlib>
+#include <fstream>
 #include <memory>
 #include <string>
 #include <thread>
@@ -21,7 +23,7 @@ class ServeurDEssai {
   /// Started at the first call; null where PostgreSQL isn't installed.
   static ServeurDEssai* Lui() {
     static const auto Un = std::make_unique<ServeurDEssai>();
-    return Un->Processus_ > 0 ? Un.get() : nullptr;
+    return Un->EstInstallé_ ? Un.get() : nullptr;
   }
   ServeurDEssai() {
     Démarrer();
@@ -31,6 +33,7 @@ class ServeurDEssai {
       if (waitpid(Processus_, &État, WNOHANG) > 0 || std::chrono::steady_clock::now() > Limite) Processus_ = 0;
       std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
+    EstInstallé_ = Processus_ > 0;
   }
   ServeurDEssai(const ServeurDEssai&) = delete;
   ServeurDEssai& operator=(const ServeurDEssai&) = delete;
@@ -45,10 +48,16 @@ class ServeurDEssai {
   }
   void Arrêter(int Signal) {
     if (Processus_ <= 0) return;
-    kill(Processus_, Signal);
+    Signaler(Signal);
     waitpid(std::exchange(Processus_, 0), nullptr, 0);
   }
 
+  /// SQL as it stands, by the server's own client.
+  static void Faire(const std::string& Adresse, const std::string& Sql) {
+    EXPECT_EQ(std::system(("psql -q '" + Adresse + "' -c \"" + Sql + "\"").c_str()), 0) << Sql;
+  }
+  void Geler() { Signaler(SIGSTOP); }
+  void Continuer() { Signaler(SIGCONT); }
   [[nodiscard]] std::string Adresse(const std::string& Base) const {
     return "postgresql://tarvel@/" + Base + "?host=" + Dossier_.Chemin().string();
   }
@@ -67,8 +76,18 @@ class ServeurDEssai {
   }
 
  private:
+  /// To the server and all the processes that it has started.
+  void Signaler(int Signal) const {
+    if (Processus_ <= 0) return;
+    const std::string Tous = std::to_string(Processus_) + "/task/" + std::to_string(Processus_) + "/children";
+    std::ifstream Enfants("/proc/" + Tous);
+    kill(Processus_, Signal);
+    for (pid_t Un = 0; Enfants >> Un;) kill(Un, Signal);
+  }
+
   DossierEssai Dossier_;
   pid_t Processus_ = 0;
+  bool EstInstallé_ = false;
   int Bases_ = 0;
 };
 

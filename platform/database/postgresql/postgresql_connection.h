@@ -29,6 +29,7 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override;
   void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
+  void ReprendreNumérotation(const std::string& Table, const std::string& Colonne) override;
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
   [[nodiscard]] std::string DroitsManquants(const std::string& Table, const std::vector<std::string>& Droits) override;

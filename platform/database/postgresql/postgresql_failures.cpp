@@ -43,16 +43,17 @@ constexpr std::array<Traduction, 22> Traductions = {{
 
 constexpr const char* RequêteRefusée = "La base de données refuse la requête";
 
-/// What the server's words put into quotes first, or what stands behind "function" or "column".
+/// What the server's words put into quotes first, or what stands behind "column" or "function".
 std::string NomCité(std::string_view Mots) {
   const std::size_t Début = Mots.find('"');
   const std::size_t Fin = Mots.find('"', Début + 1);
   if (Début != Mots.npos && Fin != Mots.npos) return std::string(Mots.substr(Début + 1, Fin - Début - 1));
-  constexpr std::string_view Colonne = "column ";
-  const std::size_t Place = Mots.find(Colonne);
-  if (Place == Mots.npos) return {};
-  const std::string_view Reste = Mots.substr(Place + Colonne.size());
-  return std::string(Reste.substr(0, Reste.find(' ')));
+  for (const std::string_view Genre : {"column ", "function "}) {
+    if (!Mots.starts_with(Genre)) continue;
+    const std::string_view Reste = Mots.substr(Genre.size());
+    return std::string(Reste.substr(0, Reste.find_first_of(" (")));
+  }
+  return {};
 }
 
 }  // namespace

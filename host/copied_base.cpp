@@ -1,0 +1,143 @@
+// A cooperative goes from one engine to the other.
+#include "host/copied_base.h"
+
+#include <algorithm>
+#include <cctype>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "base/failures.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
+#include "host/load_columns.h"
+#include "host/schema.h"
+#include "host/schema_upgrade.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ErreurExécution;
+using Ombrey::IConnexion;
+using Ombrey::Instruction;
+using Ombrey::ValeurChamp;
+
+/// The columns of a table, as both sides call them.
+struct Table {
+  std::string Nom;
+  std::vector<Ombrey::ColonneDeTable> Colonnes;  ///< as the target declares them
+
+  [[nodiscard]] std::string Noms() const {
+    std::string Liste;
+    for (const auto& Une : Colonnes) Liste += (Liste.empty() ? "[" : ", [") + Une.Nom + "]";
+    return Liste;
+  }
+  /// Every key stands in the first two columns.
+  [[nodiscard]] Instruction Lire(IConnexion& Connexion) const {
+    return Connexion.Préparer("SELECT " + Noms() + " FROM " + Nom + " ORDER BY [" + Colonnes[0].Nom + "], [" +
+                              Colonnes[1].Nom + "]");
+  }
+};
+
+/// The kind that both engines know best.
+std::string GenreNeutre(const std::string& Type) {
+  const auto Contient = [&](const char* Mot) {
+    return std::search(Type.begin(), Type.end(), Mot, Mot + std::char_traits<char>::length(Mot),
+                       [](char A, char B) { return std::toupper(static_cast<unsigned char>(A)) == B; }) != Type.end();
+  };
+  if (Contient("INT")) return "INTEGER";
+  if (Contient("REAL") || Contient("DOUB") || Contient("FLOA")) return "REAL";
+  if (Contient("NUM") || Contient("DEC")) return "NUMERIC";
+  return "TEXT";
+}
+
+Table PréparerTable(IConnexion& Source, IConnexion& Cible, const std::string& Nom) {
+  const auto Siennes = Cible.ColonnesDe(Nom);
+  for (const auto& Une : Source.ColonnesDe(Nom)) {
+    const bool EstLà = std::ranges::any_of(Siennes, [&](const auto& C) { return Cible.EstMêmeNom(C.Nom, Une.Nom); });
+    if (!EstLà) Cible.ExécuterTout("ALTER TABLE " + Nom + " ADD COLUMN [" + Une.Nom + "] " + GenreNeutre(Une.Type));
+  }
+  Table Sienne{Nom, {}};
+  for (const auto& Une : Cible.ColonnesDe(Nom)) {
+    const auto Chez = Source.ColonnesDe(Nom);
+    if (std::ranges::any_of(Chez, [&](const auto& C) { return Source.EstMêmeNom(C.Nom, Une.Nom); }))
+      Sienne.Colonnes.push_back(Une);
+  }
+  return Sienne;
+}
+
+/// An embedded base keeps "8,5" in a column of numbers as it was typed; a server keeps numbers there.
+ValeurChamp Convertie(const ValeurChamp& Valeur, const Ombrey::ColonneDeTable& Colonne) {
+  const auto* const Texte = std::get_if<std::string>(&Valeur);
+  if (Texte == nullptr || GenreNeutre(Colonne.Type) == "TEXT") return Valeur;
+  std::string Nombre = *Texte;
+  std::erase(Nombre, ' ');
+  if (Nombre.empty()) return {};
+  if (!Ombrey::NormaliserNombre(Nombre, {})) throw ErreurExécution("« " + *Texte + " » n'est pas un nombre");
+  return Ombrey::EnRéel(Nombre, {});
+}
+
+/// Row by row; a number may be whole on one side and have decimals of zero on the other.
+std::string Forme(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
+
+std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienne) {
+  std::vector<ValeurChamp> Valeurs;
+  for (std::size_t Rang = 0; Rang < Sienne.Colonnes.size(); ++Rang) {
+    try {
+      Valeurs.push_back(Convertie(Requête.Valeur(Rang), Sienne.Colonnes[Rang]));
+    } catch (const ErreurExécution& Erreur) {
+      throw ErreurExécution("Table " + Sienne.Nom + ", ligne « " + Forme(Requête.Valeur(0)) + " », colonne " +
+                            Sienne.Colonnes[Rang].Nom + " : " + Erreur.what());
+    }
+  }
+  return Valeurs;
+}
+
+std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+  std::string Places;
+  for (std::size_t Rang = 1; Rang <= Sienne.Colonnes.size(); ++Rang)
+    Places += (Places.empty() ? "?" : ", ?") + std::to_string(Rang);
+  Instruction Ajout = Cible.Préparer("INSERT INTO " + Sienne.Nom + " (" + Sienne.Noms() + ") VALUES (" + Places + ")");
+  Instruction Lecture = Sienne.Lire(Source);
+  std::size_t Nombre = 0;
+  for (; Lecture.Avancer(); ++Nombre) Ajout.Lier(Rangée(Lecture, Sienne)).Exécuter();
+  return Nombre;
+}
+
+void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+  Instruction Ici = Sienne.Lire(Source);
+  Instruction Là = Sienne.Lire(Cible);
+  for (;;) {
+    const bool YEnA = Ici.Avancer();
+    bool EstPareil = YEnA == Là.Avancer();
+    if (EstPareil && !YEnA) return;
+    if (EstPareil) EstPareil = std::ranges::equal(Rangée(Ici, Sienne), Rangée(Là, Sienne), {}, Forme, Forme);
+    if (!EstPareil)
+      throw ErreurExécution("La copie de la table " + Sienne.Nom + " diffère de l'original : rien n'est gardé");
+  }
+}
+
+}  // namespace
+
+std::string CopierBase(const std::string& De, const std::string& Vers) {
+  const auto Source = OuvrirCoopérative(De);
+  if (NuméroSchémaDe(*Source) != NuméroSchéma)
+    throw ErreurExécution("La base « " + De +
+                          " » est d'une autre version : une station de cette version l'ouvre d'abord");
+  std::optional<Ombrey::Transaction> PersonneNEcrit;
+  if (!Source->EstEnLectureSeule()) PersonneNEcrit.emplace(*Source);
+  std::string Fait = "La base « " + De + " » est copiée dans « " + Vers + " » :";
+  CréerBase(Vers, [&](IConnexion& Cible) {
+    for (const std::string Nom : TablesCoopérative()) {
+      Cible.Exécuter("DELETE FROM " + Nom);
+      const Table Sienne = PréparerTable(*Source, Cible, Nom);
+      const std::size_t Nombre = CopierLignes(*Source, Cible, Sienne);
+      Comparer(*Source, Cible, Sienne);
+      Fait += "\n  " + Nom + " : " + std::to_string(Nombre);
+    }
+    for (const char* Nom : {TableChargements, TableArchive}) Cible.ReprendreNumérotation(Nom, "IdChargement");
+  });
+  return Fait;
+}
+
+}  // namespace Tarvel

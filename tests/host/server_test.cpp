@@ -1,0 +1,178 @@
+// A base on a server: what the server, the network and the other stations may do to a load.
+#include <chrono>
+#include <fstream>
+
+#include "host/copied_base.h"
+#include "tests/host/cooperative_fixture.h"
+
+namespace Tarvel {
+namespace {
+
+using namespace std::chrono_literals;
+using Ombrey::Essais::ServeurDEssai;
+using Temps = std::chrono::steady_clock;
+
+struct Serveur : Coopérative {
+  Serveur() : Coopérative(Ombrey::Essais::Moteur::Postgresql) {}
+  ~Serveur() override {
+    if (auto* const Lui = ServeurDEssai::Lui()) Lui->Continuer();
+  }
+  void SetUp() override {
+    Coopérative::SetUp();
+    if (!IsSkipped()) Autre_ = OuvrirMoteur(Adresse_);
+  }
+  /// The server's processes that serve our connection.
+  std::string NotreProcessus() { return Lire("SELECT pg_backend_pid()"); }
+  void Couper() { Autre_->Exécuter("SELECT pg_terminate_backend(?1)", {NotreProcessus()}); }
+  std::string Refus(const std::function<void()>& Faire) {
+    try {
+      Faire();
+    } catch (const Ombrey::ErreurExécution& Erreur) {
+      return Erreur.what();
+    }
+    return "";
+  }
+
+  std::shared_ptr<Ombrey::IConnexion> Autre_;
+};
+
+TEST_F(Serveur, ALinkThatIsCutComesBackAndATransactionInItsMidstIsUndone) {
+  Couper();
+  EXPECT_EQ(Importer(Ligne()), "");
+  {
+    Ombrey::Transaction Tout(*Connexion_);
+    Connexion_->Exécuter("DELETE FROM Chargement");
+    Couper();
+    EXPECT_NE(Refus([&] { Tout.Valider(); }), "");
+  }
+  EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
+}
+
+TEST_F(Serveur, ALoadIsRefusedThatTheServerWouldOnlyPromiseToKeep) {
+  static_cast<void>(Lire("SELECT set_config('synchronous_commit', 'off', 1 = 2)"));
+  const std::string Dit = Importer(Ligne());
+  EXPECT_TRUE(Dit.starts_with("faux : ")) << Dit;
+  EXPECT_NE(Dit.find("synchronous_commit = off"), std::string::npos) << Dit;
+  static_cast<void>(Lire("SELECT set_config('synchronous_commit', 'on', 1 = 2)"));
+  EXPECT_EQ(Importer(Ligne()), "");
+  EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
+}
+
+TEST_F(Serveur, AServerThatIsFrozenOrGoneHoldsNobodyUpForLong) {
+  for (const bool EstParti : {false, true}) {
+    SCOPED_TRACE(EstParti);
+    EstParti ? ServeurDEssai::Lui()->Arrêter(SIGKILL) : ServeurDEssai::Lui()->Geler();
+    const auto Début = Temps::now();
+    EXPECT_TRUE(Importer(Ligne()).starts_with("faux : "));
+    EXPECT_TRUE(Importer(Ligne()).starts_with("faux : "));
+    EXPECT_LT(Temps::now() - Début, 20s);
+    EstParti ? ServeurDEssai::Lui()->Démarrer() : ServeurDEssai::Lui()->Continuer();
+    std::string Dit = "…";
+    for (const auto Limite = Temps::now() + 60s; !Dit.empty() && Temps::now() < Limite;) Dit = Importer(Ligne());
+    EXPECT_EQ(Dit, "");
+    EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
+  }
+}
+
+TEST_F(Serveur, ARoleIsToldWhichRightsItLacks) {
+  ServeurDEssai::Faire(Adresse_,
+                       "CREATE ROLE poste2 LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO poste2;"
+                       " GRANT INSERT ON \\\"Métayage\\\" TO poste2");
+  std::string Sienne = Adresse_;
+  const auto Compte = OuvrirMoteur(Sienne.replace(Sienne.find("tarvel@"), 7, "poste2@"));
+  const std::string Dit = Refus([&] { VérifierDroits(*Compte); });
+  EXPECT_NE(Dit.find("\n  INSERT sur Coopérateur\n  INSERT, UPDATE, DELETE sur Chargement\n"), std::string::npos)
+      << Dit;
+  EXPECT_TRUE(Refus([&] { Compte->Exécuter("DELETE FROM Chargement"); }).starts_with("Droit refusé par le serveur ("));
+}
+
+TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
+  const std::string Fichier = Dossier_ / "départ.db";
+  const std::string Retour = Dossier_ / "retour.db";
+  const std::string Autre = NouvelleBase(Moteur_, Gardé_);
+  CréerBase(Fichier, true);
+  const auto Départ = OuvrirMoteur(Fichier);
+  Départ->ExécuterTout(
+      "ALTER TABLE Chargement ADD COLUMN [N° de ticket] VARCHAR(9); UPDATE Métayage SET Surface = '8,5';"
+      "INSERT INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Degré, [N° de ticket])"
+      " VALUES (7, '1', 12, 46287.5, '4', 12.5, 'l''été')");
+  EXPECT_NE(CopierBase(Fichier, Autre).find("\n  Métayage : 15"), std::string::npos);
+  EXPECT_NE(CopierBase(Autre, Retour).find("\n  Chargement : 1"), std::string::npos);
+  for (const std::string& Base : {Autre, Retour}) {
+    const auto Copie = OuvrirCoopérative(Base);
+    EXPECT_EQ(Copie->Lire("SELECT Surface FROM Métayage WHERE IdMétayage = '4'"), Ombrey::ValeurChamp{8.5}) << Base;
+    EXPECT_EQ(Copie->Lire("SELECT [N° de ticket] FROM Chargement WHERE Degré = 12.5"), Ombrey::ValeurChamp{"l'été"});
+    const auto Suivant = Copie->Lire(
+        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 13, 46287, '4')"
+        " RETURNING IdChargement");
+    EXPECT_EQ(Suivant, Ombrey::ValeurChamp{std::int64_t{8}});
+  }
+  EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Autre)); }).find("a déjà une table"), std::string::npos);
+  Départ->Exécuter("UPDATE Métayage SET Surface = '8 ha'");
+  const std::string Neuve = NouvelleBase(Moteur_, Gardé_);
+  EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Neuve)); }).find("« 8 ha »"), std::string::npos);
+  EXPECT_TRUE(OuvrirMoteur(Neuve)->ColonnesDe("Métayage").empty());
+}
+
+TEST_F(Serveur, KeepsCaseAccentsTypesAndWhatTheDialectMeans) {
+  Connexion_->ExécuterTout(
+      "CREATE TABLE [Été] ([N°] INTEGER, Texte TEXT, Jour REAL, Nombre NUMERIC, [Vu le] TIMESTAMP);"
+      "INSERT INTO [Été] VALUES (1, 'b', 46000.25, 12.5, '2026-09-22 08:30:00'), (2, NULL, NULL, 3, NULL),"
+      " (3, 'B', 46001.9999999, 100000000000000000000, NULL)");
+  const auto Valeur = [&](const std::string& Sql) {
+    return TexteOuVide(Ombrey::BaseLue(Connexion_).OpenRecordset(Sql, {})->Fields(0), Ombrey::Régional{});
+  };
+  const std::pair<const char*, const char*> Cas[] = {
+      {"SELECT [N°] & '/' & Texte FROM [Été] ORDER BY Texte", "2/"},
+      {"SELECT Texte FROM [Été] WHERE Texte <> '' ORDER BY Texte", "B"},
+      {"SELECT [N°] FROM [Été] ORDER BY Texte DESC", "1"},
+      {"SELECT Nombre FROM [Été] WHERE [N°] = 1", "12,5"},
+      {"SELECT [Vu le] FROM [Été] WHERE [N°] = 1", "46287,3541666667"},
+      {"SELECT Format(Jour,'dd/mm/yyyy hh:nn:ss') FROM [Été] WHERE [N°] = 1", "09/12/2025 06:00:00"},
+      {"SELECT Format(Jour,'dd/mm hh:nn') FROM [Été] WHERE [N°] = 3", "11/12 00:00"},
+      {"SELECT Clng(Texte) FROM [Été] WHERE [N°] = 1", "0"},
+      {"SELECT Clng(Nombre) FROM [Été] WHERE [N°] = 1", "12"},
+      {"SELECT [N°] = 1 FROM [Été] WHERE [N°] = 1 AND (1 = 1) = (2 = 2)", "-1"},
+      {"SELECT True & False FROM [Été]", "-10"},
+      {"SELECT Date() FROM [Été]", "46287"},
+  };
+  for (const auto& [Sql, Attendu] : Cas) EXPECT_EQ(Valeur(Sql), Attendu) << Sql;
+  EXPECT_TRUE(Refus([&] {
+                static_cast<void>(Valeur("SELECT nombre FROM [Été]"));
+              }).starts_with("Colonne introuvable : nombre"));
+  EXPECT_TRUE(Refus([&] { static_cast<void>(Valeur("SELECT 1 INTO x FROM [Été]")); }).starts_with("Seule une requête"));
+}
+
+TEST_P(SurChaqueMoteur, TwoStationsNeverHaveTheSameSite) {
+  Connexion_->PrendreSite("Œ 2");
+  const auto Autre = OuvrirMoteur(Adresse_);
+  Autre->PrendreSite("3");
+  try {
+    Autre->PrendreSite("Œ 2");
+    ADD_FAILURE() << "it was taken twice";
+  } catch (const Ombrey::ErreurExécution& Erreur) {
+    EXPECT_NE(std::string(Erreur.what()).find("code de site « Œ 2 »"), std::string::npos) << Erreur.what();
+  }
+  Base_.reset();
+  Connexion_.reset();
+  EXPECT_NO_THROW(OuvrirMoteur(Adresse_)->PrendreSite("Œ 2"));
+}
+
+TEST_P(SurChaqueMoteur, AStationHearsOfWhatOthersCommitAndNotOfItself) {
+  Connexion_->PrendreSite("1");
+  const auto Autre = OuvrirMoteur(Adresse_);
+  static_cast<void>(Connexion_->ADuNouveau());
+  ASSERT_EQ(Importer(Ligne()), "");
+  EXPECT_FALSE(Connexion_->ADuNouveau());
+  Ombrey::Transaction Tout(*Autre);
+  Autre->Exécuter("UPDATE Chargement SET CodeSite = '2'");
+  Tout.Valider();
+  bool EstAverti = false;
+  for (const auto Limite = Temps::now() + 10s; !EstAverti && Temps::now() < Limite;)
+    EstAverti = Connexion_->ADuNouveau();
+  EXPECT_TRUE(EstAverti);
+}
+SUR_CHAQUE_MOTEUR(SurChaqueMoteur);
+
+}  // namespace
+}  // namespace Tarvel
