@@ -76,7 +76,7 @@ befall() {
   case $((RANDOM % 5)) in
     0) say "the server is killed"; signal_server KILL; wait "$server" 2>/dev/null || true; start_server ;;
     1) say "the server stands still"; signal_server STOP; sleep $((1 + RANDOM % 12)); signal_server CONT ;;
-    2 | 3) say "links are cut"; ask 'SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE pid <> pg_backend_pid()' >/dev/null || true ;;
+    2 | 3) say "links are cut"; ask "SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE backend_type = 'client backend' AND pid <> pg_backend_pid()" >/dev/null || true ;;
     4)
       s=$((1 + RANDOM % sites))
       say "station $s is killed"
