@@ -34,15 +34,6 @@ class BaseNotée final : public IDatabase {
   std::shared_ptr<IDatabase> Base_;
 };
 
-class CanalInterdit final : public ICanalOpérateur {
- public:
-  void AjouterMessage(const std::string& Texte, bool) override { throw std::runtime_error(Texte); }
-  void AjouterErreur(const std::string& Texte) override { throw std::runtime_error(Texte); }
-  void Rafraîchir() override {}
-  [[nodiscard]] bool EstVisible() const override { return false; }
-  void Afficher() override {}
-};
-
 /// Fills what the data set reads, and no more.
 void Remplir(Coopérative& Cave, const std::string& Jeu, std::int64_t Nombre) {
   if (Jeu == "Appelations") {
@@ -76,7 +67,6 @@ void Compter(benchmark::State& État, const JeuDeDonnées& Jeu) {
 void Construire(benchmark::State& État, const JeuDeDonnées& Jeu) {
   Coopérative Cave(false);
   Remplir(Cave, Jeu.Nom, État.range(1));
-  CanalInterdit Canal;
   const auto Base = Cave.Base->BaseDAO();
   std::string Titre;
   const Titreur Titrer = [&Titre](const std::string& Nouveau) { Titre = Nouveau; };
@@ -85,7 +75,7 @@ void Construire(benchmark::State& État, const JeuDeDonnées& Jeu) {
   for ([[maybe_unused]] auto Tour : État) {
     Lignes = {};
     const MesureMémoire Mémoire;
-    ConstruireFichier(Jeu.Fichier, {*Base, {}, Canal}, Titrer, Lignes);
+    static_cast<void>(ConstruireFichier(Jeu.Fichier, {*Base, {}}, Titrer, Lignes));
     Sommet = Mémoire.Sommet();
   }
   if (!Titre.starts_with(std::to_string(État.range(1)) + " ")) État.SkipWithError("not every record is in the file");
@@ -111,11 +101,10 @@ void Parcourir(sqlite3* Base, const std::string& Sql) {
 void Dépouiller(benchmark::State& État, const JeuDeDonnées& Jeu) {
   Coopérative Cave(false);
   Remplir(Cave, Jeu.Nom, État.range(1));
-  CanalInterdit Canal;
   BaseNotée Base(Cave.Base->BaseDAO());
   std::vector<Octets> Lignes;
-  ConstruireFichier(
-      Jeu.Fichier, {Base, {}, Canal}, [](const std::string&) {}, Lignes);
+  static_cast<void>(ConstruireFichier(
+      Jeu.Fichier, {Base, {}}, [](const std::string&) {}, Lignes));
   for (std::string& Sql : Base.Requêtes) Sql = TraduireEnSqlite(Sql);
   for ([[maybe_unused]] auto Tour : État) {
     for (const std::string& Sql : Base.Requêtes) Parcourir(Cave.Connexion->Brute(), Sql);

@@ -43,11 +43,14 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   void ChoisirOnglet(Onglet Lequel) override;
   [[nodiscard]] Onglet OngletCourant() const override { return Courant_; }
   void MontrerContrôle(ContrôleSuivi /*Contrôle*/, bool /*Visible*/) override {}
+  void ActiverContrôle(ContrôleSuivi /*Contrôle*/, bool /*Actif*/) override {}
 
   [[nodiscard]] Rectangle PlaceContrôle(ContrôleSuivi Contrôle) const override;
   void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) override { Places_[Contrôle] = Place; }
   [[nodiscard]] Rectangle PlaceFenêtre() const override { return Place_; }
   void PlacerFenêtre(const Rectangle& Place) override;
+  [[nodiscard]] bool EstAgrandie() const override { return false; }
+  void Agrandir() override {}
 
   [[nodiscard]] IGestesSuivi& Gestes() { return Gestes_; }
   /// The lines of a list as the console shows them, the oldest first.

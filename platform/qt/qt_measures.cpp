@@ -3,6 +3,7 @@
 
 #include <QFontMetrics>
 #include <QGuiApplication>
+#include <QRegion>
 #include <QScreen>
 #include <algorithm>
 #include <cmath>
@@ -13,9 +14,6 @@ namespace {
 constexpr double TwipsParPouce = 1440.0;
 constexpr int PixelsMax = 32767;
 constexpr int TwipsMax = 1 << 24;
-/// What must stay in sight of a title bar for a hand to seize it, pixels.
-constexpr QSize Prise(48, 24);
-
 /// In quarters of a point.
 constexpr int CorpsLisible = 6 * 4;
 }  // namespace
@@ -35,19 +33,33 @@ QRect EnPixels(const Rectangle& Place, int PointsParPouce) {
           EnPixels(Place.Largeur, PointsParPouce), EnPixels(Place.Hauteur, PointsParPouce)};
 }
 
-QRect RamenéeSurÉcran(const QRect& Fenêtre) {
-  const QScreen* const Accueil = QGuiApplication::primaryScreen();
-  if (Accueil == nullptr) return Fenêtre;
-  const QRect Bornée(Fenêtre.topLeft(), Fenêtre.size().boundedTo(Accueil->availableVirtualSize()));
-  const QRect Titre(Bornée.topLeft(), QSize(Bornée.width(), Prise.height()));
-  for (const QScreen* Écran : QGuiApplication::screens()) {
-    const QRect EnVue = Titre & Écran->availableGeometry();
-    if (EnVue.width() >= std::min(Prise.width(), Titre.width()) && EnVue.height() >= Prise.height()) return Bornée;
+QRect RamenéeSurÉcran(const QRect& Fenêtre, const std::vector<QRect>& Écrans) {
+  if (Écrans.empty()) return Fenêtre;
+  QRegion EnVue;
+  for (const QRect& Écran : Écrans) EnVue += Écran;
+  if (QRegion(Fenêtre).subtracted(EnVue).isEmpty()) return Fenêtre;
+  const auto Part = [&Fenêtre](const QRect& Écran) {
+    const QSize Commune = (Écran & Fenêtre).size();
+    return static_cast<qint64>(Commune.width()) * Commune.height();
+  };
+  const QRect Libre = *std::ranges::max_element(Écrans, {}, Part);
+  const QSize Taille = Fenêtre.size().boundedTo(Libre.size());
+  return {std::clamp(Fenêtre.left(), Libre.left(), Libre.right() + 1 - Taille.width()),
+          std::clamp(Fenêtre.top(), Libre.top(), Libre.bottom() + 1 - Taille.height()), Taille.width(),
+          Taille.height()};
+}
+
+void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place) {
+  QSize Cadre = Fenêtre.frameGeometry().size() - Fenêtre.size();
+  if (Cadre.isNull()) {  // not drawn yet, or never
+    const int Résolution = Fenêtre.logicalDpiX();
+    Cadre = {EnPixels(CadreNominal::Largeur, Résolution), EnPixels(CadreNominal::Hauteur, Résolution)};
   }
-  const QRect Libre = Accueil->availableGeometry();
-  const QSize Taille = Bornée.size().boundedTo(Libre.size());
-  return {std::clamp(Bornée.left(), Libre.left(), Libre.right() + 1 - Taille.width()),
-          std::clamp(Bornée.top(), Libre.top(), Libre.bottom() + 1 - Taille.height()), Taille.width(), Taille.height()};
+  std::vector<QRect> Écrans;
+  for (const QScreen* Écran : QGuiApplication::screens()) Écrans.push_back(Écran->availableGeometry());
+  const QRect Ramenée = RamenéeSurÉcran(QRect(Place.topLeft(), Place.size() + Cadre), Écrans);
+  Fenêtre.resize(Ramenée.size() - Cadre);
+  Fenêtre.move(Ramenée.topLeft());
 }
 
 QString SurUneLigne(const std::string& Utf8) {

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QWidget>
 #include <string>
+#include <vector>
 
 #include "contracts/toolkit.h"
 
@@ -23,9 +24,12 @@ struct CadreNominal {
   static constexpr int Hauteur = 405;  ///< title and both borders, twips
 };
 
-/// The nearest place at which Fenêtre (outer edges, pixels) can be seen and seized by its title: unchanged where it
-/// is on a screen already.
-[[nodiscard]] QRect RamenéeSurÉcran(const QRect& Fenêtre);
+/// The nearest place at which the whole of Fenêtre (outer edges, pixels) is in sight, made smaller where the screen is:
+/// what lies beyond an edge, such as the row of buttons, can't be reached. Unchanged where it is in sight. Écrans are
+/// the screens' free areas, the chief one first.
+[[nodiscard]] QRect RamenéeSurÉcran(const QRect& Fenêtre, const std::vector<QRect>& Écrans);
+/// Gives the window this place on the machine's screens, in pixels: left and top of its frame, and the inner size.
+void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place);
 
 [[nodiscard]] inline QString Texte(const std::string& Utf8) { return QString::fromStdString(Utf8); }
 /// A list shows a text's line breaks as blanks; a box or a tool tip shows them as they are.

@@ -15,6 +15,8 @@ namespace Ombrey {
 namespace {
 constexpr int LargeurÉtiquettes = 360;  ///< twips beside the lists for the tabs' labels
 constexpr int MargeBouton = 4;          ///< pixels around a button's text
+/// Room for the tab strip with its buttons and a few loads, twips.
+constexpr Rectangle AuMoins{0, 0, 4200, 4350};
 
 /// Tabs along the left edge, as wide as the room beside the lists.
 class BarreOnglets : public QTabBar {
@@ -53,10 +55,10 @@ VueSuiviChargntQt::VueSuiviChargntQt(const ContexteQt& Contexte, IGestesSuivi& G
                                      const Rectangle& Intérieur, std::span<const DessinContrôleSuivi> Dessin)
     : Gestes_(Gestes), Fenêtre_(Contexte, Qt::Window) {
   Fenêtre_->setWindowTitle(Texte(Légende));
-  Fenêtre_->resize(EnPixels(Intérieur, Résolution()).size());
-  QRect Place = Fenêtre_->geometry();
+  Fenêtre_->setMinimumSize(EnPixels(AuMoins, Résolution()).size());
+  QRect Place = EnPixels(Intérieur, Résolution());
   Place.moveCenter(Fenêtre_->screen()->availableGeometry().center());
-  Fenêtre_->move(RamenéeSurÉcran(Place).topLeft());
+  PlacerSurÉcran(*Fenêtre_, Place);
   CréerBande();
   for (const DessinContrôleSuivi& Contrôle : Dessin) Créer(Contrôle);
   for (const auto& [Contrôle, Élément] : Contrôles_) {
@@ -197,6 +199,10 @@ void VueSuiviChargntQt::MontrerContrôle(ContrôleSuivi Contrôle, bool Visible)
   Contrôles_.at(Contrôle)->setVisible(Visible);
 }
 
+void VueSuiviChargntQt::ActiverContrôle(ContrôleSuivi Contrôle, bool Actif) {
+  Contrôles_.at(Contrôle)->setEnabled(Actif);
+}
+
 Rectangle VueSuiviChargntQt::PlaceContrôle(ContrôleSuivi Contrôle) const { return Places_.at(Contrôle); }
 
 void VueSuiviChargntQt::PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) {
@@ -223,9 +229,7 @@ void VueSuiviChargntQt::PlacerFenêtre(const Rectangle& Place) {
   Rectangle Intérieur = Place;
   Intérieur.Largeur = std::max(0, Place.Largeur - CadreNominal::Largeur);
   Intérieur.Hauteur = std::max(0, Place.Hauteur - CadreNominal::Hauteur);
-  const QRect Voulue = RamenéeSurÉcran(EnPixels(Intérieur, Résolution()));
-  Fenêtre_->resize(Voulue.size());
-  Fenêtre_->move(Voulue.topLeft());
+  PlacerSurÉcran(*Fenêtre_, EnPixels(Intérieur, Résolution()));
 }
 
 }  // namespace Ombrey

@@ -41,6 +41,7 @@ class VueSuiviChargntQt : public IVueSuiviChargnt {
   void ChoisirOnglet(Onglet Lequel) override;
   [[nodiscard]] Onglet OngletCourant() const override;
   void MontrerContrôle(ContrôleSuivi Contrôle, bool Visible) override;
+  void ActiverContrôle(ContrôleSuivi Contrôle, bool Actif) override;
 
   [[nodiscard]] Rectangle PlaceContrôle(ContrôleSuivi Contrôle) const override;
   void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) override;
@@ -48,6 +49,8 @@ class VueSuiviChargntQt : public IVueSuiviChargnt {
   [[nodiscard]] Rectangle PlaceFenêtre() const override;
   /// A place off every screen is brought back onto one. A window that fills the screen keeps its place.
   void PlacerFenêtre(const Rectangle& Place) override;
+  [[nodiscard]] bool EstAgrandie() const override { return Fenêtre_->isMaximized() || Fenêtre_->isFullScreen(); }
+  void Agrandir() override { Fenêtre_->setWindowState(Fenêtre_->windowState() | Qt::WindowMaximized); }
 
  private:
   void Créer(const DessinContrôleSuivi& Dessin);

@@ -58,6 +58,16 @@ bool Ignorer(ErreurEnAttente& Attente, Instruction&& Faire) {
   }
 }
 
+/// What Faire gives; its failure says behind its description what it was about, such as a field and its value.
+template <class Calcul>
+auto AuSujetDe(const std::string& Sujet, Calcul&& Faire) {
+  try {
+    return std::forward<Calcul>(Faire)();
+  } catch (const ErreurExécution& Erreur) {
+    throw ErreurExécution(std::string(Erreur.what()) + " : " + Sujet);
+  }
+}
+
 /// The object behind a reference, held for as long as the caller keeps the result. Raises "Variable objet non définie"
 /// when there is none.
 template <class Objet>

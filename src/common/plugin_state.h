@@ -49,6 +49,11 @@ struct ÉtatPlugIn {
   void Avertir(const std::string& Texte, const std::string& Titre = NomPlugIn) {
     Plateforme.Fenêtres().Boîte(Texte, Titre, BoutonsBoîte::Ok);
   }
+  /// The port, held for as long as the caller keeps it. Raises ErreurExécution when none was set or could be had.
+  [[nodiscard]] std::shared_ptr<IPortComm> PortRéglé() const {
+    if (!PortComm) throw ErreurExécution("Aucun port n'est réglé (Station > Configurer le port)");
+    return PortComm;
+  }
   [[nodiscard]] Régional Formes() const { return Plateforme.Système().FormesRégionales(); }
 };
 

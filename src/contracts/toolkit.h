@@ -119,12 +119,17 @@ class IVueSuiviChargnt {
   virtual void ChoisirOnglet(Onglet Lequel) = 0;
   [[nodiscard]] virtual Onglet OngletCourant() const = 0;
   virtual void MontrerContrôle(ContrôleSuivi Contrôle, bool Visible) = 0;
+  /// A disabled control is seen but takes no click or key.
+  virtual void ActiverContrôle(ContrôleSuivi Contrôle, bool Actif) = 0;
 
   [[nodiscard]] virtual Rectangle PlaceContrôle(ContrôleSuivi Contrôle) const = 0;
   virtual void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) = 0;
   /// Outer edges of the window on the screen.
   [[nodiscard]] virtual Rectangle PlaceFenêtre() const = 0;
   virtual void PlacerFenêtre(const Rectangle& Place) = 0;
+  /// The window fills the screen.
+  [[nodiscard]] virtual bool EstAgrandie() const = 0;
+  virtual void Agrandir() = 0;
 };
 
 enum class GenreContrôle { Libellé, CaseÀCocher, Bouton };

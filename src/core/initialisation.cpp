@@ -42,15 +42,13 @@ class Section {
 /// The setting as a whole number; a failure names the key and what stands there.
 template <class Entier>
 Entier EntierDuRéglage(const char* Clé, const std::string& Valeur, const Régional& Formes) {
-  try {
+  return AuSujetDe(std::string("réglage ") + Clé + " = « " + Valeur + " »", [&] {
     if constexpr (sizeof(Entier) == sizeof(std::int16_t)) {
       return EnEntier16(Valeur, Formes);
     } else {
       return EnEntier32(Valeur, Formes);
     }
-  } catch (const ErreurExécution& Échec) {
-    throw ErreurExécution(std::string(Échec.what()) + " : réglage " + Clé + " = « " + Valeur + " »");
-  }
+  });
 }
 
 }  // namespace

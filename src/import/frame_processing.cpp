@@ -120,7 +120,8 @@ std::string TraitementTrame::TexteDate(const Octets& Enregistrement, Position He
 void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) const {
   const Régional Formes = État_.Formes();
   std::string& Degré = DonnéesReçues[Champ::Degré];
-  Degré = TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes);
+  Degré = AuSujetDe("degré « " + Degré + " » du chargement n° " + DonnéesReçues[Champ::NoChargement],
+                    [&] { return TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes); });
   for (const std::size_t Place : {Champ::NoQuai, Champ::Cuve}) {
     DonnéesReçues[Place] = SupprZéroDébut(DonnéesReçues[Place]);
   }

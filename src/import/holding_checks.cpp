@@ -10,6 +10,8 @@ namespace {
 constexpr const char* TitreBoîte = "Vérification d'exploitation";
 constexpr const char* CodeInconnu = "0";
 
+std::string SujetGroupe(const std::string& Groupe) { return "groupe « " + Groupe + " »"; }
+
 }  // namespace
 
 std::string VérificationExploitation::VérifierExploitation(std::string& Propriétaire, std::string& Récoltant,
@@ -92,14 +94,16 @@ bool VérificationExploitation::MêmeGroupe(const IRecordset& Lignes, const std:
   const ValeurChamp IdGrp = Lignes.FieldsNommé("IdGrp");
   if (EstNull(IdGrp)) return false;
   const Régional Formes = État_.Formes();
-  return EnRéel(Groupe, Formes) == EnEntier32(TexteValeur(IdGrp, Formes), Formes);
+  return AuSujetDe(SujetGroupe(Groupe), [&] { return EnRéel(Groupe, Formes); }) ==
+         EnEntier32(TexteValeur(IdGrp, Formes), Formes);
 }
 
 std::string VérificationExploitation::CréerExploitation(const std::string& Propriétaire, const std::string& Récoltant,
                                                         const std::string& Part, const std::string& Groupe) {
   const auto Base = Exiger(État_.BaseDeD);
   std::string Code = CodeInconnu;
-  const std::int16_t Résultat = Base->AjouterMétayage(Nombre(Propriétaire), Récoltant, Code, Part, Nombre(Groupe), "");
+  const std::string NuméroGroupe = AuSujetDe(SujetGroupe(Groupe), [&] { return Nombre(Groupe); });
+  const std::int16_t Résultat = Base->AjouterMétayage(Nombre(Propriétaire), Récoltant, Code, Part, NuméroGroupe, "");
   const bool Échec = Résultat < 0;
   if (Échec) Code = CodeInconnu;
 

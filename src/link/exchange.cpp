@@ -34,7 +34,7 @@ Attente Requête(const Octets& Code) {
 }
 
 bool Échange::Envoyer(const Octets& Texte) {
-  const auto Port = Exiger(État_.PortComm);
+  const auto Port = État_.PortRéglé();
   if (Port->Ecrire(Texte)) return true;
   // A port closed under the writing by the end of the plug-in is no failure of the port.
   if (!État_.Abandon) État_.Avertir(Port->DernièreErreurPort(), "Erreur du port");

@@ -54,7 +54,7 @@ class Échange {
 
   /// Sends, then watches the reception buffer for the patterns, in their order, until one matches or the time is up.
   /// Réponse receives the whole buffer on a match and is untouched otherwise. Pumps: anything may happen meanwhile.
-  /// Raises "Variable objet non définie" without a port.
+  /// Raises ErreurExécution without a port.
   CodeÉchange AttendreRéponse(const Attente& Demande, Octets& Réponse);
 
   /// True for a load frame that may be the answer to an older request: no ACK for it, or the load behind it is lost.

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdlib>
 #include <utility>
 
 #include "monitor/error_printout.h"
@@ -26,6 +27,15 @@ constexpr std::array<std::pair<ContrôleSuivi, Onglet>, 5> ContrôlesDesOnglets{
     {ContrôleSuivi::BtnImprimer, Onglet::Erreurs},
 }};
 
+/// A window manager may shift a window by the width of its frame: no hand moved it so little, twips.
+constexpr int JeuDuCadre = 600;
+
+bool Voisines(const Rectangle& Une, const Rectangle& Autre) {
+  const int Écarts[] = {Une.Gauche - Autre.Gauche, Une.Haut - Autre.Haut, Une.Largeur - Autre.Largeur,
+                        Une.Hauteur - Autre.Hauteur};
+  return std::ranges::all_of(Écarts, [](int Écart) { return std::abs(Écart) <= JeuDuCadre; });
+}
+
 }  // namespace
 
 FSuiviChargnt::FSuiviChargnt(ÉtatPlugIn& État, IServicesLiaison& Services)
@@ -47,6 +57,10 @@ void FSuiviChargnt::Form_Load() {
     Vue_->PlacerContrôle(ContrôleSuivi::BtnMasquer, Place);
   });
   Ignorer(Ignorée, [this] { ReprendrePlace(); });  // a window that is never shown saves its place all the same
+  Ignorer(Ignorée, [this] {
+    if (RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LireAgrandie()) Vue_->Agrandir();
+  });
+  OffrirCumuls();
 }
 
 void FSuiviChargnt::Form_Unload() {
@@ -70,6 +84,7 @@ void FSuiviChargnt::AjouterMessage(const std::string& Texte, bool Coché) {
   Messages_.push_front(Heure + Texte);
   Vue_->InsérerLigne(Onglet::Suivis, 0, Messages_.front(), Coché);
   Vue_->ChoisirLigne(Onglet::Suivis, 0);
+  OffrirCumuls();
   while (Messages_.size() > MessagesAuPlus) {
     Messages_.pop_back();
     Vue_->RetirerLigne(Onglet::Suivis, Messages_.size());
@@ -87,7 +102,13 @@ void FSuiviChargnt::AjouterErreur(const std::string& Texte) {
   Onglets_Click();
 }
 
+/// Before the first load there are no figures to send again.
+void FSuiviChargnt::OffrirCumuls() {
+  Vue_->ActiverContrôle(ContrôleSuivi::BtnForcerCumulsRG80, !État_.DernierNoChargement.empty());
+}
+
 void FSuiviChargnt::Rafraîchir() {
+  OffrirCumuls();
   // A pending error here would be told to the operator as one of the dialogue that asked for the list.
   ErreurEnAttente Ignorée;
   Ignorer(Ignorée, [this] { RemplirGrille(); });
@@ -195,12 +216,22 @@ bool FSuiviChargnt::Form_QueryUnload(bool ParUtilisateur) {
 void FSuiviChargnt::ReprendrePlace() {
   const Rectangle Présente = Vue_->PlaceFenêtre();
   const Rectangle Réglée = RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LirePlace(Présente);
-  if (Réglée != Présente) Vue_->PlacerFenêtre(Réglée);
+  if (Réglée == Présente) return;
+  Vue_->PlacerFenêtre(Réglée);
+  const Rectangle Obtenue = Vue_->PlaceFenêtre();
+  if (Voisines(Obtenue, Réglée))
+    PlaceDEmprunt_.reset();
+  else
+    PlaceDEmprunt_ = Obtenue;
 }
 
 void FSuiviChargnt::SauverPlacement() {
   const RéglagesPlacement Placement(État_.Plateforme.Réglages(), État_.Formes());
-  Placement.EcrirePlace(Vue_->PlaceFenêtre());
+  const bool Agrandie = Vue_->EstAgrandie();
+  if (Agrandie != Placement.LireAgrandie()) Placement.EcrireAgrandie(Agrandie);
+  // The place of a screen that is missing today is kept, unless the operator gave another one.
+  const Rectangle Place = Vue_->PlaceFenêtre();
+  if (!Agrandie && !(PlaceDEmprunt_ && Voisines(Place, *PlaceDEmprunt_))) Placement.EcrirePlace(Place);
   if (!GrilleRemplie_) return;
   const std::size_t Colonnes = Vue_->NombreColonnes();
   for (std::size_t Colonne = 0; Colonne < Colonnes; ++Colonne)

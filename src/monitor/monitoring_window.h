@@ -4,6 +4,7 @@
 #include <deque>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "common/operator_channel.h"
@@ -50,6 +51,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void Form_Unload();
   void ReprendrePlace();
   void SauverPlacement();
+  void OffrirCumuls();
   void MontrerLigne(const std::string& Texte);
   [[nodiscard]] bool BoîtePermise(DemandeLigne Demande, std::function<void()> Reprise);
   void RemplirGrille();
@@ -60,7 +62,8 @@ class FSuiviChargnt final : public IGestesSuivi {
   std::deque<std::string> Messages_;  ///< newest line first
   std::deque<std::string> Erreurs_;   ///< newest line first
   bool GrilleRemplie_ = false;
-  std::shared_ptr<const void> Vie_;  ///< expires with the window; what waits across the loop looks at it
+  std::optional<Rectangle> PlaceDEmprunt_;  ///< where the window stands because its own place is off the screens
+  std::shared_ptr<const void> Vie_;         ///< expires with the window; what waits across the loop looks at it
   std::unique_ptr<IVueSuiviChargnt> Vue_;
 };
 

@@ -28,13 +28,18 @@ class RéglagesPlacement {
 
   /// Place with each of its measures replaced by the saved one, where there is one.
   [[nodiscard]] Rectangle LirePlace(Rectangle Place) const;
-  /// These two raise ErreurExécution when the store can't be written.
+  /// True when the window filled the screen when its place was saved.
+  [[nodiscard]] bool LireAgrandie() const { return Lire(CléAgrandie) > 0; }
+  /// These raise ErreurExécution when the store can't be written.
   void EcrirePlace(const Rectangle& Place) const;
+  void EcrireAgrandie(bool Agrandie) const { Ecrire(CléAgrandie, Agrandie ? 1 : 0); }
   void EcrireLargeur(std::size_t Colonne, int Twips) const;
   /// Saved width of the grid's column, counted from 0; 0 or below when none is to be applied.
   [[nodiscard]] int LireLargeur(std::size_t Colonne) const;
 
  private:
+  static constexpr const char* CléAgrandie = "Agrandie";
+
   [[nodiscard]] int Lire(const std::string& Clé) const;
   void Ecrire(const std::string& Clé, int Twips) const;
 

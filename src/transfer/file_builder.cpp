@@ -16,7 +16,7 @@ class Construction {
                Octets& Fichier)
       : Disposition_(Disposition), Source_(Source), Titrer_(Titrer), Fichier_(Fichier) {}
 
-  void Construire() {
+  std::vector<std::string> Construire() {
     const std::int32_t Attendus = OuvrirEtCompter();
     if (Attendus > EnregistrementsAuPlus) {
       throw ErreurExécution("Plus de " + std::to_string(EnregistrementsAuPlus) + " enregistrements");
@@ -24,6 +24,7 @@ class Construction {
     Fichier_ = Octets(Disposition_.Longueur * static_cast<std::size_t>(Attendus), ' ');
     std::int32_t Compteur = 0;
     for (; !Rangées_->Eof(); Rangées_->MoveNext()) {
+      if (Disposition_.Créneaux && SansCode()) continue;
       if (Compteur == Attendus) throw ErreurExécution(DonnéesChangées);
       EcrireEnregistrement(Disposition_.Longueur * static_cast<std::size_t>(Compteur));
       ++Compteur;
@@ -31,13 +32,14 @@ class Construction {
     if (Compteur != Attendus) throw ErreurExécution(DonnéesChangées);
     Rangées_.reset();
     Titrer_(std::to_string(Compteur) + Disposition_.TitreFin);
+    return std::move(Omissions_);
   }
 
  private:
   /// Another station can write between the count and the reading.
   static constexpr const char* DonnéesChangées = "Les données ont changé pendant la lecture";
 
-  /// Opens the rows and leaves them at the first one that goes into the file.
+  /// Opens the rows and says how many go into the file.
   std::int32_t OuvrirEtCompter() {
     if (Disposition_.SqlComptage) {
       const auto Comptage = Source_.Base.OpenRecordset(Disposition_.SqlComptage);
@@ -49,13 +51,17 @@ class Construction {
     if (Rangées_->Eof()) return 0;
     Rangées_->MoveLast();
     std::int32_t Nombre = Rangées_->RecordCount();
+    if (Disposition_.Créneaux)
+      for (Rangées_->MoveFirst(); !Rangées_->Eof(); Rangées_->MoveNext()) Nombre -= SansCode() ? 1 : 0;
     Rangées_->MoveFirst();
-    // No group is no parent: Null and the empty text are sorted ahead of every code.
-    for (; Disposition_.Créneaux && !Rangées_->Eof() && SansCode(); Rangées_->MoveNext()) --Nombre;
     return Nombre;
   }
 
-  [[nodiscard]] bool SansCode() const { return TexteOuVide(Rangées_->Fields(0), Source_.Formes).empty(); }
+  /// No group, and group 0, which the terminal writes where there is none.
+  [[nodiscard]] bool SansCode() const {
+    const std::string Code = TexteOuVide(Rangées_->Fields(0), Source_.Formes);
+    return Code.empty() || (EstNumérique(Code, Source_.Formes) && EnRéel(Code, Source_.Formes) == 0);
+  }
 
   void EcrireEnregistrement(std::size_t Début) {
     const std::string Titre = Disposition_.Titre + TexteOuVide(Rangées_->Fields(0), Source_.Formes);
@@ -87,10 +93,9 @@ class Construction {
       }
     }
     if (Rang > Créneaux.Nombre) {
-      Source_.Canal.AjouterMessage(
-          Disposition_.Titre + Clé + " : quotas non transmis : " + std::to_string(Rang - Créneaux.Nombre) +
-              " (le RG80 n'en tient que " + std::to_string(Créneaux.Nombre) + " par groupement).",
-          false);
+      Omissions_.push_back(Disposition_.Titre + Clé +
+                           " : quotas non transmis : " + std::to_string(Rang - Créneaux.Nombre) +
+                           " (le RG80 n'en tient que " + std::to_string(Créneaux.Nombre) + " par groupement).");
     }
   }
 
@@ -99,14 +104,15 @@ class Construction {
   const Titreur& Titrer_;
   Octets& Fichier_;
   std::unique_ptr<IRecordset> Rangées_;
+  std::vector<std::string> Omissions_;
 };
 
 }  // namespace
 
-void ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
-                       std::vector<Octets>& Lignes) {
+std::vector<std::string> ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source,
+                                           const Titreur& Titrer, std::vector<Octets>& Lignes) {
   Lignes.assign(1, Octets());
-  Construction(Disposition, Source, Titrer, Lignes.front()).Construire();
+  return Construction(Disposition, Source, Titrer, Lignes.front()).Construire();
 }
 
 }  // namespace Ombrey

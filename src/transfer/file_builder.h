@@ -8,7 +8,6 @@
 #include <string>
 #include <vector>
 
-#include "common/operator_channel.h"
 #include "contracts/database.h"
 #include "contracts/system.h"
 #include "transfer/record_encoders.h"
@@ -41,7 +40,7 @@ struct DispositionFichier {
   const char* SqlComptage;  ///< gives the number of rows; without it the rows themselves are counted
   const char* Titre;        ///< of the window for each record, ahead of the first column
   const char* TitreFin;     ///< of the window at the end, behind the count
-  /// With slots, a record without a value in its first column has nothing to look them up by and is left out.
+  /// With slots, a record is a parent: a row whose first column is blank or 0 is none and is left out.
   const Emplacements* Créneaux = nullptr;
 };
 
@@ -51,17 +50,17 @@ inline constexpr std::int32_t EnregistrementsAuPlus = 32767;
 /// Sets the transfer window's title and repaints it. Lets no event run.
 using Titreur = std::function<void(const std::string&)>;
 
-/// What a file is made from, and whom it tells what doesn't fit into it.
+/// What a file is made from.
 struct SourceFichier {
   IDatabase& Base;
   Régional Formes;
-  ICanalOpérateur& Canal;
 };
 
 /// Makes Lignes afresh with one element: the whole file, empty when there is no row. Rows of slots beyond their number
-/// are left out, and the operator gets a line about it. Raises ErreurExécution when the database can't be read, a
-/// number doesn't fit, or there are more than EnregistrementsAuPlus records.
-void ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
-                       std::vector<Octets>& Lignes);
+/// are left out: the result says of which records, a sentence each. Raises ErreurExécution when the database can't be
+/// read, a number doesn't fit, or there are more than EnregistrementsAuPlus records.
+[[nodiscard]] std::vector<std::string> ConstruireFichier(const DispositionFichier& Disposition,
+                                                         const SourceFichier& Source, const Titreur& Titrer,
+                                                         std::vector<Octets>& Lignes);
 
 }  // namespace Ombrey

@@ -1,6 +1,8 @@
 // The window that sends the cooperative's reference data to the terminal.
 #include "transfer/transfer_window.h"
 
+#include <utility>
+
 #include "base/ansi_text.h"
 #include "base/visible_text.h"
 #include "contracts/line_protocol.h"
@@ -97,6 +99,17 @@ void FChargntDonnées::BtnTransférer_Click() {
     Vue_->FixerTitre(TitreTransmission);
   }
   Fenêtres.FixerSablier(false);
+  if (!État_.Abandon) DireOmissions();
+}
+
+/// The file went, yet not all that the office entered: that must not pass for a success.
+void FChargntDonnées::DireOmissions() {
+  std::string Toutes;
+  for (const std::string& Omission : std::exchange(Omissions_, {})) {
+    État_.Canal.AjouterErreur(Omission);
+    Toutes += (Toutes.empty() ? "" : "\r\n") + Omission;
+  }
+  if (!Toutes.empty()) État_.Avertir(Toutes, TitreTransmission);
 }
 
 /// Empty when all went well or the plug-in has ended.
@@ -126,18 +139,20 @@ std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Je
     Vue_->Repeindre();
   };
   std::string Raison;
+  std::vector<std::string> Omissions;
   ErreurEnAttente Levée;
   const bool Mené = Ignorer(Levée, [&] {
     const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-    ConstruireFichier(Jeu.Fichier, {*Base, État_.Formes(), État_.Canal}, Titrer, Lignes);
+    Omissions = ConstruireFichier(Jeu.Fichier, {*Base, État_.Formes()}, Titrer, Lignes);
     Attendre(Jeu.Pause);
     if (État_.Abandon) return;
     État_.Erreur.Effacer();  // what failed in an earlier dialogue is no failure of this file
     Raison = PlugIn_->TransmettreLignes(Jeu.NumFichier, Lignes);
   });
   if (!Mené) return Levée.Texte();
-  if (Raison.empty()) return std::nullopt;
-  return TrameAbrégée(Raison);
+  if (!Raison.empty()) return TrameAbrégée(Raison);
+  Omissions_.insert(Omissions_.end(), Omissions.begin(), Omissions.end());
+  return std::nullopt;
 }
 
 void FChargntDonnées::Attendre(std::chrono::milliseconds Pause) {

@@ -37,10 +37,12 @@ class FChargntDonnées final : public IGestesChargntDonnées {
   [[nodiscard]] std::string TransférerCochées();
   [[nodiscard]] std::optional<std::string> Transférer(const JeuDeDonnées& Jeu, std::vector<Octets>& Lignes);
   void Attendre(std::chrono::milliseconds Pause);
+  void DireOmissions();
 
   ÉtatPlugIn& État_;
   IServicesLiaison* PlugIn_ = nullptr;  ///< for as long as Afficher runs
   std::unique_ptr<IVueChargntDonnées> Vue_;
+  std::vector<std::string> Omissions_;  ///< of the files that went, until the operator is told
 };
 
 }  // namespace Ombrey

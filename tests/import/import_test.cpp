@@ -91,8 +91,8 @@ TEST_F(Import, EveryFieldIsReworkedOrRefusedOnItsOwn) {
       {19, "0001x3", "", "", {Sans + "/01x3/0456/100.0000/007"}},
       {25, "' OR '", "", "", {Sans + "/0123/OR '/100.0000/007"}},
       {19, "1e9999", "", "", {Sans + "/9999/0456/100.0000/007"}},
-      {45, "1x5", "12", "", {Titre + "Incompatibilité de type"}},
-      {45, "9e9", "12", "", {Titre + "Dépassement de capacité"}}};
+      {45, "1x5", "12", "", {Titre + "Incompatibilité de type : degré « 1x5 » du chargement n° 12"}},
+      {45, "9e9", "12", "", {Titre + "Dépassement de capacité : degré « 9e9 » du chargement n° 12"}}};
   // clang-format on
   for (const Cas& C : Table) {
     EXPECT_EQ(Record(C.Position, C.Valeur), C.Ligne);
@@ -152,7 +152,8 @@ TEST_F(Import, FailuresAreShownAndGiveNoHolding) {
   Exécuter("UPDATE Métayage SET Part = NULL; INSERT INTO Métayage VALUES ('6030','123','456',1,11,'8')");
   const std::array<const char*, 4> Table[] = {
       {"1e50  ", "000456", "007", "Dépassement de capacité"},
-      {"000456", "000456", "a'b", "Incompatibilité de type"},  // a group that must be created under a number
+      {"000456", "000456", "a'b",
+       "Incompatibilité de type : groupe « a'b »"},  // a group that must be created under a number
       {"000123", "000456", "007", "Utilisation incorrecte de Null"}};
   for (const auto& [Propriétaire, Récoltant, Groupe, Description] : Table) {
     EXPECT_EQ(Vérifier(Propriétaire, Récoltant, "100.0000", Groupe), "");

@@ -144,9 +144,35 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
   EXPECT_EQ(std::exchange(Réglages, {}), Place("1000", "800", "9525", "11265"));
   Fenêtre.reset();
   EXPECT_EQ(Réglages, Place("1000", "800", "9525", "11265"));
+  // On a screen that is missing today; moved by a frame's width, then by hand; then made to fill the screen.
+  struct {
+    int Écart;
+    bool Agrandie;
+    const char *Gauche, *Clé;
+  } const Jours[] = {{300, false, "40000", ""}, {-3000, false, "27000", ""}, {-9000, true, "27000", "1"}};
+  for (const auto& Jour : Jours) {
+    if (!Jour.Agrandie) Réglages = Place("40000", "45", "7000", "5000");
+    Ouvrir();
+    Fenêtre->Form_Activate();
+    Vue().Fenêtre.Gauche += Jour.Écart;
+    Vue().Agrandie = Jour.Agrandie;
+    Fenêtre.reset();
+    EXPECT_EQ(Réglages["FSuiviChargnt/Left"], Jour.Gauche);
+    EXPECT_EQ(Réglages["FSuiviChargnt/Agrandie"], Jour.Clé);
+  }
+  Ouvrir();
+  EXPECT_TRUE(Vue().Agrandie);
+  Vue().Agrandie = false;
+  Fenêtre.reset();
+  EXPECT_EQ(Réglages["FSuiviChargnt/Agrandie"], "0");
 }
 
 TEST_F(Suivi, SendsTheFiguresAndPrintsOnceTheLineIsFreeUnlessTheWindowHasGone) {
+  Fenêtre->Rafraîchir();
+  EXPECT_FALSE(Vue().Actifs[BtnForcerCumulsRG80]) << "no load yet";
+  État.DernierNoChargement = "7";
+  Fenêtre->AjouterMessage("reçu", true);
+  EXPECT_TRUE(Vue().Actifs[BtnForcerCumulsRG80]);
   Services.SurCumuls = [this] {
     EXPECT_TRUE(État.Ligne.EstPrise());
     throw ErreurExécution("table absente");

@@ -7,6 +7,7 @@
 namespace Ombrey::Essais {
 
 struct SuiviQt : Bureau {
+  SuiviQt() { État.DernierNoChargement = "7"; }
   /// Shows the window, does Faire in it, and comes back when it is hidden. Hides it at the end.
   void Montrer(const Geste& Faire) {
     Dès("Liste des chargements", [&](QWidget& Fenêtre) {
@@ -68,13 +69,13 @@ TEST_F(SuiviQt, NoClickChangesATickAndADoubleClickShowsTheLine) {
     });
     QTest::mouseDClick(Messages.viewport(), Qt::LeftButton, {}, Coche);
     Vider();
-    LesRéglages.Contenu["FSuiviChargnt/Left"] = "1500";
+    LesRéglages.Contenu["FSuiviChargnt/Left"] = "300";
     for (const bool DUneBoîte : {true, false}) {
       Fenêtre.move(33, 33);
       QEvent Retour(QEvent::WindowActivate);
       QApplication::sendEvent(&Fenêtre, &Retour);
       Vider();
-      EXPECT_EQ(Fenêtre.x(), DUneBoîte ? 33 : 100);
+      EXPECT_EQ(Fenêtre.x(), DUneBoîte ? 33 : 20);
     }
   });
   EXPECT_EQ(Trace, "08:30:00 : <b>reçue</b>");
@@ -94,6 +95,8 @@ TEST_F(SuiviQt, ComesBackFromOffTheScreenAndItsControlsFollowItToTinyAndBack) {
     for (const QSize Taille : {QSize(1, 1), QSize(300, 40), QSize(40, 700), Grande - QSize(40, 40), Grande}) {
       Fenêtre.resize(Taille);
       Vider();
+      const auto& Bouton = Le<QPushButton>(Fenêtre, "RG80 en attente des quotas");
+      EXPECT_TRUE(Fenêtre.rect().contains(QRect(Bouton.mapTo(&Fenêtre, QPoint()), Bouton.size())));
     }
     EXPECT_EQ(Liste.geometry(), Avant);
   });
@@ -134,6 +137,21 @@ TEST_F(SuiviQt, TheGridKeepsItsPlaceAndWidths) {
   Grille.Remplir({"Part"}, {{"a"}, {}});
   EXPECT_EQ(Grille.model()->headerData(0, Qt::Horizontal, Qt::DisplayRole), QString("Part"));
   EXPECT_FALSE(Grille.model()->index(1, 0).data().isValid()) << "a row that is too short";
+}
+
+TEST(Mesures, AWindowComesWholeOntoTheScreenThatHasMostOfIt) {
+  const QRect Grand(0, 0, 1920, 1080), Petit(0, 0, 1366, 738), Droite(1920, 0, 1280, 1000);
+  const struct {
+    QRect Fenêtre;
+    std::vector<QRect> Écrans;
+    QRect Attendue;
+  } Table[] = {{{218, 20, 939, 794}, {Petit}, {218, 0, 939, 738}},  // 120 dots to the inch: lower strip off the screen
+               {{200, -90, 1502, 1270}, {Grand}, {200, 0, 1502, 1080}},        // 192
+               {{1500, 20, 700, 600}, {Grand, Droite}, {1500, 20, 700, 600}},  // across two screens, all in sight
+               {{2000, 500, 700, 600}, {Grand, Droite}, {2000, 400, 700, 600}},
+               {{2000, 500, 700, 600}, {Grand}, {1220, 480, 700, 600}},
+               {{10, 10, 20, 20}, {}, {10, 10, 20, 20}}};
+  for (const auto& Cas : Table) EXPECT_EQ(RamenéeSurÉcran(Cas.Fenêtre, Cas.Écrans), Cas.Attendue);
 }
 
 TEST(Mesures, TwipsBecomePixelsAtEachResolutionAndDoNotDrift) {

@@ -82,7 +82,7 @@ TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
   // Box, answer and row; places in the record with what stands there.
   const std::pair<std::string, std::vector<std::pair<std::size_t, std::string>>> Table[] = {
       // clang-format off
-      {"TraiterDonnéesReçues : Incompatibilité de type : ", {{44, "12X"}, {44, "   "}}},
+      {"TraiterDonnéesReçues : Incompatibilité de type : degré « 12X » du chargement n° 12 : ", {{44, "12X"}}},
       {"NAK", {{0, "00A2"}, {0, "-012"}, {0, "1'2;"}, {40, "';"}, {42, "0;"}, {40, "\x01\x7F"}, {40, "\x02\x03"}, {47, "X"},
                {47, "';"}, {48, "12X4"}, {48, "-123"}, {48, "    "}, {52, "0;7"}}},
       {"", {{0, "0000"}, {18, "00012X"}, {18, "      "}, {18, "1' OR'"}, {18, "123;45"}, {24, "X00456"}, {24, "00001e"},

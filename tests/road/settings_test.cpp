@@ -20,8 +20,8 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
     Poste P{};
   } Cas[] = {
       // clang-format off
-      {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},
-      {"$ sed -i 1d tarvel.ini", SansPort, Relevé + "Erreur Variable objet non définie"},  // no section
+      {"$ rm tarvel.ini", SansPort, Relevé + "Erreur Aucun port n'est réglé (Station > "},
+      {"$ sed -i 1d tarvel.ini", SansPort, Relevé + "Erreur Aucun port n'est réglé (Station > "},  // no section
       {"$ sed -i /Port/d tarvel.ini", SansPort, Relevé},
       {"$ sed -i /Bauds/d tarvel.ini", "Bauds = «  »", Échec}, {"$ sed -i s/9600/vite/ tarvel.ini", "Bauds = « vite »", Échec},
       {"$ sed -i s/9600/38400/ tarvel.ini", "Bauds = « 38400 »", Échec},

@@ -72,10 +72,11 @@ struct FausseVueSuivi : IVueSuiviChargnt {
   Onglet OngletChoisi = Onglet::Suivis;
   std::vector<Mots> Grille;  ///< the headings ahead of the rows
   std::map<std::size_t, int> Largeurs;
-  std::map<ContrôleSuivi, bool> Visibles;
+  std::map<ContrôleSuivi, bool> Visibles, Actifs;
   std::map<ContrôleSuivi, Rectangle> Places;
   Rectangle Fenêtre{1000, 800, 11265, 9525};
-  bool Visible = false;
+  int BordDroit = 30000;  ///< no window stands farther to the right
+  bool Visible = false, Agrandie = false;
 
   /// Pumps until hidden; a test hides it by an event of the clock.
   void MontrerModale() override {
@@ -110,10 +111,16 @@ struct FausseVueSuivi : IVueSuiviChargnt {
   void ChoisirOnglet(Onglet Lequel) override { OngletChoisi = Lequel; }
   Onglet OngletCourant() const override { return OngletChoisi; }
   void MontrerContrôle(ContrôleSuivi Contrôle, bool EstVisible) override { Visibles[Contrôle] = EstVisible; }
+  void ActiverContrôle(ContrôleSuivi Contrôle, bool Actif) override { Actifs[Contrôle] = Actif; }
   Rectangle PlaceContrôle(ContrôleSuivi Contrôle) const override { return Places.at(Contrôle); }
   void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) override { Places[Contrôle] = Place; }
   Rectangle PlaceFenêtre() const override { return Fenêtre; }
-  void PlacerFenêtre(const Rectangle& Place) override { Fenêtre = Place; }
+  void PlacerFenêtre(const Rectangle& Place) override {
+    Fenêtre = Place;
+    Fenêtre.Gauche = std::min(Place.Gauche, BordDroit);
+  }
+  bool EstAgrandie() const override { return Agrandie; }
+  void Agrandir() override { Agrandie = true; }
 
  private:
   FauxSystème& Système_;

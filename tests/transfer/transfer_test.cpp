@@ -52,7 +52,9 @@ struct Transfert : AvecCoopérative {
     std::vector<Octets> Lignes{Octets("left over"), Octets("from before")};
     ErreurEnAttente Levée;
     const auto Titrer = [this](Mot Titre) { Titres.push_back(Titre); };
-    Ignorer(Levée, [&] { ConstruireFichier(JeuxDeDonnées()[Rang].Fichier, {*Hôte->Base, {}, Canal}, Titrer, Lignes); });
+    Ignorer(Levée, [&] {
+      static_cast<void>(ConstruireFichier(JeuxDeDonnées()[Rang].Fichier, {*Hôte->Base, {}}, Titrer, Lignes));
+    });
     EXPECT_EQ(Lignes.size(), 1U);
     return Levée.EstPrésente() ? Levée.Texte() : std::string(Lignes[0].Bruts());
   }
@@ -99,18 +101,24 @@ TEST_F(Transfert, FilesHoldTheRecordsWorkedOutByHand) {
   }
 }
 
-TEST_F(Transfert, FilesLeaveOutQuotasBeyondTheSixth) {
+TEST_F(Transfert, GroupZeroIsNoGroupAndQuotasBeyondTheSixthAreToldOnceTheFileWent) {
   // clang-format off
   Exécuter(
-      "INSERT INTO Métayage VALUES('1','1','1',1,'1','7'),('2','1','1',1,'1','8'); INSERT INTO Sélection"
+      "INSERT INTO Métayage VALUES('1','1','1',1,'1','7'),('2','1','1',1,'1','8'),('3','1','1',1,'1','000'),('4','1','1',1,'1','0');"
+      "INSERT INTO Sélection"
       " VALUES('11','',0),('12','',0),('13','',0),('14','',0),('15','',0),('16','',0),('17','',0),('18','',0);"
       "INSERT INTO QuotasGrp SELECT '7',IdSélection,1 FROM Sélection;"
       "INSERT INTO QuotasGrp SELECT '8',IdSélection,2 FROM Sélection WHERE IdSélection<'17';");
   EXPECT_EQ(Construire(3), "0077" + Blancs(19) + "110000000112000000011300000001140000000115000000011600000001"
                            "0088" + Blancs(19) + "110000000212000000021300000002140000000215000000021600000002");
   // clang-format on
-  ASSERT_EQ(Canal.Messages.size(), 1U);
-  EXPECT_EQ(Canal.Messages[0].first.find("Groupement 7 : quotas non transmis : 2 ("), 0U);
+  Refusé = 2;
+  Fenêtres.Réponses = {RéponseBoîte::Recommencer};
+  Fenêtres.PendantBoîte = [this] { Refusé = 0; };
+  Ouvrir(Transférer);
+  const std::string Omis = "Groupement 7 : quotas non transmis : 2 (le RG80 n'en tient que 6 par groupement).";
+  EXPECT_EQ(Fenêtres.Dites(), (Mots{T + "Groupements\r\nAucune réponse du RG80. ?", T + Omis}));
+  EXPECT_EQ(Canal.Erreurs, Mots{Omis});
 }
 
 TEST_F(Transfert, FilesFailWhenTheDataDontFit) {
