@@ -28,7 +28,7 @@ bool QuestionsPort::Demander(RéglagesPort& Réglages, const std::function<std::
   for (;;) {
     if (!DemanderTout(Voulus)) break;
     const std::string Raison = Essayer(Voulus);
-    Fenêtres_.Ligne(Raison.empty() ? "essai : le port s'ouvre." : "essai : " + Raison);
+    Fenêtres_.Ligne(Raison.empty() ? "essai : le RG80 répond." : "essai : " + Raison);
     const auto Garder = Raison.empty() ? std::optional<std::string>("oui")
                                        : Interroger("garder quand même ces réglages ? (oui, non, annuler) [non]");
     if (!Garder) break;

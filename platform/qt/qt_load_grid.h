@@ -13,8 +13,13 @@ namespace Ombrey {
 class ModèleGrille : public QAbstractTableModel {
  public:
   using QAbstractTableModel::QAbstractTableModel;
-  /// As long as the number of columns stays, views keep scroll position, widths and selection.
+  /// As long as the number of columns stays, views keep scroll position, widths and selection by their row.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
+
+  /// What a row stands for, whatever its place: its first two texts. Empty where there is no such row.
+  [[nodiscard]] QString Identité(int Rang) const;
+  /// The row that stands for this; -1 when it has gone.
+  [[nodiscard]] int RangDe(const QString& Identité) const;
 
   [[nodiscard]] int rowCount(const QModelIndex& Parent = {}) const override;
   [[nodiscard]] int columnCount(const QModelIndex& Parent = {}) const override;
@@ -24,6 +29,7 @@ class ModèleGrille : public QAbstractTableModel {
  private:
   std::vector<std::string> Entêtes_;
   std::vector<std::vector<std::string>> Lignes_;
+  std::set<QString> Nouvelles_;  ///< rows that came with the latest contents that brought any
 };
 
 class GrilleChargements : public QTableView {
@@ -36,6 +42,10 @@ class GrilleChargements : public QTableView {
   /// The width that was given to the column; 0 as long as it follows its contents. To remember that of an empty list,
   /// or of a day of short names, would leave the column too narrow for good.
   [[nodiscard]] int LargeurFixée(int Colonne) const;
+
+ protected:
+  /// Copies the whole row, its texts separated by tabs.
+  void keyPressEvent(QKeyEvent* Événement) override;
 
  private:
   void Élargir();

@@ -1,7 +1,9 @@
 // Message boxes on a screen.
 #include "platform/qt/qt_message_box.h"
 
+#include <QApplication>
 #include <QDialogButtonBox>
+#include <QElapsedTimer>
 #include <QGridLayout>
 #include <QLabel>
 #include <QScreen>
@@ -9,6 +11,7 @@
 #include <QTextDocument>
 #include <QTextEdit>
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <optional>
 
@@ -65,12 +68,12 @@ QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
 
 class BoîteQt : public QDialog {
  public:
-  BoîteQt(QWidget* Parent, const QString& Message, BoutonsBoîte Boutons) : QDialog(Parent) {
+  BoîteQt(QWidget* Parent, const QString& Message, BoutonsBoîte Boutons, std::chrono::milliseconds Répit)
+      : QDialog(Parent), Répit_(Répit) {
     const bool Seul = Boutons == BoutonsBoîte::Ok;
-    const auto Signe = Seul ? QStyle::SP_MessageBoxInformation : QStyle::SP_MessageBoxWarning;
     const int Côté = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
     auto* const Icône = new QLabel(this);
-    Icône->setPixmap(style()->standardIcon(Signe).pixmap(Côté, Côté));
+    Icône->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(Côté, Côté));
     auto* const Rangée = new QDialogButtonBox(this);
     Ajouter(*Rangée, Seul ? QStringLiteral("OK") : QStringLiteral("&Recommencer"), QDialogButtonBox::AcceptRole,
             Seul ? RéponseBoîte::Ok : RéponseBoîte::Recommencer)
@@ -86,16 +89,34 @@ class BoîteQt : public QDialog {
   }
   std::optional<RéponseBoîte> Réponse;
 
+  /// Esc and the frame's closing.
+  void reject() override {
+    if (!EstTropTôt()) QDialog::reject();
+  }
+
+ protected:
+  void showEvent(QShowEvent* Événement) override {
+    QDialog::showEvent(Événement);
+    if (!Depuis_.isValid()) Depuis_.start();
+  }
+
  private:
+  [[nodiscard]] bool EstTropTôt() const {
+    return Depuis_.isValid() && std::chrono::milliseconds(Depuis_.elapsed()) < Répit_;
+  }
   QPushButton* Ajouter(QDialogButtonBox& Rangée, const QString& Libellé, QDialogButtonBox::ButtonRole Rôle,
                        RéponseBoîte Valeur) {
     QPushButton* const Bouton = Rangée.addButton(Libellé, Rôle);
     connect(Bouton, &QPushButton::clicked, this, [this, Valeur] {
+      if (EstTropTôt()) return;
       Réponse = Valeur;
       hide();
     });
     return Bouton;
   }
+
+  std::chrono::milliseconds Répit_;
+  QElapsedTimer Depuis_;
 };
 }  // namespace
 
@@ -103,9 +124,20 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
                               BoutonsBoîte Boutons) {
   const RéponseBoîte Défaut = Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   if (Contexte.EnFin) return Défaut;
-  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons));
+  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons, Contexte.Répit));
   Boîte->setWindowTitle(Texte(Titre));
+  bool Retirée = false;
+  IBoucle::Jeton Échéance;
+  if (Boutons == BoutonsBoîte::Ok && Contexte.Retrait.count() > 0) {
+    Échéance = Contexte.Boucle.Après(Contexte.Retrait, [&] {
+      Retirée = Boîte.EstLà() && Boîte->isVisible();
+      if (Retirée) Boîte->hide();
+    });
+  }
+  QApplication::beep();
+  QApplication::alert(Boîte.operator->());
   Boîte.Attendre(Contexte);
+  if (Retirée && Contexte.SurRetrait) Contexte.SurRetrait(Titre, Message);
   return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;
 }
 

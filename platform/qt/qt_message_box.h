@@ -10,6 +10,7 @@ namespace Ombrey {
 
 /// Shows the box above the active window and runs the loop until it is answered. The text stands as it is, never read
 /// as markup; a long one is scrolled. Esc and the frame's closing answer OK, or Annuler, and so does the station's end.
+/// A lone OK steps aside by itself, as the context says.
 RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
                               BoutonsBoîte Boutons);
 

@@ -2,9 +2,11 @@
 #include "platform/qt/qt_monitoring_view.h"
 
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QScreen>
-#include <QStyle>
+#include <QStyledItemDelegate>
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <utility>
 
@@ -34,11 +36,46 @@ class BarreOnglets : public QTabBar {
   }
 };
 
-/// A list that keeps the room of the buttons free: they stand on its lower edge.
-class ListeSousBoutons : public QListWidget {
+/// Each line is as wide as the widest of the list: so one line's height is all that is ever measured, and a line longer
+/// than the list gets a scroll bar.
+class LignesÉgales : public QStyledItemDelegate {
  public:
-  using QListWidget::QListWidget;
-  void RéserverBas(int Pixels) { setViewportMargins(0, 0, 0, Pixels); }
+  using QStyledItemDelegate::QStyledItemDelegate;
+  [[nodiscard]] QSize sizeHint(const QStyleOptionViewItem& Option, const QModelIndex& Place) const override {
+    return {Largeur, QStyledItemDelegate::sizeHint(Option, Place).height()};
+  }
+  int Largeur = 0;
+};
+
+/// A list above the buttons of its tab, with its bars beside them and not below.
+class ListeSuivi : public QListWidget {
+ public:
+  explicit ListeSuivi(QWidget* Parent) : QListWidget(Parent), Lignes_(new LignesÉgales(this)) {
+    setUniformItemSizes(true);
+    setItemDelegate(Lignes_);
+    setHorizontalScrollMode(ScrollPerPixel);
+  }
+  std::function<void()> SurEntrée;
+
+  void Ajouter(int Rang, std::unique_ptr<QListWidgetItem> Élément) {
+    QStyleOptionViewItem Option;
+    initViewItemOption(&Option);
+    insertItem(Rang, Élément.release());
+    const int Largeur = Lignes_->QStyledItemDelegate::sizeHint(Option, model()->index(Rang, 0)).width();
+    if (Largeur <= Lignes_->Largeur) return;
+    Lignes_->Largeur = Largeur;
+    scheduleDelayedItemsLayout();
+  }
+
+ protected:
+  void keyPressEvent(QKeyEvent* Événement) override {
+    const bool Entrée = Événement->key() == Qt::Key_Return || Événement->key() == Qt::Key_Enter;
+    if (Entrée && SurEntrée) return SurEntrée();
+    QListWidget::keyPressEvent(Événement);
+  }
+
+ private:
+  LignesÉgales* Lignes_;
 };
 
 int Rang(std::size_t Ligne) { return static_cast<int>(std::min<std::size_t>(Ligne, 1U << 30U)); }
@@ -65,7 +102,26 @@ VueSuiviChargntQt::VueSuiviChargntQt(const ContexteQt& Contexte, IGestesSuivi& G
     if (EstBouton(Contrôle)) Élément->raise();
   }
   Onglets_->setTabVisible(static_cast<int>(Onglet::Erreurs), false);
+  Ordonner();
   Brancher();
+}
+
+/// Keys go from top to bottom: the loads, the tabs, the tab's list, its buttons.
+void VueSuiviChargntQt::Ordonner() {
+  using enum ContrôleSuivi;
+  Grille_->setAccessibleName(QStringLiteral("Chargements du jour"));
+  Onglets_->setAccessibleName(QStringLiteral("Messages et erreurs"));
+  Liste(Onglet::Suivis).setAccessibleName(QStringLiteral("Messages"));
+  Liste(Onglet::Erreurs).setAccessibleName(QStringLiteral("Erreurs"));
+  QWidget* Avant = Grille_;
+  QWidget* const Suite[] = {Onglets_,
+                            Contrôles_.at(ListeSuivis),
+                            Contrôles_.at(ListeErreurs),
+                            Contrôles_.at(BtnForcerCumulsRG80),
+                            Contrôles_.at(BtnInterroger),
+                            Contrôles_.at(BtnImprimer)};
+  for (QWidget* Un : Suite) QWidget::setTabOrder(std::exchange(Avant, Un), Un);
+  Grille_->setFocus();
 }
 
 void VueSuiviChargntQt::CréerBande() {
@@ -101,8 +157,7 @@ void VueSuiviChargntQt::Créer(const DessinContrôleSuivi& Dessin) {
 }
 
 QListWidget* VueSuiviChargntQt::CréerListe(Onglet Lequel) {
-  auto* const LaListe = new ListeSousBoutons(Bande_);
-  LaListe->setUniformItemSizes(true);
+  auto* const LaListe = new ListeSuivi(Bande_);
   LaListe->setSpacing(1);  // keeps the ticks of two lines apart
   LaListe->setEditTriggers(QAbstractItemView::NoEditTriggers);
   LaListe->setVisible(Lequel == Onglet::Suivis);
@@ -141,8 +196,9 @@ void VueSuiviChargntQt::Brancher() {
   Fenêtre_->SurTaille = Fenêtre_.SurPlace([&G] { G.Form_Resize(); });
   QObject::connect(Onglets_, &QTabBar::currentChanged, Fenêtre_.EnÉvénement([&G] { G.Onglets_Click(); }));
   for (const Onglet Lequel : {Onglet::Suivis, Onglet::Erreurs}) {
-    QObject::connect(&Liste(Lequel), &QListWidget::itemDoubleClicked,
-                     Fenêtre_.EnSaisie([&G, Lequel] { G.ListeMessages_DblClick(Lequel); }));
+    const auto Montrer = Fenêtre_.EnSaisie([&G, Lequel] { G.ListeMessages_DblClick(Lequel); });
+    QObject::connect(&Liste(Lequel), &QListWidget::itemDoubleClicked, Montrer);
+    static_cast<ListeSuivi&>(Liste(Lequel)).SurEntrée = Montrer;
   }
 }
 
@@ -167,7 +223,7 @@ void VueSuiviChargntQt::InsérerLigne(Onglet LaListe, std::size_t Place, const s
   // The tick is the plug-in's word on the line: shown, but no click changes it.
   Élément->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
   if (LaListe == Onglet::Suivis) Élément->setCheckState(Coché ? Qt::Checked : Qt::Unchecked);
-  Liste(LaListe).insertItem(Rang(Place), Élément.release());
+  static_cast<ListeSuivi&>(Liste(LaListe)).Ajouter(Rang(Place), std::move(Élément));
 }
 
 void VueSuiviChargntQt::RetirerLigne(Onglet LaListe, std::size_t Ligne) { delete Liste(LaListe).takeItem(Rang(Ligne)); }
@@ -211,11 +267,17 @@ void VueSuiviChargntQt::PlacerContrôle(ContrôleSuivi Contrôle, const Rectangl
   Contrôles_.at(Contrôle)->setGeometry(Pixels);
   if (Contrôle == ContrôleSuivi::Onglets)
     Onglets_->setGeometry(0, 0, EnPixels(LargeurÉtiquettes, Résolution()), Pixels.height());
-  if (Contrôle == ContrôleSuivi::BtnInterroger || Contrôle == ContrôleSuivi::BtnImprimer) {
-    const Onglet Lequel = Contrôle == ContrôleSuivi::BtnImprimer ? Onglet::Erreurs : Onglet::Suivis;
-    auto& LaListe = static_cast<ListeSousBoutons&>(Liste(Lequel));
-    LaListe.RéserverBas(std::max(0, LaListe.geometry().bottom() - Pixels.top() + MargeBouton));
-  }
+  LaisserPlaceAuxBoutons(ContrôleSuivi::ListeSuivis, ContrôleSuivi::BtnInterroger);
+  LaisserPlaceAuxBoutons(ContrôleSuivi::ListeErreurs, ContrôleSuivi::BtnImprimer);
+}
+
+/// The buttons stand on the lower edge of the list's place: the list itself ends above them.
+void VueSuiviChargntQt::LaisserPlaceAuxBoutons(ContrôleSuivi LaListe, ContrôleSuivi Bouton) {
+  if (!Contrôles_.contains(LaListe) || !Contrôles_.contains(Bouton)) return;
+  QRect Place = EnPixels(Places_.at(LaListe), Résolution());
+  const int Bas = EnPixels(Places_.at(Bouton), Résolution()).top() - MargeBouton;
+  if (Bas > Place.top()) Place.setBottom(std::min(Place.bottom(), Bas));
+  Contrôles_.at(LaListe)->setGeometry(Place);
 }
 
 Rectangle VueSuiviChargntQt::PlaceFenêtre() const {

@@ -57,6 +57,8 @@ class VueSuiviChargntQt : public IVueSuiviChargnt {
   void CréerBande();
   [[nodiscard]] QListWidget* CréerListe(Onglet Lequel);
   [[nodiscard]] QPushButton* CréerBouton(const DessinContrôleSuivi& Dessin);
+  void Ordonner();
+  void LaisserPlaceAuxBoutons(ContrôleSuivi LaListe, ContrôleSuivi Bouton);
   void Brancher();
   [[nodiscard]] QListWidget& Liste(Onglet Laquelle) const { return *Listes_[static_cast<std::size_t>(Laquelle)]; }
   [[nodiscard]] int Résolution() const { return Fenêtre_->logicalDpiX(); }

@@ -20,18 +20,20 @@ namespace Ombrey {
 namespace {
 constexpr int LargeurChamps = 420;  // a name from /dev/serial/by-id
 constexpr int LignesCompteRendu = 3;
+constexpr const char* LibelléGarder = "E&nregistrer";
 
 struct Champ {
   const char* Libellé;
   std::string RéglagesPort::*Valeur;
   std::vector<std::string> ChoixPort::*Choix;  ///< none for the port itself, whose choice is the machine's
+  bool EstNombre = false;
 };
 constexpr std::array<Champ, 5> Champs{{
     {"&Port :", &RéglagesPort::Port, nullptr},
-    {"&Vitesse (bauds) :", &RéglagesPort::Bauds, &ChoixPort::Bauds},
+    {"&Vitesse (bauds) :", &RéglagesPort::Bauds, &ChoixPort::Bauds, true},
     {"Pa&rité :", &RéglagesPort::Parité, &ChoixPort::Parités},
-    {"&Bits de stop :", &RéglagesPort::BitsStop, &ChoixPort::BitsStop},
-    {"&Taille des mots :", &RéglagesPort::TailleMots, &ChoixPort::TaillesMots},
+    {"&Bits de stop :", &RéglagesPort::BitsStop, &ChoixPort::BitsStop, true},
+    {"&Taille des mots :", &RéglagesPort::TailleMots, &ChoixPort::TaillesMots, true},
 }};
 
 class DialoguePort : public QDialog {
@@ -62,13 +64,10 @@ class DialoguePort : public QDialog {
     if (Ports.empty()) Dire("Aucun port série n'a été trouvé sur cette machine.");
     Plan->addRow(CompteRendu_);
     BtnEssayer = Boutons_->addButton(QStringLiteral("&Essayer"), QDialogButtonBox::ActionRole);
-    Garder_ = Boutons_->addButton(QStringLiteral("E&nregistrer"), QDialogButtonBox::AcceptRole);
+    Garder_ = Boutons_->addButton(QString::fromUtf8(LibelléGarder), QDialogButtonBox::AcceptRole);
     QPushButton* const Annuler = Boutons_->addButton(QStringLiteral("&Annuler"), QDialogButtonBox::RejectRole);
     Garder_->setDefault(true);
-    connect(Garder_, &QPushButton::clicked, this, [this] {
-      Retenus = true;
-      hide();
-    });
+    connect(Garder_, &QPushButton::clicked, this, [this] { Garder(); });
     connect(Annuler, &QPushButton::clicked, this, [this] { hide(); });
     Plan->addRow(Boutons_);
     Vérifier();
@@ -81,6 +80,11 @@ class DialoguePort : public QDialog {
     return Réglages;
   }
   void Dire(const std::string& Message) { CompteRendu_->setText(Texte(Message)); }
+  /// The trial's outcome; Raison is empty when the terminal answered.
+  void DireEssai(const std::string& Raison) {
+    Manqués_ = Raison.empty() ? RéglagesPort{} : Saisis();
+    Dire(Raison.empty() ? "Essai réussi : le RG80 répond." : "Essai manqué. " + Raison);
+  }
 
   QPushButton* BtnEssayer = nullptr;
   bool Retenus = false;
@@ -106,24 +110,38 @@ class DialoguePort : public QDialog {
     Saisie.view()->setMinimumWidth(Saisie.view()->sizeHintForColumn(0));
   }
   void Vérifier() {
-    const bool Complet = std::ranges::all_of(
-        Saisies_, [](const QComboBox* Saisie) { return !Saisie->currentText().trimmed().isEmpty(); });
+    const RéglagesPort Réglages = Saisis();
+    const bool Complet = std::ranges::all_of(Champs, [&](const Champ& Un) {
+      const std::string& Valeur = Réglages.*Un.Valeur;
+      return !Valeur.empty() && (!Un.EstNombre || Valeur.find_first_not_of("0123456789") == std::string::npos);
+    });
     Garder_->setEnabled(Complet);
     BtnEssayer->setEnabled(Complet);
+    Garder_->setText(QString::fromUtf8(LibelléGarder));
+  }
+  /// Settings whose trial failed are kept only when the operator says so a second time.
+  void Garder() {
+    const bool Demandé = Garder_->text() != QString::fromUtf8(LibelléGarder);
+    if (Demandé || Saisis() != Manqués_) {
+      Retenus = true;
+      return hide();
+    }
+    Dire("L'essai de ces réglages a échoué. Les enregistrer quand même ?");
+    Garder_->setText(QStringLiteral("E&nregistrer quand même"));
   }
 
   std::array<QComboBox*, Champs.size()> Saisies_{};
   QLabel* CompteRendu_;
   QDialogButtonBox* Boutons_;
   QPushButton* Garder_ = nullptr;
+  RéglagesPort Manqués_;  ///< those whose trial failed last
 };
 
-std::string DireEssai(const std::function<std::string(const RéglagesPort&)>& Essayer, const RéglagesPort& Réglages) {
+std::string RaisonEssai(const std::function<std::string(const RéglagesPort&)>& Essayer, const RéglagesPort& Réglages) {
   try {
-    const std::string Raison = Essayer(Réglages);
-    return Raison.empty() ? "Essai réussi : le port " + Réglages.Port + " s'ouvre." : "Essai manqué. " + Raison;
+    return Essayer(Réglages);
   } catch (const std::exception& Erreur) {
-    return std::string("Essai manqué. ") + Erreur.what();
+    return Erreur.what();
   }
 }
 }  // namespace
@@ -134,8 +152,12 @@ bool QuestionnairePortQt::Demander(RéglagesPort& Réglages,
   const DialogueTenu<DialoguePort> Dialogue(new DialoguePort(FenêtreDessous(), Réglages, Chercher_(), Usuels_));
   const auto Essai = [&] {
     if (!Dialogue.EstLà() || !Dialogue->isVisible()) return;
-    const std::string Issue = DireEssai(Essayer, Dialogue->Saisis());
-    if (Dialogue.EstLà()) Dialogue->Dire(Issue);
+    Dialogue->setEnabled(false);
+    Dialogue->Dire("Essai en cours…");
+    const std::string Raison = RaisonEssai(Essayer, Dialogue->Saisis());
+    if (!Dialogue.EstLà()) return;
+    Dialogue->setEnabled(true);
+    Dialogue->DireEssai(Raison);
   };
   const auto Vie = std::make_shared<int>();
   QObject::connect(Dialogue->BtnEssayer, &QPushButton::clicked,

@@ -4,6 +4,7 @@
 #include <QFontMetricsF>
 #include <QPainter>
 #include <QPrinterInfo>
+#include <algorithm>
 #include <system_error>
 #include <utility>
 
@@ -45,11 +46,17 @@ void ImprimanteQt::FixerPolice(int Points, bool Gras, bool Souligné) {
 
 void ImprimanteQt::Imprimer(const std::string& Ligne) {
   const QFontMetricsF Mesure(Police_, &Imprimante_);
-  const QRectF Offerte(0, Position_, Imprimante_.pageRect(QPrinter::DevicePixel).width(), HauteurPage());
   const QString Composée = EnLignes(Ligne);
-  const double Hauteur = std::max(Mesure.height(), Mesure.boundingRect(Offerte, Habillage, Composée).height());
-  if (!Composée.trimmed().isEmpty())
-    Lignes_.push_back({Page_, QRectF(0, Position_, Offerte.width(), Hauteur), Police_, Composée});
+  // The blanks ahead of a line stand ahead of what it goes on with, too.
+  const auto Blancs =
+      std::ranges::find_if(Composée, [](QChar Un) { return Un != QLatin1Char(' '); }) - Composée.begin();
+  const double Retrait = Mesure.horizontalAdvance(Composée.left(Blancs));
+  const double Largeur = Imprimante_.pageRect(QPrinter::DevicePixel).width() - Retrait;
+  const QRectF Offerte(Retrait, Position_, Largeur, HauteurPage());
+  const QString Corps = Composée.mid(Blancs);
+  const double Hauteur = std::max(Mesure.height(), Mesure.boundingRect(Offerte, Habillage, Corps).height());
+  if (!Corps.trimmed().isEmpty())
+    Lignes_.push_back({Page_, QRectF(Retrait, Position_, Largeur, Hauteur), Police_, Corps});
   Position_ += Hauteur;
 }
 

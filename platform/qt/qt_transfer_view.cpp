@@ -2,9 +2,12 @@
 #include "platform/qt/qt_transfer_view.h"
 
 #include <QCheckBox>
-#include <QLabel>
 #include <QScreen>
+#include <QTime>
+#include <QTimer>
 #include <algorithm>
+#include <chrono>
+#include <utility>
 #include <vector>
 
 #include "base/failures.h"
@@ -17,8 +20,15 @@ namespace {
 constexpr double CorpsContrôles = 9.75;
 constexpr int MargeBouton = 4;
 constexpr int MargeCase = 12;  ///< half of the tick's square and its distance, pixels: the text is fitted centred
+/// What the buttons' and boxes' letters are called; the machine gives its nearest where it has none of that name.
+constexpr const char* Caractères = "MS Sans Serif";
+/// As many titles in a second as can be read.
+constexpr std::chrono::milliseconds EntreTitres(100);
 constexpr const char* BoutonTransférer = "BtnTransférer";
 constexpr const char* BoutonFermer = "BtnFermer";
+
+/// Between a data set's name and the time at which it went.
+const QString EnvoyéÀ = QStringLiteral(" – ");
 
 QFont Gras(QFont Police, bool EstGras) {
   Police.setBold(EstGras);
@@ -59,6 +69,8 @@ QWidget* VueChargntDonnéesQt::Créer(const DessinContrôle& Dessin) {
   if (Dessin.Genre == GenreContrôle::Libellé) {
     auto* const Libellé = new QLabel(Texte(Dessin.Texte), Parent);
     Libellé->setTextFormat(Qt::PlainText);
+    Consigne_ = Libellé;
+    TexteConsigne_ = Libellé->text();
     return Libellé;
   }
   QAbstractButton* Bouton = nullptr;
@@ -77,6 +89,7 @@ QWidget* VueChargntDonnéesQt::Créer(const DessinContrôle& Dessin) {
       QObject::connect(Bouton, &QAbstractButton::clicked, Fenêtre_.EnSaisie([&G] { G.BtnFermer_Click(); }));
   }
   QFont Police = Bouton->font();
+  Police.setFamilies(QStringList{QString::fromUtf8(Caractères)} + Police.families());
   Police.setPointSizeF(CorpsContrôles);
   Bouton->setFont(Police);
   return Bouton;
@@ -89,17 +102,46 @@ void VueChargntDonnéesQt::MontrerModale() {
   Fenêtre_.MontrerModale();
 }
 
-void VueChargntDonnéesQt::FixerTitre(const std::string& Titre) { Fenêtre_->setWindowTitle(Texte(Titre)); }
+void VueChargntDonnéesQt::FixerTitre(const std::string& Titre) {
+  Titre_ = Texte(Titre);
+  const bool AttendLaPompe = !TitrePosé_;
+  TitrePosé_ = false;
+  if (Fenêtre_->isEnabled() || !DepuisTitre_.isValid() ||
+      std::chrono::milliseconds(DepuisTitre_.elapsed()) >= EntreTitres)
+    PoserTitre();
+  else if (!AttendLaPompe)
+    QTimer::singleShot(0, &*Fenêtre_, [this] { PoserTitre(); });
+}
+
+/// A title bar cuts off what a frame as narrow as this can't hold: the progress also stands in the window.
+void VueChargntDonnéesQt::PoserTitre() {
+  if (std::exchange(TitrePosé_, true)) return;
+  DepuisTitre_.start();
+  Fenêtre_->setWindowTitle(Titre_);
+  if (Consigne_ != nullptr && !Fenêtre_->isEnabled()) Consigne_->setText(Titre_);
+}
+
+void VueChargntDonnéesQt::Repeindre() {
+  if (TitrePosé_) Fenêtre_->repaint();
+}
 
 void VueChargntDonnéesQt::Activer(bool Active) {
   if (Fenêtre_->isEnabled()) Foyer_ = Fenêtre_->focusWidget();  // a window that is disabled drops it
   Fenêtre_->setEnabled(Active);
+  if (Active && Consigne_ != nullptr) Consigne_->setText(TexteConsigne_);
   if (Active && Foyer_ != nullptr) Foyer_->setFocus();
 }
 
 bool VueChargntDonnéesQt::EstCochée(const std::string& Case) const { return LaCase(Case).isChecked(); }
 
-void VueChargntDonnéesQt::Cocher(const std::string& Case, bool Cochée) { LaCase(Case).setChecked(Cochée); }
+/// What was cleared in a transfer has gone; when it did stays to be read.
+void VueChargntDonnéesQt::Cocher(const std::string& Case, bool Cochée) {
+  QAbstractButton& LaSienne = LaCase(Case);
+  LaSienne.setChecked(Cochée);
+  if (!Cochée && !Fenêtre_->isEnabled())
+    LaSienne.setText(LaSienne.text().section(EnvoyéÀ, 0, 0) + EnvoyéÀ +
+                     QTime::currentTime().toString(QStringLiteral("HH:mm")));
+}
 
 void VueChargntDonnéesQt::MettreEnGras(const std::string& Case, bool EnGras) {
   LaCase(Case).setFont(Gras(LaCase(Case).font(), EnGras));

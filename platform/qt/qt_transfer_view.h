@@ -1,6 +1,9 @@
 // The transfer window on a screen.
 #pragma once
 
+#include <QAbstractButton>
+#include <QElapsedTimer>
+#include <QLabel>
 #include <map>
 #include <span>
 #include <string>
@@ -18,8 +21,9 @@ class VueChargntDonnéesQt : public IVueChargntDonnées {
 
   void MontrerModale() override;
   void Cacher() override { Fenêtre_->hide(); }
+  /// A file has a title for each record: most are passed over, the last one never.
   void FixerTitre(const std::string& Titre) override;
-  void Repeindre() override { Fenêtre_->repaint(); }
+  void Repeindre() override;
   void Activer(bool Active) override;
   /// These three raise ErreurExécution for a name that no check box bears.
   [[nodiscard]] bool EstCochée(const std::string& Case) const override;
@@ -28,11 +32,17 @@ class VueChargntDonnéesQt : public IVueChargntDonnées {
 
  private:
   [[nodiscard]] QWidget* Créer(const DessinContrôle& Dessin);
+  void PoserTitre();
   [[nodiscard]] QAbstractButton& LaCase(const std::string& Nom) const;
 
   IGestesChargntDonnées& Gestes_;
   TenueFenêtre Fenêtre_;
   std::map<std::string, QAbstractButton*> Cases_;
+  QLabel* Consigne_ = nullptr;  ///< what the operator has to do first; the progress, once he has
+  QString TexteConsigne_;
+  QString Titre_;
+  bool TitrePosé_ = true;
+  QElapsedTimer DepuisTitre_;
   QWidget* Foyer_ = nullptr;  ///< where the keys go, or went when the window was disabled
 };
 

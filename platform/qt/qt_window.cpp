@@ -37,6 +37,13 @@ void FenêtreQt::resizeEvent(QResizeEvent* Événement) {
 bool FenêtreQt::event(QEvent* Événement) {
   const bool Traité = QWidget::event(Événement);
   if (Événement->type() == QEvent::Show) CédéeÀNous_ = false;
+  // A modal window out of sight would lock the whole station: it is hidden as by Esc, or stays.
+  if (Événement->type() == QEvent::WindowStateChange && isMinimized()) {
+    if (isEnabled() && QApplication::activeModalWidget() == this && SurÉchap)
+      SurÉchap();
+    else
+      setWindowState(windowState() & ~Qt::WindowMinimized);
+  }
   if (Événement->type() == QEvent::WindowDeactivate) {
     const QWidget* const Modale = QApplication::activeModalWidget();
     CédéeÀNous_ = Modale != nullptr && Modale != this;
@@ -114,13 +121,14 @@ void TenueFenêtre::MontrerModale() const {
   if (Fenêtre_->isVisible()) return MettreDevant();
   const std::weak_ptr<FenêtreQt> Fenêtre = Fenêtre_;
   const ContexteQt& Contexte = Contexte_;
+  Fenêtre_->setWindowState(Fenêtre_->windowState() & ~Qt::WindowMinimized);
   Fenêtre_->show();
   MettreDevant();
   while (EnVue(Fenêtre) && !Contexte.EnFin) Contexte.Boucle.Pomper(PatienceParPompe);
 }
 
 void TenueFenêtre::MettreDevant() const {
-  if (Fenêtre_->isMinimized()) Fenêtre_->showNormal();
+  Fenêtre_->setWindowState(Fenêtre_->windowState() & ~Qt::WindowMinimized);
   Fenêtre_->raise();
   Fenêtre_->activateWindow();
 }

@@ -19,7 +19,7 @@ inline constexpr std::chrono::hours PatienceParPompe(1);
 class FenêtreQt : public QWidget {
  public:
   std::function<void()> SurFermeture;   ///< by its frame
-  std::function<void()> SurÉchap;       ///< the Esc key, wherever the focus is
+  std::function<void()> SurÉchap;       ///< the Esc key, wherever the focus is, and minimising
   std::function<void()> SurActivation;  ///< it became the active window, but not by the end of a box of our own
   std::function<void()> SurTaille;      ///< shown for the first time, or resized
 
@@ -47,6 +47,12 @@ class BoutonQt : public QPushButton {
 struct ContexteQt {
   BoucleQt& Boucle;
   bool EnFin = false;  ///< the station is ending: no window or box holds anybody up any more
+  /// A box with a lone OK steps aside after so long, as if answered: the queue goes on at night. 0: never.
+  std::chrono::milliseconds Retrait = std::chrono::seconds(30);
+  /// A new box takes no click or key for so long: what is typed elsewhere isn't meant for it.
+  std::chrono::milliseconds Répit{500};
+  /// Told of a box that stepped aside unread.
+  std::function<void(const std::string& Titre, const std::string& Message)> SurRetrait = nullptr;
   /// Told of a gesture that raised. Where nobody takes it, the failure leaves the pump.
   std::function<void(const std::string& Description)> SurÉchec = nullptr;
 };

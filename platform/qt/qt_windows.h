@@ -40,6 +40,15 @@ class FenêtresQt : public IFenêtres {
   void Finir() { Contexte_.EnFin = true; }
   /// From now on boxes answer themselves: nobody is there to do it.
   void RépondreSeul() { RépondSeul_ = true; }
+  /// How long a box with a lone OK stays (0: until it is answered), and how long a new one takes no answer.
+  void RéglerBoîtes(std::chrono::milliseconds Retrait, std::chrono::milliseconds Répit) {
+    Contexte_.Retrait = Retrait;
+    Contexte_.Répit = Répit;
+  }
+  /// Told of each box that stepped aside unread.
+  void SurRetrait(std::function<void(const std::string& Titre, const std::string& Message)> Noter) {
+    Contexte_.SurRetrait = std::move(Noter);
+  }
   /// Told of what a gesture raised.
   void SurÉchec(std::function<void(const std::string&)> Dire) { Contexte_.SurÉchec = std::move(Dire); }
   [[nodiscard]] const ContexteQt& Contexte() const { return Contexte_; }

@@ -2,8 +2,10 @@
 #include "platform/serial/port_dialogue.h"
 
 #include <charconv>
+#include <chrono>
 
 #include "base/failures.h"
+#include "contracts/line_protocol.h"
 
 namespace Ombrey {
 
@@ -21,6 +23,10 @@ constexpr CléPort Clés[] = {
     {"Parité", &RéglagesPort::Parité, "aucune"},    {"BitsStop", &RéglagesPort::BitsStop, "1"},
     {"TailleMots", &RéglagesPort::TailleMots, "8"},
 };
+
+/// The request code that asks the terminal whether it is there, and how long it may take.
+constexpr char CodeEssai = '0' + FichierRéponse;
+constexpr std::chrono::milliseconds DélaiEssai(2000);
 
 RéglagesPort Compléter(RéglagesPort Réglages) {
   if (Réglages.Port.empty()) {
@@ -52,6 +58,16 @@ std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, con
   return Nombre;
 }
 
+RéglagesLigne Vérifiés(const RéglagesPort& Réglages) {
+  const std::string& Nom = Réglages.Port;
+  RéglagesDemandés Demandés;
+  Demandés.Bauds = LireNombre(Nom, "la vitesse", Réglages.Bauds);
+  Demandés.Bits = LireNombre(Nom, "la taille des mots", Réglages.TailleMots);
+  Demandés.Parité = Réglages.Parité;
+  Demandés.BitsStop = LireNombre(Nom, "le nombre de bits de stop", Réglages.BitsStop);
+  return VérifierRéglages(Nom, Demandés);
+}
+
 }  // namespace
 
 RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
@@ -67,16 +83,10 @@ RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
 
 std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool(const std::string&)>& DéjàOuvert) {
   try {
-    const std::string& Nom = Réglages.Port;
-    RéglagesDemandés Demandés;
-    Demandés.Bauds = LireNombre(Nom, "la vitesse", Réglages.Bauds);
-    Demandés.Bits = LireNombre(Nom, "la taille des mots", Réglages.TailleMots);
-    Demandés.Parité = Réglages.Parité;
-    Demandés.BitsStop = LireNombre(Nom, "le nombre de bits de stop", Réglages.BitsStop);
-    const std::string Chemin = CheminDuPort(Nom);
-    const RéglagesLigne Vérifiés = VérifierRéglages(Nom, Demandés);
+    const RéglagesLigne Ceux = Vérifiés(Réglages);
+    const std::string Chemin = CheminDuPort(Réglages.Port);
     if (!DéjàOuvert(Chemin)) {
-      const AppareilLigne Essai({Nom, Chemin}, Vérifiés);
+      const AppareilLigne Essai({Réglages.Port, Chemin}, Ceux);
     }
     return "";
   } catch (const ErreurExécution& Erreur) {
@@ -84,17 +94,49 @@ std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool
   }
 }
 
+namespace {
+/// Any answer to the link test will do, a refusal too.
+bool Répond(const std::string& Reçu) {
+  return Reçu.find({ACK, CodeEssai}) != std::string::npos || Reçu.find({NAK, CodeEssai}) != std::string::npos;
+}
+
+/// Asks the terminal on a port that nobody else has. Empty, or why not.
+std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
+  const AppareilLigne Appareil({Réglages.Port, CheminDuPort(Réglages.Port)}, Vérifiés(Réglages));
+  std::string Reçu;
+  bool Fini = false;
+  const auto Veille = Boucle.Surveiller(Appareil.Numéro(), IBoucle::Attente::Lecture, [&] {
+    char Place[64];
+    const Passage Lus = Appareil.Lire(Place, sizeof Place);
+    Reçu.append(Place, Lus.Nombre);
+    Fini = Lus.Perdu;
+  });
+  const auto Délai = Boucle.Après(DélaiEssai, [&Fini] { Fini = true; });
+  const char Requête[] = {ENQ, CodeEssai};
+  static_cast<void>(Appareil.Ecrire({Requête, sizeof Requête}));
+  while (!Fini && !Répond(Reçu)) Boucle.Pomper(DélaiEssai);
+  return Répond(Reçu) ? "" : "Le port " + Réglages.Port + " s'ouvre, mais le RG80 n'y répond pas.";
+}
+}  // namespace
+
 bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni, const std::string& Section,
-                    const std::function<bool(const std::string&)>& DéjàOuvert) {
+                    const std::function<void(const std::string& Chemin)>& Libérer) {
   if (!Contexte.Questionnaire) return false;
   const auto Lecteur = Contexte.CréerLecteurIni();
   Lecteur->FixerFichier(FichierIni);
   Lecteur->FixerSection(Section);
   const RéglagesPort Anciens = LireRéglages(*Lecteur);
   RéglagesPort Nouveaux = Compléter(Anciens);
-  if (!Contexte.Questionnaire->Demander(
-          Nouveaux, [&DéjàOuvert](const RéglagesPort& Réglages) { return EssayerPort(Réglages, DéjàOuvert); }))
-    return false;
+  const auto Essayer = [&](const RéglagesPort& Réglages) {
+    std::string Raison;
+    ErreurEnAttente Refus;
+    const bool Menée = Ignorer(Refus, [&] {
+      Libérer(CheminDuPort(Réglages.Port));
+      Raison = EssayerLiaison(Contexte.Boucle, Réglages);
+    });
+    return Menée ? Raison : Refus.Texte();
+  };
+  if (!Contexte.Questionnaire->Demander(Nouveaux, Essayer)) return false;
   ÉcrireRéglages(*Lecteur, Anciens, Nouveaux);
   Contexte.Questionnaire->DireRetenus();
   return true;

@@ -9,10 +9,11 @@
 namespace Ombrey {
 
 /// Shows the settings of the file's section, and writes the keys that the operator changed. False when it was
-/// cancelled or nobody can be asked; the file is then as it was. DéjàOuvert says of a device path that the caller holds
-/// it open itself, so that its trial needs no opening. Raises ErreurExécution when the file can't be read or written.
+/// cancelled or nobody can be asked; the file is then as it was. A trial asks the terminal: Libérer lets go ahead of it
+/// of the device of this path, should the caller hold it. Raises ErreurExécution when the file can't be read or
+/// written.
 bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni, const std::string& Section,
-                    const std::function<bool(const std::string&)>& DéjàOuvert);
+                    const std::function<void(const std::string& Chemin)>& Libérer);
 
 /// The texts of the section that the reader is set to; empty where a key is missing.
 [[nodiscard]] RéglagesPort LireRéglages(ILecteurIni& Lecteur);

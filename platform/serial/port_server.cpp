@@ -40,7 +40,7 @@ void ClientPortComm::ÉtatLiaison(const std::string& Texte, bool Présente) {
 }
 
 bool ClientPortComm::Configurer(const std::string& FichierIni, const std::string& Section) {
-  return ConfigurerPort(Contexte_, FichierIni, Section, [](const std::string&) { return false; });
+  return ConfigurerPort(Contexte_, FichierIni, Section, [](const std::string&) {});
 }
 
 }  // namespace Ombrey

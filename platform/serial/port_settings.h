@@ -39,8 +39,8 @@ struct ChoixPort {
 class IQuestionnairePort {
  public:
   virtual ~IQuestionnairePort() = default;
-  /// Shows the settings, lets the operator change them and runs the loop meanwhile. Essayer opens and closes the port
-  /// with the settings given and returns the empty text, or why it can't be had. True: Réglages holds what the
+  /// Shows the settings, lets the operator change them and runs the loop meanwhile. Essayer asks the terminal
+  /// with the settings given and returns the empty text, or why there is no answer. True: Réglages holds what the
   /// operator wants kept. False: cancelled, Réglages is as it came.
   virtual bool Demander(RéglagesPort& Réglages, const std::function<std::string(const RéglagesPort&)>& Essayer) = 0;
   /// The settings that were kept stand in the file now.

@@ -173,7 +173,7 @@ void PortSérie::Livrer() {
 bool PortSérie::Configurer(const std::string& FichierIni, const std::string& Section) {
   const auto Moi = shared_from_this();
   return ConfigurerPort(Contexte_, FichierIni, Section, [Moi](const std::string& Chemin) {
-    return Moi->Appareil_ && Moi->Appareil_->Identité() == IdentitéAppareil(Chemin);
+    if (Moi->Appareil_ && Moi->Appareil_->Identité() == IdentitéAppareil(Chemin)) Moi->Libérer();
   });
 }
 

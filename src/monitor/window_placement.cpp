@@ -54,8 +54,8 @@ std::span<const DessinContrôleSuivi> DessinSuivi() {
       {Onglets, "", {60, 6050, 9555, 2610}},
       {ListeSuivis, "Suivis", {360, 60, 9135, 2490}},
       {ListeErreurs, "Erreurs", {360, 60, 9135, 2460}},
-      {BtnInterroger, "RG80 ?", {8440, 2055, 795, 495}},
-      {BtnForcerCumulsRG80, "RG80 en attente des quotas", {6525, 2055, 1815, 495}},
+      {BtnInterroger, "&RG80 ?", {8440, 2055, 795, 495}},
+      {BtnForcerCumulsRG80, "RG80 en attente des &quotas", {6525, 2055, 1815, 495}},
       {BtnImprimer, "&Imprimer", {8020, 2055, 1215, 495}},
       {BtnMasquer, "Masquer", {0, 0, 1215, 495}},
   }};

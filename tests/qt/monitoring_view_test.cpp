@@ -24,8 +24,8 @@ TEST_F(SuiviQt, TheTabsShowTheirListsAndButtonsAndEachButtonReachesTheProgram) {
   LesVraies.SurÉchec([&](const std::string& Description) { Trace = Description; });
   Services.SurInterrogation = [] { throw ErreurExécution("ligne perdue"); };
   Montrer([&](QWidget& Fenêtre) {
-    Clic("RG80 ?")(Fenêtre);
-    Clic("RG80 en attente des quotas")(Fenêtre);
+    Clic("&RG80 ?")(Fenêtre);
+    Clic("RG80 en attente des &quotas")(Fenêtre);
     EXPECT_EQ(Services.Interrogations, 0) << "nothing runs inside Qt's dispatch";
     Vider();
     EXPECT_EQ(Services.Cumuls.size(), 1U);
@@ -44,7 +44,44 @@ TEST_F(SuiviQt, TheTabsShowTheirListsAndButtonsAndEachButtonReachesTheProgram) {
     QTest::mouseClick(&Onglets, Qt::LeftButton, {}, Onglets.tabRect(0).center());
     Vider();
     EXPECT_NE(Le<QListWidget>(Fenêtre).item(0), Erreur);
-    Le<QPushButton>(Fenêtre, "RG80 ?");
+    Le<QPushButton>(Fenêtre, "&RG80 ?");
+  });
+}
+
+TEST_F(SuiviQt, IsWorkedByKeysAloneAndNothingLiesUnderItsButtons) {
+  for (int Rang = 0; Rang < 63; ++Rang) Suivi->AjouterMessage("ligne " + std::to_string(Rang), true);
+  Suivi->AjouterMessage(std::string(400, 'W'), false);
+  Montrer([&](QWidget& Fenêtre) {
+    std::string Ordre;
+    for (int Fois = 0; Fois < 5; ++Fois) {
+      Ordre += Fenêtre.focusWidget()->metaObject()->className() + std::string(" ");
+      QTest::keyClick(Fenêtre.focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(Ordre, "QTableView QTabBar QListWidget QPushButton QPushButton ");
+    auto& Messages = Le<QListWidget>(Fenêtre);
+    const auto& Bouton = Le<QPushButton>(Fenêtre, "&RG80 ?");
+    EXPECT_LT(Messages.geometry().bottom(), Bouton.geometry().top());
+    EXPECT_GT(Messages.horizontalScrollBar()->maximum(), 0) << "a long line can be seen to its end";
+    Touche(Qt::Key_R, Qt::AltModifier)(Fenêtre);
+    Laisser(300ms);  // the button goes down and up as under a finger
+    EXPECT_EQ(Services.Interrogations, 1);
+    Suivi->AjouterErreur("panne");  // its tab hides the messages
+    Messages.verticalScrollBar()->setValue(30);
+    Suivi->AjouterMessage("la plus récente", true);
+    Le<QTabBar>(Fenêtre).setCurrentIndex(0);
+    Vider();
+    EXPECT_EQ(Messages.verticalScrollBar()->value(), 0);
+    Dès(NomPlugIn, [&](QWidget& Boîte) { Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString(), Cadre(Boîte); });
+    QTest::keyClick(&Messages, Qt::Key_Return);
+    Vider();
+    EXPECT_EQ(Trace, "08:30:00 : la plus récente");
+    Fenêtre.setWindowState(Qt::WindowMaximized);
+    Vider();
+    const QRect Pleine = Fenêtre.geometry();
+    LesRéglages.Contenu["FSuiviChargnt/Width"] = "6000";
+    Suivi->Form_Activate();
+    EXPECT_EQ(Fenêtre.geometry(), Pleine);
+    Fenêtre.setWindowState(Qt::WindowNoState);
   });
 }
 
@@ -63,7 +100,7 @@ TEST_F(SuiviQt, NoClickChangesATickAndADoubleClickShowsTheLine) {
     }
     Dès(NomPlugIn, [&](QWidget& Boîte) {
       Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString();
-      Clic("RG80 ?")(Fenêtre);
+      Clic("&RG80 ?")(Fenêtre);
       Vider();
       Cadre(Boîte);
     });
@@ -95,7 +132,7 @@ TEST_F(SuiviQt, ComesBackFromOffTheScreenAndItsControlsFollowItToTinyAndBack) {
     for (const QSize Taille : {QSize(1, 1), QSize(300, 40), QSize(40, 700), Grande - QSize(40, 40), Grande}) {
       Fenêtre.resize(Taille);
       Vider();
-      const auto& Bouton = Le<QPushButton>(Fenêtre, "RG80 en attente des quotas");
+      const auto& Bouton = Le<QPushButton>(Fenêtre, "RG80 en attente des &quotas");
       EXPECT_TRUE(Fenêtre.rect().contains(QRect(Bouton.mapTo(&Fenêtre, QPoint()), Bouton.size())));
     }
     EXPECT_EQ(Liste.geometry(), Avant);
@@ -106,8 +143,8 @@ TEST_F(SuiviQt, MayEndWithinAnyOfItsOwnEvents) {
   const auto Finir = [this] { Suivi.reset(); };
   Services.SurInterrogation = Finir;
   Services.SurCumuls = [&] { Finir(), throw ErreurExécution("trop tard"); };
-  const Geste Cas[] = {Clic("RG80 en attente des quotas"),
-                       [&](QWidget& Fenêtre) { Clic("RG80 ?")(Fenêtre), Clic("RG80 ?")(Fenêtre), Cadre(Fenêtre); },
+  const Geste Cas[] = {Clic("RG80 en attente des &quotas"),
+                       [&](QWidget& Fenêtre) { Clic("&RG80 ?")(Fenêtre), Clic("&RG80 ?")(Fenêtre), Cadre(Fenêtre); },
                        [&](QWidget& Fenêtre) { Fenêtre.resize(400, 400), Suivi->AjouterErreur("panne"), Finir(); },
                        [&](QWidget&) {
                          Suivi->AjouterMessage("ligne", true);
@@ -122,18 +159,41 @@ TEST_F(SuiviQt, MayEndWithinAnyOfItsOwnEvents) {
   }
 }
 
-TEST_F(SuiviQt, TheGridKeepsItsPlaceAndWidths) {
+TEST_F(SuiviQt, TheGridFollowsItsLoadsAndKeepsTheirPlaceAndItsWidths) {
   GrilleChargements Grille(nullptr);
   Grille.resize(600, 300);
   Grille.show();
-  const std::vector<std::string> Entêtes(12, "Propriétaire");
-  Grille.Remplir(Entêtes, std::vector(1999, Entêtes));
+  const std::vector<std::string> Entêtes = {"Chai", "N°Pesée", "Heure", "Appellation", "Propriétaire"};
+  const auto Jour = [&](int Dernier) {  // the newest on top
+    std::vector<std::vector<std::string>> Lignes;
+    for (int No = Dernier; No > 0; --No)
+      Lignes.push_back(
+          {"1", std::to_string(No), "22/09 08:05", No % 2 ? "" : "Aligoté", No % 3 ? "Bost" : "7-Crée par le RG80 "});
+    Grille.Remplir(Entêtes, Lignes);
+  };
+  const auto Dit = [&](int Rang, int Colonne, int Rôle) { return Grille.model()->index(Rang, Colonne).data(Rôle); };
+  Jour(1999);
   Grille.setColumnWidth(3, 77);
+  EXPECT_FALSE(Dit(0, 1, Qt::FontRole).isValid()) << "nothing is new in the first list";
+  Grille.selectRow(905);
   Grille.verticalScrollBar()->setValue(900);
-  Grille.Remplir(Entêtes, std::vector(2000, Entêtes));
+  QSignalSpy Repeintes(Grille.model(), &QAbstractItemModel::dataChanged);
+  for (const int Dernier : {2000, 2000}) Jour(Dernier);
   EXPECT_EQ(Grille.LargeurFixée(3), 77);
   EXPECT_EQ(Grille.LargeurFixée(2), 0) << "a width that contents gave isn't to be remembered";
-  EXPECT_EQ(Grille.verticalScrollBar()->value(), 900);
+  EXPECT_EQ(Grille.verticalScrollBar()->value(), 901);
+  EXPECT_TRUE(Grille.currentIndex().row() == 906 && Grille.selectionModel()->isRowSelected(906));
+  EXPECT_EQ(Repeintes.count(), 2) << "each row may stand for another load now";
+  EXPECT_TRUE(Dit(0, 1, Qt::FontRole).value<QFont>().bold() && !Dit(1, 1, Qt::FontRole).isValid());
+  EXPECT_EQ(Dit(0, 1, Qt::TextAlignmentRole).toInt() & Qt::AlignRight, Qt::AlignRight);
+  EXPECT_EQ(Dit(0, 2, Qt::TextAlignmentRole).toInt() & Qt::AlignRight, 0);
+  EXPECT_TRUE(Dit(1, 3, Qt::BackgroundRole).isValid() && !Dit(0, 3, Qt::BackgroundRole).isValid());
+  EXPECT_TRUE(Dit(2, 4, Qt::BackgroundRole).isValid() && !Dit(1, 4, Qt::BackgroundRole).isValid());
+  QTest::keyClick(&Grille, Qt::Key_C, Qt::ControlModifier);
+  EXPECT_EQ(QApplication::clipboard()->text(), "1\t1094\t22/09 08:05\tAligoté\tBost");
+  Grille.verticalScrollBar()->setValue(0);
+  Jour(2001);
+  EXPECT_EQ(Grille.verticalScrollBar()->value(), 0) << "whoever looks at the newest wants the newest";
   Grille.Remplir({"Part"}, {{"a"}, {}});
   EXPECT_EQ(Grille.model()->headerData(0, Qt::Horizontal, Qt::DisplayRole), QString("Part"));
   EXPECT_FALSE(Grille.model()->index(1, 0).data().isValid()) << "a row that is too short";

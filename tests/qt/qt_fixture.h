@@ -37,6 +37,7 @@ inline void Cadre(QWidget& Fenêtre) { Fenêtre.close(); }
 
 /// A machine in memory whose windows and loop are Qt's.
 struct Bureau : testing::Test, FaussePlateforme {
+  Bureau() { LesVraies.RéglerBoîtes(30s, 0ms); }
   IFenêtres& Fenêtres() override { return LesVraies; }
   /// Does Faire in the window of this title as soon as it takes what the operator does.
   void Dès(const std::string& Titre, const Geste& Faire, int Essais = 400) {
@@ -48,6 +49,10 @@ struct Bureau : testing::Test, FaussePlateforme {
       ADD_FAILURE() << "no window " << Titre;
       LesVraies.Finir();
     }));
+  }
+  /// Pumps for so long.
+  void Laisser(std::chrono::milliseconds Durée) {
+    for (const QDeadlineTimer Fin(Durée); !Fin.hasExpired();) Boucle.Pomper(5ms);
   }
   /// Lets what is waiting run.
   void Vider() {

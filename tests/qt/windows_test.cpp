@@ -1,8 +1,8 @@
 // Boxes, dialogs and windows on Qt and the ways out of them; pictures and the printer.
 #include <fstream>
 
-#include "monitor/monitoring_window.h"
 #include "host/windows/qt_host_window.h"
+#include "monitor/monitoring_window.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
 #include "tests/transfer/small_cooperative.h"
@@ -28,6 +28,35 @@ struct FenêtresDeQt : Bureau {
   std::function<bool()> Transférer = [this] { return Transfert.Afficher(Services, CréerRetard({})), false; };
 };
 
+void Réduire(QWidget& Fenêtre) { Fenêtre.setWindowState(Qt::WindowMinimized); }
+
+TEST_F(FenêtresDeQt, ABoxTakesNothingAtFirstAndALoneOkStepsAsideUnread) {
+  LesVraies.SurRetrait([&](const std::string& Titre, const std::string& Message) { Trace += Titre + "/" + Message; });
+  const struct {
+    std::chrono::milliseconds Retrait, Répit;
+    BoutonsBoîte Boutons;
+    const char* Retirée;
+  } Table[] = {{40ms, 0ms, BoutonsBoîte::Ok, "Boîte/texte"},
+               {40ms, 400ms, BoutonsBoîte::RecommencerAnnuler, ""},
+               {0ms, 400ms, BoutonsBoîte::Ok, ""}};
+  for (const auto& Cas : Table) {
+    LesVraies.RéglerBoîtes(Cas.Retrait, Cas.Répit);
+    if (Cas.Répit > 0ms) {
+      Dès("Boîte", [&](QWidget& Boîte) {
+        for (const Geste& Faire : {Touche(Qt::Key_Return), Touche(Qt::Key_Escape), Geste(Cadre)}) Faire(Boîte);
+        EXPECT_TRUE(Boîte.isVisible());
+        Réduire(Boîte);
+        Laisser(500ms);
+        EXPECT_TRUE(Boîte.isVisible() && !Boîte.isMinimized());
+        Touche(Qt::Key_Return)(Boîte);
+      });
+    }
+    const RéponseBoîte Réponse = LesVraies.Boîte("texte", "Boîte", Cas.Boutons);
+    EXPECT_EQ(Réponse, Cas.Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Recommencer);
+    EXPECT_EQ(std::exchange(Trace, ""), Cas.Retirée);
+  }
+}
+
 TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
   FSuiviChargnt Suivi(État, Services);
   const auto Ok = [&] { return LesVraies.Boîte("Lecture", "Boîte", BoutonsBoîte::Ok) == RéponseBoîte::Ok; };
@@ -44,6 +73,7 @@ TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
       {TitrePort, DemanderPort, Clic("&Annuler"), false}, {TitrePort, DemanderPort, Cadre, false},
       {TitreTransfert, Transférer, Touche(Qt::Key_Escape), false}, {TitreTransfert, Transférer, Cadre, false},
       {TitreTransfert, Transférer, Touche(Qt::Key_F, Qt::AltModifier), false},
+      {TitreTransfert, Transférer, Réduire, false}, {TitreSuivi, Liste, Réduire, false},
       {TitreSuivi, Liste, Touche(Qt::Key_Escape), false}, {TitreSuivi, Liste, Cadre, true}};
   // clang-format on
   for (const auto& Cas : Table) {
@@ -91,8 +121,10 @@ TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetri
       EXPECT_TRUE(QApplication::overrideCursor() != nullptr && !Vue.isEnabled() && Compter(EnGras) == 1);
       Touche(Qt::Key_Escape)(Vue);
       Cadre(Vue);
+      Réduire(Vue);
       Vider();
-      EXPECT_TRUE(Vue.isVisible());
+      EXPECT_TRUE(Vue.isVisible() && !Vue.isMinimized());
+      EXPECT_EQ(Le<QLabel>(Vue).text(), Vue.windowTitle()) << "a title bar may cut it off";
       return Trace == "41" ? "Le RG80 n'est pas prêt (NACK)." : "";
     };
     // A double click counts once: the window is closed to the second.
@@ -106,9 +138,34 @@ TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetri
     Vider();
     EXPECT_EQ(Trace, "411526");
     EXPECT_TRUE(QApplication::overrideCursor() == nullptr && Compter(&QCheckBox::isChecked) + Compter(EnGras) == 0);
+    EXPECT_TRUE(Le<QCheckBox>(Vue).text().startsWith("Appelations – ")) << "and when it went";
+    EXPECT_EQ(Le<QLabel>(Vue).text(), "Le RG80 doit être en attente de fichiers (F6).");
+    EXPECT_EQ(Le<QCheckBox>(Vue).font().families().first(), "MS Sans Serif");
     for (const auto LaTouche : {Qt::Key_Tab, Qt::Key_Return}) QTest::keyClick(Vue.focusWidget(), LaTouche);
   });
   Transférer();
+}
+
+struct SansGestes : IGestesChargntDonnées {
+  void BtnTransférer_Click() override {}
+  void BtnFermer_Click() override {}
+};
+
+TEST_F(FenêtresDeQt, AFilesTitlesCostNothingAndTheLastOneStays) {
+  SansGestes Gestes;
+  const DessinContrôle Dessin[] = {{"Label1", GenreContrôle::Libellé, "F6", {120, 120, 3975, 255}, 0}};
+  const auto Vue = LesVraies.CréerVueChargntDonnées(Gestes, TitreTransfert, {0, 0, 4260, 2115}, Dessin);
+  Dès(TitreTransfert, [&](QWidget& Fenêtre) {
+    Vue->Activer(false);
+    QElapsedTimer Durée;
+    Durée.start();
+    for (int Rang = 0; Rang < 32015; ++Rang) Vue->FixerTitre("Badge " + std::to_string(Rang)), Vue->Repeindre();
+    EXPECT_LT(Durée.elapsed(), 3000);
+    Vider();
+    EXPECT_EQ(Fenêtre.windowTitle(), "Badge 32014");
+    Vue->Cacher();
+  });
+  Vue->MontrerModale();
 }
 
 TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
@@ -117,15 +174,26 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
     EXPECT_EQ(Saisie.currentText() + Saisie.itemText(0), "COM2:COM1:  –  ttyS0");
     Saisie.setCurrentIndex(0);
     Q_EMIT Saisie.activated(0);
-    for (const std::string Raison : {"", "Le port est pris.", "levée"}) {
-      Essayer = [&Raison](const RéglagesPort& Voulus) {
+    for (const std::string Raison : {"Le port est pris.", "levée", ""}) {
+      Essayer = [&](const RéglagesPort& Voulus) {
         EXPECT_EQ(Voulus.Port + Voulus.Bauds + Voulus.TailleMots, "COM1:96008");
+        EXPECT_FALSE(Dialogue.isEnabled());
         return Raison == "levée" ? throw ErreurExécution(Raison) : Raison;
       };
       Clic("&Essayer")(Dialogue);
       Vider();
-      Le<QLabel>(Dialogue, Raison.empty() ? "Essai réussi : le port COM1: s'ouvre." : "Essai manqué. " + Raison);
+      Le<QLabel>(Dialogue, Raison.empty() ? "Essai réussi : le RG80 répond." : "Essai manqué. " + Raison);
+      if (Raison.empty()) continue;
+      Clic("E&nregistrer")(Dialogue);
+      Vider();
+      Le<QPushButton>(Dialogue, "E&nregistrer quand même");
+      Saisie.setEditText("autre");
+      Saisie.setEditText("COM1:");
     }
+    auto& Vitesse = *Dialogue.findChildren<QComboBox*>()[1];
+    Vitesse.setEditText("abc");
+    EXPECT_FALSE(Le<QPushButton>(Dialogue, "E&nregistrer").isEnabled());
+    Vitesse.setEditText("9600");
     Saisie.setEditText("  ");
     for (const char* Bouton : {"E&nregistrer", "&Essayer"}) EXPECT_FALSE(Le<QPushButton>(Dialogue, Bouton).isEnabled());
     Saisie.setEditText(" /dev/ttyUSB0 ");
