@@ -41,6 +41,8 @@ picture() { [ -z "$pictures" ] || { sleep 0.5; import -window "$(window "$1")" "
 press() { xdotool windowfocus --sync "$(window "$1")" key --clearmodifiers "$2"; }
 # Opens a menu of the main window by its letter and picks an entry by its own, until the window that it leads to is there.
 pick() { press '^Tarvel' "$1" && xdotool key "$2"; for _ in 1 2 3 4 5; do ! seen "$3" || return 0; sleep 0.1; done; xdotool key Escape; return 1; }
+# A new box takes no key in its first half second.
+answer() { sleep 0.7; press "$1" Return; }
 same_place() { [ "$(place "$1")" = "$2" ]; }
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 
@@ -90,7 +92,7 @@ await "monitoring window" seen '^Liste des chargements$'
 step "eight loads, one of them damaged on its first way"
 await "box about the damaged load" seen '^RG80 Ombrey$'
 picture '^RG80 Ombrey$' box
-press '^RG80 Ombrey$' Return
+answer '^RG80 Ombrey$'
 await "end of the box" gone '^RG80 Ombrey$'
 await "eight replies" replies
 picture '^Liste des chargements$' monitoring-errors
@@ -99,7 +101,7 @@ press '^Liste des chargements$' alt+i
 await "box about the file" seen '^Liste des erreurs$'
 compgen -G "$work/station/Erreurs RG80 *.pdf" >/dev/null || fail "no printed file"
 [ -z "$pictures" ] || cp "$work"/station/Erreurs*.pdf "$pictures/errors-$dpi.pdf"
-press '^Liste des erreurs$' Return
+answer '^Liste des erreurs$'
 await "end of the box" gone '^Liste des erreurs$'
 step "place the window, show its messages"
 list=$(window '^Liste des chargements$')

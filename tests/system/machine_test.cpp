@@ -190,7 +190,7 @@ TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
   }
 }
 
-TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
+TEST_F(Machine, ATrialAsksTheTerminalAndLeavesThePortToItsOwner) {
   const auto Port = Machine_.CréerServeurPortComm()->ObtenirPort(Loin_.Nom(), Machine_.CréerClientPortComm({}, {}));
   Port->FixerBauds(9600);
   Port->FixerTailleMots(8);
@@ -202,7 +202,7 @@ TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
   ASSERT_EQ(chmod(Interdit.Nom().c_str(), 0) + chmod(Libre.Nom().c_str(), 0666) + chmod(Loin_.Nom().c_str(), 0666), 0);
   // clang-format off
   const std::pair<RéglagesPort, std::string> Cas[] = {
-      {{Libre.Nom(), "9600", "N", "1", "8"}, ""}, {{Loin_.Nom(), "9600", "N", "1", "8"}, "déjà utilisé"},
+      {{Libre.Nom(), "9600", "N", "1", "8"}, "s'ouvre, mais le RG80 n'y répond pas"}, {{Loin_.Nom(), "9600", "N", "1", "8"}, "déjà utilisé"},
       {{Libre.Nom(), "vite", "N", "1", "8"}, "« vite »"}, {{Libre.Nom(), "115200", "N", "1", "8"}, "« 115200 »"},
       {{Libre.Nom(), "9600", "?", "1", "8"}, "« ? »"}, {{Libre.Nom(), "9600", "N", "", "8"}, "«  »"},
       {{"COM99:", "9600", "N", "1", "8"}, "« COM99: »"}, {{Interdit.Nom(), "9600", "N", "1", "8"}, "pas le droit"}};
@@ -219,9 +219,17 @@ TEST_F(Machine, ATrialSaysWhatAnOpeningWouldAndDisturbsNoOpenPort) {
   };
   EXPECT_FALSE(Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"));
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
+    const auto Réponse = Boucle_.Après(500ms, [&] {
+      Loin_.Envoyer(
+          "\x06"
+          "8");
+    });
     return Essayer({Loin_.Nom(), "4800", "N", "1", "8"}).empty();
   };
   EXPECT_TRUE(Port->Configurer(Ini_, "S")) << "who holds the port may try it";
+  EXPECT_EQ(Loin_.Recevoir(),
+            "\x05"
+            "8");
   EXPECT_TRUE(Port->Ecrire(Octets("x")));
 }
 
