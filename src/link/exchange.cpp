@@ -48,14 +48,14 @@ void Échange::EventPortComRG80_Lecture(const Octets& Texte) {
 
 void Échange::Lire() {
   Octets Arrivé;
-  Exiger(État_.PortComm)->Lire(Arrivé);
+  État_.PortRéglé()->Lire(Arrivé);
   EventPortComRG80_Lecture(Arrivé);
 }
 
 /// Takes in what has arrived and isn't in the buffer yet; true when there was something.
 bool Échange::Relever() {
   const std::size_t Avant = État_.TamponRéception.Taille();
-  Exiger(État_.PortComm)->Relever();
+  État_.PortRéglé()->Relever();
   Lire();
   return État_.TamponRéception.Taille() > Avant;
 }
@@ -134,7 +134,7 @@ void Échange::RetirerRéponsesÀDesDemandes() {
 /// How long the line must still be silent to show that the one character in the buffer stands alone.
 std::chrono::milliseconds Échange::SilenceManquant(const Attente& Demande) const {
   if (!Demande.SansCode || Doute_.EstCalme() || État_.TamponRéception.Taille() != 1) return {};
-  return Exiger(État_.PortComm)->SilenceFinMessage() - Doute_.Silence();
+  return État_.PortRéglé()->SilenceFinMessage() - Doute_.Silence();
 }
 
 /// The order of the tests is the priority of the patterns: the first two at the start of the buffer, then the two
