@@ -2,8 +2,10 @@
 #pragma once
 
 #include <filesystem>
+#include <memory>
 #include <string>
 
+#include "contracts/host.h"
 #include "contracts/toolkit.h"
 #include "platform/loop/loop.h"
 #include "platform/serial/port_settings.h"
@@ -32,6 +34,10 @@ class IÉdition {
   [[nodiscard]] virtual std::filesystem::path FichierRéglages() const = 0;
   /// From now on the operator's gestures reach the station. Called once, ahead of the first pump.
   virtual void Raccorder(IGestesStation& Gestes) = 0;
+  /// The station's database, from its opening on: what the edition shows of the day is read from it.
+  virtual void Suivre(std::shared_ptr<Ombrey::IBaseDeD> /*Base*/) {}
+  /// The work couldn't begin; there is no station behind the edition. Shows why and waits until it was read.
+  virtual void Échouer(const std::string& /*Raison*/) {}
   /// The plug-in took the toolbar button: its picture stands on the clipboard.
   virtual void OffrirBouton(const std::string& Infobulle) = 0;
   /// The plug-in took the menu entry; "&" stands ahead of the mnemonic letter.

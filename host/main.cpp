@@ -78,10 +78,15 @@ void Travailler(const Tarvel::Options& Choisies) {
     Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
     return Base;
   };
-  Station.Exécuter(Ouvrir, [&] {
-    Connexion->RangerJournal();
-    if (Connexion->ADuNouveau()) Base->Actualiser();
-  });
+  try {
+    Station.Exécuter(Ouvrir, [&] {
+      Connexion->RangerJournal();
+      if (Connexion->ADuNouveau()) Base->Actualiser();
+    });
+  } catch (const std::exception& Erreur) {
+    Édition->Échouer(Erreur.what());
+    throw;
+  }
 }
 
 /// True when nothing is bad.

@@ -19,12 +19,12 @@ namespace fs = std::filesystem;
 constexpr std::chrono::seconds DuréeMax = std::chrono::hours(24 * 365);
 constexpr const char* SectionTarvel = "Tarvel";
 
-std::chrono::seconds LireDurée(const std::string& Texte) {
+std::chrono::seconds LireDurée(const std::string& Texte, const std::string& Quoi = "--duree") {
   int Secondes = 0;
   const char* Fin = Texte.data() + Texte.size();
   const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Fin, Secondes);
   if (Erreur != std::errc() || Arrêt != Fin || Secondes < 0 || std::chrono::seconds(Secondes) > DuréeMax) {
-    throw ErreurOptions("--duree veut un nombre entier de secondes, d'un an au plus, et non « " + Texte + " »");
+    throw ErreurOptions(Quoi + " veut un nombre entier de secondes, d'un an au plus, et non « " + Texte + " »");
   }
   return std::chrono::seconds(Secondes);
 }
@@ -172,6 +172,8 @@ void Compléter(Options& Lues) {
   if (Lues.Base.empty() && !Base.empty())
     Lues.Base = Base.starts_with(ProtocoleServeur) ? Base : Ombrey::TexteChemin(DossierIni / Ombrey::Chemin(Base));
   if (Lues.CodeSite.empty()) Lues.CodeSite = Lire("CodeSite");
+  if (const std::string Secondes = Lire("DuréeBoîtes"); !Secondes.empty())
+    Lues.DuréeBoîtes = LireDurée(Secondes, "la clé DuréeBoîtes");
   if (Lues.Dossier.empty() && !Dossier.empty()) Lues.Dossier = DossierIni / Ombrey::Chemin(Dossier);
 }
 

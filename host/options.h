@@ -46,6 +46,8 @@ struct Options {
   bool Regarder = false;  ///< shows the base and leaves line and folder to the station that has them
   bool Exemple = false;
   std::optional<std::chrono::seconds> Durée;
+  /// How long a box with a lone OK stays in the windows; 0: until it is answered.
+  std::chrono::seconds DuréeBoîtes{30};
 
   /// True when Base is a server's address.
   [[nodiscard]] bool EstSurServeur() const { return Tarvel::EstSurServeur(Base); }
@@ -54,7 +56,7 @@ struct Options {
 };
 
 /// Reads the arguments behind the program's name, then what they leave open from the section [Tarvel] of the settings
-/// file: Base, CodeSite, Dossier. A path there counts from the file's folder. Raises ErreurOptions, and
+/// file: Base, CodeSite, Dossier, DuréeBoîtes. A path there counts from the file's folder. Raises ErreurOptions, and
 /// ErreurExécution when the settings file is there and can't be read: a station mustn't work under a site that is
 /// somebody else's.
 [[nodiscard]] Options LireOptions(std::span<const std::string> Arguments);

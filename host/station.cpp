@@ -52,6 +52,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& A
   const Ombrey::IBoucle::Jeton Échéance =
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
   Édition_.Raccorder(*this);
+  Édition_.Suivre(Base_);
   Démarrer();
   Service_.Prêt("Collecte des chargements du RG80");
   while (!EnFin_) Pomper(AuRepos);

@@ -1,11 +1,13 @@
 // The module of the windows: the station as the operator sees it on a screen.
 #include <QApplication>
 #include <QIcon>
+#include <chrono>
 #include <clocale>
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "base/files.h"
 #include "host/windows/qt_host_window.h"
@@ -18,6 +20,8 @@ namespace Tarvel {
 namespace {
 
 constexpr int SansÉcran = 2;
+/// A new box takes no answer for so long.
+constexpr std::chrono::milliseconds RépitBoîtes(500);
 
 /// Without a display Qt knows no other way than to abort; nothing of the station has begun by then.
 void DireÉchecDeQt(QtMsgType Genre, const QMessageLogContext& /*Lieu*/, const QString& Texte) {
@@ -50,9 +54,17 @@ class ÉditionFenêtrée final : public IÉdition {
   explicit ÉditionFenêtrée(const Options& Choisies)
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
-        Principale_(Fenêtres_.Contexte(), Choisies.NomBase()) {
+        Réglages_(FichierRéglages()),
+        Principale_(Fenêtres_.Contexte(), Choisies.NomBase(), Réglages_) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
+    Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
+    Fenêtres_.Observer({[this](const std::string& Ligne) { Principale_.NoterLigne(Ligne); },
+                        [this](const std::string& T, const std::string& M) { Principale_.NoterBoîte(T, M); },
+                        [this](const std::string& T, const std::string& M) { Principale_.NoterRetrait(T, M); }});
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
+    Principale_.Présenter(TexteVersion() + "\n\nBase : " + Choisies.Base +
+                          "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
+                          "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier));
   }
 
   Ombrey::IBoucle& Boucle() override { return Boucle_; }
@@ -63,6 +75,12 @@ class ÉditionFenêtrée final : public IÉdition {
     Principale_.Raccorder({[&Gestes] { Gestes.Bouton(); }, [&Gestes] { Gestes.Menu(); },
                            [&Gestes] { Gestes.Configurer(); }, [&Gestes] { Gestes.Finir(); }});
     Principale_.show();
+  }
+  void Suivre(std::shared_ptr<Ombrey::IBaseDeD> Base) override { Principale_.Suivre(std::move(Base)); }
+  /// Who started the station by its icon sees no stream.
+  void Échouer(const std::string& Raison) override {
+    Fenêtres_.RéglerBoîtes(std::chrono::milliseconds(0), RépitBoîtes);
+    Fenêtres_.Boîte(Raison, "Tarvel – réception", Ombrey::BoutonsBoîte::Ok);
   }
   void OffrirBouton(const std::string& Infobulle) override {
     Principale_.OffrirBouton(Fenêtres_.DernièreImage(), Infobulle);
@@ -77,6 +95,7 @@ class ÉditionFenêtrée final : public IÉdition {
   Ombrey::BoucleQt Boucle_;
   Ombrey::FenêtresQt Fenêtres_;
   Ombrey::QuestionnairePortQt Questionnaire_;
+  Ombrey::RéglagesFichier Réglages_;
   Ombrey::FenêtrePrincipaleQt Principale_;
 };
 

@@ -137,7 +137,7 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
   QApplication::beep();
   QApplication::alert(Boîte.operator->());
   Boîte.Attendre(Contexte);
-  if (Retirée && Contexte.SurRetrait) Contexte.SurRetrait(Titre, Message);
+  if (Retirée && Contexte.Témoins.Retirée) Contexte.Témoins.Retirée(Titre, Message);
   return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;
 }
 

@@ -90,7 +90,7 @@ bool EstBouton(ContrôleSuivi Contrôle) { return Contrôle >= ContrôleSuivi::B
 
 VueSuiviChargntQt::VueSuiviChargntQt(const ContexteQt& Contexte, IGestesSuivi& Gestes, const std::string& Légende,
                                      const Rectangle& Intérieur, std::span<const DessinContrôleSuivi> Dessin)
-    : Gestes_(Gestes), Fenêtre_(Contexte, Qt::Window) {
+    : Contexte_(Contexte), Gestes_(Gestes), Fenêtre_(Contexte, Qt::Window) {
   Fenêtre_->setWindowTitle(Texte(Légende));
   Fenêtre_->setMinimumSize(EnPixels(AuMoins, Résolution()).size());
   QRect Place = EnPixels(Intérieur, Résolution());
@@ -219,6 +219,7 @@ void VueSuiviChargntQt::FixerLargeurColonne(std::size_t Colonne, int Twips) {
 }
 
 void VueSuiviChargntQt::InsérerLigne(Onglet LaListe, std::size_t Place, const std::string& Ligne, bool Coché) {
+  if (LaListe == Onglet::Suivis && Contexte_.Témoins.Ligne) Contexte_.Témoins.Ligne(Ligne);
   auto Élément = std::make_unique<QListWidgetItem>(SurUneLigne(Ligne));
   // The tick is the plug-in's word on the line: shown, but no click changes it.
   Élément->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);

@@ -63,6 +63,7 @@ class VueSuiviChargntQt : public IVueSuiviChargnt {
   [[nodiscard]] QListWidget& Liste(Onglet Laquelle) const { return *Listes_[static_cast<std::size_t>(Laquelle)]; }
   [[nodiscard]] int Résolution() const { return Fenêtre_->logicalDpiX(); }
 
+  const ContexteQt& Contexte_;
   IGestesSuivi& Gestes_;
   TenueFenêtre Fenêtre_;
   GrilleChargements* Grille_ = nullptr;

@@ -38,6 +38,7 @@ FenêtresQt::FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail)
     : Contexte_{Boucle}, DossierTravail_(std::move(DossierTravail)) {}
 
 RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
+  if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
   if (RépondSeul_) return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   const bool Sablier = Sablier_;
   FixerSablier(false);

@@ -31,7 +31,8 @@ struct FenêtresDeQt : Bureau {
 void Réduire(QWidget& Fenêtre) { Fenêtre.setWindowState(Qt::WindowMinimized); }
 
 TEST_F(FenêtresDeQt, ABoxTakesNothingAtFirstAndALoneOkStepsAsideUnread) {
-  LesVraies.SurRetrait([&](const std::string& Titre, const std::string& Message) { Trace += Titre + "/" + Message; });
+  LesVraies.Observer(
+      {{}, {}, [&](const std::string& Titre, const std::string& Message) { Trace += Titre + "/" + Message; }});
   const struct {
     std::chrono::milliseconds Retrait, Répit;
     BoutonsBoîte Boutons;
@@ -205,10 +206,11 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
 }
 
 TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
-  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), "cave.db");
+  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), "cave.db", LesRéglages);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
   Fenêtre.OffrirMenu("&Charger");
+  Fenêtre.Présenter("version");
   Fenêtre.show();
   QTest::mouseClick(&Le<QToolButton>(Fenêtre), Qt::LeftButton);
   for (const QAction* Menu : Fenêtre.menuBar()->actions()) {
@@ -216,9 +218,68 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   }
   Cadre(Fenêtre);
   EXPECT_EQ(Trace, "") << "nothing runs inside Qt's dispatch";
-  Vider();
+  Dès("À propos", [this](QWidget& Boîte) { Trace += Le<QTextEdit>(Boîte).toPlainText().toStdString(), Cadre(Boîte); });
+  for (int Fois = 0; Fois < 200 && Trace.size() < 13; ++Fois) Laisser(50ms);
   EXPECT_TRUE(Fenêtre.isVisible());
-  EXPECT_EQ(Trace, "bcqbmq");
+  EXPECT_EQ(Trace, "bcqbmqversion");
+  const auto Ouvertes = QApplication::topLevelWidgets();
+  const auto Guide =
+      std::ranges::find_if(Ouvertes, [](const QWidget* Une) { return qobject_cast<const QTextBrowser*>(Une); });
+  ASSERT_NE(Guide, Ouvertes.end());
+  EXPECT_TRUE(static_cast<QTextBrowser*>(*Guide)->toPlainText().contains("RG80"));
+}
+
+TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
+  const PetiteCoopérative Coopérative;
+  const auto Hôte = std::make_shared<FausseBaseDeD>();
+  Hôte->Base = Coopérative.Base;
+  auto Fenêtre = std::make_unique<FenêtrePrincipaleQt>(LesVraies.Contexte(), "cave.db", LesRéglages);
+  const auto Onglets = [&] {
+    std::string Tous;
+    const auto& Pages = Le<QTabWidget>(*Fenêtre);
+    for (int Rang = 0; Rang < Pages.count(); ++Rang) Tous += Pages.tabText(Rang).remove('&').toStdString() + "|";
+    return Tous;
+  };
+  const auto Dit = [&](const QString& Début) {
+    return std::ranges::any_of(Fenêtre->findChildren<QLabel*>(),
+                               [&](QLabel* Un) { return Un->text().startsWith(Début); });
+  };
+  Fenêtre->Raccorder({{}, [&] { Trace = Dit("Collecte suspendue depuis ") ? "suspendue" : ""; }, {}, {}});
+  Fenêtre->OffrirMenu("&Charger");
+  Fenêtre->show();
+  Fenêtre->Suivre(Hôte);
+  EXPECT_TRUE(Dit("Le RG80 n'a pas encore") && Dit("○") && Dit("Base : cave.db"));
+  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Ligne|À lire|");
+  Fenêtre->NoterLigne("08:30:00 : Aucune réponse du RG80.");
+  EXPECT_TRUE(Dit("Le RG80 est muet depuis 0 s") && Dit("▲"));
+  Fenêtre->NoterBoîte("Erreur du port", "Le port COM1: est absent.");
+  EXPECT_TRUE(Dit("Le port COM1: est absent.") && Dit("■"));
+  for (int Fois = 0; Fois < 2; ++Fois)
+    Fenêtre->NoterBoîte("RG80 Ombrey",
+                        "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
+  Fenêtre->NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+  EXPECT_EQ(Onglets(), "La journée|Refusés (1)|Archive|Ligne|À lire (1)|");
+  Coopérative.Connexion->ExécuterTout(
+      "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement;"
+      "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
+  Fenêtre->Dire("ChargementAjouté:7");
+  EXPECT_TRUE(Dit("Chargement n° 7 reçu, 1310 kg") && Dit("Dernier : n° 7, 1310 kg, 08:05"));
+  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Ligne|À lire (1)|");
+  Le<QTabWidget>(*Fenêtre).setCurrentIndex(4);
+  Clic("&Tout est lu")(*Fenêtre);
+  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Ligne|À lire|");
+  Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
+  Fenêtre->Dire("ChargementAjouté:8");
+  EXPECT_TRUE(Dit("Dernier : n° 7")) << "what was read stays";
+  for (const QAction* Menu : Fenêtre->menuBar()->actions())
+    if (Menu->text() == "&Greffons") Menu->menu()->actions().front()->trigger();
+  Vider();
+  EXPECT_EQ(Trace, "suspendue");
+  Fenêtre->setGeometry(60, 60, 700, 500);
+  Vider();
+  const QRect Place = Fenêtre->geometry();
+  Fenêtre = nullptr;
+  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), "cave.db", LesRéglages).geometry(), Place);
 }
 
 TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {

@@ -1,0 +1,180 @@
+// What the day has brought.
+#include "host/day_view.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdlib>
+#include <map>
+#include <sstream>
+#include <tuple>
+#include <utility>
+
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::ValeurChamp;
+
+constexpr const char* SqlChargements =
+    "SELECT Chargement.CodeSite, Chargement.NoChargement, Format([DateCh],'hh:nn'), Chargement.Masse, Chargement.Degré"
+    ", Sélection.Désignation, Qualité.Désignation, Propriétaire.Nom & ' ' & Propriétaire.Prénom"
+    ", Récoltant.Nom & ' ' & Récoltant.Prénom, Chargement.Sélection, Chargement.Qualité"
+    " FROM ((((Chargement LEFT JOIN Métayage ON Métayage.IdMétayage = Chargement.Métayage)"
+    " LEFT JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur)"
+    " LEFT JOIN Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur)"
+    " LEFT JOIN Qualité ON Qualité.IdQualité = Chargement.Qualité)"
+    " LEFT JOIN Sélection ON Sélection.IdSélection = Chargement.Sélection"
+    " WHERE DateCh BETWEEN Date() AND Date()+1"
+    " ORDER BY Chargement.DateCh DESC, Chargement.NoChargement DESC";
+
+constexpr const char* SqlQuotas =
+    "SELECT Sélection.Désignation, Sum(QuotasGrp.QuotaJournalier) FROM Sélection"
+    " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection GROUP BY Sélection.Désignation"
+    " ORDER BY Sélection.Désignation";
+
+constexpr const char* SqlArchive =
+    "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], Format([DateCh],'dd/mm/yyyy hh:nn') AS [Date]"
+    ", Masse AS [Pesée], Degré AS [%Vol], Sélection, Qualité, Métayage FROM ChargementArchive ORDER BY DateCh DESC";
+
+const Ombrey::Régional FormesFrançaises{};
+
+std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, FormesFrançaises); }
+
+/// A value that is no number counts nothing: the office may have written anything into the column.
+std::optional<double> NombreDe(const ValeurChamp& Valeur) {
+  const std::string Texte = TexteDe(Valeur);
+  if (!EstNumérique(Texte, FormesFrançaises)) return std::nullopt;
+  return EnRéel(Texte, FormesFrançaises);
+}
+
+std::string SansBlancs(const std::string& Texte) {
+  const std::size_t Fin = Texte.find_last_not_of(' ');
+  return Fin == std::string::npos ? "" : Texte.substr(0, Fin + 1);
+}
+
+/// The name, or the code of what the database has no name for.
+std::string NomOuCode(const ValeurChamp& Nom, const ValeurChamp& Code) {
+  const std::string Texte = TexteDe(Nom);
+  return Texte.empty() ? TexteDe(Code) + " (inconnu)" : Texte;
+}
+
+void Sommer(Journée& Jour) {
+  std::map<std::pair<std::string, std::string>, SommeDuJour> Sommes;
+  Jour.MasseParHeure.fill(0);
+  for (const ChargementDuJour& Un : Jour.Chargements) {
+    SommeDuJour& Somme = Sommes[{Un.Appellation, Un.Classe}];
+    ++Somme.Nombre;
+    Somme.Masse += Un.Masse;
+    Somme.DegréHecto += Un.Masse * Un.Degré.value_or(0) / 100;
+    const auto Heure = static_cast<std::size_t>(std::clamp(std::atoi(Un.Heure.c_str()), 0, 23));
+    Jour.MasseParHeure[Heure] += Un.Masse;
+  }
+  Jour.Sommes.clear();
+  for (auto& [Clé, Somme] : Sommes) {
+    std::tie(Somme.Appellation, Somme.Classe) = Clé;
+    Jour.Sommes.push_back(Somme);
+  }
+}
+
+std::string Entier(double Valeur) { return std::to_string(std::llround(Valeur)); }
+
+/// Upper and lower case alike, accented letters too.
+std::string Minuscules(const std::string& Texte) {
+  constexpr char Accentuée = '\xC3';  // first byte of À to ÿ in UTF-8
+  std::string Repliée = Ombrey::MinusculesAscii(Texte);
+  for (std::size_t Rang = 1; Rang < Repliée.size(); ++Rang) {
+    const auto Seconde = static_cast<unsigned char>(Repliée[Rang]);
+    if (Repliée[Rang - 1] == Accentuée && Seconde >= 0x80 && Seconde <= 0x9E && Seconde != 0x97)
+      Repliée[Rang] = static_cast<char>(Seconde + 0x20);
+  }
+  return Repliée;
+}
+
+}  // namespace
+
+double Journée::Masse() const {
+  double Toute = 0;
+  for (const SommeDuJour& Somme : Sommes) Toute += Somme.Masse;
+  return Toute;
+}
+
+Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
+  Journée Jour;
+  std::map<std::string, double> Reçus;
+  const auto Lignes = Base.OpenRecordset(SqlChargements, Ombrey::TypeRecordset::VersLAvant);
+  for (; !Lignes->Eof(); Lignes->MoveNext()) {
+    const auto Champ = [&](std::size_t Rang) { return Lignes->Fields(Rang); };
+    ChargementDuJour Un{TexteDe(Champ(0)),
+                        TexteDe(Champ(1)),
+                        TexteDe(Champ(2)),
+                        NombreDe(Champ(3)).value_or(0),
+                        NombreDe(Champ(4)),
+                        NomOuCode(Champ(5), Champ(9)),
+                        NomOuCode(Champ(6), Champ(10)),
+                        SansBlancs(TexteDe(Champ(7))),
+                        SansBlancs(TexteDe(Champ(8)))};
+    Reçus[Un.Appellation] += Un.Masse;
+    if (Site.empty() || Un.Site == Site) Jour.Chargements.push_back(std::move(Un));
+  }
+  const auto Quotas = Base.OpenRecordset(SqlQuotas, Ombrey::TypeRecordset::VersLAvant);
+  for (; !Quotas->Eof(); Quotas->MoveNext()) {
+    const std::string Appellation = TexteDe(Quotas->Fields(0));
+    if (const auto Quota = NombreDe(Quotas->Fields(1)))
+      Jour.Quotas.push_back({Appellation, *Quota, Reçus[Appellation]});
+  }
+  Sommer(Jour);
+  return Jour;
+}
+
+Journée Filtrer(const Journée& Toute, const std::string& Mots) {
+  Journée Jour = Toute;
+  std::istringstream Flux(Minuscules(Mots));
+  for (std::string Mot; Flux >> Mot;) {
+    std::erase_if(Jour.Chargements, [&Mot](const ChargementDuJour& Un) {
+      const std::string Tout = Un.Site + '\n' + Un.Numéro + '\n' + Un.Heure + '\n' + Un.Appellation + '\n' + Un.Classe +
+                               '\n' + Un.Propriétaire + '\n' + Un.Récoltant;
+      return Minuscules(Tout).find(Mot) == std::string::npos;
+    });
+  }
+  Sommer(Jour);
+  return Jour;
+}
+
+Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {
+  Rangées Tableau{
+      {"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", "Classe sanitaire", "Propriétaire", "Récoltant"}};
+  for (const ChargementDuJour& Un : Jour.Chargements)
+    Tableau.push_back({Un.Site, Un.Numéro, Un.Heure, Entier(Un.Masse), Un.Degré ? TexteNombre(*Un.Degré, Formes) : "",
+                       Un.Appellation, Un.Classe, Un.Propriétaire, Un.Récoltant});
+  return Tableau;
+}
+
+Rangées TableauSommes(const Journée& Jour, const Ombrey::Régional& Formes) {
+  Rangées Tableau{{"Appellation", "Classe", "Nombre", "kg", "Degré-hecto"}};
+  for (const SommeDuJour& Une : Jour.Sommes)
+    Tableau.push_back({Une.Appellation, Une.Classe, std::to_string(Une.Nombre), Entier(Une.Masse),
+                       TexteNombre(std::round(Une.DegréHecto * 10) / 10, Formes)});
+  return Tableau;
+}
+
+Rangées TableauQuotas(const Journée& Jour) {
+  Rangées Tableau{{"Appellation", "Quota du jour", "Reçu", "Reste"}};
+  for (const QuotaDuJour& Un : Jour.Quotas)
+    Tableau.push_back({Un.Appellation, Entier(Un.Quota), Entier(Un.Reçu), Entier(Un.Quota - Un.Reçu)});
+  return Tableau;
+}
+
+Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes) {
+  const auto Lignes = Base.OpenRecordset(SqlArchive, Ombrey::TypeRecordset::VersLAvant);
+  Rangées Tableau{Lignes->Colonnes()};
+  for (; !Lignes->Eof(); Lignes->MoveNext()) {
+    auto& Rangée = Tableau.emplace_back();
+    for (std::size_t Rang = 0; Rang < Tableau.front().size(); ++Rang)
+      Rangée.push_back(TexteOuVide(Lignes->Fields(Rang), Formes));
+  }
+  return Tableau;
+}
+
+}  // namespace Tarvel

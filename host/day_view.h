@@ -1,0 +1,69 @@
+// What the day has brought: its loads, their sums by appellation and class, the tonnage by hour, the quotas of the day.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "contracts/database.h"
+#include "contracts/system.h"
+
+namespace Tarvel {
+
+struct ChargementDuJour {
+  std::string Site;
+  std::string Numéro;
+  std::string Heure;  ///< HH:MM
+  double Masse = 0;   ///< kg
+  std::optional<double> Degré;
+  std::string Appellation;
+  std::string Classe;
+  std::string Propriétaire;
+  std::string Récoltant;
+};
+
+/// The loads of one appellation and class.
+struct SommeDuJour {
+  std::string Appellation;
+  std::string Classe;
+  std::size_t Nombre = 0;
+  double Masse = 0;
+  double DegréHecto = 0;  ///< kg × % vol / 100, of the loads that have a degree
+};
+
+/// An appellation that has quotas for the day, those of all groups together.
+struct QuotaDuJour {
+  std::string Appellation;
+  double Quota = 0;
+  double Reçu = 0;
+};
+
+struct Journée {
+  std::vector<ChargementDuJour> Chargements;  ///< the newest first
+  std::vector<SommeDuJour> Sommes;            ///< in the order of appellation and class
+  std::vector<QuotaDuJour> Quotas;
+  std::array<double, 24> MasseParHeure{};  ///< kg
+
+  [[nodiscard]] double Masse() const;
+};
+
+/// Reads today's loads, of one site or (an empty code) of all, the quotas with what all sites have received. Raises
+/// ErreurExécution when the database can't be read.
+[[nodiscard]] Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site);
+
+/// The day's loads in which every word of Mots stands somewhere, upper and lower case alike, with their own sums. The
+/// quotas stay.
+[[nodiscard]] Journée Filtrer(const Journée& Toute, const std::string& Mots);
+
+/// Rows as texts, their headings first: loads, sums and quotas.
+using Rangées = std::vector<std::vector<std::string>>;
+[[nodiscard]] Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes);
+[[nodiscard]] Rangées TableauSommes(const Journée& Jour, const Ombrey::Régional& Formes);
+[[nodiscard]] Rangées TableauQuotas(const Journée& Jour);
+
+/// Loads whose number another one has taken over, the latest first.
+[[nodiscard]] Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes);
+
+}  // namespace Tarvel

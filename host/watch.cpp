@@ -1,0 +1,122 @@
+// What the station's operator is told at a glance, worked out from what the plug-in says.
+#include "host/watch.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace Tarvel {
+namespace {
+
+/// A part of what the plug-in says, and what it tells of the link.
+struct SigneLiaison {
+  const char* Texte;
+  Liaison État;
+};
+constexpr SigneLiaison SignesLiaison[] = {
+    {"Aucun port n'est réglé", Liaison::SansPort},
+    {"Erreur de configuration du port", Liaison::SansPort},
+    {"Impossible d'initialiser le port", Liaison::SansPort},
+    {"Aucune réponse du RG80.", Liaison::Muette},
+    {"Impossible d'établir la connexion avec le RG80.", Liaison::Muette},
+    {"Erreur du port de communication au RG80.", Liaison::PortEnPanne},
+    {"Aucun chargement à récupérer.", Liaison::Répond},
+    {"Communication établie avec le RG80.", Liaison::Répond},
+    {"Importation d'un nouveau chargement : Site", Liaison::Répond},
+    {"Mise à jour des cumuls", Liaison::Répond},
+    {"Erreur de check-sum", Liaison::Répond},
+    {"(NACK)", Liaison::Répond},
+};
+
+/// A part of what the plug-in says of a load that it can't take, and what is to be done about it.
+struct SigneRefus {
+  const char* Texte;
+  const char* ÀFaire;
+};
+constexpr SigneRefus SignesRefus[] = {
+    {"Erreur de check-sum", "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble."},
+    {"Données trop courtes", "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble."},
+    {"Code exploitation introuvable",
+     "Vérifier au RG80 les codes du propriétaire et du récoltant, et les créer au bureau s'ils manquent."},
+    {"TraiterDonnéesReçues : ", "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau."},
+    {"Erreur d'importation des données issues du RG80.",
+     "Voir si la base peut être écrite (autre programme, disque plein), et le fichier conservé."},
+};
+constexpr const char* Numéroté = "chargement n° ";
+
+constexpr Secondes Minute = 60;
+constexpr Secondes Heure = 60 * Minute;
+
+std::string Durée(Secondes Passées) {
+  if (Passées < Minute) return std::to_string(Passées) + " s";
+  if (Passées < Heure) return std::to_string(Passées / Minute) + " min";
+  return std::to_string(Passées / Heure) + " h " + std::to_string(Passées % Heure / Minute) + " min";
+}
+
+}  // namespace
+
+void ÉtatLiaison::Noter(Secondes Quand, const std::string& Texte) {
+  for (const SigneLiaison& Signe : SignesLiaison) {
+    if (Texte.find(Signe.Texte) == std::string::npos) continue;
+    // The port has said itself what is wrong with it, and says so ahead of this.
+    if (Signe.État != Liaison::PortEnPanne) Raison_.clear();
+    return Passer(Quand, Signe.État);
+  }
+}
+
+void ÉtatLiaison::NoterPort(Secondes Quand, const std::string& Raison) {
+  Raison_ = Raison;
+  Passer(Quand, Liaison::PortEnPanne);
+}
+
+void ÉtatLiaison::Passer(Secondes Quand, Liaison Nouvel) {
+  if (std::exchange(État_, Nouvel) != Nouvel) Depuis_ = Quand;
+}
+
+std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
+  const std::string Depuis = " depuis " + Durée(std::max<Secondes>(0, Maintenant - Depuis_));
+  switch (État_) {
+    case Liaison::Répond:
+      return "Le RG80 répond";
+    case Liaison::Muette:
+      return "Le RG80 est muet" + Depuis;
+    case Liaison::PortEnPanne:
+      return (Raison_.empty() ? "Le port est en panne" : Raison_) + " (" + Depuis.substr(1) + ")";
+    case Liaison::SansPort:
+      return "Aucun port n'est réglé (Station > Configurer le port)";
+    case Liaison::Inconnue:
+      break;
+  }
+  return "Le RG80 n'a pas encore été interrogé";
+}
+
+void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, const std::string& Sujet, const std::string& Texte,
+                         const std::string& ÀFaire) {
+  const auto Connu =
+      std::ranges::find_if(Faits_, [&](const FaitRépété& Un) { return Un.Sujet == Sujet && Un.Texte == Texte; });
+  FaitRépété Fait{Sujet, Texte, ÀFaire, 0, Quand, Quand};
+  if (Connu != Faits_.end()) {
+    Fait = *Connu;
+    Faits_.erase(Connu);
+  }
+  ++Fait.Fois;
+  Fait.Dernier = Quand;
+  Faits_.insert(Faits_.begin(), std::move(Fait));
+}
+
+void FaitsRépétés::Retirer(const std::string& Sujet) {
+  std::erase_if(Faits_, [&Sujet](const FaitRépété& Un) { return Un.Sujet == Sujet; });
+}
+
+Refus LireRefus(const std::string& Texte) {
+  for (const SigneRefus& Signe : SignesRefus) {
+    const std::size_t Début = Texte.find(Signe.Texte);
+    if (Début == std::string::npos) continue;
+    const std::size_t Numéro = Texte.find(Numéroté, Début);
+    Refus Lu{SansNuméro, Texte.substr(Début), Signe.ÀFaire};
+    if (Numéro != std::string::npos) Lu.Sujet = Texte.substr(Numéro + std::string(Numéroté).size());
+    return Lu;
+  }
+  return {};
+}
+
+}  // namespace Tarvel

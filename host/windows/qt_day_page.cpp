@@ -1,0 +1,136 @@
+// The main window's view of the day.
+#include "host/windows/qt_day_page.h"
+
+#include <QHBoxLayout>
+#include <QPainter>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "platform/qt/qt_measures.h"
+
+namespace Ombrey {
+
+namespace {
+constexpr int LignesHistogramme = 7;  ///< its height in lines of text
+constexpr int KgParTonne = 1000;
+/// Hours that are shown even when they brought nothing.
+constexpr int PremièreHeure = 7;
+constexpr int DernièreHeure = 20;
+
+QString Tonnes(double Kilos) { return QLocale(QLocale::French).toString(Kilos / KgParTonne, 'f', 1); }
+}  // namespace
+
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées) {
+  std::vector<std::string> Entêtes = std::move(Rangées.front());
+  Rangées.erase(Rangées.begin());
+  Grille.Remplir(std::move(Entêtes), std::move(Rangées));
+}
+
+HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
+  setMinimumHeight(LignesHistogramme * fontMetrics().lineSpacing());
+  setAccessibleName(QStringLiteral("Tonnage par heure"));
+}
+
+void HistogrammeQt::Montrer(const std::array<double, 24>& MasseParHeure) {
+  if (std::exchange(Masses_, MasseParHeure) == MasseParHeure) return;
+  QStringList Dites;
+  for (std::size_t Heure = 0; Heure < Masses_.size(); ++Heure)
+    if (Masses_[Heure] > 0) Dites << QStringLiteral("%1 h : %2 t").arg(Heure).arg(Tonnes(Masses_[Heure]));
+  setToolTip(Dites.join(QLatin1Char('\n')));
+  setAccessibleDescription(Dites.join(QStringLiteral(", ")));
+  update();
+}
+
+void HistogrammeQt::paintEvent(QPaintEvent* /*Événement*/) {
+  QPainter Peintre(this);
+  const int Ligne = fontMetrics().lineSpacing();
+  int Début = PremièreHeure;
+  int Fin = DernièreHeure;
+  for (int Heure = 0; Heure < static_cast<int>(Masses_.size()); ++Heure) {
+    if (Masses_[static_cast<std::size_t>(Heure)] <= 0) continue;
+    Début = std::min(Début, Heure);
+    Fin = std::max(Fin, Heure);
+  }
+  const double Sommet = *std::ranges::max_element(Masses_);
+  const int Pas = width() / (Fin - Début + 1);
+  const int Bas = height() - Ligne;
+  for (int Heure = Début; Heure <= Fin; ++Heure) {
+    const double Masse = Masses_[static_cast<std::size_t>(Heure)];
+    const int Gauche = (Heure - Début) * Pas;
+    const int Haut = Sommet > 0 ? static_cast<int>((Bas - Ligne) * Masse / Sommet) : 0;
+    const QRect Barre(Gauche + Pas / 6, Bas - Haut, Pas - Pas / 3, Haut);
+    Peintre.fillRect(Barre, palette().highlight());
+    Peintre.setPen(palette().color(QPalette::WindowText));
+    Peintre.drawText(QRect(Gauche, Bas, Pas, Ligne), Qt::AlignCenter, QStringLiteral("%1 h").arg(Heure));
+    if (Masse > 0)
+      Peintre.drawText(QRect(Gauche, Bas - Haut - Ligne, Pas, Ligne), Qt::AlignCenter,
+                       Tonnes(Masse) + QStringLiteral(" t"));
+  }
+}
+
+PageJournéeQt::PageJournéeQt(QWidget* Parent, const Régional& Formes)
+    : QWidget(Parent),
+      Formes_(Formes),
+      Filtre_(new QLineEdit(this)),
+      Tous_(new QCheckBox(QStringLiteral("Tous les &sites"), this)),
+      Total_(new QLabel(this)),
+      Chargements_(new GrilleChargements(this)),
+      Sommes_(new GrilleChargements(this)),
+      Quotas_(new GrilleChargements(this)),
+      Heures_(new HistogrammeQt(this)) {
+  Filtre_->setPlaceholderText(QStringLiteral("Chercher : numéro, nom, appellation…"));
+  Filtre_->setClearButtonEnabled(true);
+  Filtre_->setToolTip(QStringLiteral("La liste et les sommes ne gardent que ce qui contient tous ces mots."));
+  Filtre_->setAccessibleName(QStringLiteral("Chercher dans la journée"));
+  Tous_->setToolTip(QStringLiteral("Montre aussi les chargements des autres stations."));
+  Chargements_->setAccessibleName(QStringLiteral("Chargements du jour"));
+  Sommes_->setAccessibleName(QStringLiteral("Sommes par appellation et classe"));
+  Sommes_->setToolTip(QStringLiteral("Degré-hecto : kilos × % vol / 100, des chargements qui ont un degré."));
+  Quotas_->setAccessibleName(QStringLiteral("Quotas du jour par appellation"));
+  auto* const Haut = new QHBoxLayout;
+  Haut->addWidget(Filtre_, 1);
+  Haut->addWidget(Tous_);
+  Haut->addWidget(Total_);
+  auto* const Droite = new QSplitter(Qt::Vertical, this);
+  Droite->addWidget(Sommes_);
+  Droite->addWidget(Quotas_);
+  auto* const Milieu = new QSplitter(this);
+  Milieu->addWidget(Chargements_);
+  Milieu->addWidget(Droite);
+  Milieu->setStretchFactor(0, 3);
+  Milieu->setStretchFactor(1, 2);
+  Milieu->setChildrenCollapsible(false);
+  auto* const Plan = new QVBoxLayout(this);
+  Plan->addLayout(Haut);
+  Plan->addWidget(Milieu, 1);
+  Plan->addWidget(Heures_);
+  connect(Filtre_, &QLineEdit::textChanged, this, [this] { Afficher(); });
+  connect(Tous_, &QCheckBox::toggled, this, [this] {
+    if (SurSites) SurSites();
+  });
+  Chargements_->setFocus();
+}
+
+void PageJournéeQt::Montrer(Tarvel::Journée Toute) {
+  Toute_ = std::move(Toute);
+  Afficher();
+}
+
+std::optional<double> PageJournéeQt::MasseDe(const std::string& Numéro) const {
+  const auto Un = std::ranges::find(Toute_.Chargements, Numéro, &Tarvel::ChargementDuJour::Numéro);
+  return Un == Toute_.Chargements.end() ? std::nullopt : std::optional(Un->Masse);
+}
+
+void PageJournéeQt::Afficher() {
+  const Tarvel::Journée Jour = Tarvel::Filtrer(Toute_, Filtre_->text().toStdString());
+  Ombrey::Remplir(*Chargements_, TableauChargements(Jour, Formes_));
+  Ombrey::Remplir(*Sommes_, TableauSommes(Jour, Formes_));
+  Ombrey::Remplir(*Quotas_, TableauQuotas(Jour));
+  Quotas_->setVisible(!Jour.Quotas.empty());
+  Heures_->Montrer(Jour.MasseParHeure);
+  Total_->setText(QStringLiteral("%1 chargements, %2 t").arg(Jour.Chargements.size()).arg(Tonnes(Jour.Masse())));
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,59 @@
+// The main window's view of the day: loads, sums, quotas, tonnage by hour.
+#pragma once
+
+#include <QCheckBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QWidget>
+#include <array>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "contracts/system.h"
+#include "host/day_view.h"
+#include "platform/qt/qt_load_grid.h"
+
+namespace Ombrey {
+
+/// Tonnage by hour as bars.
+class HistogrammeQt : public QWidget {
+ public:
+  explicit HistogrammeQt(QWidget* Parent);
+  void Montrer(const std::array<double, 24>& MasseParHeure);
+
+ protected:
+  void paintEvent(QPaintEvent* Événement) override;
+
+ private:
+  std::array<double, 24> Masses_{};
+};
+
+class PageJournéeQt : public QWidget {
+ public:
+  PageJournéeQt(QWidget* Parent, const Régional& Formes);
+  /// Toute is the day of all sites or of one, as TousLesSites says. The lists keep their place.
+  void Montrer(Tarvel::Journée Toute);
+  /// The weight of the newest load of this number, if the day has one.
+  [[nodiscard]] std::optional<double> MasseDe(const std::string& Numéro) const;
+  [[nodiscard]] bool TousLesSites() const { return Tous_->isChecked(); }
+  std::function<void()> SurSites;  ///< the operator wants all sites, or his own
+
+ private:
+  void Afficher();
+
+  Régional Formes_;
+  Tarvel::Journée Toute_;
+  QLineEdit* Filtre_;
+  QCheckBox* Tous_;
+  QLabel* Total_;
+  GrilleChargements* Chargements_;
+  GrilleChargements* Sommes_;
+  GrilleChargements* Quotas_;
+  HistogrammeQt* Heures_;
+};
+
+/// Rows with their headings first, into a grid.
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées);
+
+}  // namespace Ombrey
