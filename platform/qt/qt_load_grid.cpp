@@ -169,13 +169,14 @@ GrilleChargements::GrilleChargements(QWidget* Parent) : QTableView(Parent) {
 void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
   if (static_cast<int>(Entêtes.size()) != NombreColonnes()) LargeursFixées_.clear();
   EnAjustement_ = true;
-  const QString Choisie = Modèle_.Identité(currentIndex().row());
+  const bool EstChoisie = selectionModel()->isRowSelected(currentIndex().row());
+  const QString Choisie = EstChoisie ? Modèle_.Identité(currentIndex().row()) : QString();
   const int Colonne = currentIndex().column();
   // At the very top the newest load is what one wants to see; farther down one looks at a certain load.
   const int EnTête = verticalScrollBar()->value();
   const QString Regardée = EnTête > 0 ? Modèle_.Identité(EnTête) : QString();
   Modèle_.Remplir(std::move(Entêtes), std::move(Lignes));
-  if (const int Rang = Modèle_.RangDe(Choisie); Rang != currentIndex().row()) {
+  if (const int Rang = Modèle_.RangDe(Choisie); EstChoisie && Rang != currentIndex().row()) {
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(Modèle_.index(Rang, Colonne),
                                       QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
