@@ -31,6 +31,7 @@ TEST(Surroundings, AStationCollectsAndEndsWhateverItWasStartedFrom) {
       P.Station->Taper("messages");
       EXPECT_TRUE(P.Station->Attendre("messages : ")) << P.Dit();
     }
+    P.Faire("$ ! grep -rqs 'Module initialis' poste");  // no file has taken a closed stream's place
     P.Station->Signaler(Signal);
     EXPECT_EQ(P.Station->Fin(), 0) << P.Dit();
     EXPECT_EQ(P.Rentrés(), "1 1 0") << P.Dit();
