@@ -1,7 +1,11 @@
 # Runs in the guest. A line that begins with "@" asks the outside for something, which answers with a line; one that
 # begins with "=" is a case: its name, "bon" or "mauvais", its figure.
 ask() { echo "@$*"; read -r answer; }
-verdict() { [ "$2" = 0 ] && echo "= $1 | bon | $3" || echo "= $1 | mauvais | $3"; }
+verdict() {
+  [ "$2" = 0 ] && echo "= $1 | bon | $3" && return
+  echo "= $1 | mauvais | $3"
+  tail -n 12 /tmp/said | sed 's/^/# /'
+}
 now() { read -r up _ </proc/uptime; echo "${up%.*}${up#*.}0"; } # milliseconds
 
 # $1: port; $2: bauds; the rest: lines that win over the usual ones.
@@ -247,7 +251,7 @@ gadget() {
     terminal=$!
     t0=$(now)
     start
-    limit=$(($(now) + 120000))
+    limit=$(($(now) + 60000))
     while kill -0 $terminal 2>/dev/null && [ "$(now)" -lt $limit ]; do sleep 0.2; done
     figure="$((($(now) - t0) / 1000)) s"
     kill $terminal 2>/dev/null
