@@ -2,8 +2,10 @@
 # Applies the deliberate faults of faults.txt, each alone, to a copy of the tree and tells which test catches it.
 #
 #   tests/faults/run.sh [--all] [PATTERN]
+#   tests/faults/run.sh --fits
 #
-# PATTERN picks faults by their title line; --all names every test that fails in the program that catches a fault.
+# PATTERN picks faults by their title line; --all names every test that fails in the program that catches a fault; --fits
+# only looks whether each fault's old text still stands in the code.
 # FAULTS_DIR is the work folder. Ends with 1 when a fault escapes or doesn't compile, with 2 when it can't work.
 set -uo pipefail
 cd "$(dirname "$(readlink -f "$0")")/../.."
@@ -11,6 +13,8 @@ list=$PWD/tests/faults/faults.txt
 work=${FAULTS_DIR:-/tmp/ombrey-faults} tree=$work/tree build=$work/build log=$work/log
 fast=--gtest_fail_fast
 [ "${1:-}" = --all ] && { fast=; shift; }
+fits=
+[ "${1:-}" = --fits ] && { fits=yes; shift; work=$(mktemp -d); tree=$work/tree; trap 'rm -rf "$work"' EXIT; }
 pattern=${1:-.}
 # Cheap ones first.
 programs="base link import quotas monitor transfer core rooms loop system database host terminal serial console qt road"
@@ -77,6 +81,7 @@ mapfile -t titles < <(sed -n 's/^\* //p' "$list")
 sound=yes
 for i in "${!titles[@]}"; do apply $((i + 1)) || sound=no; restore "${titles[i]%%:*}"; done
 [ $sound = yes ] || die "The list no longer fits the code"
+[ -z "$fits" ] || { echo "${#titles[@]} faults fit the code"; exit; }
 cmake -S "$tree" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=Debug -DOMBREY_WERROR=OFF -DOMBREY_BENCH=OFF \
   -DCMAKE_CXX_COMPILER_LAUNCHER="$(command -v ccache || true)" >"$log" 2>&1 && make || die "$(tail -20 "$log")"
 for p in $programs; do run "$p" || die "A test fails without any fault"; done
