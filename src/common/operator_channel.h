@@ -25,14 +25,18 @@ class ICanalOpérateur {
   virtual void Afficher() = 0;
 };
 
-/// What the windows have done by the plug-in.
-class IServicesLiaison {
+class IEnvoiCumuls {
  public:
-  virtual ~IServicesLiaison() = default;
+  virtual ~IEnvoiCumuls() = default;
+  /// Sends the figures of the load to the terminal; the empty text stands for the last load received.
+  virtual void MettreAJourCumuls(std::string& NoChargement) = 0;
+};
+
+/// What the windows have done by the plug-in.
+class IServicesLiaison : public virtual IEnvoiCumuls {
+ public:
   /// One poll, now. Put off while the line is taken.
   virtual void Retard_FinTempo(const std::string& CodeRetour) = 0;
-  /// Sends the figures of the load again; the empty text stands for the last load received.
-  virtual void MettreAJourCumuls(std::string& NoChargement) = 0;
   /// True when the terminal answered.
   virtual bool TesterConnexion() = 0;
   /// Sends each text that isn't empty in a frame of its own. Empty when all were acknowledged, else the reason.

@@ -19,14 +19,12 @@ PlugIn::PlugIn(IPlateforme& Plateforme)
     : Canal_([this] { return std::make_unique<FSuiviChargnt>(État_, *this); }),
       État_(Plateforme, Canal_),
       Échange_(État_),
-      Transmission_(État_, Échange_),
       Exploitations_(État_),
       MiseEnForme_(État_),
       Trames_(État_, Exploitations_, MiseEnForme_),
       Notifications_(État_),
       Cumuls_(État_, *this),
-      Collecte_(État_, Échange_, *this),
-      Interrogation_(État_, Collecte_) {}
+      Interrogation_(État_, Échange_, *this) {}
 
 std::shared_ptr<PlugIn> PlugIn::Créer(IPlateforme& Plateforme) {
   std::shared_ptr<PlugIn> Nouveau(new PlugIn(Plateforme));
@@ -158,11 +156,10 @@ void PlugIn::Retard_FinTempo(const std::string& CodeRetour) { Interrogation_.Ret
 void PlugIn::MettreAJourCumuls(std::string& NoChargement) { Cumuls_.MettreAJourCumuls(NoChargement); }
 bool PlugIn::TesterConnexion() { return Échange_.TesterConnexion(); }
 std::string PlugIn::TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) {
-  return Transmission_.TransmettreLignes(NumFichier, Lignes);
+  return Transmission(État_, Échange_, NumFichier).TransmettreLignes(Lignes);
 }
 std::string PlugIn::TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) {
   return Trames_.TraiterDonnéesReçues(Tampon, Réponse, NoChargement);
 }
-void PlugIn::SignalerAuHôte(const std::string& Texte) { Interrogation_.SignalerAuHôte(Texte); }
 
 }  // namespace Ombrey

@@ -75,7 +75,6 @@ class PlugIn final : public IPlugInTarvel,
   bool TesterConnexion() override;
   std::string TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) override;
   std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) override;
-  void SignalerAuHôte(const std::string& Texte) override;
 
  private:
   explicit PlugIn(IPlateforme& Plateforme);
@@ -106,13 +105,11 @@ class PlugIn final : public IPlugInTarvel,
   std::weak_ptr<FChargntDonnées> FChargntDonnées_;  ///< the transfer window, while it is open
   ÉtatPlugIn État_;
   Échange Échange_;
-  Transmission Transmission_;
   VérificationExploitation Exploitations_;
   MiseEnFormeImport MiseEnForme_;
   TraitementTrame Trames_;
   NotificationsImport Notifications_;
   RéponseCumuls Cumuls_;
-  Collecte Collecte_;
   Interrogation Interrogation_;
 };
 

@@ -21,59 +21,24 @@ constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80
 constexpr const char* TexteLaissé =
     "Chargement laissé sans réponse : le RG80 répondait peut-être à une demande plus ancienne.";
 
-/// The progress counter jumps at the import: from 105 on the import failed, from 205 on it worked.
-constexpr int SautImportRefusé = 101;
-constexpr int SautImportFait = 201;
-
-/// The working values of one dialogue and its steps.
-class Dialogue {
- public:
-  Dialogue(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
-      : État_(État), Échange_(LÉchange), Traitement_(Traitement), Système_(État.Plateforme.Système()) {}
-
-  std::string Tenir();
-
- private:
-  void SuivreLeCours();
-  void OuvrirFichierErreurs();
-  bool DemanderChargement();
-  bool AttendreTrame();
-  bool EstPourNous();
-  bool Accordé(const Attente& Demande, const std::string& Refus);
-  bool EcrireFichierImport();
-  void Importer();
-  void RefuserImport();
-  void RefuserImportAvecErreur();
-  void NoterRefus();
-  void RefuserAuTerminal();
-  bool RépondreAuTerminal();
-  void EnvoyerCumuls();
-  void Finir();
-  void VérifierErreurEnAttente();
-  const std::filesystem::path& FichierConservé();
-  bool EstRompu();
-  void ConserverFichierImport();
-  void Clore();
-
-  ÉtatPlugIn& État_;
-  Échange& Échange_;
-  ITraitementChargement& Traitement_;
-  ISystème& Système_;
-
-  int Etape_ = 0;
-  std::string Résultat_;
-  std::optional<FichierErreurs> Erreurs_;
-  std::filesystem::path FichierImport_;
-  std::filesystem::path FichierConservé_;
-  std::shared_ptr<IBaseDeD> BaseDeD_;
-  Octets RéponseRG80_;
-  Octets Trame_;  ///< as it came, with what stands around the record
-  std::string NoChargement_;
-  std::string TexteImport_;
-  std::shared_ptr<IEtatBdD> EtatBdD_;
+/// The progress counter, as it stands in « Erreur etape 206 » and « Etape 4 ». What ends early counts two on from its
+/// last step: 4 and 5 without an import, 106 and 107 behind a refused one, 206 and 207 behind an error text.
+enum Etape {
+  EtapeDossierErreurs = 0,
+  EtapeFichierErreurs = 1,
+  EtapeÉchanges = 2,
+  EtapeFichierImport = 3,
+  EtapeImport = 4,
+  EtapeImportRefusé = 105,
+  EtapeImportFait = 205,
+  EtapeCumuls = 206,
+  EtapeActualisation = 207,
+  EtapeAnnonce = 208,
 };
 
-std::string Dialogue::Tenir() {
+}  // namespace
+
+std::string Collecte::LireDonnéesDeRG80() {
   try {
     SuivreLeCours();
   } catch (const std::exception& Échec) {
@@ -84,10 +49,10 @@ std::string Dialogue::Tenir() {
   return Rendu;
 }
 
-void Dialogue::SuivreLeCours() {
+void Collecte::SuivreLeCours() {
   Exiger(État_.Retard)->Arrêter();
   OuvrirFichierErreurs();
-  Etape_ = 2;
+  Etape_ = EtapeÉchanges;
   État_.Erreur.Effacer();
   BaseDeD_ = État_.BaseDeD;
   EtatBdD_ = État_.EtatBdD;
@@ -114,24 +79,24 @@ void Dialogue::SuivreLeCours() {
 
 /// True when there is nobody left to answer for: the plug-in is ending, or works on another database now. Holding, row
 /// and figures of one load come from one database, and the terminal offers the load again.
-bool Dialogue::EstRompu() {
+bool Collecte::EstRompu() {
   const bool Changée = !État_.Abandon && État_.BaseDeD != BaseDeD_;
   if (Changée) Résultat_ = "La base de données a été changée pendant le dialogue.";
   return État_.Abandon || Changée;
 }
 
-void Dialogue::OuvrirFichierErreurs() {
+void Collecte::OuvrirFichierErreurs() {
   CréerDossier(DossierErreurs(Système_));
-  Etape_ = 1;
+  Etape_ = EtapeFichierErreurs;
   Erreurs_.emplace(FichierErreursDuJour(Système_));
 }
 
-bool Dialogue::DemanderChargement() {
+bool Collecte::DemanderChargement() {
   Échange_.FaireTaire();
   return Accordé(Requête(Octets(CodeDemande)), "Aucun chargement à récupérer.");
 }
 
-bool Dialogue::AttendreTrame() {
+bool Collecte::AttendreTrame() {
   Attente Trame = Requête(Octets(CodeDemande));
   Trame.Texte.Vider();
   // The answer to the request stays at the head of the buffer and counts.
@@ -141,7 +106,7 @@ bool Dialogue::AttendreTrame() {
 
 /// The frame is ours unless it can be the answer to an older request. Then nothing is answered: the terminal keeps the
 /// load, and the next poll asks again when the line has been silent.
-bool Dialogue::EstPourNous() {
+bool Collecte::EstPourNous() {
   const Octets& Tampon = État_.TamponRéception;
   Trame_ = Tampon.Extrait(Tampon.Chercher(Octets(1, STX)), LongTrameChargement);
   if (Échange_.EstCopie(Trame_)) Résultat_ = TexteLaissé;
@@ -149,7 +114,7 @@ bool Dialogue::EstPourNous() {
 }
 
 /// Runs one exchange; false ends the dialogue in words, Refus being those for a NAK.
-bool Dialogue::Accordé(const Attente& Demande, const std::string& Refus) {
+bool Collecte::Accordé(const Attente& Demande, const std::string& Refus) {
   const CodeÉchange Code = Échange_.AttendreRéponse(Demande, RéponseRG80_);
   const std::string Panne = TextePanne(Code);
   if (!Panne.empty()) Résultat_ = TexteÉchecLecture + Panne;
@@ -157,25 +122,25 @@ bool Dialogue::Accordé(const Attente& Demande, const std::string& Refus) {
   return Résultat_.empty();
 }
 
-bool Dialogue::EcrireFichierImport() {
+bool Collecte::EcrireFichierImport() {
   const Octets Texte = VersAnsi(TexteImport_);
   // A file that a killed station left behind isn't this load's.
   const bool EstÉcrit = Texte.Taille() > 1;
   if (EstÉcrit) EcrireFichier(FichierImport_, (Texte + Octets("\r\n")).Bruts());
-  Etape_ = 3;
+  Etape_ = EtapeFichierImport;
   return EstÉcrit && !NoChargement_.empty();
 }
 
-void Dialogue::Importer() {
+void Collecte::Importer() {
   État_.DernierNoChargement = NoChargement_;
-  Etape_ = 4;
+  Etape_ = EtapeImport;
   bool Drapeau = false;
   if (!EtatBdD_->TableImporter(TitreImport, TexteChemin(FichierImport_), Drapeau)) {
-    Etape_ += SautImportRefusé;
+    Etape_ = EtapeImportRefusé;
     RefuserImport();
     return;
   }
-  Etape_ += SautImportFait;
+  Etape_ = EtapeImportFait;
   if (EstRompu()) return;
   if (!EtatBdD_->DernièreErreur().empty()) {
     RefuserImportAvecErreur();
@@ -188,21 +153,21 @@ void Dialogue::Importer() {
 }
 
 /// One name for the whole dialogue: a box may stand open between the moving and the line that tells of it.
-const std::filesystem::path& Dialogue::FichierConservé() {
+const std::filesystem::path& Collecte::FichierConservé() {
   if (FichierConservé_.empty())
     FichierConservé_ = Système_.DossierImportsConservés() /
                        Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
   return FichierConservé_;
 }
 
-void Dialogue::ConserverFichierImport() {
+void Collecte::ConserverFichierImport() {
   const std::filesystem::path Vers = FichierConservé();
   CréerDossier(Vers.parent_path());
   DéplacerFichier(FichierImport_, Vers);
 }
 
 /// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
-void Dialogue::RefuserImport() {
+void Collecte::RefuserImport() {
   constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
   ConserverFichierImport();
   État_.Avertir(Échec);
@@ -212,23 +177,23 @@ void Dialogue::RefuserImport() {
 }
 
 /// The engine left an error text. What it has written stays in the database; the load is refused all the same.
-void Dialogue::RefuserImportAvecErreur() {
+void Collecte::RefuserImportAvecErreur() {
   NoterRefus();
   État_.Canal.AjouterMessage(EtatBdD_->DernièreErreur(), true);
   ConserverFichierImport();
   RefuserAuTerminal();
 }
 
-void Dialogue::NoterRefus() {
+void Collecte::NoterRefus() {
   Erreurs_->Ajouter(TexteHeure(Système_.Maintenant()) + " : TableImporter = TRUE : " + EtatBdD_->DernièreErreur() +
                     " - voir " + TexteChemin(FichierConservé()));
 }
 
-void Dialogue::RefuserAuTerminal() {
+void Collecte::RefuserAuTerminal() {
   if (!EstRompu()) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
 }
 
-bool Dialogue::RépondreAuTerminal() {
+bool Collecte::RépondreAuTerminal() {
   if (RéponseRG80_.EstVide()) {
     État_.Canal.AjouterMessage("Rien à répondre au RG80 !!?", true);
   } else if (!Échange_.Acquitter(Trame_)) {
@@ -237,20 +202,21 @@ bool Dialogue::RépondreAuTerminal() {
   return Résultat_.empty();
 }
 
-void Dialogue::EnvoyerCumuls() {
-  ++Etape_;
+void Collecte::EnvoyerCumuls() {
+  Etape_ = EtapeCumuls;
   Traitement_.MettreAJourCumuls(NoChargement_);
   VérifierErreurEnAttente();
-  ++Etape_;
+  Etape_ = EtapeActualisation;
   if (État_.Abandon) return;
   Exiger(État_.BaseDeD)->Actualiser();
   VérifierErreurEnAttente();
-  ++Etape_;
-  Traitement_.SignalerAuHôte("ChargementAjouté:" + NoChargement_);
+  Etape_ = EtapeAnnonce;
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] { Exiger(État_.EventPlugin)->Signaler("ChargementAjouté:" + NoChargement_); });
   État_.Erreur.Effacer();
 }
 
-void Dialogue::Finir() {
+void Collecte::Finir() {
   VérifierErreurEnAttente();
   ++Etape_;
   if (État_.Canal.EstVisible()) État_.Canal.Rafraîchir();
@@ -259,12 +225,12 @@ void Dialogue::Finir() {
 }
 
 /// A called operation can leave a failure recorded without raising it. It stays recorded.
-void Dialogue::VérifierErreurEnAttente() {
+void Collecte::VérifierErreurEnAttente() {
   if (État_.Erreur.EstPrésente() && !État_.Abandon)
     État_.Avertir(État_.Erreur.Texte(), "Erreur etape " + std::to_string(Etape_));
 }
 
-void Dialogue::Clore() {
+void Collecte::Clore() {
   ErreurEnAttente Ignorée;
   // What fails because the plug-in was ended in the middle is no failure for the operator.
   if (État_.Erreur.EstPrésente() && Résultat_.empty() && !État_.Abandon) {
@@ -276,9 +242,5 @@ void Dialogue::Clore() {
   std::error_code Code;
   if (!FichierImport_.empty()) std::filesystem::remove(FichierImport_, Code);
 }
-
-}  // namespace
-
-std::string Collecte::LireDonnéesDeRG80() { return Dialogue(État_, Échange_, Traitement_).Tenir(); }
 
 }  // namespace Ombrey

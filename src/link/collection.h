@@ -1,31 +1,31 @@
 // The collection dialogue: asks the terminal for one load, receives it, has it imported and answers.
 #pragma once
 
+#include <filesystem>
+#include <memory>
+#include <optional>
 #include <string>
 
 #include "common/plugin_state.h"
+#include "link/daily_error_file.h"
 #include "link/exchange.h"
 
 namespace Ombrey {
 
 /// What the dialogue needs done with a load.
-class ITraitementChargement {
+class ITraitementChargement : public virtual IEnvoiCumuls {
  public:
-  virtual ~ITraitementChargement() = default;
   /// Takes the frame out of Tampon and turns its record into one line of import text; empty when there is nothing to
   /// import, and the operator has been told why. Réponse: ACK or NAK for the terminal once a frame could be checked,
   /// untouched otherwise. NoChargement: the load's number, once known.
   virtual std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) = 0;
-  /// Sends the figures of the load to the terminal.
-  virtual void MettreAJourCumuls(std::string& NoChargement) = 0;
-  /// Tells the host. Raises nothing.
-  virtual void SignalerAuHôte(const std::string& Texte) = 0;
 };
 
+/// One dialogue.
 class Collecte {
  public:
   Collecte(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
-      : État_(État), Échange_(LÉchange), Traitement_(Traitement) {}
+      : État_(État), Échange_(LÉchange), Traitement_(Traitement), Système_(État.Plateforme.Système()) {}
 
   /// One dialogue, one load at most. The result says how it ended, empty when there is nothing to report; a run-time
   /// failure isn't in it, but has been shown, and stays the pending failure. Leaves the polling timer stopped.
@@ -33,9 +33,43 @@ class Collecte {
   std::string LireDonnéesDeRG80();
 
  private:
+  void SuivreLeCours();
+  void OuvrirFichierErreurs();
+  bool DemanderChargement();
+  bool AttendreTrame();
+  bool EstPourNous();
+  bool Accordé(const Attente& Demande, const std::string& Refus);
+  bool EcrireFichierImport();
+  void Importer();
+  void RefuserImport();
+  void RefuserImportAvecErreur();
+  void NoterRefus();
+  void RefuserAuTerminal();
+  bool RépondreAuTerminal();
+  void EnvoyerCumuls();
+  void Finir();
+  void VérifierErreurEnAttente();
+  const std::filesystem::path& FichierConservé();
+  bool EstRompu();
+  void ConserverFichierImport();
+  void Clore();
+
   ÉtatPlugIn& État_;
   Échange& Échange_;
   ITraitementChargement& Traitement_;
+  ISystème& Système_;
+
+  int Etape_ = 0;
+  std::string Résultat_;
+  std::optional<FichierErreurs> Erreurs_;
+  std::filesystem::path FichierImport_;
+  std::filesystem::path FichierConservé_;
+  std::shared_ptr<IBaseDeD> BaseDeD_;
+  Octets RéponseRG80_;
+  Octets Trame_;  ///< as it came, with what stands around the record
+  std::string NoChargement_;
+  std::string TexteImport_;
+  std::shared_ptr<IEtatBdD> EtatBdD_;
 };
 
 }  // namespace Ombrey

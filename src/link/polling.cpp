@@ -12,7 +12,7 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   if (État_.Abandon) return;
   Exiger(État_.Retard)->Arrêter();
   ErreurEnAttente Ignorée;
-  std::string Erreur = Collecte_.LireDonnéesDeRG80();
+  std::string Erreur = Collecte(État_, Échange_, Traitement_).LireDonnéesDeRG80();
   if (État_.Erreur.EstPrésente()) Erreur = "Erreur " + État_.Erreur.Texte() + " - " + Erreur;
   État_.Erreur.Effacer();
   Ignorer(Ignorée, [&] {
@@ -20,11 +20,6 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   });
   if (État_.Abandon) return;
   Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, ""); });
-}
-
-void Interrogation::SignalerAuHôte(const std::string& Texte) {
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [&] { Exiger(État_.EventPlugin)->Signaler(Texte); });
 }
 
 }  // namespace Ombrey

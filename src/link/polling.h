@@ -10,18 +10,17 @@ namespace Ombrey {
 
 class Interrogation {
  public:
-  Interrogation(ÉtatPlugIn& État, Collecte& LaCollecte) : État_(État), Collecte_(LaCollecte) {}
+  Interrogation(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
+      : État_(État), Échange_(LÉchange), Traitement_(Traitement) {}
 
   /// The timer's event, and the operator's button. Put off while the line is taken. Raises
   /// "Variable objet non définie" without a timer, and nothing else.
   void Retard_FinTempo(const std::string& CodeRetour);
 
-  /// Tells the host; a failure of the host is its own affair.
-  void SignalerAuHôte(const std::string& Texte);
-
  private:
   ÉtatPlugIn& État_;
-  Collecte& Collecte_;
+  Échange& Échange_;
+  ITraitementChargement& Traitement_;
 };
 
 }  // namespace Ombrey

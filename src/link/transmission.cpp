@@ -6,31 +6,8 @@
 #include "link/checksum.h"
 
 namespace Ombrey {
-namespace {
 
-/// The working values of one call and its steps.
-class Envoi {
- public:
-  Envoi(ÉtatPlugIn& État, Échange& LÉchange, std::int32_t NumFichier)
-      : État_(État), Échange_(LÉchange), Code_(std::to_string(NumFichier)) {}
-
-  std::string Transmettre(std::vector<Octets>& Lignes);
-
- private:
-  enum class Suite { Suivante, Encore, Arrêt };
-
-  Suite EnvoyerLigne(Octets& Ligne);
-  bool Annoncer();
-  Suite EnvoyerTrame(const Octets& Ligne);
-
-  ÉtatPlugIn& État_;
-  Échange& Échange_;
-  Octets Code_;
-  int NACKs_ = 0;  ///< refusals that were answered by another try, over all lines
-  std::string Erreur_;
-};
-
-std::string Envoi::Transmettre(std::vector<Octets>& Lignes) {
+std::string Transmission::TransmettreLignes(std::vector<Octets>& Lignes) {
   Suite Issue = Suite::Suivante;
   for (std::size_t i = 0; i < Lignes.size() && Issue != Suite::Arrêt;) {
     Issue = EnvoyerLigne(Lignes[i]);
@@ -42,7 +19,7 @@ std::string Envoi::Transmettre(std::vector<Octets>& Lignes) {
   return Erreur_;
 }
 
-Envoi::Suite Envoi::EnvoyerLigne(Octets& Ligne) {
+Transmission::Suite Transmission::EnvoyerLigne(Octets& Ligne) {
   if (Ligne.EstVide()) return Suite::Suivante;
   if (!Annoncer()) return Suite::Arrêt;
   État_.Erreur.Effacer();
@@ -53,7 +30,7 @@ Envoi::Suite Envoi::EnvoyerLigne(Octets& Ligne) {
   return Issue;
 }
 
-bool Envoi::Annoncer() {
+bool Transmission::Annoncer() {
   Échange_.FaireTaire();
   Octets Réponse;
   const CodeÉchange Code = Échange_.AttendreRéponse(Requête(Code_), Réponse);
@@ -61,7 +38,7 @@ bool Envoi::Annoncer() {
   return Erreur_.empty();
 }
 
-Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
+Transmission::Suite Transmission::EnvoyerTrame(const Octets& Ligne) {
   État_.TamponRéception.Vider();
   const Attente Trame{.Texte = CalculerCheckSum(Ligne),
                       .LongMin = 1,
@@ -78,12 +55,6 @@ Envoi::Suite Envoi::EnvoyerTrame(const Octets& Ligne) {
   Erreur_ = Code == CodeÉchange::Motif2 ? "Erreur de données ou de checksum renvoyée par le RG80 " + DepuisAnsi(Ligne)
                                         : TextePanne(Code);
   return Suite::Arrêt;
-}
-
-}  // namespace
-
-std::string Transmission::TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) {
-  return Envoi(État_, Échange_, NumFichier).Transmettre(Lignes);
 }
 
 }  // namespace Ombrey

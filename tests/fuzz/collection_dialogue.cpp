@@ -117,9 +117,8 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
   }
   void MettreAJourCumuls(std::string&) override {
     std::vector<Octets> Lignes{Octets(24, '0')};
-    static_cast<void>(Transmission(État, UnÉchange).TransmettreLignes(8, Lignes));
+    static_cast<void>(Transmission(État, UnÉchange, 8).TransmettreLignes(Lignes));
   }
-  void SignalerAuHôte(Mot Texte) override { UneInterrogation.SignalerAuHôte(Texte); }
 
   /// Whatever went before, the next poll brings the next load in; when it can be the copy of an older answer, the first
   /// poll on a calm line does.
@@ -158,8 +157,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
   const std::string BonneRéponse = Oui + Sceau().PasserTout("\x02" + Record + "\x03##");
   std::shared_ptr<PortScripté> Port = Plateforme.Port;
   Échange UnÉchange{État};
-  Collecte UneCollecte{État, UnÉchange, *this};
-  Interrogation UneInterrogation{État, UneCollecte};
+  Interrogation UneInterrogation{État, UnÉchange, *this};
   std::string Reçu;   ///< since the request
   char Import = 't';  ///< how the next imports end: true, false, with an error text, raising, the plug-in ending
   bool Répondu = false, Accordé = false, Guéri = false;

@@ -47,7 +47,7 @@ struct Liaison : testing::Test {
   std::string Envoyer(const Mots& Dessins) {
     std::vector<Octets> Lignes;
     for (const auto& Dessin : Dessins) Lignes.push_back(Ligne(Dessin));
-    return Transmission(État, UnÉchange).TransmettreLignes(8, Lignes);
+    return Transmission(État, UnÉchange, 8).TransmettreLignes(Lignes);
   }
   /// Everything written since the last Répondre.
   Octets Ecrit() const { return std::accumulate(Port->Ecrits.begin(), Port->Ecrits.end(), Octets()); }
@@ -187,6 +187,7 @@ struct Banc : Liaison, ITraitementChargement {
     std::filesystem::create_directories(Système.Dossier / "import");
     std::filesystem::create_directories(DossierErreurs(Système));
     Etat.Dossier = (Système.Dossier / "import").string() + "/";
+    État.EventPlugin = Événements;
     État.BaseDeD = Base;
     État.EtatBdD = Base->Etat;
     État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { UneInterrogation.Retard_FinTempo(Code); });
@@ -202,7 +203,6 @@ struct Banc : Liaison, ITraitementChargement {
     return Import;
   }
   void MettreAJourCumuls(std::string&) override { PendantCumuls(); }
-  void SignalerAuHôte(const std::string& Texte) override { Signalés.push_back(Texte); }
   std::ptrdiff_t Fichiers(const std::filesystem::path& Où) const {
     if (!std::filesystem::is_directory(Où)) return 0;
     return std::distance(std::filesystem::directory_iterator(Où), std::filesystem::directory_iterator());
@@ -214,9 +214,8 @@ struct Banc : Liaison, ITraitementChargement {
   std::string Import = "12;Aligoté;", Numéro = "12";
   Octets Accusé = Ligne("^");
   std::function<void()> PendantTrame = [] {}, PendantCumuls = [] {};
-  Mots Signalés;
-  Collecte UneCollecte{État, UnÉchange, *this};
-  Interrogation UneInterrogation{État, UneCollecte};
+  std::shared_ptr<FauxÉvénements> Événements = std::make_shared<FauxÉvénements>();
+  Interrogation UneInterrogation{État, UnÉchange, *this};
 };
 
 struct Issue {
@@ -306,7 +305,7 @@ TEST_P(IssueDuDialogue, LeavesLineFilesAndListsAsTold) {
   EXPECT_EQ(Etat.Importés, Mots(static_cast<std::size_t>(Cas.Importés), "12;Aligot\xE9;\r\n"));
   EXPECT_EQ(État.DernierNoChargement, Cas.Importés ? "12" : "");
   const bool Signalé = Ecrit() == Ligne("?A^") && !État.Abandon && Cas.Résultat != Changée;
-  EXPECT_EQ(Signalés, Mots(Signalé, "ChargementAjouté:12"));
+  EXPECT_EQ(Événements->Signalés, Mots(Signalé, "ChargementAjouté:12"));
   EXPECT_EQ(Base->Actualisations, Signalé);
   EXPECT_TRUE(!État.Abandon || Système.Horloge < 1100) << "the end waits for nothing";
   std::ifstream Flux(Système.Dossier / "données/RG80 Err Import 0922.txt", std::ios::binary);
@@ -379,7 +378,7 @@ struct RéponsePérimée : Banc, testing::WithParamInterface<Réplique> {
   std::string Jouer(char Acte) {
     if (Acte == 'N') UnÉchange.Reprendre();
     if (Acte == 'Z') Système.Laisser(milliseconds(3000));
-    return Acte == 'P' ? UneCollecte.LireDonnéesDeRG80() : Acte == 'E' ? Envoyer({"abc"}) : "";
+    return Acte == 'P' ? Collecte(État, UnÉchange, *this).LireDonnéesDeRG80() : Acte == 'E' ? Envoyer({"abc"}) : "";
   }
 };
 INSTANTIATE_TEST_SUITE_P(Table, RéponsePérimée, testing::ValuesIn(Répliques));

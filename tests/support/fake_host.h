@@ -112,7 +112,8 @@ struct FausseBaseDeD : IBaseDeD {
 };
 
 struct FauxÉvénements : IEventPlugin {
-  void Signaler(Mot) override {}
+  Mots Signalés;
+  void Signaler(Mot Texte) override { Signalés.push_back(Texte); }
 };
 
 /// What the windows ask of the plug-in, scripted.
