@@ -7,11 +7,16 @@
 
 namespace Ombrey {
 
+namespace {
+/// A period of nothing, with a port that is gone, would take a whole processor.
+constexpr std::int32_t DélaiMin = 20;
+}  // namespace
+
 RetardBoucle::RetardBoucle(IBoucle& Boucle, Événement FinTempo)
     : Boucle_(Boucle), FinTempo_(std::make_shared<const Événement>(std::move(FinTempo))) {}
 
 void RetardBoucle::Démarrer(std::int32_t Délai, const std::string& Code) {
-  const std::chrono::milliseconds Attente(std::max<std::int32_t>(Délai, 0));
+  const std::chrono::milliseconds Attente(std::max(Délai, DélaiMin));
   // The event may drop the timer, and a loop may drop this closure with it.
   Attente_ = Boucle_.Après(Attente, [Appel = FinTempo_, Retour = Code]() mutable {
     const auto Tenu = std::move(Appel);

@@ -93,6 +93,7 @@ TEST_F(Pompe, ATimerComesOnceAndMayBeStartedAgainAndDroppedWithinItsOwnEvent) {
   Retard->Arrêter();
   Retard->Démarrer(1, "remplacé");
   Retard->Démarrer(-1, "a");
+  while (Trace.size() < 3 && Boucle.Pomper(std::chrono::seconds(10))) continue;
   Vider();
   EXPECT_EQ(Trace, "abb");
 }
