@@ -74,9 +74,11 @@ as_service() { in_root runuser -u ombrey -- env HOME=/var/lib/ombrey/chai "$@"; 
 install_in_root() { in_root sh -c "apt-get -qq -y --no-install-recommends --allow-downgrades install $*" >"$work/apt" 2>&1 || { cat "$work/apt" >&2; fail "not to be installed: $*"; }; }
 # Ends the program of this name space that bears the name.
 end() {
-  local process
+  local process name
   for process in /proc/[0-9]*; do
-    [ "$(cat "$process/comm" 2>/dev/null)" != "$1" ] || kill -TERM "${process#/proc/}"
+    name=
+    { read -r name <"$process/comm"; } 2>/dev/null || true
+    [ "$name" != "$1" ] || kill -TERM "${process#/proc/}"
   done
 }
 # Every file of the root that isn't the package manager's own business.

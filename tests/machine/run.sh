@@ -36,7 +36,7 @@ build_guest() {
   printf 'root:x:0:0::/:/bin/sh\nnobody:x:65534:65534::/:/bin/sh\n' >guest/etc/passwd
   printf 'root:x:0:\ndialout:x:20:\nnogroup:x:65534:\n' >guest/etc/group
   put_program "$(command -v setpriv)" && put_program "$bin/tarvel" && put_program "$bin/PlgInOmbrey.so" && put_program "$bin/rg80"
-  for module in xhci-pci ftdi_sio usbserial cdc-acm dummy_hcd g_serial; do
+  for module in xhci-pci ftdi_sio usbserial cdc-acm dummy_hcd g_serial usb_f_acm usb_f_serial; do
     modprobe -d "$PWD/kernel" -S "$release" --show-depends "$module" | sed -n 's|^insmod .*/kernel/\(lib/modules/[^ ]*\).*|\1|p'
   done | sort -u | while read -r module; do (cd kernel && cp --parents "$module" ../guest/); done
   cp "kernel/lib/modules/$release"/modules.{builtin,builtin.modinfo,order} "guest/lib/modules/$release/"
