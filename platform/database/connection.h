@@ -113,7 +113,7 @@ class IConnexion {
   /// True when others may have committed something since the last call; costs next to nothing.
   [[nodiscard]] virtual bool ADuNouveau() = 0;
   /// Patience is called over and over while the engine makes its caller wait; it may paint, and nothing else.
-  virtual void FixerPatience(std::function<void()> /*Patience*/) {}
+  virtual void FixerPatience(std::function<void()> Patience) = 0;
 
   /// True when a table can't have both as columns.
   [[nodiscard]] virtual bool EstMêmeNom(const std::string& Un, const std::string& Autre) const { return Un == Autre; }

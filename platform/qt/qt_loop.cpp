@@ -80,6 +80,11 @@ void BoucleQt::Garder(const Action& Faire) {
   }
 }
 
+/// Delays that are due only join the queue here; descriptors wait.
+void BoucleQt::Peindre() {
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
+}
+
 bool BoucleQt::Pomper(std::chrono::milliseconds AttenteMax) {
   const auto Échéance = Horloge::now() + std::clamp(AttenteMax, std::chrono::milliseconds::zero(), AttenteLaPlusLongue);
   for (;;) {

@@ -16,6 +16,7 @@ class BoucleQt : public IBoucle {
   [[nodiscard]] Jeton Surveiller(int Descripteur, Attente Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
   bool Pomper(std::chrono::milliseconds AttenteMax) override;
+  void Peindre() override;
 
   /// Has Faire run once by a coming Pomper, ahead of descriptors and delays: what the operator did counts first.
   void Poser(Action Faire);

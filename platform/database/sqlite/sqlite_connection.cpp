@@ -42,11 +42,14 @@ struct Lieur {
 
 /// Waits by the clock. The engine's own count takes each of its sleeps for as long as it asked for, and on a busy
 /// machine eight of its seconds are more than the terminal waits.
-int PatienterVerrou(void* /*Sans*/, int Essais) {
+int PatienterVerrou(void* Patience, int Essais) {
   constexpr auto Pas = std::chrono::milliseconds(5);
   thread_local std::chrono::steady_clock::time_point Limite;
   if (Essais == 0) Limite = std::chrono::steady_clock::now() + AttenteVerrou;
   if (std::chrono::steady_clock::now() >= Limite) return 0;
+  const auto& Peindre = *static_cast<const std::function<void()>*>(Patience);
+  constexpr int EntreDeux = 10;
+  if (Peindre && Essais % EntreDeux == 0) Peindre();
   std::this_thread::sleep_for(Pas);
   return 1;
 }
@@ -132,13 +135,18 @@ ConnexionSqlite::ConnexionSqlite(const std::filesystem::path& Fichier, Horloge M
               << std::endl;
 }
 
+ConnexionSqlite::~ConnexionSqlite() {
+  // A row that somebody still reads doesn't wait with our help any more.
+  if (Base_) sqlite3_busy_handler(Base_.get(), nullptr, nullptr);
+}
+
 void ConnexionSqlite::Brancher() {
   sqlite3* Base = nullptr;
   const int Code = sqlite3_open_v2(Fichier_.c_str(), &Base, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   Base_.reset(Base);
   if (!Base) throw ErreurExécution(TexteÉchec(SQLITE_NOMEM, "sqlite3_open_v2"));
   if (Code != SQLITE_OK) LeverÉchec(Base);
-  sqlite3_busy_handler(Base, &PatienterVerrou, nullptr);
+  sqlite3_busy_handler(Base, &PatienterVerrou, &Patience_);
   InscrireFonctions(Base, Maintenant_);
 }
 

@@ -4,10 +4,12 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/database/connection.h"
@@ -54,6 +56,8 @@ class ConnexionSqlite final : public IConnexion {
   [[nodiscard]] static std::shared_ptr<ConnexionSqlite> Créer(const std::filesystem::path& Fichier,
                                                               Horloge Maintenant = {});
 
+  ~ConnexionSqlite() override;
+
   [[nodiscard]] const std::filesystem::path& Fichier() const { return Fichier_; }
   [[nodiscard]] std::string Nom() const override { return Fichier_.string(); }
   [[nodiscard]] std::optional<std::filesystem::path> SonFichier() const override { return Fichier_; }
@@ -76,6 +80,7 @@ class ConnexionSqlite final : public IConnexion {
   /// What was committed since moves from the log into the file itself, so that a plain copy of the file has it. Costs
   /// nothing when nothing was; what another program's reading holds up waits for the next call.
   void RangerJournal() override;
+  void FixerPatience(std::function<void()> Patience) override { Patience_ = std::move(Patience); }
   /// Copies the whole database, as it stands at one moment, to a new file for its owner alone, while others work on it.
   /// When the call returns the copy is on the disk and was read again. Raises ErreurExécution, and leaves no file, when
   /// it can't or when there is one already.
@@ -101,6 +106,7 @@ class ConnexionSqlite final : public IConnexion {
 
   std::filesystem::path Fichier_;
   Horloge Maintenant_;
+  std::function<void()> Patience_;
   std::optional<VerrouFichier> Site_;
   ValeurChamp Compteur_;      ///< of the changes that other connections have made
   std::int64_t Rangées_ = 0;  ///< rows changed by this connection that stand in the file itself
