@@ -37,12 +37,12 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
   Ajouter("fin", "arrête la station", Moment::Toujours, &IGestesStation::Finir);
 }
 
-void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande «bouton» : " + Infobulle); }
+void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }
 
 void ÉditionConsole::OffrirMenu(const std::string& Texte) {
   std::string Légende = Texte;
   std::erase(Légende, '&');
-  Sortie_.Ligne("commande «menu» : " + Légende);
+  Sortie_.Ligne("commande « menu » : " + Légende);
 }
 
 bool ÉditionConsole::Prendre(const std::optional<std::string>& Ligne) {

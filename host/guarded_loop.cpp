@@ -5,7 +5,7 @@
 
 namespace Tarvel {
 
-Ombrey::IBoucle::Jeton BoucleGardée::Surveiller(int Descripteur, Attente Quoi, Action Faire) {
+Ombrey::IBoucle::Jeton BoucleGardée::Surveiller(int Descripteur, Sens Quoi, Action Faire) {
   return Boucle_.Surveiller(Descripteur, Quoi, Garder(std::move(Faire)));
 }
 

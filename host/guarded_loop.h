@@ -19,7 +19,7 @@ class BoucleGardée final : public Ombrey::IBoucle {
       Ombrey::IBoucle& Boucle, Rapport Dire, Action Derrière = [] {})
       : Boucle_(Boucle), Dire_(std::move(Dire)), Derrière_(std::move(Derrière)) {}
 
-  [[nodiscard]] Jeton Surveiller(int Descripteur, Attente Quoi, Action Faire) override;
+  [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
   bool Pomper(std::chrono::milliseconds AttenteMax) override { return Boucle_.Pomper(AttenteMax); }
 

@@ -61,7 +61,7 @@ void* SymboleDuModule(const char* Nom, const char* Symbole, const std::string& D
 
 std::shared_ptr<Ombrey::IPlugInTarvel> ChargerGreffon(const std::filesystem::path& Fichier,
                                                       Ombrey::IPlateforme& Plateforme) {
-  const std::string Nom = "Le greffon «" + Ombrey::TexteChemin(Fichier) + "»";
+  const std::string Nom = "Le greffon « " + Ombrey::TexteChemin(Fichier) + " »";
   std::error_code Erreur;
   if (!std::filesystem::is_regular_file(Fichier, Erreur)) throw ErreurExécution(Nom + " est introuvable.");
   // A bare name would be looked for in the system's folders.

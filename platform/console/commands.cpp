@@ -50,7 +50,7 @@ bool CommandesConsole::Exécuter(const std::string& Ligne) {
   } else if (Commande != nullptr) {
     Lancer(*Commande, std::string(SansBlancs(std::string_view(Texte).substr(FinMot))));
   } else if (!Texte.empty()) {
-    Indiquer("commande inconnue : «" + Texte + "». «aide» donne la liste des commandes.");
+    Indiquer("commande inconnue : « " + Texte + " ». « aide » donne la liste des commandes.");
   }
   return true;
 }
@@ -62,14 +62,14 @@ const CommandeConsole* CommandesConsole::Trouver(const std::string& Mot) const {
 }
 
 std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::string& Argument) const {
-  if (Argument.empty() != Commande.Argument.empty()) return "la commande s'écrit «" + Usage(Commande) + "».";
+  if (Argument.empty() != Commande.Argument.empty()) return "la commande s'écrit « " + Usage(Commande) + " ».";
   if (Commande.Quand == Moment::Toujours || Commande.Quand == Moment::EntreDeux) return "";
   if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
   if (Commande.Quand == Moment::HorsBoîte) return "";
   const VueChargntConsole* Vue = Fenêtres_.VueChargnt();
   const bool Ouverte = Vue != nullptr && Vue->EstVisible();
   if (Commande.Quand == Moment::HorsDialogue) return Ouverte ? "fermez d'abord la fenêtre de transfert." : "";
-  if (!Ouverte) return "la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.";
+  if (!Ouverte) return "la fenêtre de transfert n'est pas ouverte ; « menu » l'ouvre.";
   return Vue->EstActive() ? "" : "un transfert est en cours.";
 }
 
@@ -133,7 +133,8 @@ void CommandesConsole::AjouterTransfert() {
 
 void CommandesConsole::AjouterCase(const char* Nom, const char* Aide, bool Cochée) {
   Ajouter({Nom, "NOM", Aide, Moment::EnTransfert, [this, Cochée](const std::string& Case) {
-             if (!Fenêtres_.VueChargnt()->CocherParNom(Case, Cochée)) Indiquer("il n'y a pas de case «" + Case + "».");
+             if (!Fenêtres_.VueChargnt()->CocherParNom(Case, Cochée))
+               Indiquer("il n'y a pas de case « " + Case + " ».");
            }});
 }
 

@@ -17,7 +17,7 @@ EntréeConsole::EntréeConsole(IBoucle& Boucle, int Descripteur, Preneur Prendre
 }
 
 void EntréeConsole::Écouter() {
-  Écoute_ = Boucle_.Surveiller(Descripteur_, IBoucle::Attente::Lecture, [this] { Recevoir(); });
+  Écoute_ = Boucle_.Surveiller(Descripteur_, IBoucle::Sens::Lecture, [this] { Recevoir(); });
 }
 
 void EntréeConsole::Recevoir() {

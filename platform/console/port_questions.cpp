@@ -24,7 +24,8 @@ std::optional<std::size_t> Choisie(const std::string& Réponse, std::size_t Nomb
 
 bool QuestionsPort::Demander(RéglagesPort& Réglages, const std::function<std::string(const RéglagesPort&)>& Essayer) {
   RéglagesPort Voulus = Réglages;
-  Fenêtres_.Ligne("réglages du port : une ligne vide garde la valeur entre crochets, «annuler» laisse tout en l'état.");
+  Fenêtres_.Ligne(
+      "réglages du port : une ligne vide garde la valeur entre crochets, « annuler » laisse tout en l'état.");
   for (;;) {
     if (!DemanderTout(Voulus)) break;
     const std::string Raison = Essayer(Voulus);

@@ -54,7 +54,7 @@ bool FenêtresConsole::Répondre(RéponseBoîte Réponse) {
 }
 
 std::unique_ptr<IImprimante> FenêtresConsole::OuvrirImprimante() {
-  if (!FichierImpression_) throw ErreurExécution("Aucune imprimante : la commande est «imprimer FICHIER».");
+  if (!FichierImpression_) throw ErreurExécution("Aucune imprimante : la commande est « imprimer FICHIER ».");
   const std::string Fichier = *std::exchange(FichierImpression_, std::nullopt);
   return std::make_unique<ImprimanteTexte>(Fichier, [this, Fichier] { Ligne("imprimé : " + Fichier); });
 }

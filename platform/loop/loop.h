@@ -15,11 +15,11 @@ class IBoucle {
   using Action = std::function<void()>;
   /// Keeps a watch or a delay alive: dropping it ends it at once, and its action runs no more.
   using Jeton = std::shared_ptr<void>;
-  enum class Attente { Lecture, Écriture };
+  enum class Sens { Lecture, Écriture };
 
   virtual ~IBoucle() = default;
   /// Calls Faire each time that the descriptor can be read (or written), or is at its end or broken.
-  [[nodiscard]] virtual Jeton Surveiller(int Descripteur, Attente Quoi, Action Faire) = 0;
+  [[nodiscard]] virtual Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) = 0;
   /// Calls Faire once after Délai, at the next pump at the soonest.
   [[nodiscard]] virtual Jeton Après(std::chrono::milliseconds Délai, Action Faire) = 0;
   /// Lets one event run, or waits until one comes or AttenteMax is over; costs no processor time meanwhile.

@@ -26,11 +26,11 @@ IBoucle::Jeton BouclePoll::Inscrire(Entrées& Liste, Entrée Nouvelle) {
   return {Inscrite.get(), [Inscrite](void*) { const ActionTenue Lâchée = std::exchange(Inscrite->Faire, nullptr); }};
 }
 
-IBoucle::Jeton BouclePoll::Surveiller(int Descripteur, Attente Quoi, Action Faire) {
+IBoucle::Jeton BouclePoll::Surveiller(int Descripteur, Sens Quoi, Action Faire) {
   Entrée Veille;
   Veille.Faire = std::make_shared<const Action>(std::move(Faire));
   Veille.Descripteur = Descripteur;
-  Veille.Événements = Quoi == Attente::Lecture ? POLLIN : POLLOUT;
+  Veille.Événements = Quoi == Sens::Lecture ? POLLIN : POLLOUT;
   Veille.Tour = Tour_;
   return Inscrire(Veilles_, std::move(Veille));
 }

@@ -14,7 +14,7 @@ namespace Ombrey {
 /// none of them can starve another.
 class BouclePoll final : public IBoucle {
  public:
-  [[nodiscard]] Jeton Surveiller(int Descripteur, Attente Quoi, Action Faire) override;
+  [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
   bool Pomper(std::chrono::milliseconds AttenteMax) override;
 

@@ -13,7 +13,7 @@ namespace Ombrey {
 /// Made after the QApplication, dropped ahead of it; outlives its tokens.
 class BoucleQt : public IBoucle {
  public:
-  [[nodiscard]] Jeton Surveiller(int Descripteur, Attente Quoi, Action Faire) override;
+  [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
   bool Pomper(std::chrono::milliseconds AttenteMax) override;
   void Peindre() override;

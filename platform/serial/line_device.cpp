@@ -84,7 +84,7 @@ std::string Conseil(const std::string& Chemin) {
   }
 }
 
-void RefuserAuPilote(const AdressePort& Adresse, const RéglagesLigne& Réglages, const std::string& Pilote) {
+void RefuserAuPilote(const AdressePort& Adresse, const RéglagesLiaison& Réglages, const std::string& Pilote) {
   for (const LimitePilote& Limite : LimitesPilotes) {
     if (Limite.Pilote != Pilote) continue;
     const std::string Début = "Le port " + Désignation(Adresse) + " ne peut pas être réglé sur ";
@@ -121,7 +121,8 @@ bool AttendSonDroit(const std::string& Chemin) {
   return Âge >= Âge.zero() && Âge < DélaiDroit;
 }
 
-AppareilLigne::AppareilLigne(const AdressePort& Adresse, const RéglagesLigne& Réglages, const RacinesSystème& Racines) {
+AppareilLiaison::AppareilLiaison(const AdressePort& Adresse, const RéglagesLiaison& Réglages,
+                                 const RacinesSystème& Racines) {
   const char* Chemin = Adresse.Chemin.c_str();
   struct stat État {};
   // Looked at before it is opened: opening alone can start something on a device that is no serial port.
@@ -136,7 +137,7 @@ AppareilLigne::AppareilLigne(const AdressePort& Adresse, const RéglagesLigne& R
   Prendre(Adresse, Réglages);
 }
 
-AppareilLigne::~AppareilLigne() {
+AppareilLiaison::~AppareilLiaison() {
   // What a pseudo-terminal has taken is on its far side already; a real device would have close wait for it.
   if (PseudoTerminal_) return;
   JeterEnvoi();
@@ -146,7 +147,7 @@ AppareilLigne::~AppareilLigne() {
 /// The lock keeps out our own programs, the superuser's too; the exclusive mode keeps out those that know no lock. It
 /// comes last: where the device is refused, nothing stays behind.
 /// A pseudo-terminal would stay exclusive when its program is killed, until its far side ends.
-void AppareilLigne::Prendre(const AdressePort& Adresse, const RéglagesLigne& Réglages) const {
+void AppareilLiaison::Prendre(const AdressePort& Adresse, const RéglagesLiaison& Réglages) const {
   termios Présent{};
   if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(Adresse, errno);
   const termios Voulu = ModeBrut(Présent, Réglages);
@@ -158,17 +159,17 @@ void AppareilLigne::Prendre(const AdressePort& Adresse, const RéglagesLigne& R�
   if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(Adresse, errno);
 }
 
-Passage AppareilLigne::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }
+Passage AppareilLiaison::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }
 
-Passage AppareilLigne::Ecrire(std::string_view Octets) const {
+Passage AppareilLiaison::Ecrire(std::string_view Octets) const {
   return Octets.empty() ? Passage{} : Résultat(write(Numéro(), Octets.data(), Octets.size()));
 }
 
-std::size_t AppareilLigne::EnAttente() const {
+std::size_t AppareilLiaison::EnAttente() const {
   int Nombre = 0;
   return ioctl(Numéro(), TIOCOUTQ, &Nombre) == 0 ? static_cast<std::size_t>(std::max(Nombre, 0)) : 0;
 }
 
-void AppareilLigne::JeterEnvoi() const { tcflush(Numéro(), TCOFLUSH); }
+void AppareilLiaison::JeterEnvoi() const { tcflush(Numéro(), TCOFLUSH); }
 
 }  // namespace Ombrey

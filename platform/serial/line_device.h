@@ -27,14 +27,14 @@ struct AdressePort {
 };
 
 /// Taken for this program alone from its making to its end, which waits for nothing.
-class AppareilLigne {
+class AppareilLiaison {
  public:
   /// Opens the device raw, without flow control. Raises ErreurExécution with a sentence that names the port and says
   /// why it can't be had: absent, in use, no right and the group to join, no serial port, settings refused.
-  AppareilLigne(const AdressePort& Adresse, const RéglagesLigne& Réglages, const RacinesSystème& Racines = {});
-  AppareilLigne(const AppareilLigne&) = delete;
-  AppareilLigne& operator=(const AppareilLigne&) = delete;
-  ~AppareilLigne();
+  AppareilLiaison(const AdressePort& Adresse, const RéglagesLiaison& Réglages, const RacinesSystème& Racines = {});
+  AppareilLiaison(const AppareilLiaison&) = delete;
+  AppareilLiaison& operator=(const AppareilLiaison&) = delete;
+  ~AppareilLiaison();
 
   [[nodiscard]] int Numéro() const { return Descripteur_.Numéro(); }
   /// Number of the device: the same under every name that it has.
@@ -49,7 +49,7 @@ class AppareilLigne {
   void JeterEnvoi() const;
 
  private:
-  void Prendre(const AdressePort& Adresse, const RéglagesLigne& Réglages) const;
+  void Prendre(const AdressePort& Adresse, const RéglagesLiaison& Réglages) const;
 
   Descripteur Descripteur_;
   dev_t Identité_ = 0;

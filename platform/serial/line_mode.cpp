@@ -41,7 +41,7 @@ tcflag_t BitsParité(Parité LaParité) {
 
 }  // namespace
 
-termios ModeBrut(termios Mode, const RéglagesLigne& Réglages) {
+termios ModeBrut(termios Mode, const RéglagesLiaison& Réglages) {
   cfmakeraw(&Mode);
   // INPCK without parity too: without it a driver is free not to mark a break, which is a NUL then.
   Mode.c_iflag = IGNBRK | INPCK;

@@ -13,7 +13,7 @@ namespace Ombrey {
 /// Raw mode: every byte passes as it is, a read never waits, and silence differs from the end of the device (VMIN 1). A
 /// character of wrong parity is read as NUL, which no checksum lets pass; a break isn't read at all, on any adapter.
 /// What another program left on the line doesn't matter.
-[[nodiscard]] termios ModeBrut(termios Mode, const RéglagesLigne& Réglages);
+[[nodiscard]] termios ModeBrut(termios Mode, const RéglagesLiaison& Réglages);
 
 /// Whether a driver that gave Relu back has taken speed, word, parity and stop bits as Demandé has them.
 [[nodiscard]] bool EstAppliqué(const termios& Demandé, const termios& Relu);

@@ -54,14 +54,14 @@ std::string CheminDuPort(const std::string& Nom) {
       "« " + Nom + " » n'est pas un port : il faut COM1: à COM16:, ou le chemin d'un appareil comme /dev/ttyUSB0.");
 }
 
-std::chrono::nanoseconds RéglagesLigne::TempsCaractère() const {
+std::chrono::nanoseconds RéglagesLiaison::TempsCaractère() const {
   constexpr int BitDépart = 1;
   const int BitParité = LaParité == Parité::Aucune ? 0 : 1;
   return std::chrono::nanoseconds(std::chrono::seconds(BitDépart + Bits + BitParité + BitsStop)) / Bauds;
 }
 
-RéglagesLigne VérifierRéglages(const std::string& NomPort, const RéglagesDemandés& Demandés) {
-  RéglagesLigne Réglages;
+RéglagesLiaison VérifierRéglages(const std::string& NomPort, const RéglagesDemandés& Demandés) {
+  RéglagesLiaison Réglages;
   Réglages.Bauds = Demandés.Bauds;
   if (std::find(std::begin(Vitesses), std::end(Vitesses), Réglages.Bauds) == std::end(Vitesses)) {
     std::string Liste;

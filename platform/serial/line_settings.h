@@ -14,7 +14,7 @@ namespace Ombrey {
 enum class Parité { Aucune, Paire, Impaire, Marque, Espace };
 
 /// Settings that a line can have. Made only by VérifierRéglages.
-struct RéglagesLigne {
+struct RéglagesLiaison {
   int Bauds = 0;
   int Bits = 0;  ///< of a word, 5 to 8
   Parité LaParité = Parité::Aucune;
@@ -33,6 +33,6 @@ struct RéglagesDemandés {
 };
 
 /// Raises ErreurExécution with a sentence that names the port and the value that means nothing.
-[[nodiscard]] RéglagesLigne VérifierRéglages(const std::string& NomPort, const RéglagesDemandés& Demandés);
+[[nodiscard]] RéglagesLiaison VérifierRéglages(const std::string& NomPort, const RéglagesDemandés& Demandés);
 
 }  // namespace Ombrey

@@ -58,7 +58,7 @@ std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, con
   return Nombre;
 }
 
-RéglagesLigne Vérifiés(const RéglagesPort& Réglages) {
+RéglagesLiaison Vérifiés(const RéglagesPort& Réglages) {
   const std::string& Nom = Réglages.Port;
   RéglagesDemandés Demandés;
   Demandés.Bauds = LireNombre(Nom, "la vitesse", Réglages.Bauds);
@@ -83,10 +83,10 @@ RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
 
 std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool(const std::string&)>& DéjàOuvert) {
   try {
-    const RéglagesLigne Ceux = Vérifiés(Réglages);
+    const RéglagesLiaison Ceux = Vérifiés(Réglages);
     const std::string Chemin = CheminDuPort(Réglages.Port);
     if (!DéjàOuvert(Chemin)) {
-      const AppareilLigne Essai({Réglages.Port, Chemin}, Ceux);
+      const AppareilLiaison Essai({Réglages.Port, Chemin}, Ceux);
     }
     return "";
   } catch (const ErreurExécution& Erreur) {
@@ -102,10 +102,10 @@ bool Répond(const std::string& Reçu) {
 
 /// Asks the terminal on a port that nobody else has. Empty, or why not.
 std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
-  const AppareilLigne Appareil({Réglages.Port, CheminDuPort(Réglages.Port)}, Vérifiés(Réglages));
+  const AppareilLiaison Appareil({Réglages.Port, CheminDuPort(Réglages.Port)}, Vérifiés(Réglages));
   std::string Reçu;
   bool Fini = false;
-  const auto Veille = Boucle.Surveiller(Appareil.Numéro(), IBoucle::Attente::Lecture, [&] {
+  const auto Veille = Boucle.Surveiller(Appareil.Numéro(), IBoucle::Sens::Lecture, [&] {
     char Place[64];
     const Passage Lus = Appareil.Lire(Place, sizeof Place);
     Reçu.append(Place, Lus.Nombre);

@@ -60,15 +60,15 @@ bool PortSérie::Prendre() {
   AdressePort Ici;
   try {
     Ici = Adresse();
-    const RéglagesLigne Réglages = VérifierRéglages(Nom_, Demandés_);
-    Appareil_ = std::make_unique<AppareilLigne>(Ici, Réglages, Contexte_.Racines);
+    const RéglagesLiaison Réglages = VérifierRéglages(Nom_, Demandés_);
+    Appareil_ = std::make_unique<AppareilLiaison>(Ici, Réglages, Contexte_.Racines);
     TempsCaractère_ = Réglages.TempsCaractère();
   } catch (const ErreurExécution& Erreur) {
     return Échouer(Erreur.what());
   }
   Signalement_ = SignalementDe(EntréeDe(Contexte_.Racines, Appareil_->Identité()));
   Rafale_ = Rafale(TempsCaractère_);
-  Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Attente::Lecture, [Faible = weak_from_this()] {
+  Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Sens::Lecture, [Faible = weak_from_this()] {
     if (const auto Moi = Faible.lock()) Moi->Recevoir();
   });
   Erreur_.clear();

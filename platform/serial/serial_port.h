@@ -78,7 +78,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Perdu_ = false;  ///< the client was told of a loss, and not yet of the return
   bool Voulu_ = false;  ///< Ouvrir was called, and Fermer wasn't since: Ecrire opens the port when it isn't
 
-  std::unique_ptr<AppareilLigne> Appareil_;
+  std::unique_ptr<AppareilLiaison> Appareil_;
   std::string Signalement_;    ///< of the device that Ouvrir took: a lost port is opened again as this one alone
   std::uint64_t Session_ = 0;  ///< changes each time that the device is released
   std::chrono::nanoseconds TempsCaractère_{};

@@ -3,8 +3,9 @@
 
 namespace Ombrey {
 
-std::optional<UsageLigne::Prise> UsageLigne::PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise) {
-  const bool Passe = Demande == DemandeLigne::Interrogation && !Reportées_.empty();
+std::optional<UsageLiaison::Prise> UsageLiaison::PrendreOuReporter(DemandeLiaison Demande,
+                                                                   std::function<void()> Reprise) {
+  const bool Passe = Demande == DemandeLiaison::Interrogation && !Reportées_.empty();
   if (!Prise_ && !Passe) return std::optional<Prise>(std::in_place, *this);
   if (Terminée_) return std::nullopt;
   if (!Relance_) Relance_ = Plateforme_.CréerRetard([this](const std::string&) { Reprendre(); });
@@ -12,20 +13,20 @@ std::optional<UsageLigne::Prise> UsageLigne::PrendreOuReporter(DemandeLigne Dema
   return std::nullopt;
 }
 
-void UsageLigne::Terminer() {
+void UsageLiaison::Terminer() {
   Terminée_ = true;
   Reportées_.clear();
   Relance_.reset();
 }
 
-void UsageLigne::Rendre() {
+void UsageLiaison::Rendre() {
   Prise_ = false;
   if (!Reportées_.empty()) Relance_->Démarrer(0, "");
 }
 
 /// One request for each event of the timer. The plug-in may end and go within the request: nothing is touched behind
 /// it.
-void UsageLigne::Reprendre() {
+void UsageLiaison::Reprendre() {
   if (Prise_ || Reportées_.empty()) return;
   const auto Première = Reportées_.extract(Reportées_.begin());
   if (!Reportées_.empty()) Relance_->Démarrer(0, "");

@@ -14,33 +14,33 @@ namespace Ombrey {
 /// What can ask for the line while it is taken, in the order in which it is served afterwards. Configuration, printing
 /// and reading don't use it, but would hold up whoever does for as long as the operator looks at their boxes. The poll
 /// comes last: with a short period there is always one that wants the line.
-enum class DemandeLigne { Bouton, Menu, Cumuls, Configuration, Impression, Lecture, Interrogation };
+enum class DemandeLiaison { Bouton, Menu, Cumuls, Configuration, Impression, Lecture, Interrogation };
 
 /// Marks the line as taken for a poll, a test, a reply, a transfer or the port's configuration. A request that comes
 /// meanwhile is kept, once for each kind, and runs from the loop when the line is free again: never within the holder's
 /// own call, and ahead of the next poll.
-class UsageLigne {
+class UsageLiaison {
  public:
   /// Holds the line until it is dropped.
   class Prise {
    public:
-    explicit Prise(UsageLigne& Usage) : Usage_(Usage) { Usage.Prise_ = true; }
+    explicit Prise(UsageLiaison& Usage) : Usage_(Usage) { Usage.Prise_ = true; }
     Prise(const Prise&) = delete;
     Prise& operator=(const Prise&) = delete;
     ~Prise() { Usage_.Rendre(); }
 
    private:
-    UsageLigne& Usage_;
+    UsageLiaison& Usage_;
   };
 
-  explicit UsageLigne(IPlateforme& Plateforme) : Plateforme_(Plateforme) {}
-  UsageLigne(const UsageLigne&) = delete;
-  UsageLigne& operator=(const UsageLigne&) = delete;
+  explicit UsageLiaison(IPlateforme& Plateforme) : Plateforme_(Plateforme) {}
+  UsageLiaison(const UsageLiaison&) = delete;
+  UsageLiaison& operator=(const UsageLiaison&) = delete;
 
   [[nodiscard]] bool EstPrise() const { return Prise_; }
   /// The line, or nothing when it is taken: Reprise then runs once when it is free. Raises what the platform raises
   /// when it can't make a timer.
-  [[nodiscard]] std::optional<Prise> PrendreOuReporter(DemandeLigne Demande, std::function<void()> Reprise);
+  [[nodiscard]] std::optional<Prise> PrendreOuReporter(DemandeLiaison Demande, std::function<void()> Reprise);
   /// Drops all that waits and lets nothing run any more; the plug-in has ended.
   void Terminer();
 
@@ -51,7 +51,7 @@ class UsageLigne {
   IPlateforme& Plateforme_;
   bool Prise_ = false;
   bool Terminée_ = false;
-  std::map<DemandeLigne, std::function<void()>> Reportées_;
+  std::map<DemandeLiaison, std::function<void()>> Reportées_;
   std::shared_ptr<IRetard> Relance_;
 };
 

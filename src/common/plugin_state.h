@@ -21,7 +21,7 @@ inline constexpr const char* SectionIni = "PlugInOmbrey";
 
 struct ÉtatPlugIn {
   ÉtatPlugIn(IPlateforme& LaPlateforme, ICanalOpérateur& LeCanal)
-      : Plateforme(LaPlateforme), Canal(LeCanal), Ligne(LaPlateforme) {}
+      : Plateforme(LaPlateforme), Canal(LeCanal), Liaison(LaPlateforme) {}
 
   IPlateforme& Plateforme;
   ICanalOpérateur& Canal;
@@ -43,7 +43,7 @@ struct ÉtatPlugIn {
   std::shared_ptr<IRetard> Retard;
 
   ErreurEnAttente Erreur;  ///< the pending run-time failure
-  UsageLigne Ligne;
+  UsageLiaison Liaison;
 
   /// A box with an OK button. Without a title it bears the plug-in's name.
   void Avertir(const std::string& Texte, const std::string& Titre = NomPlugIn) {

@@ -160,8 +160,8 @@ void PlugIn::IPlugInTarvel_Afficher() {
 void PlugIn::IPlugInTarvel_Configurer() {
   const auto Tenu = État_.PlugInCourant;
   // Held while the operator is asked: on a port that doesn't open, which is when it is set anew, every poll has a box.
-  const auto Ligne = État_.Ligne.PrendreOuReporter(DemandeLigne::Configuration,
-                                                   [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
+  const auto Ligne = État_.Liaison.PrendreOuReporter(DemandeLiaison::Configuration,
+                                                     [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
   if (!Ligne) return;
   if (const auto Port = État_.PortComm) {
     Port->Configurer(FichierIni_, SectionIni);

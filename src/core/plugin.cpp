@@ -86,7 +86,7 @@ void PlugIn::TesterEtMontrer() {
   const auto Tenu = État_.PlugInCourant;
   {
     const auto Ligne =
-        État_.Ligne.PrendreOuReporter(DemandeLigne::Bouton, [this] { Reporter([this] { TesterEtMontrer(); }); });
+        État_.Liaison.PrendreOuReporter(DemandeLiaison::Bouton, [this] { Reporter([this] { TesterEtMontrer(); }); });
     if (!Ligne) return;
     Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, "");
     Canal_.Rafraîchir();
@@ -106,7 +106,7 @@ void PlugIn::TransférerDonnées() {
   if (!FChargntDonnées_.expired()) return;
   const auto Tenu = État_.PlugInCourant;
   const auto Ligne =
-      État_.Ligne.PrendreOuReporter(DemandeLigne::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });
+      État_.Liaison.PrendreOuReporter(DemandeLiaison::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });
   if (!Ligne) return;
   const auto Fenêtre = std::make_shared<FChargntDonnées>(État_);
   FChargntDonnées_ = Fenêtre;

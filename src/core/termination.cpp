@@ -21,7 +21,7 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   const auto Tenu = weak_from_this().lock();
   ErreurEnAttente Ignorée;
   État_.Abandon = true;
-  État_.Ligne.Terminer();
+  État_.Liaison.Terminer();
   Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
   État_.Retard.reset();
   Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });

@@ -5,8 +5,8 @@ namespace Ombrey {
 
 void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   const auto Tenu = État_.PlugInCourant;
-  const auto Ligne =
-      État_.Ligne.PrendreOuReporter(DemandeLigne::Interrogation, [this, CodeRetour] { Retard_FinTempo(CodeRetour); });
+  const auto Ligne = État_.Liaison.PrendreOuReporter(DemandeLiaison::Interrogation,
+                                                     [this, CodeRetour] { Retard_FinTempo(CodeRetour); });
   if (!Ligne) return;
 
   if (État_.Abandon) return;

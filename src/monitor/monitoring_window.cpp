@@ -145,7 +145,7 @@ void FSuiviChargnt::BtnInterroger_Click() {
 void FSuiviChargnt::BtnForcerCumulsRG80_Click() {
   const auto PlugIn = État_.PlugInCourant;  // the line belongs to it and is given back at the end
   const std::weak_ptr<const void> Vie = Vie_;
-  const auto Prise = État_.Ligne.PrendreOuReporter(DemandeLigne::Cumuls, [this, Vie] {
+  const auto Prise = État_.Liaison.PrendreOuReporter(DemandeLiaison::Cumuls, [this, Vie] {
     if (!Vie.expired()) BtnForcerCumulsRG80_Click();
   });
   if (!Prise) return;
@@ -156,7 +156,7 @@ void FSuiviChargnt::BtnForcerCumulsRG80_Click() {
 }
 
 void FSuiviChargnt::BtnImprimer_Click() {
-  if (Erreurs_.empty() || !BoîtePermise(DemandeLigne::Impression, [this] { BtnImprimer_Click(); })) return;
+  if (Erreurs_.empty() || !BoîtePermise(DemandeLiaison::Impression, [this] { BtnImprimer_Click(); })) return;
   const auto PlugIn = État_.PlugInCourant;
   ErreurEnAttente Erreur;
   const bool Imprimée = Ignorer(Erreur, [this] {
@@ -182,17 +182,17 @@ void FSuiviChargnt::ListeMessages_DblClick(Onglet Liste) {
 }
 
 void FSuiviChargnt::MontrerLigne(const std::string& Texte) {
-  if (BoîtePermise(DemandeLigne::Lecture, [this, Texte] { MontrerLigne(Texte); })) État_.Avertir(Texte);
+  if (BoîtePermise(DemandeLiaison::Lecture, [this, Texte] { MontrerLigne(Texte); })) État_.Avertir(Texte);
 }
 
 /// A box in the midst of an exchange would hold up the terminal: Reprise then runs behind it. The line itself goes back
 /// at once.
-bool FSuiviChargnt::BoîtePermise(DemandeLigne Demande, std::function<void()> Reprise) {
+bool FSuiviChargnt::BoîtePermise(DemandeLiaison Demande, std::function<void()> Reprise) {
   const std::weak_ptr<const void> Vie = Vie_;
   const auto SiVivante = [Vie, Reprise = std::move(Reprise)] {
     if (!Vie.expired()) Reprise();
   };
-  return État_.Ligne.PrendreOuReporter(Demande, SiVivante).has_value();
+  return État_.Liaison.PrendreOuReporter(Demande, SiVivante).has_value();
 }
 
 void FSuiviChargnt::Form_Activate() {

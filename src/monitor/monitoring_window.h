@@ -53,7 +53,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void SauverPlacement();
   void OffrirCumuls();
   void MontrerLigne(const std::string& Texte);
-  [[nodiscard]] bool BoîtePermise(DemandeLigne Demande, std::function<void()> Reprise);
+  [[nodiscard]] bool BoîtePermise(DemandeLiaison Demande, std::function<void()> Reprise);
   void RemplirGrille();
   [[nodiscard]] std::string Horodatage() const;
 

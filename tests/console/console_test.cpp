@@ -135,7 +135,7 @@ struct CasSéance {
 
 #define DEDANS "boîte «Dedans» (Recommencer, Annuler) : Une ⏎ ligne\n"
 #define DEHORS "boîte «Dehors» (OK) : Une ⏎ ligne\n"
-#define TRANSFERT "fenêtre «Transfert» ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n"
+#define TRANSFERT "fenêtre « Transfert » ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n"
 
 TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
   const DossierEssai Dossier;
@@ -154,8 +154,8 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
        "console : il n'y a pas encore de fenêtre des chargements.\n> fin\n"},
       {" \r\n  LISTE  \r\n\nd\xE9part\nbouton de trop\nimprimer\n" + std::string(10000, 'x') + "\nok",
        "liste : 2\n  N° | Propriétaire\n  7  | Estève Anaïs\n  12 |\n"
-       "console : commande inconnue : «départ». «aide» donne la liste des commandes.\n"
-       "console : la commande s'écrit «bouton».\nconsole : la commande s'écrit «imprimer FICHIER».\n"
+       "console : commande inconnue : « départ ». « aide » donne la liste des commandes.\n"
+       "console : la commande s'écrit « bouton ».\nconsole : la commande s'écrit « imprimer FICHIER ».\n"
        "console : ligne trop longue, ignorée.\nconsole : aucune boîte n'attend de réponse.\n> fin\n"},
       // Boxes are answered from the inside, by buttons that they have, and by themselves when nobody can.
       {"configurer\nok\nbouton\nRecommencer\nannuler\nOK\n",
@@ -165,15 +165,15 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
       {"configurer\nfin\nquotas\n", DEHORS DEDANS "> fin\n> annuler\n> ok\n" DEDANS "> annuler\n> fin\n"},
       {"quotas\nconfigurer\n", DEDANS "> annuler\n" DEHORS "> ok\n", {"--sans-operateur"}},
       // A command on its way to a window holds the next ones back, but not the end; so does the transfer window.
-      {"bouton\nmasquer\nok\n", "fenêtre «Liste» ouverte\n> retour\n"
+      {"bouton\nmasquer\nok\n", "fenêtre « Liste » ouverte\n> retour\n"
        "console : aucune boîte n'attend de réponse.\n> fin\n"},
-      {"bouton\nfin\n", "> fin\nfenêtre «Liste» ouverte\n> retour\n> fin\n"},
+      {"bouton\nfin\n", "> fin\nfenêtre « Liste » ouverte\n> retour\n> fin\n"},
       {"transferer\nmenu\ndécocher COOPERATEURS\ncocher rien\ninterroger\ntransferer\nfermer\n",
-       "console : la fenêtre de transfert n'est pas ouverte ; «menu» l'ouvre.\n" TRANSFERT
-       "  [ ] Coopérateurs [x] Badges\nconsole : il n'y a pas de case «rien».\n"
+       "console : la fenêtre de transfert n'est pas ouverte ; « menu » l'ouvre.\n" TRANSFERT
+       "  [ ] Coopérateurs [x] Badges\nconsole : il n'y a pas de case « rien ».\n"
        "console : fermez d'abord la fenêtre de transfert.\n  [ ] Coopérateurs [ ] Badges\ntitre : Badges\n"
-       "fenêtre «Badges» fermée\n> fin\n"},
-      {"menu\nfin\n", TRANSFERT "> fin\nfenêtre «Transfert» fermée\n> fin\n"},
+       "fenêtre « Badges » fermée\n> fin\n"},
+      {"menu\nfin\n", TRANSFERT "> fin\nfenêtre « Transfert » fermée\n> fin\n"},
   };
   // clang-format on
   for (const CasSéance& C : Cas) EXPECT_EQ(Séance(C.Tapé, C.Plus).Jouer(), C.Vu);
@@ -308,8 +308,8 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
   // clang-format off
   const CasVie Cas[] = {
       {Absent, "menu\nok\nok\nbouton\nok\nmasquer\nfin\n",
-       {"message [x] ", " : Module initialisé.\n", "commande «bouton» : Comm. au RG80\n",
-        "commande «menu» : Charger les données vers le RG80\n", "fenêtre «Liste des chargements» masquée\n",
+       {"message [x] ", " : Module initialisé.\n", "commande « bouton » : Comm. au RG80\n",
+        "commande « menu » : Charger les données vers le RG80\n", "fenêtre « Liste des chargements » masquée\n",
         "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
       {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
       {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
@@ -318,7 +318,7 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
       {"", "/dev/autre\n\n\n\n\noui\nconfigurer\nannuler\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
       {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
       {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
-      {"", "", {"README.md» ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
+      {"", "", {"README.md » ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
       {"", "", {"est fait pour la version 1 de l'interface des greffons, et ce programme pour la 2"}, "",
        {"--greffon", BIN_DIR "/../tests/former_plugin.so"}},
   };

@@ -33,7 +33,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     const auto Début = Système.Horloge;
     UneInterrogation.Retard_FinTempo(Code);
     Exiger(Système.Horloge - Début < 60'000, "a poll ends");
-    if (État.Ligne.EstPrise()) return;  // the button, put off by a poll that holds the line
+    if (État.Liaison.EstPrise()) return;  // the button, put off by a poll that holds the line
     Exiger(!std::filesystem::exists(Système.Dossier / "RG80 import.txt"), "no import file is left behind");
   }
 
@@ -133,7 +133,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     const milliseconds Tour = milliseconds(État.PériodeInterrogation) + milliseconds(10'000);
     for (int Essai = 0; Essai < 3 && Acquittés == Avant; ++Essai) Système.Laisser(Tour);
     Exiger(Acquittés == Avant + 1 && Importés == Mots{LigneImport}, "the next poll brings the next load in");
-    Exiger(!État.Ligne.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
+    Exiger(!État.Liaison.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
   }
   void JouerTout() {
     Interroger("");

@@ -73,7 +73,7 @@ stop_in_a_file() {
   settings "$3" 1200
   ask "rg80 $2 1200 --f6"
   start
-  said 'commande «menu»' 60
+  said 'commande « menu »' 60
   sleep 1
   echo menu >&7
   said 'en attente de fichiers' 60
@@ -94,7 +94,7 @@ whole_files() {
   settings "$3" 19200
   ask "rg80 $2 19200 --f6"
   start
-  said 'commande «menu»' 60
+  said 'commande « menu »' 60
   sleep 1
   echo menu >&7
   said 'en attente de fichiers' 60
@@ -222,7 +222,7 @@ nothing_taken() {
   settings "$3" 9600
   ask "rg80 $2 9600 --f6"
   start
-  said 'commande «menu»' 60
+  said 'commande « menu »' 60
   sleep 1
   echo menu >&7
   said 'en attente de fichiers' 60
@@ -267,7 +267,7 @@ gadget() {
   rg80 --port /dev/ttyGS0 --f6 --cadence 1200 >/tmp/rg80 2>&1 &
   terminal=$!
   start
-  said 'commande «menu»' 60
+  said 'commande « menu »' 60
   sleep 1
   echo menu >&7
   said 'en attente de fichiers' 60

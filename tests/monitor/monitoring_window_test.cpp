@@ -174,13 +174,13 @@ TEST_F(Suivi, SendsTheFiguresAndPrintsOnceTheLineIsFreeUnlessTheWindowHasGone) {
   Fenêtre->AjouterMessage("reçu", true);
   EXPECT_TRUE(Vue().Actifs[BtnForcerCumulsRG80]);
   Services.SurCumuls = [this] {
-    EXPECT_TRUE(État.Ligne.EstPrise());
+    EXPECT_TRUE(État.Liaison.EstPrise());
     throw ErreurExécution("table absente");
   };
   for (const bool Partie : {true, false}) {
     Ouvrir();
     Fenêtre->AjouterErreur("panne");
-    auto Prise = État.Ligne.PrendreOuReporter(DemandeLigne::Interrogation, [] {});
+    auto Prise = État.Liaison.PrendreOuReporter(DemandeLiaison::Interrogation, [] {});
     for (int Fois = 0; Fois < 2; ++Fois) {
       Fenêtre->BtnForcerCumulsRG80_Click();
       Fenêtre->BtnImprimer_Click();

@@ -24,7 +24,7 @@ namespace Ombrey::Essais {
 struct BoucleDeQt : Bureau {
   BoucleDeQt() { Vider(); }
   IBoucle::Jeton Surveiller(IBoucle::Action Faire) {
-    return Boucle.Surveiller(Près.Numéro(), IBoucle::Attente::Lecture, std::move(Faire));
+    return Boucle.Surveiller(Près.Numéro(), IBoucle::Sens::Lecture, std::move(Faire));
   }
   PseudoTerminal Loin;
   Descripteur Près{open(Loin.Nom().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)};
@@ -59,7 +59,7 @@ TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
     EXPECT_EQ(Trace, Attendue);
   }
   EXPECT_FALSE(Boucle.Pomper(5ms));
-  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Attente::Écriture, [&] { Trace += 'e'; });
+  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Sens::Écriture, [&] { Trace += 'e'; });
   EXPECT_TRUE(Boucle.Pomper(1s) && Trace == "...e") << "there is room to write";
   Place.reset();
   Loin.Maître.Fermer();

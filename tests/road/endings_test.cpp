@@ -12,7 +12,7 @@ static bool FinirAprès(std::size_t Nombre, const std::string& Dialogue) {
   const PseudoTerminal Ligne;
   P.Faire("$ sed -i s,=/.*,=" + Ligne.Nom() + ", tarvel.ini");
   P.LancerStation("interroger", Nombre % 2 == 0 ? "--sans-operateur" : "");
-  EXPECT_TRUE(P.Station->Attendre("commande «menu»", 60s));
+  EXPECT_TRUE(P.Station->Attendre("commande « menu »", 60s));
   std::string Reçus;
   std::size_t Attendus = 0;
   bool SontVenus = true;

@@ -56,7 +56,7 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
 TEST(Start, AWorkingFolderBelongsToOneStationUntilItsDeath) {
   Poste P;
   P.LancerStation();
-  EXPECT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
+  EXPECT_TRUE(P.Station->Attendre("commande « menu »")) << P.Dit();
   const auto Première = std::move(P.Station);
   P.LancerStation();
   EXPECT_TRUE(P.Station->Attendre("Une autre station travaille déjà dans le dossier " + P.En("poste") +
@@ -66,7 +66,7 @@ TEST(Start, AWorkingFolderBelongsToOneStationUntilItsDeath) {
   Première->Signaler(SIGKILL);
   EXPECT_EQ(Première->Fin(), -SIGKILL);
   P.LancerStation();
-  EXPECT_TRUE(P.Station->Attendre("commande «menu»")) << P.Dit();
+  EXPECT_TRUE(P.Station->Attendre("commande « menu »")) << P.Dit();
 }
 
 TEST(Start, NamesAPortThatAnotherProgramHoldsAndTakesItWhenItIsFree) {
@@ -124,7 +124,7 @@ TEST(Databases, OneThatIsLockedDelaysTheLoadOrHasItRefusedInTime) {
   for (auto* P : {&Court, &Long}) {
     P->LancerTerminal("--hasard 1 --jusqu-a-vide");
     P->LancerStation("messages");
-    EXPECT_TRUE(P->Station->Attendre("commande «menu»", 60s));
+    EXPECT_TRUE(P->Station->Attendre("commande « menu »", 60s));
     P->Verrou->Exécuter("BEGIN IMMEDIATE");
     P->Station->Taper("interroger");
   }

@@ -8,7 +8,7 @@ namespace {
 
 TEST(Mode, IsWhatTheSettingsSayWhateverAnotherProgramLeft) {
   struct Cas {
-    RéglagesLigne Réglages;
+    RéglagesLiaison Réglages;
     speed_t Vitesse;
     tcflag_t Gardés;  ///< by a pseudo-terminal
     tcflag_t Autres;
@@ -31,7 +31,7 @@ TEST(Mode, IsWhatTheSettingsSayWhateverAnotherProgramLeft) {
     Laissé.c_cflag &= ~static_cast<tcflag_t>(CLOCAL);
     Laissé.c_cc[VMIN] = 0;
     ASSERT_EQ(tcsetattr(Voisin.Numéro(), TCSANOW, &Laissé), 0);
-    const AppareilLigne Ligne({Loin.Nom(), Loin.Nom()}, Réglages);
+    const AppareilLiaison Ligne({Loin.Nom(), Loin.Nom()}, Réglages);
     termios Lu{};
     ASSERT_EQ(tcgetattr(Voisin.Numéro(), &Lu), 0);
     EXPECT_EQ(cfgetospeed(&Lu), Vitesse);

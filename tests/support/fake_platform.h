@@ -150,7 +150,7 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
 /// The end of the plug-in as a wait sees it.
 inline void Achever(ÉtatPlugIn& État, PortScripté& Port) {
   État.Abandon = Port.EcritureRefusée = true;
-  État.Ligne.Terminer();
+  État.Liaison.Terminer();
   État.PortComm.reset();
   État.BaseDeD.reset();
   État.EtatBdD.reset();
