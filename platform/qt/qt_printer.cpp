@@ -52,9 +52,11 @@ void ImprimanteQt::Imprimer(const std::string& Ligne) {
       std::ranges::find_if(Composée, [](QChar Un) { return Un != QLatin1Char(' '); }) - Composée.begin();
   const double Retrait = Mesure.horizontalAdvance(Composée.left(Blancs));
   const double Largeur = Imprimante_.pageRect(QPrinter::DevicePixel).width() - Retrait;
-  const QRectF Offerte(Retrait, Position_, Largeur, HauteurPage());
+  const QRectF Offerte(Retrait, 0, Largeur, HauteurPage());
   const QString Corps = Composée.mid(Blancs);
   const double Hauteur = std::max(Mesure.height(), Mesure.boundingRect(Offerte, Habillage, Corps).height());
+  // A line that goes on in several isn't cut at the foot of the page.
+  if (Position_ > 0 && Position_ + Hauteur > HauteurPage()) NouvellePage();
   if (!Corps.trimmed().isEmpty())
     Lignes_.push_back({Page_, QRectF(Retrait, Position_, Largeur, Hauteur), Police_, Corps});
   Position_ += Hauteur;

@@ -1,6 +1,4 @@
-// Boxes, dialogs and windows on Qt and the ways out of them; pictures and the printer.
-#include <fstream>
-
+// Boxes, dialogs and windows on Qt and the ways out of them; pictures.
 #include "host/windows/qt_host_window.h"
 #include "monitor/monitoring_window.h"
 #include "platform/qt/qt_port_dialog.h"
@@ -291,31 +289,6 @@ TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
   EXPECT_EQ(LesVraies.DernièreImage().pixmap(QSize(16, 16), 1.0).toImage().pixel(3, 3), 0xFF102030);
   Grande.Pixels.pop_back();
   EXPECT_THROW(LesVraies.PoserImages({Grande}), ErreurExécution);
-}
-
-TEST_F(FenêtresDeQt, PrintsThePagesThatWereBegunToAFileOrSaysThatItCannot) {
-  LesVraies.OuvrirImprimante()->Imprimer("abandonnée");
-  EXPECT_TRUE(std::filesystem::is_empty(Dossier.Chemin()));
-  const auto Imprimante = LesVraies.OuvrirImprimante();
-  Imprimante->FixerPolice(10, false, false);
-  int Pages = 1;
-  for (int Rang = 0; Rang < 500; ++Rang) {
-    Imprimante->Imprimer("08:30:00 : erreur");
-    if (Imprimante->PositionVerticale() < 0.9 * Imprimante->HauteurPage()) continue;
-    Imprimante->NouvellePage();
-    ++Pages;
-  }
-  EXPECT_NEAR(Pages, 10, 4);
-  Dès("Liste des erreurs", [&](QWidget& Fenêtre) {
-    Trace = Le<QTextEdit>(Fenêtre).toPlainText().toStdString();
-    Cadre(Fenêtre);
-  });
-  Imprimante->TerminerDocument();
-  std::ifstream Flux(Trace.substr(Trace.find('\n') + 1), std::ios::binary);
-  const std::string Contenu(std::istreambuf_iterator<char>(Flux), {});
-  EXPECT_NE(Contenu.find("/Count " + std::to_string(Pages) + "\n"), std::string::npos) << Trace;
-  std::filesystem::remove_all(Dossier.Chemin());
-  EXPECT_THROW(Imprimante->TerminerDocument(), ErreurExécution);
 }
 
 }  // namespace Ombrey::Essais
