@@ -11,6 +11,7 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "host/figures.h"
 
 namespace Tarvel {
 namespace {
@@ -30,9 +31,8 @@ constexpr const char* SqlChargements =
     " ORDER BY Chargement.DateCh DESC, Chargement.NoChargement DESC";
 
 constexpr const char* SqlQuotas =
-    "SELECT Sélection.Désignation, Sum(QuotasGrp.QuotaJournalier) FROM Sélection"
-    " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection GROUP BY Sélection.Désignation"
-    " ORDER BY Sélection.Désignation";
+    "SELECT Sélection.Désignation, QuotasGrp.QuotaJournalier FROM Sélection"
+    " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection ORDER BY Sélection.Désignation";
 
 constexpr const char* SqlArchive =
     "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], Format([DateCh],'dd/mm/yyyy hh:nn') AS [Date]"
@@ -44,8 +44,9 @@ std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Form
 
 /// A value that is no number counts nothing: the office may have written anything into the column.
 std::optional<double> NombreDe(const ValeurChamp& Valeur) {
-  const std::string Texte = TexteDe(Valeur);
-  if (!EstNumérique(Texte, FormesFrançaises)) return std::nullopt;
+  // Read as the figures read it: the page and the terminal show the same.
+  std::string Texte = SansEspaces(TexteDe(Valeur));
+  if (Texte.empty() || !Ombrey::NormaliserNombre(Texte, FormesFrançaises)) return std::nullopt;
   return EnRéel(Texte, FormesFrançaises);
 }
 
@@ -121,8 +122,11 @@ Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
   const auto Quotas = Base.OpenRecordset(SqlQuotas, Ombrey::TypeRecordset::VersLAvant);
   for (; !Quotas->Eof(); Quotas->MoveNext()) {
     const std::string Appellation = TexteDe(Quotas->Fields(0));
-    if (const auto Quota = NombreDe(Quotas->Fields(1)))
-      Jour.Quotas.push_back({Appellation, *Quota, Reçus[Appellation]});
+    const auto Quota = NombreDe(Quotas->Fields(1));
+    if (!Quota) continue;
+    if (Jour.Quotas.empty() || Jour.Quotas.back().Appellation != Appellation)
+      Jour.Quotas.push_back({Appellation, 0, Reçus[Appellation]});
+    Jour.Quotas.back().Quota += *Quota;
   }
   Sommer(Jour);
   return Jour;

@@ -23,14 +23,8 @@ using Ombrey::ValeurChamp;
 std::int32_t EntierBorné(double Valeur) {
   constexpr double Bas = std::numeric_limits<std::int32_t>::min();
   constexpr double Haut = std::numeric_limits<std::int32_t>::max();
+  if (std::isnan(Valeur)) return 0;
   return static_cast<std::int32_t>(std::clamp(std::nearbyint(Valeur), Bas, Haut));
-}
-
-/// Blanks that people write between thousands, the two that don't break a line among them.
-std::string SansEspaces(std::string Texte) {
-  for (const std::string_view Espace : {" ", "\u00A0", "\u202F"})
-    for (std::size_t Place = 0; (Place = Texte.find(Espace)) != std::string::npos;) Texte.erase(Place, Espace.size());
-  return Texte;
 }
 
 /// A weight that the office has typed with a decimal comma is a text to the database.
@@ -59,6 +53,12 @@ class RequêteMasse {
 };
 
 }  // namespace
+
+std::string SansEspaces(std::string Texte) {
+  for (const std::string_view Espace : {" ", "\u00A0", "\u202F"})
+    for (std::size_t Place = 0; (Place = Texte.find(Espace)) != std::string::npos;) Texte.erase(Place, Espace.size());
+  return Texte;
+}
 
 double Figures::Masse(const FiltreChargements& Filtre) const {
   RequêteMasse Requête;

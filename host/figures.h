@@ -13,6 +13,9 @@
 
 namespace Tarvel {
 
+/// Without the blanks that people write between thousands, the two that don't break a line among them.
+[[nodiscard]] std::string SansEspaces(std::string Texte);
+
 /// Tells the operator one sentence.
 using Avis = std::function<void(const std::string&)>;
 

@@ -49,7 +49,11 @@ void ExigerFait(Choix& Lignes, const std::string& Nom, const ColonneImport& Colo
 /// Also what the office wrote in place of a date.
 std::string Arrivée(const ValeurChamp& Date) {
   const auto* Jours = std::get_if<double>(&Date);
-  return Jours ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteOuVide(Date, {});
+  Ombrey::ErreurEnAttente HorsCalendrier;
+  std::string Texte = TexteOuVide(Date, {});
+  if (Jours)
+    Ignorer(HorsCalendrier, [&] { Texte = TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn"); });
+  return Texte;
 }
 
 }  // namespace

@@ -188,13 +188,18 @@ fs::path DossierUtilisateur() {
 /// Others of this machine see a command line, and a settings file is copied without a thought.
 void RefuserMotDePasse(const std::string& Adresse) {
   const std::size_t Début = ProtocoleServeur.size();
-  const std::string Serveurs = Adresse.substr(Début, Adresse.find('/', Début) - Début);
-  const bool DansLeCompte = Serveurs.find(':') < Serveurs.find('@') && Serveurs.find('@') != std::string::npos;
+  const std::string AvantLesOptions = Adresse.substr(Début, Adresse.find('?') - Début);
+  const std::size_t Compte = AvantLesOptions.rfind('@');
+  const bool DansLeCompte = Compte != std::string::npos && AvantLesOptions.find(':') < Compte;
   if (DansLeCompte || Adresse.find("password=") != std::string::npos)
     throw ErreurOptions("le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass");
 }
 
 void PréciserChemins(Options& Lues) {
+  for (const std::string* Adresse : {&Lues.Base, &Lues.Vers})
+    if (Adresse->starts_with("postgres://")) throw ErreurOptions("l'adresse d'un serveur commence par postgresql://");
+  if (std::ranges::any_of(Lues.CodeSite, [](unsigned char C) { return C < ' ' || C == ';' || C == 127; }))
+    throw ErreurOptions("le code du site ne peut avoir ni point-virgule, ni caractère de commande");
   if (EstSurServeur(Lues.Vers))
     RefuserMotDePasse(Lues.Vers);
   else if (!Lues.Vers.empty())
@@ -203,7 +208,8 @@ void PréciserChemins(Options& Lues) {
     RefuserMotDePasse(Lues.Base);
     if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();
   } else if (!Lues.Base.empty()) {
-    const fs::path Fichier = fs::absolute(Ombrey::Chemin(Lues.Base));
+    // By whatever link it is called, it is one base, with one lock for each site.
+    const fs::path Fichier = fs::weakly_canonical(fs::absolute(Ombrey::Chemin(Lues.Base)));
     Lues.Base = Ombrey::TexteChemin(Fichier);
     if (Lues.Dossier.empty()) Lues.Dossier = Fichier.parent_path();
   }

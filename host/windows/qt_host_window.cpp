@@ -98,7 +98,8 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const std
   statusBar()->addWidget(État_, 1);
   ReprendrePlace();
   connect(&Montre_, &QTimer::timeout, this, [this] {
-    if (++Tours_ % ToursParLecture == 0) Actualiser();
+    // Through the loop: the base that lets the window be painted while it waits can't be asked meanwhile.
+    if (++Tours_ % ToursParLecture == 0) Différé([this] { Actualiser(); })();
     ActualiserBandeau();
   });
   Montre_.start(Pas);

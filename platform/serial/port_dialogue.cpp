@@ -109,7 +109,7 @@ std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
     char Place[64];
     const Passage Lus = Appareil.Lire(Place, sizeof Place);
     Reçu.append(Place, Lus.Nombre);
-    Fini = Lus.Perdu;
+    Fini = Fini || Lus.Perdu;
   });
   const auto Délai = Boucle.Après(DélaiEssai, [&Fini] { Fini = true; });
   const char Requête[] = {ENQ, CodeEssai};

@@ -117,7 +117,8 @@ void PortSérie::Recevoir() {
 }
 
 void PortSérie::Relever() {
-  while (LireAppareil()) continue;
+  constexpr int LecturesAuPlus = 64;  // a line gone mad holds nobody here
+  for (int Rang = 0; Rang < LecturesAuPlus && LireAppareil();) ++Rang;
   Silence_.reset();
   CloreRafale();
   Livrer();

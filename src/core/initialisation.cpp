@@ -168,6 +168,7 @@ void PlugIn::IPlugInTarvel_Configurer() {
   } else {
     NouvelEventPort("")->Configurer(FichierIni_, SectionIni);
   }
+  Échange_.Reprendre();  // the operator's trial may have asked the terminal
 }
 
 }  // namespace Ombrey

@@ -15,7 +15,8 @@ std::chrono::milliseconds Doute::SilenceManquant() const {
 bool Doute::EstCopie(const Octets& Trame) {
   const bool Copie = !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
   if (Copie && Niveau_ == Niveau::Nouveau) SansRéponse();
-  return Copie;
+  Copies_ = Copie ? Copies_ + 1 : 0;
+  return Copie && Copies_ <= CopiesLaissées;
 }
 
 void Doute::Arrivée(bool Attendue) {

@@ -28,10 +28,14 @@ class Doute {
   /// The silence that is still lacking before the next request; zero or less when it may go.
   [[nodiscard]] std::chrono::milliseconds SilenceManquant() const;
   /// True for the last acknowledged frame while the line isn't calm: it can be the answer to an older request, and an
-  /// ACK would remove the load behind it. It shows that a new line is a troubled one.
+  /// ACK would remove the load behind it. It shows that a new line is a troubled one. A load whose ACK was lost on a
+  /// line that never gets calm must not block the queue: behind CopiesLaissées it is taken for what it says.
   [[nodiscard]] bool EstCopie(const Octets& Trame);
 
-  void Acquitter(const Octets& Trame) { Acquittée_ = Trame; }
+  void Acquitter(const Octets& Trame) {
+    Acquittée_ = Trame;
+    Copies_ = 0;
+  }
   /// True once for each trouble in which characters came that nobody waited for: the operator should know.
   [[nodiscard]] bool EstÀDire() { return std::exchange(ÀDire_, false); }
   /// Characters came, in a wait for an answer or not.
@@ -42,9 +46,12 @@ class Doute {
   void Demande();
   /// Somebody else may have asked on this line a moment ago. Nothing says so: no request waits for silence, but the
   /// line isn't calm until it has been silent.
-  void Nouvelle() { Niveau_ = Niveau::Nouveau; }
+  void Nouvelle() {
+    if (EstCalme()) Niveau_ = Niveau::Nouveau;
+  }
 
  private:
+  static constexpr int CopiesLaissées = 5;
   enum class Niveau { Calme, Convalescence, Nouveau, Trouble };
 
   const ISystème& Système_;
@@ -54,6 +61,7 @@ class Doute {
   bool ÀDire_ = false;
   bool Dit_ = false;
   Octets Acquittée_;
+  int Copies_ = 0;  ///< of it that were left unanswered, one behind the other
 };
 
 }  // namespace Ombrey

@@ -337,6 +337,7 @@ const Dits Bavard = [] {
   for (int Quand = 1; Quand < 20000; Quand += 500) Tous.emplace_back(Quand, "z");
   return Tous;
 }();
+const Dits Agité = {{5, Offre}, {600, "z"}};
 // clang-format off
 const Réplique Répliques[] = {
     {"calm: no wait, and a load that comes again has lost its ACK", "PPE",
@@ -352,6 +353,9 @@ const Réplique Répliques[] = {
     {"copy of the acknowledged load", "PPP", {{{5, Offre}}, {}, {}, {{5, Offre}}}, "?A^?A?A", Laissé, 4011},
     {"left busy by the station before this one", "NPPPP",
      {{{5, Offre}}, {}, {{5, Offre}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A^", "", 2020},
+    {"a lost ACK on a line that never gets calm blocks no queue", "PZPZPZPZPZPZP",
+     {{{5, Offre}}, {{600, "z"}}, Agité, Agité, Agité, Agité, Agité, {{5, Offre}}},
+     "?A^?A?A?A?A?A?A^", "", 18035, 1},
     {"taken over and silent", "NPZPZPP", {{{5, Offre}}, {}, {{5, "!A"}}, {{5, "!A"}}, {{5, Offre}}}, "?A^?A?A?A^", "", 6020},
     {"calm again behind an answer, silence and another answer", "PPPPP",
      {{{5, Offre}}, {}, {}, {{5, "!A"}}, {{5, Offre}}, {{5, Offre}}}, "?A^?A?A?A?A^", "", 6021},

@@ -233,9 +233,12 @@ void ConnexionPostgresql::VerrouillerSite() {
   const std::string Verrou = std::string(Nôtre) + ", " + std::to_string(NuméroDeSite(*Site_));
   // A link of our own that the server hasn't missed yet would keep us out.
   if (AncienProcessus_ != 0 && AncienProcessus_ != Lien_.Processus())
-    static_cast<void>(
-        Lien_.Demander("SELECT pg_terminate_backend(pid) FROM pg_locks WHERE locktype = 'advisory' AND classid = " +
-                       std::string(Nôtre) + " AND pid = " + std::to_string(AncienProcessus_)));
+    static_cast<void>(Lien_.Demander(
+        "SELECT pg_terminate_backend(pid) FROM pg_locks WHERE locktype = 'advisory' AND classid = " +
+        std::string(Nôtre) + " AND objid = " + std::to_string(static_cast<std::uint32_t>(NuméroDeSite(*Site_))) +
+        " AND objsubid = 2 AND database = (SELECT oid FROM pg_database WHERE datname = current_database())"
+        " AND pid = " +
+        std::to_string(AncienProcessus_)));
   try {
     static_cast<void>(Lien_.DemanderTout("SET lock_timeout = 2000; SELECT pg_advisory_lock(" + Verrou +
                                          "); SET lock_timeout = 7000; LISTEN " + Canal));
@@ -261,7 +264,7 @@ bool ConnexionPostgresql::ADuNouveau() {
 }
 
 void ConnexionPostgresql::Commencer() {
-  static_cast<void>(Demander("BEGIN", {}, true));
+  static_cast<void>(Demander("BEGIN ISOLATION LEVEL READ COMMITTED", {}, true));
   DansTransaction_ = true;
   try {
     const Résultat Lus = Lien_.Demander("SELECT current_setting('synchronous_commit'), pg_advisory_xact_lock(" +
@@ -281,7 +284,7 @@ void ConnexionPostgresql::Commencer() {
 void ConnexionPostgresql::Valider() {
   const Résultat Fin = Lien_.DemanderTout(std::string("NOTIFY ") + Canal + "; COMMIT");
   DansTransaction_ = false;
-  if (std::string_view(PQcmdStatus(Fin.get())) != "COMMIT")
+  if (!Fin || std::string_view(PQcmdStatus(Fin.get())) != "COMMIT")
     throw ErreurExécution("Le serveur de la base a annulé l'enregistrement");
 }
 
