@@ -160,7 +160,7 @@ stop_in_a_load() {
   wait || true
   rm -f "$root/tmp/rg80"
   [ $took -lt 2000 ] || fail "the end took $took ms"
-  ! grep acquitté "$work/rg80.log" || fail "a load was acknowledged that the stop had cut off"
+  ! grep 'acquitté,' "$work/rg80.log" || fail "a load was acknowledged that the stop had cut off"
   echo "ended after $took ms"
 }
 
@@ -189,21 +189,21 @@ live() {
   await_line
   as_service tarvel --diagnostic --ini /etc/ombrey/chai.ini || fail "the diagnosis finds something bad"
   end rg80 && wait || true
-  silent in_root systemd-analyze verify ombrey@chai.service ombrey-port@chai.service
+  silent in_root systemd-analyze verify --man=no ombrey@chai.service ombrey-port@chai.service
   in_root systemd-analyze security --offline=true --threshold=20 ombrey@chai.service | tail -1
   ! in_root udevadm verify --help >/dev/null 2>&1 || silent in_root udevadm verify
   as_service tarvel --ini /etc/ombrey/chai.ini --sauvegarder /var/lib/ombrey/chai/copie.db
   as_service rm /var/lib/ombrey/chai/cave.db
   as_service tarvel --ini /etc/ombrey/chai.ini --restaurer /var/lib/ombrey/chai/copie.db
   expect_loads $((done + 8))
-  in_root sh -c "apt-get -qq --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_3*.deb" >/dev/null || fail "ombrey-qt or -doc can't be installed"
+  in_root sh -c "apt-get -qq -y --no-install-recommends --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_3*.deb" >/dev/null || fail "ombrey-qt or -doc can't be installed"
 }
 
 leave() {
   say "Removed, then purged: the bases stay, and where they are is said"
   in_root apt-get -qq -y remove ombrey ombrey-rg80 >"$work/apt" 2>&1 || fail "$(cat "$work/apt")"
   [ -f "$root/etc/ombrey/chai.ini" ] || fail "removal took the settings"
-  in_root apt-get -qq -y purge ombrey ombrey-rg80 >"$work/apt" 2>&1 || fail "$(cat "$work/apt")"
+  in_root dpkg --purge ombrey ombrey-rg80 >"$work/apt" 2>&1 || fail "$(cat "$work/apt")"
   grep /var/lib/ombrey "$work/apt" || fail "purging doesn't say where the bases are"
   files_of_root >"$work/files.after"
   comm -13 "$work/files.before" "$work/files.after" | tee "$work/files.left"
