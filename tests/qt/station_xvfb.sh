@@ -74,7 +74,8 @@ cat >"$work/loads" <<LOADS
 LOADS
 "$bin/rg80" --lien "$work/rg80" --chargements "$work/loads" --cadence 9600 --f6 --sortie "$work/received" \
   >"$work/rg80.txt" 2>&1 &
-pids+=($!)
+rg80=$!
+pids+=($rg80)
 await "terminal" test -e "$work/rg80"
 
 start() {
@@ -161,4 +162,40 @@ await "monitoring window" seen '^Liste des chargements$'
 await "remembered place, $placed" same_place '^Liste des chargements$' "$placed"
 kill $station
 wait $station || fail "exit code $? at SIGTERM"
+
+
+# Another terminal on a slow line; the station is ended in the midst of what then goes over it.
+anew() {
+  kill $rg80 && wait $rg80 || true
+  rm -rf "$work/line" "$work/received"
+  "$bin/rg80" --lien "$work/rg80" --cadence 300 --sortie "$work/received" --journal "$work/line" "$@" >"$work/rg80.txt" 2>&1 &
+  rg80=$!
+  pids+=($rg80)
+  await "terminal" test -e "$work/line"
+}
+said() { grep -q "$1" "$work/line"; }
+step "the main window is closed while a load comes in"
+tail -1 "$work/loads" | sed 's/^..../0009/' >"$work/last"
+anew --chargements "$work/last"
+start 3
+await "load on the line" said '<STX>0009'
+press '^Tarvel' ctrl+q
+wait $station || fail "exit code $? in the midst of a load"
+[ ! -s "$work/tarvel.3" ] || fail "the station complained"
+"$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --regarder --console --duree 1 >"$work/day" </dev/null
+grep -q ' n° 8,' "$work/day" || fail "the day isn't told"
+! said 'reçu <ACK>' || grep -q ' n° 9,' "$work/day" || fail "acknowledged and not in"
+step "the main window is closed, and the session ended, in the midst of a transfer"
+anew --f6
+start 4
+await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
+press '^Chargement des données' alt+t
+await "file on the line" grep -q 'fichier 4.*prêt' "$work/rg80.txt"
+press '^Tarvel' ctrl+q
+sleep 0.5
+kill $station || fail "the main window was left behind the transfer's"
+wait $station || fail "exit code $? in the midst of a transfer"
+[ ! -s "$work/tarvel.4" ] || fail "the station complained"
+await "end of what was on the line" grep -q 'fichier 4.*reçu' "$work/rg80.txt"
+[ "$(grep -c 'fichier.*prêt' "$work/rg80.txt")" -eq 1 ] || fail "a file was sent behind the end"
 echo "done"
