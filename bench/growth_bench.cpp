@@ -9,8 +9,8 @@
 #include <string>
 #include <vector>
 
-#include "bench/cooperative.h"
 #include "base/files.h"
+#include "bench/cooperative.h"
 #include "common/plugin_state.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"

@@ -7,9 +7,7 @@ namespace Ombrey {
 namespace {
 
 /// The host names a load's row by the layout that brought it or by its table.
-bool ConcerneChargements(const std::string& Table) {
-  return Table == TitreImport || Table == "Chargement";
-}
+bool ConcerneChargements(const std::string& Table) { return Table == TitreImport || Table == "Chargement"; }
 
 }  // namespace
 

@@ -31,7 +31,7 @@ std::string DateMontrée(std::string Texte) {
     if (C < '0' || C > '9') C = ' ';
   int J = 0, M = 0, A = 0, H = 0, N = 0, S = 0;
   std::sscanf(Texte.c_str(), "%d %d %d %d %d %d", &J, &M, &A, &H, &N, &S);  // NOLINT(cert-err34-c): digits alone
-  if (A < 100) A += A < 76 ? 2000 : 1900;  // the nearest to 2026
+  if (A < 100) A += A < 76 ? 2000 : 1900;                                   // the nearest to 2026
   char Montrée[64];
   std::snprintf(Montrée, sizeof Montrée, "%02d %02d %04d %02d %02d %02d", J, M, A, H, N, S);
   return Montrée;
