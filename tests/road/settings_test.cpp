@@ -132,12 +132,13 @@ TEST(Databases, OneThatIsLockedDelaysTheLoadOrHasItRefusedInTime) {
   EXPECT_FALSE(Court.Rg80->Attendre("acquitté", 5s)) << "acknowledged ahead of the commit";
   Court.Verrou.reset();
   EXPECT_TRUE(Court.Rg80->Attendre("bilan : envoyés 1, acquittés 1, refusés 0, sans réponse 0, réponses reçues 1"));
-  // The line is idle: a plain copy of the file has the load.
-  Court.Station->Taper("aide");
-  EXPECT_TRUE(Court.Station->Attendre("arrête la station"));
-  Court.Faire("$ cp cave.db copie.db");
-  EXPECT_EQ(ConnexionSqlite::Ouvrir(Court.En("copie.db"))->Lire("SELECT count(*) FROM Chargement"),
-            ValeurChamp{std::int64_t{1}});
+  // As soon as the line is idle, a plain copy of the file has the load.
+  const auto EstDansUneCopie = [&Court] {
+    Court.Faire("$ cp cave.db copie.db");
+    return ConnexionSqlite::Ouvrir(Court.En("copie.db"))->Lire("SELECT count(*) FROM Chargement") ==
+           ValeurChamp{std::int64_t{1}};
+  };
+  EXPECT_TRUE(Bientôt(EstDansUneCopie, 30s));
   EXPECT_TRUE(Long.Rg80->Attendre("chargement 0001 refusé, reste en attente")) << Long.Dit();
   Long.Verrou.reset();
   for (const auto* P : {&Court, &Long}) P->Finir("1 1 0");
