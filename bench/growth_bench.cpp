@@ -11,7 +11,7 @@
 
 #include "base/files.h"
 #include "bench/cooperative.h"
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
 
@@ -82,7 +82,7 @@ class Atelier {
   std::int64_t Membres_;
   Coopérative Cave_;
   CanalMuet Canal_;
-  ÉtatPlugIn État_;
+  ÉtatPartagé État_;
   VérificationExploitation Exploitations_{État_};
   MiseEnFormeImport MiseEnForme_{État_};
   std::filesystem::path Fichier_ = Cave_.Poste.Dossier() / "import.txt";

@@ -14,7 +14,7 @@
 
 #include "base/regional_forms.h"
 #include "bench/cooperative.h"
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "monitor/load_list.h"
 
 namespace Ombrey::Mesures {
@@ -79,7 +79,7 @@ void ListRefreshed(benchmark::State& État) {
   PlateformeMachine Plateforme(Boucle, Fenêtres, nullptr, Cave.Poste.Dossier() / "windows",
                                Cave.Poste.Dossier() / "windows.ini");
   CanalMuet Canal;
-  ÉtatPlugIn LÉtat(Plateforme, Canal);
+  ÉtatPartagé LÉtat(Plateforme, Canal);
   LÉtat.BaseDeD = Cave.Base;
   SansTerminal Services;
   FSuiviChargnt Suivi(LÉtat, Services);

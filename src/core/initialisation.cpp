@@ -5,13 +5,13 @@
 namespace Ombrey {
 namespace {
 
-/// From the start of the link to the first poll, whatever the period.
-constexpr std::int32_t DélaiPremierRelevé = 10000;
 /// The port asked for while none is configured: only its configuration is used.
 constexpr const char* PortParDéfaut = "COM1:";
 constexpr const char* DossierPort = "c:\\temp";
 constexpr std::int16_t ModePort = 0;
 
+/// The plug-in's section in the host's settings file.
+constexpr const char* SectionIni = "PlugInOmbrey";
 constexpr const char* CléPort = "Port";
 constexpr const char* CléPériode = "Période interrogation";
 
@@ -87,37 +87,37 @@ std::shared_ptr<IClientPortComm> PlugIn::NouvelEventPort(const std::string& NomP
 void PlugIn::ObtenirPort(const std::string& NomPort, const std::string& NomClient) {
   if (!ServeurPortComm_) ServeurPortComm_ = État_.Plateforme.CréerServeurPortComm();
   EventPortComRG80_ = NouvelEventPort(NomClient);
-  État_.PortComm = Exiger(ServeurPortComm_)->ObtenirPort(NomPort, EventPortComRG80_);
+  Échange_.FixerPort(Exiger(ServeurPortComm_)->ObtenirPort(NomPort, EventPortComRG80_));
 }
 
 /// No port was ever configured: the operator is asked.
 void PlugIn::DemanderRéglages() {
   ObtenirPort(PortParDéfaut, "");
-  const auto Port = Exiger(État_.PortComm);
+  const auto Port = Exiger(Échange_.Port());
   Port->Configurer(FichierIni_, SectionIni);
-  État_.PortComm.reset();
+  Échange_.FixerPort(nullptr);
 }
 
 /// A port that can't be opened now is no failure: the exchanges try again and report it.
 std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
   ObtenirPort(NomPort, NomPort);
-  if (!État_.PortComm) {
+  if (!Échange_.Port()) {
     return "Impossible d'initialiser le port de communication.\r" + ServeurPortComm_->ErreurServeur();
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
   // The station that stopped, or was killed, a moment ago may have asked a terminal that was busy.
   Échange_.Reprendre();
-  if (État_.PortComm->Ouvrir()) {
+  if (Échange_.Port()->Ouvrir()) {
     bool Drapeau = false;
     Exiger(État_.BaseDeD)->ActiverBase(Drapeau);
   } else {
-    static_cast<void>(État_.PortComm->DernièreErreurPort());  // read away: the next exchange words its own
+    static_cast<void>(Échange_.Port()->DernièreErreurPort());  // read away: the next exchange words its own
   }
   return "";
 }
 
 bool PlugIn::DefParamPort() {
-  const auto Port = Exiger(État_.PortComm);
+  const auto Port = Exiger(Échange_.Port());
   const Régional Formes = État_.Formes();
   Section Réglages(État_.Plateforme, FichierIni_);
   const auto Entier = [&](const char* Clé) { return EntierDuRéglage<std::int16_t>(Clé, Réglages.Lire(Clé), Formes); };
@@ -138,23 +138,17 @@ void PlugIn::LirePériode() {
   Section Réglages(État_.Plateforme, FichierIni_);
   const std::string Valeur = Réglages.Lire(CléPériode);
   if (EstNumérique(Valeur, Formes)) {
-    État_.PériodeInterrogation = EntierDuRéglage<std::int32_t>(CléPériode, Valeur, Formes);
+    Interrogation_.FixerPériode(EntierDuRéglage<std::int32_t>(CléPériode, Valeur, Formes));
   } else {
-    Réglages.Ecrire(CléPériode, std::to_string(État_.PériodeInterrogation));
+    Réglages.Ecrire(CléPériode, std::to_string(Interrogation_.Période()));
   }
 }
 
 void PlugIn::IPlugInTarvel_Afficher() {
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.PortComm)->Activer(true); });
+  Ignorer(Ignorée, [this] { Exiger(Échange_.Port())->Activer(true); });
   if (État_.Abandon) return;
-  Ignorer(Ignorée, [this] {
-    if (État_.Retard) return;
-    État_.Retard = État_.Plateforme.CréerRetard([Faible = weak_from_this()](const std::string& CodeRetour) {
-      if (const auto Vivant = Faible.lock()) Vivant->Retard_FinTempo(CodeRetour);
-    });
-  });
-  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Démarrer(DélaiPremierRelevé, ""); });
+  Ignorer(Ignorée, [this] { Interrogation_.Commencer(); });
 }
 
 void PlugIn::IPlugInTarvel_Configurer() {
@@ -163,7 +157,7 @@ void PlugIn::IPlugInTarvel_Configurer() {
   const auto Ligne = État_.Liaison.PrendreOuReporter(DemandeLiaison::Configuration,
                                                      [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
   if (!Ligne) return;
-  if (const auto Port = État_.PortComm) {
+  if (const auto Port = Échange_.Port()) {
     Port->Configurer(FichierIni_, SectionIni);
   } else {
     NouvelEventPort("")->Configurer(FichierIni_, SectionIni);

@@ -88,7 +88,7 @@ void PlugIn::TesterEtMontrer() {
     const auto Ligne =
         État_.Liaison.PrendreOuReporter(DemandeLiaison::Bouton, [this] { Reporter([this] { TesterEtMontrer(); }); });
     if (!Ligne) return;
-    Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, "");
+    Interrogation_.Armer();
     Canal_.Rafraîchir();
     const bool Connecté = TesterConnexion();
     Canal_.AjouterMessage(
@@ -110,7 +110,7 @@ void PlugIn::TransférerDonnées() {
   if (!Ligne) return;
   const auto Fenêtre = std::make_shared<FChargntDonnées>(État_);
   FChargntDonnées_ = Fenêtre;
-  Fenêtre->Afficher(*this, État_.Retard);
+  Interrogation_.Suspendre([&] { Fenêtre->Afficher(*this); });
 }
 
 std::shared_ptr<IBaseDeD> PlugIn::IPlugInTarvel_BaseDeD() const { return État_.BaseDeD; }

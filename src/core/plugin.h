@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "contracts/host.h"
 #include "core/operator_window.h"
 #include "import/frame_processing.h"
@@ -103,7 +103,7 @@ class PlugIn final : public IPlugInTarvel,
 
   CanalFenêtre Canal_;
   std::weak_ptr<FChargntDonnées> FChargntDonnées_;  ///< the transfer window, while it is open
-  ÉtatPlugIn État_;
+  ÉtatPartagé État_;
   Échange Échange_;
   VérificationExploitation Exploitations_;
   MiseEnFormeImport MiseEnForme_;

@@ -22,8 +22,7 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   ErreurEnAttente Ignorée;
   État_.Abandon = true;
   État_.Liaison.Terminer();
-  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Arrêter(); });
-  État_.Retard.reset();
+  Ignorer(Ignorée, [this] { Interrogation_.Terminer(); });
   Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });
   // Not in the second call: it would bring back a folder that the host has put away meanwhile.
   if (État_.PlugInCourant) Ignorer(Ignorée, [this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
@@ -33,8 +32,7 @@ std::string PlugIn::IPlugInTarvel_Terminer() {
   Ignorer(Ignorée, [this] { Canal_.Décharger(); });
   État_.PlugInCourant.reset();
   EventPortComRG80_.reset();
-  Ignorer(Ignorée, [this] { Exiger(État_.PortComm)->Fermer(); });
-  État_.PortComm.reset();
+  Ignorer(Ignorée, [this] { Échange_.FermerPort(); });
   ServeurPortComm_.reset();
   Ignorer(Ignorée, [this] { Exiger(AccèsDistant_)->Fermer(); });
   AccèsDistant_.reset();

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "contracts/line_protocol.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
@@ -14,7 +14,7 @@ namespace Ombrey {
 
 class TraitementTrame {
  public:
-  TraitementTrame(ÉtatPlugIn& État, VérificationExploitation& Exploitations, MiseEnFormeImport& MiseEnForme)
+  TraitementTrame(ÉtatPartagé& État, VérificationExploitation& Exploitations, MiseEnFormeImport& MiseEnForme)
       : État_(État), Exploitations_(Exploitations), MiseEnForme_(MiseEnForme) {}
 
   /// Takes the first frame out of Tampon, which must be the reception text itself: characters that arrive meanwhile
@@ -34,7 +34,7 @@ class TraitementTrame {
   [[nodiscard]] std::string TexteDate(const Octets& Enregistrement, Position Heure, Position Minute) const;
   void MettreAuPropre(std::vector<std::string>& DonnéesReçues) const;
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   VérificationExploitation& Exploitations_;
   MiseEnFormeImport& MiseEnForme_;
 };

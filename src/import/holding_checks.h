@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 
 namespace Ombrey {
 
 /// Looks up and creates cooperators and holdings. Every creation leaves a line in the error list.
 class VérificationExploitation {
  public:
-  explicit VérificationExploitation(ÉtatPlugIn& État) : État_(État) {}
+  explicit VérificationExploitation(ÉtatPartagé& État) : État_(État) {}
 
   /// The IdMétayage of the pair's holding; among several, the first with the share, else the first with the group, else
   /// the first. A holding that has to be created gives its new code, or "0" when it couldn't be created. Empty when a
@@ -33,7 +33,7 @@ class VérificationExploitation {
   /// The code as a whole number: the one form in which a code of the line gets into an SQL text.
   [[nodiscard]] std::string Nombre(const std::string& Code) const;
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
 };
 
 }  // namespace Ombrey

@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 
 namespace Ombrey {
 
 /// Listens to the host's import engine and to its synchronisation.
 class NotificationsImport : public IÉcouteurEtatBdD, public IÉcouteurKVSynchro {
  public:
-  explicit NotificationsImport(ÉtatPlugIn& État) : État_(État) {}
+  explicit NotificationsImport(ÉtatPartagé& État) : État_(État) {}
 
   /// A load was added by somebody.
   void ChargementAjouté();
@@ -19,7 +19,7 @@ class NotificationsImport : public IÉcouteurEtatBdD, public IÉcouteurKVSynchro
   void EtatBdD_EnregistrementMisAJour(const std::string& Table, IRecordset& RecSet) override;
 
  private:
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
 };
 
 }  // namespace Ombrey

@@ -4,14 +4,14 @@
 #include <string>
 #include <vector>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 
 namespace Ombrey {
 
 /// Composes the import line by the host's layout of the title TitreImport, which it reads at each call.
 class MiseEnFormeImport {
  public:
-  explicit MiseEnFormeImport(ÉtatPlugIn& État) : État_(État) {}
+  explicit MiseEnFormeImport(ÉtatPartagé& État) : État_(État) {}
 
   /// The values of DonnéesReçues (in the order of ChampsChargement) in the layout's order, the layout's separator
   /// behind each, without a line end. Empty when there is no layout or a value can't be had. Raises when the layout
@@ -29,7 +29,7 @@ class MiseEnFormeImport {
   void Compléter(const std::vector<std::string>& Noms, std::vector<std::string>& Valeurs);
   void CompléterCépage(const std::vector<std::string>& Noms, std::vector<std::string>& Valeurs, std::string& Sélection);
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
 };
 
 }  // namespace Ombrey

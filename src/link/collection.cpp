@@ -50,7 +50,6 @@ std::string Collecte::LireDonnéesDeRG80() {
 }
 
 void Collecte::SuivreLeCours() {
-  Exiger(État_.Retard)->Arrêter();
   OuvrirFichierErreurs();
   Etape_ = EtapeÉchanges;
   État_.Erreur.Effacer();
@@ -65,14 +64,14 @@ void Collecte::SuivreLeCours() {
 
   if (!DemanderChargement() || !AttendreTrame() || EstRompu() || !EstPourNous()) return;
   Erreurs_->Ajouter("");
-  TexteImport_ = Traitement_.TraiterDonnéesReçues(État_.TamponRéception, RéponseRG80_, NoChargement_);
+  TexteImport_ = Traitement_.TraiterDonnéesReçues(Échange_.Tampon(), RéponseRG80_, NoChargement_);
   if (EstRompu()) return;
   if (EcrireFichierImport()) {
     Importer();
   } else {
     Résultat_ = "Aucun chargement importé";
     // An ACK stays unsent: a load that wasn't imported is never acknowledged.
-    if (RéponseRG80_ == Octets(1, NAK)) Exiger(État_.PortComm)->Ecrire(RéponseRG80_);
+    if (RéponseRG80_ == Octets(1, NAK)) Échange_.Ecrire(NAK);
   }
   if (!EstRompu()) Finir();
 }
@@ -107,7 +106,7 @@ bool Collecte::AttendreTrame() {
 /// The frame is ours unless it can be the answer to an older request. Then nothing is answered: the terminal keeps the
 /// load, and the next poll asks again when the line has been silent.
 bool Collecte::EstPourNous() {
-  const Octets& Tampon = État_.TamponRéception;
+  const Octets& Tampon = Échange_.Tampon();
   Trame_ = Tampon.Extrait(Tampon.Chercher(Octets(1, STX)), LongTrameChargement);
   if (Échange_.EstCopie(Trame_)) Résultat_ = TexteLaissé;
   return Résultat_.empty();
@@ -190,7 +189,7 @@ void Collecte::NoterRefus() {
 }
 
 void Collecte::RefuserAuTerminal() {
-  if (!EstRompu()) Exiger(État_.PortComm)->Ecrire(Octets(1, NAK));
+  if (!EstRompu()) Échange_.Ecrire(NAK);
 }
 
 bool Collecte::RépondreAuTerminal() {

@@ -6,7 +6,7 @@
 #include <optional>
 #include <string>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "link/daily_error_file.h"
 #include "link/exchange.h"
 
@@ -24,12 +24,11 @@ class ITraitementChargement : public virtual IEnvoiCumuls {
 /// One dialogue.
 class Collecte {
  public:
-  Collecte(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
+  Collecte(ÉtatPartagé& État, Échange& LÉchange, ITraitementChargement& Traitement)
       : État_(État), Échange_(LÉchange), Traitement_(Traitement), Système_(État.Plateforme.Système()) {}
 
   /// One dialogue, one load at most. The result says how it ended, empty when there is nothing to report; a run-time
-  /// failure isn't in it, but has been shown, and stays the pending failure. Leaves the polling timer stopped.
-  /// Raises nothing.
+  /// failure isn't in it, but has been shown, and stays the pending failure. Raises nothing.
   std::string LireDonnéesDeRG80();
 
  private:
@@ -54,7 +53,7 @@ class Collecte {
   void ConserverFichierImport();
   void Clore();
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   Échange& Échange_;
   ITraitementChargement& Traitement_;
   ISystème& Système_;

@@ -33,8 +33,19 @@ Attente Requête(const Octets& Code) {
           .Motif4 = Octets(1, NAK) + Code};
 }
 
+void Échange::FermerPort() {
+  if (const auto Dernier = std::exchange(PortComm_, nullptr)) Dernier->Fermer();
+}
+
+std::shared_ptr<IPortComm> Échange::PortRéglé() const {
+  if (!PortComm_) throw ErreurExécution("Aucun port n'est réglé (Station > Configurer le port)");
+  return PortComm_;
+}
+
+void Échange::Ecrire(char Contrôle) { PortRéglé()->Ecrire(Octets(1, Contrôle)); }
+
 bool Échange::Envoyer(const Octets& Texte) {
-  const auto Port = État_.PortRéglé();
+  const auto Port = PortRéglé();
   if (Port->Ecrire(Texte)) return true;
   // A port closed under the writing by the end of the plug-in is no failure of the port.
   if (!État_.Abandon) État_.Avertir(Port->DernièreErreurPort(), "Erreur du port");
@@ -42,22 +53,22 @@ bool Échange::Envoyer(const Octets& Texte) {
 }
 
 void Échange::EventPortComRG80_Lecture(const Octets& Texte) {
-  État_.TamponRéception += Texte;
+  TamponRéception_ += Texte;
   if (!Texte.EstVide()) Doute_.Arrivée(EnAttente_);
 }
 
 void Échange::Lire() {
   Octets Arrivé;
-  État_.PortRéglé()->Lire(Arrivé);
+  PortRéglé()->Lire(Arrivé);
   EventPortComRG80_Lecture(Arrivé);
 }
 
 /// Takes in what has arrived and isn't in the buffer yet; true when there was something.
 bool Échange::Relever() {
-  const std::size_t Avant = État_.TamponRéception.Taille();
-  État_.PortRéglé()->Relever();
+  const std::size_t Avant = TamponRéception_.Taille();
+  PortRéglé()->Relever();
   Lire();
-  return État_.TamponRéception.Taille() > Avant;
+  return TamponRéception_.Taille() > Avant;
 }
 
 void Échange::FaireTaire() {
@@ -65,7 +76,7 @@ void Échange::FaireTaire() {
   const std::uint32_t Début = Système.Tics();
   Relever();
   for (;;) {
-    État_.TamponRéception.Vider();
+    TamponRéception_.Vider();
     if (Doute_.EstÀDire()) État_.Canal.AjouterMessage(TexteInattendus, false);
     const std::chrono::milliseconds Écoulé(static_cast<std::int32_t>(Système.Tics() - Début));
     const auto Reste = std::min(Doute_.SilenceManquant(), AttenteSilenceMax - Écoulé);
@@ -79,9 +90,9 @@ void Échange::FaireTaire() {
 
 bool Échange::Acquitter(const Octets& Trame) {
   Relever();
-  if (!Doute_.EstCalme() && !État_.TamponRéception.EstVide()) return false;
+  if (!Doute_.EstCalme() && !TamponRéception_.EstVide()) return false;
   Doute_.Acquitter(Trame);
-  Exiger(État_.PortComm)->Ecrire(Octets(1, ACK));
+  Ecrire(ACK);
   return true;
 }
 
@@ -127,20 +138,20 @@ CodeÉchange Échange::Attendre(const Attente& Demande, Octets& Réponse) {
 
 /// An ACK or NAK with a code behind it answers a request, an older one, and not the frame that was sent.
 void Échange::RetirerRéponsesÀDesDemandes() {
-  Octets& Tampon = État_.TamponRéception;
+  Octets& Tampon = TamponRéception_;
   while (Tampon.Taille() >= LongRéponse && (Tampon[0] == ACK || Tampon[0] == NAK)) Tampon.RetirerTête(LongRéponse);
 }
 
 /// How long the line must still be silent to show that the one character in the buffer stands alone.
 std::chrono::milliseconds Échange::SilenceManquant(const Attente& Demande) const {
-  if (!Demande.SansCode || Doute_.EstCalme() || État_.TamponRéception.Taille() != 1) return {};
-  return État_.PortRéglé()->SilenceFinMessage() - Doute_.Silence();
+  if (!Demande.SansCode || Doute_.EstCalme() || TamponRéception_.Taille() != 1) return {};
+  return PortRéglé()->SilenceFinMessage() - Doute_.Silence();
 }
 
 /// The order of the tests is the priority of the patterns: the first two at the start of the buffer, then the two
 /// anywhere.
 std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octets& Réponse) {
-  Octets& Tampon = État_.TamponRéception;
+  Octets& Tampon = TamponRéception_;
   if (Demande.SansCode && !Doute_.EstCalme()) RetirerRéponsesÀDesDemandes();
   if (SilenceManquant(Demande).count() > 0) return std::nullopt;
   if (!Assez(Tampon, Demande.LongMin)) return std::nullopt;
@@ -167,7 +178,7 @@ std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octet
 }
 
 bool Échange::RéponseÀLaRequêteDeTest() {
-  if (!État_.PortComm) return false;
+  if (!PortComm_) return false;
   FaireTaire();
   // Only an answer at the head of the buffer counts.
   Attente Test = Requête(Octets(std::to_string(FichierRéponse)));

@@ -1,11 +1,16 @@
 // The one waiting primitive of the line, and the link test.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
+#include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "contracts/octets.h"
+#include "contracts/port.h"
 #include "link/doubt.h"
 
 namespace Ombrey {
@@ -45,7 +50,15 @@ struct Attente {
 
 class Échange {
  public:
-  explicit Échange(ÉtatPlugIn& État) : État_(État), Doute_(État.Plateforme.Système()) {}
+  explicit Échange(ÉtatPartagé& État) : État_(État), Doute_(État.Plateforme.Système()) {}
+
+  /// The port that is worked on, or nullptr.
+  [[nodiscard]] const std::shared_ptr<IPortComm>& Port() const { return PortComm_; }
+  void FixerPort(std::shared_ptr<IPortComm> Port) { PortComm_ = std::move(Port); }
+  /// Closes the port and gives it up.
+  void FermerPort();
+  /// What the terminal sent and nobody has consumed.
+  [[nodiscard]] Octets& Tampon() { return TamponRéception_; }
 
   /// Comes ahead of every request, so that what is taken for its answer was said behind it: drops what has come, and
   /// while an older request can still be answered waits until the terminal has been silent for as long as it may take
@@ -56,6 +69,9 @@ class Échange {
   /// Réponse receives the whole buffer on a match and is untouched otherwise. Pumps: anything may happen meanwhile.
   /// Raises ErreurExécution without a port.
   CodeÉchange AttendreRéponse(const Attente& Demande, Octets& Réponse);
+  /// Sends one control character: nothing is awaited, and what fails shows at the next exchange. Raises
+  /// ErreurExécution without a port.
+  void Ecrire(char Contrôle);
 
   /// True for a load frame that may be the answer to an older request: no ACK for it, or the load behind it is lost.
   [[nodiscard]] bool EstCopie(const Octets& Trame) { return Doute_.EstCopie(Trame); }
@@ -74,6 +90,8 @@ class Échange {
   bool TesterConnexion();
 
  private:
+  /// The port, held for as long as the caller keeps it. Raises ErreurExécution when none was set or could be had.
+  [[nodiscard]] std::shared_ptr<IPortComm> PortRéglé() const;
   bool Envoyer(const Octets& Texte);
   CodeÉchange Attendre(const Attente& Demande, Octets& Réponse);
   void Lire();
@@ -83,8 +101,10 @@ class Échange {
   std::optional<CodeÉchange> Reconnaître(const Attente& Demande, Octets& Réponse);
   bool RéponseÀLaRequêteDeTest();
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   Doute Doute_;
+  std::shared_ptr<IPortComm> PortComm_;
+  Octets TamponRéception_;
   bool EnAttente_ = false;  ///< what comes is awaited
 };
 

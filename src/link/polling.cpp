@@ -1,7 +1,32 @@
 // The polling loop.
 #include "link/polling.h"
 
+#include <utility>
+
 namespace Ombrey {
+namespace {
+
+constexpr std::int32_t DélaiPremierRelevé = 10000;
+
+}  // namespace
+
+void Interrogation::Commencer() {
+  if (!Retard_) {
+    Retard_ = État_.Plateforme.CréerRetard([this](const std::string& CodeRetour) { Retard_FinTempo(CodeRetour); });
+  }
+  Exiger(Retard_)->Démarrer(DélaiPremierRelevé, "");
+}
+
+void Interrogation::Armer() { Exiger(Retard_)->Démarrer(PériodeInterrogation_, ""); }
+
+void Interrogation::Suspendre(const std::function<void()>& Faire) {
+  Exiger(Retard_)->Arrêter();
+  ErreurEnAttente Levée;
+  Ignorer(Levée, Faire);
+  if (État_.Abandon) return;
+  Armer();
+  if (Levée.EstPrésente()) throw ErreurExécution(Levée.Texte());
+}
 
 void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   const auto Tenu = État_.PlugInCourant;
@@ -10,7 +35,7 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   if (!Ligne) return;
 
   if (État_.Abandon) return;
-  Exiger(État_.Retard)->Arrêter();
+  Exiger(Retard_)->Arrêter();
   ErreurEnAttente Ignorée;
   std::string Erreur = Collecte(État_, Échange_, Traitement_).LireDonnéesDeRG80();
   if (État_.Erreur.EstPrésente()) Erreur = "Erreur " + État_.Erreur.Texte() + " - " + Erreur;
@@ -19,7 +44,11 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
     État_.Canal.AjouterMessage("Vérification de nouveaux chargements sur le RG80. " + Erreur, Erreur.empty());
   });
   if (État_.Abandon) return;
-  Ignorer(Ignorée, [this] { Exiger(État_.Retard)->Démarrer(État_.PériodeInterrogation, ""); });
+  Ignorer(Ignorée, [this] { Armer(); });
+}
+
+void Interrogation::Terminer() {
+  if (const auto Dernier = std::exchange(Retard_, nullptr)) Dernier->Arrêter();
 }
 
 }  // namespace Ombrey

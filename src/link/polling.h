@@ -1,26 +1,44 @@
 // The polling loop: one tick, one dialogue, one line, and the timer armed again.
 #pragma once
 
+#include <cstdint>
+#include <functional>
+#include <memory>
 #include <string>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "link/collection.h"
 
 namespace Ombrey {
 
 class Interrogation {
  public:
-  Interrogation(ÉtatPlugIn& État, Échange& LÉchange, ITraitementChargement& Traitement)
+  Interrogation(ÉtatPartagé& État, Échange& LÉchange, ITraitementChargement& Traitement)
       : État_(État), Échange_(LÉchange), Traitement_(Traitement) {}
+  Interrogation(const Interrogation&) = delete;
+  Interrogation& operator=(const Interrogation&) = delete;
 
-  /// The timer's event, and the operator's button. Put off while the line is taken. Raises
-  /// "Variable objet non définie" without a timer, and nothing else.
+  /// From the end of a poll to the next, in milliseconds.
+  [[nodiscard]] std::int32_t Période() const { return PériodeInterrogation_; }
+  void FixerPériode(std::int32_t Période) { PériodeInterrogation_ = Période; }
+
+  /// Makes the timer when there is none. The first poll comes ten seconds later, whatever the period.
+  void Commencer();
+  /// The next poll comes a period from now. This and the two below raise "Variable objet non définie" without a timer.
+  void Armer();
+  /// Runs Faire without polls in between. They go on behind it, also when it raises, unless the plug-in has ended.
+  void Suspendre(const std::function<void()>& Faire);
+  /// The timer's event, and the operator's button. Put off while the line is taken.
   void Retard_FinTempo(const std::string& CodeRetour);
+  /// No poll comes any more.
+  void Terminer();
 
  private:
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   Échange& Échange_;
   ITraitementChargement& Traitement_;
+  std::int32_t PériodeInterrogation_ = 2000;
+  std::shared_ptr<IRetard> Retard_;
 };
 
 }  // namespace Ombrey

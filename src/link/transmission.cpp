@@ -26,7 +26,7 @@ Transmission::Suite Transmission::EnvoyerLigne(Octets& Ligne) {
   // A line that goes again is framed already.
   if (static_cast<char>(Ligne[0]) != STX) Ligne = Octets(1, STX) + Ligne + ETX;
   const Suite Issue = EnvoyerTrame(Ligne);
-  if (Issue != Suite::Arrêt) Exiger(État_.PortComm)->Ecrire(Octets(1, EOT));
+  if (Issue != Suite::Arrêt) Échange_.Ecrire(EOT);
   return Issue;
 }
 
@@ -39,7 +39,7 @@ bool Transmission::Annoncer() {
 }
 
 Transmission::Suite Transmission::EnvoyerTrame(const Octets& Ligne) {
-  État_.TamponRéception.Vider();
+  Échange_.Tampon().Vider();
   const Attente Trame{.Texte = CalculerCheckSum(Ligne),
                       .LongMin = 1,
                       .Motif1 = Octets(1, ACK),

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "link/exchange.h"
 
 namespace Ombrey {
@@ -13,7 +13,7 @@ namespace Ombrey {
 /// One transmission, under the number that announces it.
 class Transmission {
  public:
-  Transmission(ÉtatPlugIn& État, Échange& LÉchange, std::int32_t NumFichier)
+  Transmission(ÉtatPartagé& État, Échange& LÉchange, std::int32_t NumFichier)
       : État_(État), Échange_(LÉchange), Code_(std::to_string(NumFichier)) {}
 
   /// Announces each line under the number's decimal text and sends it in a frame, in order; an empty line sends
@@ -29,7 +29,7 @@ class Transmission {
   bool Annoncer();
   Suite EnvoyerTrame(const Octets& Ligne);
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   Échange& Échange_;
   Octets Code_;
   int NACKs_ = 0;  ///< refusals that were answered by another try, over all lines

@@ -38,7 +38,7 @@ bool Voisines(const Rectangle& Une, const Rectangle& Autre) {
 
 }  // namespace
 
-FSuiviChargnt::FSuiviChargnt(ÉtatPlugIn& État, IServicesLiaison& Services)
+FSuiviChargnt::FSuiviChargnt(ÉtatPartagé& État, IServicesLiaison& Services)
     : État_(État),
       Services_(Services),
       Vie_(std::make_shared<int>()),

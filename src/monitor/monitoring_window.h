@@ -7,8 +7,8 @@
 #include <optional>
 #include <string>
 
+#include "common/context.h"
 #include "common/operator_channel.h"
-#include "common/plugin_state.h"
 #include "contracts/toolkit.h"
 
 namespace Ombrey {
@@ -19,7 +19,7 @@ namespace Ombrey {
 class FSuiviChargnt final : public IGestesSuivi {
  public:
   /// Both references must outlive the window.
-  FSuiviChargnt(ÉtatPlugIn& État, IServicesLiaison& Services);
+  FSuiviChargnt(ÉtatPartagé& État, IServicesLiaison& Services);
   FSuiviChargnt(const FSuiviChargnt&) = delete;
   FSuiviChargnt& operator=(const FSuiviChargnt&) = delete;
   ~FSuiviChargnt() override;
@@ -57,7 +57,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void RemplirGrille();
   [[nodiscard]] std::string Horodatage() const;
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   IServicesLiaison& Services_;
   std::deque<std::string> Messages_;  ///< newest line first
   std::deque<std::string> Erreurs_;   ///< newest line first

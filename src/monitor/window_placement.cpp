@@ -6,11 +6,12 @@
 #include <string>
 
 #include "base/failures.h"
-#include "common/plugin_state.h"
 
 namespace Ombrey {
 namespace {
 
+/// The plug-in's own file name without its extension: its application name in the per-user settings.
+constexpr const char* NomComposant = "PlgInOmbrey";
 constexpr const char* Section = "FSuiviChargnt";
 constexpr int NonRéglé = -1;
 /// 16384 pixels at 96 to the inch: larger than any screen.

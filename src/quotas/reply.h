@@ -3,14 +3,14 @@
 
 #include <string>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 
 namespace Ombrey {
 
 /// Asks the host for the figures of a load and sends them to the terminal.
 class RéponseCumuls {
  public:
-  RéponseCumuls(ÉtatPlugIn& État, IServicesLiaison& Services) : État_(État), Services_(Services) {}
+  RéponseCumuls(ÉtatPartagé& État, IServicesLiaison& Services) : État_(État), Services_(Services) {}
 
   /// Sends the figures of the load; an empty NoChargement becomes the number of the last load received. Nothing happens
   /// when there was none yet, or the database holds no such load of the current site. A figure that can't be worked
@@ -29,7 +29,7 @@ class RéponseCumuls {
   [[nodiscard]] std::string ComposerEnregistrement(Chargement& C);
   void Transmettre(const std::string& Enregistrement);
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   IServicesLiaison& Services_;
 };
 

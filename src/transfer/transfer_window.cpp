@@ -52,16 +52,12 @@ std::string TrameAbrégée(const std::string& Raison) {
 
 }  // namespace
 
-void FChargntDonnées::Afficher(IServicesLiaison& PlugIn, const std::shared_ptr<IRetard>& Retard) {
-  const auto Tempo = Exiger(Retard);
+void FChargntDonnées::Afficher(IServicesLiaison& PlugIn) {
   PlugIn_ = &PlugIn;
-  Tempo->Arrêter();
   ErreurEnAttente Levée;
   Ignorer(Levée, [this] { MontrerSiConnecté(); });
   Vue_.reset();
   PlugIn_ = nullptr;
-  if (État_.Abandon) return;
-  Tempo->Démarrer(État_.PériodeInterrogation, "");
   if (Levée.EstPrésente()) throw ErreurExécution(Levée.Texte());
 }
 

@@ -7,8 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "common/context.h"
 #include "common/operator_channel.h"
-#include "common/plugin_state.h"
 #include "contracts/toolkit.h"
 #include "transfer/data_sets.h"
 
@@ -18,13 +18,13 @@ namespace Ombrey {
 /// and the plug-in's state until it comes back.
 class FChargntDonnées final : public IGestesChargntDonnées {
  public:
-  explicit FChargntDonnées(ÉtatPlugIn& État) : État_(État) {}
+  explicit FChargntDonnées(ÉtatPartagé& État) : État_(État) {}
   FChargntDonnées(const FChargntDonnées&) = delete;
   FChargntDonnées& operator=(const FChargntDonnées&) = delete;
 
-  /// Stops Retard, shows the window if the terminal answers, and comes back when it is closed; Retard then runs, unless
-  /// the plug-in has ended meanwhile. Raises ErreurExécution without Retard and when the link test raises.
-  void Afficher(IServicesLiaison& PlugIn, const std::shared_ptr<IRetard>& Retard);
+  /// Shows the window if the terminal answers, and comes back when it is closed. No poll may come meanwhile. Raises
+  /// ErreurExécution when the link test does.
+  void Afficher(IServicesLiaison& PlugIn);
   /// The plug-in ends: an Afficher that runs comes back as soon as what it waits for does. Abandon is set already.
   void Décharger();
 
@@ -39,7 +39,7 @@ class FChargntDonnées final : public IGestesChargntDonnées {
   void Attendre(std::chrono::milliseconds Pause);
   void DireOmissions();
 
-  ÉtatPlugIn& État_;
+  ÉtatPartagé& État_;
   IServicesLiaison* PlugIn_ = nullptr;  ///< for as long as Afficher runs
   std::unique_ptr<IVueChargntDonnées> Vue_;
   std::vector<std::string> Omissions_;  ///< of the files that went, until the operator is told

@@ -19,19 +19,20 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Système.Dossier = DossierDuBanc.Chemin();
     FauxEtatBdD::Dossier = (Système.Dossier / "").string();
     État.EtatBdD = {std::shared_ptr<void>(), this};
-    État.PortComm = Port;
+    UnÉchange.FixerPort(Port);
     État.EventPlugin = std::make_shared<FauxÉvénements>();
-    État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { Interroger(Code); });
-    État.PériodeInterrogation = 100'000;
+    Plateforme.PendantRetard = [this](const auto& Faire) { Interroger(Faire); };
+    UneInterrogation.FixerPériode(100'000);
+    UneInterrogation.Commencer();
     Port->Client =
         Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
     Port->SurEcriture = [this](const Octets& Texte) { Ecrit(Texte); };
   }
 
   /// One poll on the clock, from the timer or the button.
-  void Interroger(const std::string& Code) {
+  void Interroger(const std::function<void()>& Faire) {
     const auto Début = Système.Horloge;
-    UneInterrogation.Retard_FinTempo(Code);
+    Faire();
     Exiger(Système.Horloge - Début < 60'000, "a poll ends");
     if (État.Liaison.EstPrise()) return;  // the button, put off by a poll that holds the line
     Exiger(!std::filesystem::exists(Système.Dossier / "RG80 import.txt"), "no import file is left behind");
@@ -95,7 +96,10 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Livrer(true);
   }
 
-  void Terminer() { Achever(État, *Port); }
+  void Interroger() {
+    Interroger([this] { UneInterrogation.Retard_FinTempo(""); });
+  }
+  void Terminer() { Achever(État, UnÉchange, *Port); }
 
   bool TableImporter(Mot Titre, Mot Fichier, bool& Drapeau) override {
     Lève = Import == 'x';
@@ -130,13 +134,13 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Import = 't';
     Importés.clear();
     const int Avant = Acquittés;
-    const milliseconds Tour = milliseconds(État.PériodeInterrogation) + milliseconds(10'000);
+    const milliseconds Tour = milliseconds(UneInterrogation.Période()) + milliseconds(10'000);
     for (int Essai = 0; Essai < 3 && Acquittés == Avant; ++Essai) Système.Laisser(Tour);
     Exiger(Acquittés == Avant + 1 && Importés == Mots{LigneImport}, "the next poll brings the next load in");
     Exiger(!État.Liaison.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
   }
   void JouerTout() {
-    Interroger("");
+    Interroger();
     Système.Laisser(milliseconds(90'000));
     std::error_code Sans;
     const std::filesystem::directory_iterator Conservés(Système.DossierImportsConservés(), Sans);
@@ -147,7 +151,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
 
   const std::map<char, std::function<void()>> Gestes{
       {'a', [this] { Terminer(); }},
-      {'b', [this] { Interroger(""); }},
+      {'b', [this] { Interroger(); }},
       {'w', [this] { Port->EcritureRefusée = !Port->EcritureRefusée; }},
       {'p', [this] { Fenêtres.PendantBoîte = [this] { Système.Laisser(milliseconds(500)); }; }}};
   static constexpr milliseconds Plafond{10'000};

@@ -36,7 +36,7 @@ struct Station {
   FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
   FauxCanal Canal;
   std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
-  ÉtatPlugIn État{Plateforme, Canal};
+  ÉtatPartagé État{Plateforme, Canal};
   VérificationExploitation Exploitations{État};
   MiseEnFormeImport MiseEnForme{État};
   TraitementTrame Traitement{État, Exploitations, MiseEnForme};

@@ -30,7 +30,7 @@ Octets Ligne(std::string Dessin) {
 
 struct Liaison : testing::Test {
   Liaison() {
-    État.PortComm = Port;
+    UnÉchange.FixerPort(Port);
     Port->Client =
         Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
   }
@@ -42,7 +42,7 @@ struct Liaison : testing::Test {
       if (Rang < Dessins.size()) Port->Envoyer(Ligne(Dessins[Rang]));
     };
   }
-  void Terminer() { Achever(État, *Port); }
+  void Terminer() { Achever(État, UnÉchange, *Port); }
   CodeÉchange Obtenir(const Attente& Demande) { return UnÉchange.AttendreRéponse(Demande, Reçu); }
   std::string Envoyer(const Mots& Dessins) {
     std::vector<Octets> Lignes;
@@ -57,7 +57,7 @@ struct Liaison : testing::Test {
   FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
   std::shared_ptr<PortScripté> Port = Plateforme.Port;
   FauxCanal Canal;
-  ÉtatPlugIn État{Plateforme, Canal};
+  ÉtatPartagé État{Plateforme, Canal};
   Échange UnÉchange{État};
   Octets Reçu;
 };
@@ -107,13 +107,13 @@ const Reconnaissance Reconnaissances[] = {
 TEST_F(Liaison, GivesCodeAndLeavesTheRest) {
   for (const auto& Cas : Reconnaissances) {
     Reçu = Ligne("-");
-    État.TamponRéception.Vider();
+    UnÉchange.Tampon().Vider();
     const std::size_t Lus = Cas.Demande.LongMin > 1;  // by a read, and the rest by the event: each counts once
     Port->ParLire = Ligne(Cas.Arrive).Extrait(0, Lus);
     Port->Envoyer(Ligne(Cas.Arrive).Extrait(Lus));
     EXPECT_EQ(Obtenir(Cas.Demande), Cas.Code) << Cas.Nom;
     EXPECT_EQ(Reçu, Ligne(Cas.Réponse)) << Cas.Nom;
-    EXPECT_EQ(État.TamponRéception, Ligne(Cas.Reste)) << Cas.Nom;
+    EXPECT_EQ(UnÉchange.Tampon(), Ligne(Cas.Reste)) << Cas.Nom;
   }
 }
 
@@ -131,7 +131,7 @@ TEST_F(Liaison, LinkTest) {
   const std::pair<const char*, bool> Table[] = {{"^8", true}, {"!8", true}, {"", false}, {"^1", false}, {"x^8", false}};
   for (const auto& [Dessin, Répond] : Table) {
     Canal.Messages.clear();
-    État.TamponRéception = Ligne("old");
+    UnÉchange.Tampon() = Ligne("old");
     Répondre({Dessin});
     EXPECT_EQ(UnÉchange.TesterConnexion(), Répond) << Dessin;
     EXPECT_EQ(Canal.Messages.size(), Répond ? 1U : 0U);
@@ -190,9 +190,9 @@ struct Banc : Liaison, ITraitementChargement {
     État.EventPlugin = Événements;
     État.BaseDeD = Base;
     État.EtatBdD = Base->Etat;
-    État.Retard = Plateforme.CréerRetard([this](const std::string& Code) { UneInterrogation.Retard_FinTempo(Code); });
+    UneInterrogation.Commencer();
     Canal.Visible = true;
-    État.TamponRéception = Ligne("!A");  // an answer that came too late
+    UnÉchange.Tampon() = Ligne("!A");  // an answer that came too late
     Répondre({"^A" + Trame12});
   }
   std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& NoChargement) override {
@@ -390,7 +390,8 @@ INSTANTIATE_TEST_SUITE_P(Table, RéponsePérimée, testing::ValuesIn(Répliques)
 TEST_P(RéponsePérimée, IsNobodysAnswer) {
   const Réplique& Cas = GetParam();
   SCOPED_TRACE(Cas.Nom);
-  État.TamponRéception.Vider();
+  UneInterrogation.Terminer();
+  UnÉchange.Tampon().Vider();
   Port->SurEcriture = [&](const Octets&) {
     if (Port->Ecrits.size() > Cas.Dites.size()) return;
     for (const auto& [Quand, Dessin] : Cas.Dites[Port->Ecrits.size() - 1])
@@ -414,7 +415,7 @@ TEST_F(Banc, ARefusalIsSaidAndNotedEvenWhenItsFileCannotBeKept) {
 }
 
 TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromTheEnd) {
-  État.PériodeInterrogation = 500;
+  UneInterrogation.FixerPériode(500);
   std::vector<std::uint64_t> Départs;
   Port->SurEcriture = [&](const Octets&) {
     Départs.push_back(Système.Horloge);
@@ -425,7 +426,9 @@ TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromThe
   }
   UneInterrogation.Retard_FinTempo("");
   Système.Laisser(milliseconds(2600));
-  EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3000, 5500}));
+  UneInterrogation.Suspendre([this] { Système.Laisser(milliseconds(2000)); });
+  Système.Laisser(milliseconds(501));
+  EXPECT_EQ(Départs, (std::vector<std::uint64_t>{1000, 3000, 5500, 10000}));
 }
 
 TEST_F(Banc, AFileThatMovesWritesOverNoOther) {

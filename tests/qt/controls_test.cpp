@@ -74,7 +74,7 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       {[&](const Geste& Faire) {
          FChargntDonnées Transfert(État);
          Dès("Chargement des données vers le RG80", Faire);
-         Transfert.Afficher(Services, CréerRetard({}));
+         Transfert.Afficher(Services);
        },
        "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
        "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: "

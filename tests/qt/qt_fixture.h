@@ -6,7 +6,7 @@
 #include <QtTest>
 #include <QtWidgets>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "platform/qt/qt_windows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
@@ -62,7 +62,7 @@ struct Bureau : testing::Test, FaussePlateforme {
   BoucleQt Boucle;
   FenêtresQt LesVraies{Boucle, Dossier.Chemin()};
   FauxCanal Canal;
-  ÉtatPlugIn État{*this, Canal};
+  ÉtatPartagé État{*this, Canal};
   FauxServices Services;
   std::string Trace;
   std::vector<IBoucle::Jeton> Jetons;

@@ -23,7 +23,7 @@ struct FenêtresDeQt : Bureau {
   std::function<std::string(const RéglagesPort&)> Essayer;
   std::function<bool()> DemanderPort = [this] { return Questionnaire.Demander(Ligne, Essayer); };
   FChargntDonnées Transfert{État};
-  std::function<bool()> Transférer = [this] { return Transfert.Afficher(Services, CréerRetard({})), false; };
+  std::function<bool()> Transférer = [this] { return Transfert.Afficher(Services), false; };
 };
 
 void Réduire(QWidget& Fenêtre) { Fenêtre.setWindowState(Qt::WindowMinimized); }

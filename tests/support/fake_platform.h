@@ -1,7 +1,8 @@
 // The machine in memory: settings in maps, a port with a scripted terminal behind it.
 #pragma once
 
-#include "common/plugin_state.h"
+#include "common/context.h"
+#include "link/exchange.h"
 #include "tests/support/fake_windows.h"
 
 namespace Ombrey::Essais {
@@ -125,13 +126,16 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
   std::map<std::string, std::string> Ini;  ///< keys of the plug-in's section
   std::shared_ptr<PortScripté> Port = std::make_shared<PortScripté>(LeSystème);
   bool PortDisponible = true;
+  /// Around each event of a timer.
+  std::function<void(const std::function<void()>&)> PendantRetard = [](const auto& Faire) { Faire(); };
 
   ISystème& Système() override { return LeSystème; }
   IFenêtres& Fenêtres() override { return LesFenêtres; }
   IRéglages& Réglages() override { return LesRéglages; }
   std::unique_ptr<ILecteurIni> CréerLecteurIni() override { return std::make_unique<LecteurIniMémoire>(Ini); }
   std::shared_ptr<IRetard> CréerRetard(std::function<void(Mot)> Fin) override {
-    return std::make_shared<FauxRetard>(LeSystème, std::move(Fin));
+    return std::make_shared<FauxRetard>(LeSystème,
+                                        [this, Fin = std::move(Fin)](Mot Code) { PendantRetard([&] { Fin(Code); }); });
   }
   std::shared_ptr<IServeurPortComm> CréerServeurPortComm() override { return {std::shared_ptr<void>(), this}; }
   std::shared_ptr<IClientPortComm> CréerClientPortComm(std::function<void(const Octets&)> Lecture,
@@ -148,13 +152,12 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
 };
 
 /// The end of the plug-in as a wait sees it.
-inline void Achever(ÉtatPlugIn& État, PortScripté& Port) {
+inline void Achever(ÉtatPartagé& État, Échange& LÉchange, PortScripté& Port) {
   État.Abandon = Port.EcritureRefusée = true;
   État.Liaison.Terminer();
-  État.PortComm.reset();
+  LÉchange.FixerPort(nullptr);
   État.BaseDeD.reset();
   État.EtatBdD.reset();
-  État.Retard.reset();
 }
 
 }  // namespace Ombrey::Essais

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "common/plugin_state.h"
+#include "common/context.h"
 #include "platform/database/recordsets.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/fake_host.h"
@@ -45,7 +45,7 @@ struct AvecCoopérative : testing::Test {
   FauxCanal Canal;
   FauxServices Services;
   std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
-  ÉtatPlugIn État{Plateforme, Canal};
+  ÉtatPartagé État{Plateforme, Canal};
 };
 
 }  // namespace Ombrey::Essais

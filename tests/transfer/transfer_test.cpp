@@ -32,13 +32,10 @@ void Transférer(FausseVueChargntDonnées& Vue) { Vue.Gestes.BtnTransférer_Clic
 struct Transfert : AvecCoopérative {
   Mots Titres;
   const std::uint64_t Début = Système.Horloge = 0xFFFFFFFFULL - 1300;  // the ticks wrap in a pause
-  std::string Journal;  ///< numbers of the files sent and polls, with their milliseconds; ticks at the end
+  std::string Journal;  ///< numbers of the files sent, with their milliseconds; ticks at the end
   std::int32_t Refusé = 0;
-  std::shared_ptr<IRetard> Retard = Plateforme.CréerRetard([this](Mot) { Noter("poll"); });
 
   Transfert() {
-    État.PériodeInterrogation = 1500;
-    Retard->Démarrer(100, "");
     Services.SurTransmission = [this](std::int32_t Numéro, auto&) {
       EXPECT_TRUE(Fenêtres.Sablier && !Fenêtres.VueChargntDonnées->Active);
       Noter(std::to_string(Numéro));
@@ -67,7 +64,7 @@ struct Transfert : AvecCoopérative {
       for (const auto& [Case, Cochée] : Vue.Cases) Journal += Cochée ? 'x' : '-';
       Vue.Gestes.BtnFermer_Click();
     };
-    FChargntDonnées(État).Afficher(Services, Retard);
+    FChargntDonnées(État).Afficher(Services);
   }
 };
 
@@ -162,8 +159,7 @@ TEST_F(Transfert, SendsTheSetsInOrderWithAPauseAheadOfEachButTheFirst) {
     Vue.Cocher("ChkObserv", true);
     for (int Fois = 0; Fois < 2; ++Fois) Transférer(Vue);  // the second time nothing is left to send
   });
-  Système.Laisser(milliseconds(2000));
-  EXPECT_EQ(Journal, " 4:0 1:1000 5:2000 2:3000 6:4000 6:5000 ----- poll:6500");
+  EXPECT_EQ(Journal, " 4:0 1:1000 5:2000 2:3000 6:4000 6:5000 -----");
   EXPECT_EQ(Services.Transmis[4].second, std::vector{Octets("01Saine" + Blancs(15))});
 }
 
@@ -202,13 +198,11 @@ TEST_F(Transfert, EndsQuietlyWhereverThePlugInEnds) {
     Services.SurTransmission = [&](auto, auto&) { return FinirSi("sending") && Ici != "pause" ? Muet : ""; };
     Fenêtres.PendantBoîte = Finir;
     Fenêtres.SurVueChargntDonnées = [&](auto& Vue) { Ici == "open" ? Finir() : Transférer(Vue); };
-    Fenêtre.Afficher(Services, Retard);
+    Fenêtre.Afficher(Services);
     EXPECT_EQ(Fenêtres.Dites().size(), Ici == "box" ? 1U : 0U);
     EXPECT_FALSE(Fenêtres.Sablier || Fenêtres.VueChargntDonnées) << Ici;
   }
   EXPECT_EQ(Services.Transmis.size(), 3U);
-  Système.Laisser(milliseconds(2000));
-  EXPECT_EQ(Journal, "");
 }
 
 }  // namespace
