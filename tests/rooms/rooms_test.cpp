@@ -6,7 +6,9 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
+#include <map>
 #include <regex>
+#include <set>
 #include <string>
 
 #include "contracts/host.h"
@@ -53,9 +55,25 @@ std::string SalleDe(const std::string& Entête) {
   return Convient(Dossier, "(platform|host|terminal|tests)(/.*)?") ? Dossier : "src/" + Dossier;
 }
 
-TEST(Rooms, IncludeOnlyWhatStandsBelowThem) {
+using Appuis = std::map<std::string, std::set<std::string>>;  ///< who includes whom
+
+/// What goes round in a circle, or leans on one; empty when nothing does.
+std::string Circuit(Appuis Reste) {
+  const auto Libre = [&](const auto& Un) {
+    return std::ranges::none_of(Un.second,
+                                [&](const auto& Autre) { return Autre != Un.first && Reste.contains(Autre); });
+  };
+  for (auto Un = Reste.begin(); (Un = std::ranges::find_if(Reste, Libre)) != Reste.end();) Reste.erase(Un);
+  std::string Noms;
+  for (const auto& Un : Reste) Noms += Un.first + " ";
+  return Noms;
+}
+
+TEST(Rooms, IncludeOnlyWhatStandsBelowThemAndNothingInACircle) {
   static const std::regex Forme(R"(^\s*#\s*include\s*([<"])([^>"]+)[>"])");
   int Jugées = 0;
+  Appuis Fichiers;
+  Appuis Salles;
   for (const char* Dossier : {"src", "platform", "host", "terminal"}) {
     for (const auto& Entrée : std::filesystem::recursive_directory_iterator(Source / Dossier)) {
       const std::string Fichier = Entrée.path().lexically_relative(Source).string();
@@ -68,13 +86,19 @@ TEST(Rooms, IncludeOnlyWhatStandsBelowThem) {
         std::smatch Parties;
         if (!std::regex_search(Ligne, Parties, Forme)) continue;
         ++Jugées;
-        const bool Permise =
-            Parties[1] == "\"" ? Convient(SalleDe(Parties[2]), Sien->Salles) : Convient(Parties[2], Sien->Système);
-        EXPECT_TRUE(Permise) << Fichier << " includes " << Parties[2];
+        const bool Nôtre = Parties[1] == "\"";
+        const std::string Nom = Parties[2];
+        EXPECT_TRUE(Convient(Nôtre ? SalleDe(Nom) : Nom, Nôtre ? Sien->Salles : Sien->Système))
+            << Fichier << " includes " << Nom;
+        if (!Nôtre) continue;
+        Fichiers[Fichier].insert((SalleDe(Nom) / std::filesystem::path(Nom).filename()).string());
+        Salles[Entrée.path().parent_path().lexically_relative(Source).string()].insert(SalleDe(Nom));
       }
     }
   }
   EXPECT_GT(Jugées, 500) << "the search found nothing to judge";
+  EXPECT_EQ(Circuit(Fichiers), "");
+  EXPECT_EQ(Circuit(Salles), "");
 }
 
 /// A document that sends its reader to a file that has moved is worse than none.
