@@ -4,7 +4,12 @@
 #include <algorithm>
 #include <utility>
 
+#include "contracts/phrases.h"
+
 namespace Tarvel {
+
+namespace Phrase = Ombrey::Phrase;
+
 namespace {
 
 /// A part of what the plug-in says, and what it tells of the link.
@@ -13,18 +18,12 @@ struct SigneLiaison {
   Liaison État;
 };
 constexpr SigneLiaison SignesLiaison[] = {
-    {"Aucun port n'est réglé", Liaison::SansPort},
-    {"Erreur de configuration du port", Liaison::SansPort},
-    {"Impossible d'initialiser le port", Liaison::SansPort},
-    {"Aucune réponse du RG80.", Liaison::Muette},
-    {"Impossible d'établir la connexion avec le RG80.", Liaison::Muette},
-    {"Erreur du port de communication au RG80.", Liaison::PortEnPanne},
-    {"Aucun chargement à récupérer.", Liaison::Répond},
-    {"Communication établie avec le RG80.", Liaison::Répond},
-    {"Importation d'un nouveau chargement : Site", Liaison::Répond},
-    {"Mise à jour des cumuls", Liaison::Répond},
-    {"Erreur de check-sum", Liaison::Répond},
-    {"(NACK)", Liaison::Répond},
+    {Phrase::AucunPort, Liaison::SansPort},       {Phrase::PortMalRéglé, Liaison::SansPort},
+    {Phrase::PortRefusé, Liaison::SansPort},      {Phrase::AucuneRéponse, Liaison::Muette},
+    {Phrase::PasDeConnexion, Liaison::Muette},    {Phrase::PortEnErreur, Liaison::PortEnPanne},
+    {Phrase::RienÀRécupérer, Liaison::Répond},    {Phrase::Communique, Liaison::Répond},
+    {Phrase::NouveauChargement, Liaison::Répond}, {Phrase::Cumuls, Liaison::Répond},
+    {Phrase::ChecksumFaux, Liaison::Répond},      {Phrase::PasPrêt, Liaison::Répond},
 };
 
 /// A part of what the plug-in says of a load that it can't take, and what is to be done about it.
@@ -32,16 +31,16 @@ struct SigneRefus {
   const char* Texte;
   const char* ÀFaire;
 };
+constexpr const char* TrameAbîmée = "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble.";
 constexpr SigneRefus SignesRefus[] = {
-    {"Erreur de check-sum", "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble."},
-    {"Données trop courtes", "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble."},
-    {"Code exploitation introuvable",
+    {Phrase::ChecksumFaux, TrameAbîmée},
+    {Phrase::TropCourt, TrameAbîmée},
+    {Phrase::ExploitationIntrouvable,
      "Vérifier au RG80 les codes du propriétaire et du récoltant, et les créer au bureau s'ils manquent."},
-    {"TraiterDonnéesReçues : ", "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau."},
-    {"Erreur d'importation des données issues du RG80.",
+    {Phrase::TrameEnÉchec, "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau."},
+    {Phrase::ImportEnÉchec,
      "Voir si la base peut être écrite (autre programme, disque plein), et le fichier conservé."},
 };
-constexpr const char* Numéroté = "chargement n° ";
 
 constexpr Secondes Minute = 60;
 constexpr Secondes Heure = 60 * Minute;
@@ -82,7 +81,7 @@ std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
     case Liaison::PortEnPanne:
       return (Raison_.empty() ? "Le port est en panne" : Raison_) + " (" + Depuis.substr(1) + ")";
     case Liaison::SansPort:
-      return "Aucun port n'est réglé (Station > Configurer le port)";
+      return Phrase::AucunPort;
     case Liaison::Inconnue:
       break;
   }
@@ -111,9 +110,9 @@ Refus LireRefus(const std::string& Texte) {
   for (const SigneRefus& Signe : SignesRefus) {
     const std::size_t Début = Texte.find(Signe.Texte);
     if (Début == std::string::npos) continue;
-    const std::size_t Numéro = Texte.find(Numéroté, Début);
+    const std::size_t Numéro = Texte.find(Phrase::DuChargement, Début);
     Refus Lu{SansNuméro, Texte.substr(Début), Signe.ÀFaire};
-    if (Numéro != std::string::npos) Lu.Sujet = Texte.substr(Numéro + std::string(Numéroté).size());
+    if (Numéro != std::string::npos) Lu.Sujet = Texte.substr(Numéro + std::string(Phrase::DuChargement).size());
     return Lu;
   }
   return {};

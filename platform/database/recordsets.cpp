@@ -7,6 +7,7 @@
 
 #include "base/failures.h"
 #include "platform/database/dialect.h"
+#include "platform/database/failure_words.h"
 
 namespace Ombrey {
 namespace {
@@ -25,7 +26,7 @@ class RecordsetDeColonnes : public IRecordset {
   }
   [[nodiscard]] ValeurChamp FieldsNommé(std::string_view Nom) const override {
     const auto Trouvé = std::find(Noms_.begin(), Noms_.end(), Nom);
-    if (Trouvé == Noms_.end()) throw ErreurExécution("Colonne introuvable : " + std::string(Nom));
+    if (Trouvé == Noms_.end()) throw ErreurExécution(RefusDeBase::ColonneIntrouvable + std::string(Nom));
     return Fields(static_cast<std::size_t>(Trouvé - Noms_.begin()));
   }
   [[nodiscard]] std::vector<std::string> Colonnes() const override { return Noms_; }

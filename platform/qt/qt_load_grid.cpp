@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "contracts/phrases.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
@@ -31,8 +32,8 @@ constexpr const char* Créé = "Créé par le RG80 : nom et fiche à compléter 
 constexpr CasÀVoir CasÀVoirs[] = {
     {"Appellation", nullptr, "Appellation inconnue de la base : à créer, ou à corriger dans le chargement."},
     {"Classe sanitaire", nullptr, "Classe inconnue de la base : à créer, ou à corriger dans le chargement."},
-    {"Propriétaire", "-Crée par le RG80", Créé},
-    {"Récoltant", "-Crée par le RG80", Créé},
+    {"Propriétaire", Phrase::CrééParRG80, Créé},
+    {"Récoltant", Phrase::CrééParRG80, Créé},
 };
 
 const char* ÀVoir(const std::string& Entête, const std::string& Texte) {

@@ -29,6 +29,10 @@ constexpr mode_t MasqueDroits = 07777;
   throw ErreurExécution(Chemin.string() + " ne peut pas être " + Action + " : " + TexteErreurSystème(Numéro) + ".");
 }
 
+[[noreturn]] void RefuserGenre(const fs::path& Chemin) {
+  throw ErreurExécution(Chemin.string() + " n'est pas un fichier.");
+}
+
 /// The file at the end of a chain of links; it needn't exist.
 fs::path Cible(fs::path Chemin) {
   std::error_code Erreur;
@@ -130,7 +134,7 @@ std::optional<std::string> LireFichier(const fs::path& Chemin) {
   struct stat État {};
   if (fstat(Fichier.Numéro(), &État) != 0) Refuser(Chemin, "lu", errno);
   if (S_ISDIR(État.st_mode)) Refuser(Chemin, "lu", EISDIR);
-  if (!S_ISREG(État.st_mode)) throw ErreurExécution(Chemin.string() + " n'est pas un fichier.");
+  if (!S_ISREG(État.st_mode)) RefuserGenre(Chemin);
   std::string Contenu;
   std::array<char, 16384> Bloc;  // NOLINT(cppcoreguidelines-pro-type-member-init): filled by the read
   for (;;) {
@@ -148,7 +152,7 @@ void RemplacerFichier(const fs::path& Chemin, std::string_view Contenu) {
   struct stat Ancien {};
   const bool Présent = stat(Final.c_str(), &Ancien) == 0;
   if (!Présent && errno != ENOENT) Refuser(Final, "écrit", errno);
-  if (Présent && !S_ISREG(Ancien.st_mode)) throw ErreurExécution(Final.string() + " n'est pas un fichier.");
+  if (Présent && !S_ISREG(Ancien.st_mode)) RefuserGenre(Final);
   // Renaming asks for no right to the file itself: one that was made read-only must stay as it is.
   if (Présent && access(Final.c_str(), W_OK) != 0) Refuser(Final, "écrit", errno);
   Provisoire Nouveau(Final);

@@ -1,5 +1,6 @@
 // Start of the link: settings, port, polling period, first tick.
 #include "base/regional_forms.h"
+#include "contracts/phrases.h"
 #include "core/plugin.h"
 
 namespace Ombrey {
@@ -62,7 +63,7 @@ std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> Even
     if (État_.Abandon) return "";
     NomPort = Section(État_.Plateforme, FichierIni_).Lire(CléPort);
   }
-  std::string Erreur = NomPort.empty() ? "Erreur de configuration du port de communication" : OuvrirLiaison(NomPort);
+  std::string Erreur = NomPort.empty() ? Phrase::PortMalRéglé : OuvrirLiaison(NomPort);
   LirePériode();
   if (Erreur.empty()) {
     Canal_.AjouterMessage("Module initialisé.", true);
@@ -102,7 +103,7 @@ void PlugIn::DemanderRéglages() {
 std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
   ObtenirPort(NomPort, NomPort);
   if (!Échange_.Port()) {
-    return "Impossible d'initialiser le port de communication.\r" + ServeurPortComm_->ErreurServeur();
+    return std::string(Phrase::PortRefusé) + "\r" + ServeurPortComm_->ErreurServeur();
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
   // The station that stopped, or was killed, a moment ago may have asked a terminal that was busy.

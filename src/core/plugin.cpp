@@ -2,6 +2,7 @@
 #include "core/plugin.h"
 
 #include "base/text_helpers.h"
+#include "contracts/phrases.h"
 #include "core/button_picture.h"
 
 namespace Ombrey {
@@ -91,8 +92,7 @@ void PlugIn::TesterEtMontrer() {
     Interrogation_.Armer();
     Canal_.Rafraîchir();
     const bool Connecté = TesterConnexion();
-    Canal_.AjouterMessage(
-        Connecté ? "Connexion établie avec le RG80." : "Impossible d'établir la connexion avec le RG80.", true);
+    Canal_.AjouterMessage(Connecté ? "Connexion établie avec le RG80." : Phrase::PasDeConnexion, true);
   }
   Canal_.Afficher();
 }

@@ -4,6 +4,7 @@
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/phrases.h"
 #include "link/checksum.h"
 
 namespace Ombrey {
@@ -46,7 +47,7 @@ std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Rép
       if (!Ligne) return {};
       TexteImport = *Ligne;
     } else {
-      État_.Avertir("Erreur de check-sum");
+      État_.Avertir(Phrase::ChecksumFaux);
       if (État_.Abandon) return {};
       Réponse = Octets(1, NAK);
     }
@@ -54,7 +55,7 @@ std::string TraitementTrame::TraiterDonnéesReçues(Octets& Tampon, Octets& Rép
     État_.Erreur.Effacer();
     return TexteImport;
   } catch (const std::exception& Erreur) {
-    if (!État_.Abandon) État_.Avertir(std::string("TraiterDonnéesReçues : ") + Erreur.what());
+    if (!État_.Abandon) État_.Avertir(std::string(Phrase::TrameEnÉchec) + Erreur.what());
     return {};
   }
 }
@@ -65,7 +66,7 @@ bool TraitementTrame::CouperAuSTX(Octets& Tampon) {
   if (Place == Octets::Introuvable) return false;
   Tampon.RetirerTête(Place);
   if (Tampon.Taille() >= LongTrameChargement) return true;
-  État_.Avertir("Données trop courtes");
+  État_.Avertir(Phrase::TropCourt);
   return false;
 }
 
@@ -100,9 +101,8 @@ std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
   std::string Groupe = Lire(Enregistrement, PositionFixe::Groupe);
   std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
   if (Code.empty() && !État_.Abandon) {
-    const std::string Texte = "Code exploitation introuvable : /" +
-                              Lire(Enregistrement, PositionFixe::FinPropriétaire) + "/" +
-                              Lire(Enregistrement, PositionFixe::FinRécoltant) + "/" + Part + "/" + Groupe;
+    const std::string Texte = Phrase::ExploitationIntrouvable + Lire(Enregistrement, PositionFixe::FinPropriétaire) +
+                              "/" + Lire(Enregistrement, PositionFixe::FinRécoltant) + "/" + Part + "/" + Groupe;
     État_.Canal.AjouterErreur(Texte);
     État_.Canal.AjouterMessage(Texte, false);
   }
@@ -120,7 +120,7 @@ std::string TraitementTrame::TexteDate(const Octets& Enregistrement, Position He
 void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) const {
   const Régional Formes = État_.Formes();
   std::string& Degré = DonnéesReçues[Champ::Degré];
-  Degré = AuSujetDe("degré « " + Degré + " » du chargement n° " + DonnéesReçues[Champ::NoChargement],
+  Degré = AuSujetDe("degré « " + Degré + " » du " + Phrase::DuChargement + DonnéesReçues[Champ::NoChargement],
                     [&] { return TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes); });
   for (const std::size_t Place : {Champ::NoQuai, Champ::Cuve}) {
     DonnéesReçues[Place] = SupprZéroDébut(DonnéesReçues[Place]);

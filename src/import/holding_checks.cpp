@@ -3,6 +3,7 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/phrases.h"
 
 namespace Ombrey {
 namespace {
@@ -38,7 +39,7 @@ void VérificationExploitation::VérifierCoopérateur(std::string& Code) {
   if (ChercherCoopérateur(Numéro, Code)) return;
 
   const auto Base = Exiger(État_.BaseDeD);
-  NouveauCoopérateur Nouveau{Numéro, Numéro + "-Crée par le RG80",
+  NouveauCoopérateur Nouveau{Numéro, Numéro + Phrase::CrééParRG80,
                              TexteDateHeure(État_.Plateforme.Système().Maintenant())};
   const std::int16_t Résultat = Base->AjouterCoopérateur(Nouveau);
   if (Résultat < 0) {

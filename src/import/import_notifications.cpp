@@ -2,6 +2,7 @@
 #include "import/import_notifications.h"
 
 #include "base/regional_forms.h"
+#include "contracts/phrases.h"
 
 namespace Ombrey {
 namespace {
@@ -21,8 +22,7 @@ void NotificationsImport::KVSynchro_DonnéesImportées(const std::string& SiteSo
 void NotificationsImport::EtatBdD_EnregistrementImporté(const std::string& Table, IRecordset& RecSet) {
   if (!ConcerneChargements(Table)) return;
   const Régional Formes = État_.Formes();
-  État_.Canal.AjouterMessage("Importation d'un nouveau chargement : Site " +
-                                 TexteOuVide(RecSet.FieldsNommé("CodeSite"), Formes) + ", n° " +
+  État_.Canal.AjouterMessage(Phrase::NouveauChargement + TexteOuVide(RecSet.FieldsNommé("CodeSite"), Formes) + ", n° " +
                                  TexteOuVide(RecSet.FieldsNommé("NoChargement"), Formes),
                              false);
   État_.Canal.Rafraîchir();

@@ -11,6 +11,7 @@
 #include "base/files.h"
 #include "base/regional_forms.h"
 #include "contracts/line_protocol.h"
+#include "contracts/phrases.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
 
@@ -92,7 +93,7 @@ void Collecte::OuvrirFichierErreurs() {
 
 bool Collecte::DemanderChargement() {
   Échange_.FaireTaire();
-  return Accordé(Requête(Octets(CodeDemande)), "Aucun chargement à récupérer.");
+  return Accordé(Requête(Octets(CodeDemande)), Phrase::RienÀRécupérer);
 }
 
 bool Collecte::AttendreTrame() {
@@ -100,7 +101,7 @@ bool Collecte::AttendreTrame() {
   Trame.Texte.Vider();
   // The answer to the request stays at the head of the buffer and counts.
   Trame.LongMin = LongTrameChargement;
-  return Accordé(Trame, std::string(TexteÉchecLecture) + TextePasPrêt);
+  return Accordé(Trame, std::string(TexteÉchecLecture) + Phrase::PasPrêt);
 }
 
 /// The frame is ours unless it can be the answer to an older request. Then nothing is answered: the terminal keeps the
@@ -167,10 +168,9 @@ void Collecte::ConserverFichierImport() {
 
 /// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
 void Collecte::RefuserImport() {
-  constexpr const char* Échec = "Erreur d'importation des données issues du RG80.";
   ConserverFichierImport();
-  État_.Avertir(Échec);
-  État_.Canal.AjouterMessage(Échec, true);
+  État_.Avertir(Phrase::ImportEnÉchec);
+  État_.Canal.AjouterMessage(Phrase::ImportEnÉchec, true);
   NoterRefus();
   RefuserAuTerminal();
 }

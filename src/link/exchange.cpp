@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "contracts/line_protocol.h"
+#include "contracts/phrases.h"
 
 namespace Ombrey {
 namespace {
@@ -21,8 +22,8 @@ bool Assez(const Octets& Tampon, std::size_t LongMin) { return LongMin == 0 || T
 }  // namespace
 
 std::string TextePanne(CodeÉchange Code) {
-  if (Code == CodeÉchange::Silence) return "Aucune réponse du RG80.";
-  if (Code == CodeÉchange::ErreurPort) return "Erreur du port de communication au RG80.";
+  if (Code == CodeÉchange::Silence) return Phrase::AucuneRéponse;
+  if (Code == CodeÉchange::ErreurPort) return Phrase::PortEnErreur;
   return "";
 }
 
@@ -38,7 +39,7 @@ void Échange::FermerPort() {
 }
 
 std::shared_ptr<IPortComm> Échange::PortRéglé() const {
-  if (!PortComm_) throw ErreurExécution("Aucun port n'est réglé (Station > Configurer le port)");
+  if (!PortComm_) throw ErreurExécution(Phrase::AucunPort);
   return PortComm_;
 }
 
@@ -189,7 +190,7 @@ bool Échange::RéponseÀLaRequêteDeTest() {
   const CodeÉchange Obtenu = AttendreRéponse(Test, Réponse);
   // A NAK comes from a terminal, too.
   if (Obtenu != CodeÉchange::Motif1 && Obtenu != CodeÉchange::Motif2) return false;
-  État_.Canal.AjouterMessage("Communication établie avec le RG80.", true);
+  État_.Canal.AjouterMessage(Phrase::Communique, true);
   return true;
 }
 

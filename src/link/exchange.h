@@ -27,8 +27,6 @@ enum class CodeÉchange {
 
 /// The operator's words for an exchange without an answer; empty when there was one.
 [[nodiscard]] std::string TextePanne(CodeÉchange Code);
-/// His words for a request that the terminal declined.
-inline constexpr const char* TextePasPrêt = "Le RG80 n'est pas prêt (NACK).";
 
 /// What to send and what to wait for. An empty text or pattern isn't used.
 struct Attente {

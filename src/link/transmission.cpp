@@ -3,6 +3,7 @@
 
 #include "base/ansi_text.h"
 #include "contracts/line_protocol.h"
+#include "contracts/phrases.h"
 #include "link/checksum.h"
 
 namespace Ombrey {
@@ -14,7 +15,7 @@ std::string Transmission::TransmettreLignes(std::vector<Octets>& Lignes) {
     if (Issue == Suite::Suivante) ++i;
   }
   if (État_.Erreur.EstPrésente() && Erreur_.empty()) {
-    Erreur_ = "Transmission de l'exportation vers le RG80 : " + État_.Erreur.Texte();
+    Erreur_ = Phrase::EnvoiEnÉchec + État_.Erreur.Texte();
   }
   return Erreur_;
 }
@@ -34,7 +35,7 @@ bool Transmission::Annoncer() {
   Échange_.FaireTaire();
   Octets Réponse;
   const CodeÉchange Code = Échange_.AttendreRéponse(Requête(Code_), Réponse);
-  Erreur_ = Code == CodeÉchange::Motif4 ? TextePasPrêt : TextePanne(Code);
+  Erreur_ = Code == CodeÉchange::Motif4 ? Phrase::PasPrêt : TextePanne(Code);
   return Erreur_.empty();
 }
 

@@ -8,6 +8,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "contracts/phrases.h"
 
 namespace Ombrey {
 namespace {
@@ -37,9 +38,8 @@ void RéponseCumuls::MettreAJourCumuls(std::string& NoChargement) {
   const std::string Enregistrement = ComposerEnregistrement(C);
   État_.Erreur.Effacer();
   Ignorer(État_.Erreur, [&] {
-    État_.Canal.AjouterMessage("Mise à jour des cumuls : Exploitation : " + C.IdMétayage +
-                                   " - Appellation : " + C.Sélection + " - Groupe : " + C.IdGrp,
-                               true);
+    État_.Canal.AjouterMessage(
+        Phrase::Cumuls + C.IdMétayage + " - Appellation : " + C.Sélection + " - Groupe : " + C.IdGrp, true);
   });
   Transmettre(Enregistrement);
 }
@@ -89,8 +89,7 @@ void RéponseCumuls::Transmettre(const std::string& Enregistrement) {
   std::string Raison;
   Ignorer(État_.Erreur, [&] { Raison = Services_.TransmettreLignes(FichierRéponse, Lignes); });
   if (Raison.empty() || État_.Abandon) return;
-  Ignorer(État_.Erreur,
-          [&] { État_.Canal.AjouterMessage("Transmission de l'exportation vers le RG80 : " + Raison, false); });
+  Ignorer(État_.Erreur, [&] { État_.Canal.AjouterMessage(Phrase::EnvoiEnÉchec + Raison, false); });
   Ignorer(État_.Erreur, [&] { État_.Canal.AjouterMessage("CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS.", false); });
   Ignorer(État_.Erreur, [&] { État_.Canal.AjouterErreur("Transmission du quotas vers le RG80 : " + Raison); });
 }

@@ -5,6 +5,7 @@
 #include <array>
 
 #include "platform/database/connection.h"
+#include "platform/database/failure_words.h"
 
 namespace Ombrey {
 namespace {
@@ -17,31 +18,29 @@ struct Traduction {
 };
 
 constexpr std::array<Traduction, 22> Traductions = {{
-    {"42P01", "Table introuvable : ", true},
-    {"42703", "Colonne introuvable : ", true},
-    {"42883", "Fonction inconnue : ", true},
+    {"42P01", RefusDeBase::TableIntrouvable, true},
+    {"42703", RefusDeBase::ColonneIntrouvable, true},
+    {"42883", RefusDeBase::FonctionInconnue, true},
     {"42501", "Droit refusé par le serveur"},
     {"42P07", "La table existe déjà"},
     {"40001", "Une autre station a changé les mêmes données"},
     {"40P01", "Une autre station attendait les mêmes données"},
-    {"55P03", "La base de données est verrouillée par un autre programme"},
+    {"55P03", RefusDeBase::BaseVerrouillée},
     {"57014", "Le serveur a interrompu une requête trop longue"},
     {"57P", "Le serveur de la base s'arrête ou a coupé la liaison"},
     {"53100", "Le disque du serveur est plein"},
     {"53300", "Le serveur n'accepte pas d'autre liaison"},
     {"53", "Les moyens du serveur sont épuisés"},
-    {"25006", "La base de données est en lecture seule"},
-    {"22001", "Texte trop long"},
-    {"22003", "Dépassement de capacité"},
+    {"25006", RefusDeBase::LectureSeule},
+    {"22001", RefusDeBase::TexteTropLong},
+    {"22003", Description::DépassementDeCapacité},
     {"22", "Valeur illisible pour la base de données"},
-    {"23", "Valeur refusée par la base de données"},
+    {"23", RefusDeBase::ValeurRefusée},
     {"28", "Le serveur refuse l'accès"},
     {"3D000", "Le serveur n'a pas cette base"},
     {"08", "La liaison avec le serveur de la base est perdue"},
     {"58", "Erreur de lecture ou d'écriture du disque du serveur"},
 }};
-
-constexpr const char* RequêteRefusée = "La base de données refuse la requête";
 
 /// What the server's words put into quotes first, or what stands behind "column" or "function".
 std::string NomCité(std::string_view Mots) {
@@ -68,8 +67,9 @@ void LeverÉchecServeur(std::string_view Code, std::string_view Mots) {
   const auto* const Trouvée =
       std::ranges::find_if(Traductions, [&](const Traduction& T) { return Code.starts_with(T.Code); });
   const bool EstConnue = Trouvée != Traductions.end();
-  const std::string Texte = (EstConnue ? Trouvée->Texte + (Trouvée->AvecNom ? NomCité(Mots) : "") : RequêteRefusée) +
-                            std::string(" (") + SurUneLigne(Mots) + ")";
+  const std::string Texte =
+      (EstConnue ? Trouvée->Texte + (Trouvée->AvecNom ? NomCité(Mots) : "") : RefusDeBase::RequêteRefusée) +
+      std::string(" (") + SurUneLigne(Mots) + ")";
   if (Code == "40001" || Code == "40P01") throw ÉchecPassager(Texte);
   throw ErreurExécution(Texte);
 }

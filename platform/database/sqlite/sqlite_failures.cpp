@@ -5,6 +5,8 @@
 
 #include <array>
 
+#include "platform/database/failure_words.h"
+
 namespace Ombrey {
 namespace {
 
@@ -14,9 +16,9 @@ struct Traduction {
 };
 
 constexpr std::array<Traduction, 13> ParCode = {{
-    {SQLITE_BUSY, "La base de données est verrouillée par un autre programme"},
+    {SQLITE_BUSY, RefusDeBase::BaseVerrouillée},
     {SQLITE_LOCKED, "La table est verrouillée"},
-    {SQLITE_READONLY, "La base de données est en lecture seule"},
+    {SQLITE_READONLY, RefusDeBase::LectureSeule},
     {SQLITE_PERM, "Accès à la base de données refusé"},
     {SQLITE_AUTH, "Opération interdite sur la base de données"},
     {SQLITE_NOTADB, "Le fichier n'est pas une base de données"},
@@ -24,9 +26,9 @@ constexpr std::array<Traduction, 13> ParCode = {{
     {SQLITE_FULL, "Le disque est plein"},
     {SQLITE_IOERR, "Erreur de lecture ou d'écriture du disque"},
     {SQLITE_CANTOPEN, "Impossible d'ouvrir la base de données"},
-    {SQLITE_CONSTRAINT, "Valeur refusée par la base de données"},
+    {SQLITE_CONSTRAINT, RefusDeBase::ValeurRefusée},
     {SQLITE_NOMEM, "Mémoire insuffisante"},
-    {SQLITE_TOOBIG, "Texte trop long"},
+    {SQLITE_TOOBIG, RefusDeBase::TexteTropLong},
 }};
 
 struct TraductionMots {
@@ -36,12 +38,10 @@ struct TraductionMots {
 
 /// The engine gives all faults of a query the same code: only its words tell them apart. The name follows them.
 constexpr std::array<TraductionMots, 3> ParMots = {{
-    {"no such table: ", "Table introuvable : "},
-    {"no such column: ", "Colonne introuvable : "},
-    {"no such function: ", "Fonction inconnue : "},
+    {"no such table: ", RefusDeBase::TableIntrouvable},
+    {"no such column: ", RefusDeBase::ColonneIntrouvable},
+    {"no such function: ", RefusDeBase::FonctionInconnue},
 }};
-
-constexpr const char* RequêteRefusée = "La base de données refuse la requête";
 
 }  // namespace
 
@@ -52,7 +52,7 @@ std::string TexteÉchec(int Code, std::string_view Mots) {
   constexpr int CodeDeBase = 0xFF;
   for (const Traduction& T : ParCode)
     if (T.Code == (Code & CodeDeBase)) return T.Texte + Entre;
-  return RequêteRefusée + Entre;
+  return RefusDeBase::RequêteRefusée + Entre;
 }
 
 void LeverÉchec(sqlite3* Base) { throw ErreurExécution(TexteÉchec(sqlite3_errcode(Base), sqlite3_errmsg(Base))); }
