@@ -3,9 +3,7 @@
 # takes to show its main window. On a screen of its own.
 # bench/idle_windows.sh [FOLDER WITH THE PROGRAMS] [SECONDS for each of two terminals]; exit code 0 when all stays below
 # the targets, 77 when not run for want of a tool.
-set -euo pipefail
-cd "$(dirname "$(readlink -f "$0")")/.."
-bin=$(readlink -f "${1:-build/release/bin}")
+. "$(dirname "$(readlink -f "$0")")/setup.sh"
 seconds=${2:-60}
 max_permille=10 # of one core
 max_start=1500  # milliseconds
@@ -14,26 +12,7 @@ for tool in Xvfb xdotool; do
 done
 [ -e "$bin/tarvel-qt.so" ] || { echo "not run: built without windows"; exit 77; }
 
-work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-idle.XXXXXX")
-screen='' terminal='' station=''
-finish() {
-  for process in $station $terminal $screen; do kill "$process" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  rm -rf "$work"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-# Waits for a condition, for half a minute at most.
-await() {
-  local end=$((SECONDS + 30))
-  until "$@" >/dev/null 2>&1; do
-    [ "$SECONDS" -lt "$end" ] || { echo "not there after half a minute: $*" >&2; exit 1; }
-    sleep 0.02
-  done
-}
 window() { xdotool search --onlyvisible --name "$1" | grep .; }
-stop() { kill "$1" && wait "$1"; }
 
 export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
 unset WAYLAND_DISPLAY QT_QPA_PLATFORM
@@ -46,33 +25,27 @@ DISPLAY=:$(cat "$work/display")
 export DISPLAY
 
 "$bin/tarvel" --creer-base "$work/cave.db" --exemple
-printf '%s\n' '[PlugInOmbrey]' "Port=$work/rg80" Bauds=9600 Parité=aucune BitsStop=1 TailleMots=8 \
-  'Période interrogation=2000' >"$work/tarvel.ini"
+settings 2000
 
 slowest=0
 start() {
   local begin
   begin=$(date +%s%N)
-  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" 2>"$work/station.err" &
-  station=$!
+  start_station
   await window '^Tarvel'
   begin=$((($(date +%s%N) - begin) / 1000000))
   echo "start: main window after $begin ms"
   [ "$begin" -le "$slowest" ] || slowest=$begin
 }
-spent() { awk '{sum += $1} END {print sum}' "/proc/$station/task/"*/schedstat; } # nanoseconds on a processor
-memory() { awk -v name="$1:" '$1 == name {print $2}' "/proc/$station/status"; }
 polls() { grep -c '^interrogation' "$work/rg80.txt" || true; }
 
 # Leaves a terminal and an open list alone for a while.
 idle() {
   local name=$1
   shift
-  "$bin/rg80" --lien "$work/rg80" "$@" >"$work/rg80.txt" &
-  terminal=$!
-  await test -e "$work/rg80"
+  start_terminal "$@"
   start
-  stop "$station"
+  stop station
   start
   xdotool windowfocus "$(window '^Tarvel')"
   sleep 0.5
@@ -93,9 +66,8 @@ idle() {
   window '^Liste des chargements$' >/dev/null || { echo "the list has closed" >&2; exit 1; }
   [ "$(polls)" -gt "$polls_before" ] || { echo "no poll took place" >&2; exit 1; }
   [ $((cpu * 1000)) -lt $((elapsed * max_permille)) ] || missed=1
-  stop "$station"
-  stop "$terminal"
-  station='' terminal=''
+  stop station
+  stop terminal
 }
 
 missed=0

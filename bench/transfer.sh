@@ -3,36 +3,10 @@
 # hardly more than the line's own time.
 # bench/transfer.sh [FOLDER WITH THE PROGRAMS] [MEMBERS, at most 32767]; a bit more than two minutes for 3,000. Exit
 # code 0 when it arrived as it should, in time. Needs the program sqlite3, or python3, to fill and read the database.
-set -euo pipefail
-cd "$(dirname "$(readlink -f "$0")")/.."
-bin=$(readlink -f "${1:-build/release/bin}")
+. "$(dirname "$(readlink -f "$0")")/setup.sh"
 members=${2:-3000}
-bauds=9600
 record=41        # bytes: code 6, name 35
 max_permille=1020 # of the wire time
-
-work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-transfer.XXXXXX")
-terminal='' station=''
-finish() {
-  for process in $terminal $station; do kill "$process" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  rm -rf "$work"
-}
-trap finish EXIT
-trap 'exit 130' INT TERM
-
-# Runs one statement; prints what it gives, one value a line.
-query() {
-  if command -v sqlite3 >/dev/null; then
-    sqlite3 "$work/cave.db" "$1"
-  else
-    python3 -c 'import sqlite3, sys
-base = sqlite3.connect(sys.argv[1])
-sys.stdout.reconfigure(encoding="utf-8")
-for row in base.execute(sys.argv[2]): print(row[0])
-base.commit()' "$work/cave.db" "$1"
-  fi
-}
 
 "$bin/tarvel" --creer-base "$work/cave.db"
 numbers="WITH RECURSIVE Numéros(n) AS (SELECT 1 UNION ALL SELECT n + 1 FROM Numéros WHERE n < $members)"
@@ -46,23 +20,15 @@ blanks=$(printf '%35s' '')
 query "SELECT printf('%06d', IdCoopérateur) || substr(Nom || '$blanks', 1, 35) FROM Coopérateur
   ORDER BY CAST(IdCoopérateur AS TEXT)" | tr -d '\n' | iconv -f UTF-8 -t CP1252 >"$work/expected"
 
-printf '%s\n' '[PlugInOmbrey]' "Port=$work/rg80" "Bauds=$bauds" Parité=aucune BitsStop=1 TailleMots=8 \
-  'Période interrogation=2000' >"$work/tarvel.ini"
-"$bin/rg80" --lien "$work/rg80" --cadence "$bauds" --f6 --sortie "$work/recu" --journal "$work/journal" \
-  >"$work/rg80.txt" &
-terminal=$!
-for _ in $(seq 50); do [ -e "$work/rg80" ] && break || sleep 0.1; done
+settings 2000
+start_terminal --cadence 9600 --f6 --sortie "$work/recu" --journal "$work/journal"
 printf '%s\n' menu 'decocher ChkAppelations' 'decocher ChkBadges' 'decocher ChkGroupnts' 'decocher ChkObserv' \
-  transferer fermer fin |
-  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" --console \
-    >"$work/station.txt" &
-station=$!
+  transferer fermer fin >"$work/commands"
+start_station --console
 code=0
 wait "$station" || code=$?
 station=
-kill "$terminal"
-wait "$terminal" || true
-terminal=
+stop terminal || true
 
 size=$(stat -c %s "$work/recu/fichier-1.txt" 2>/dev/null || echo 0)
 same=no
@@ -71,7 +37,7 @@ same=no
   { echo "size $size, as expected: $same, exit code $code" >&2; tail -20 "$work/station.txt" "$work/rg80.txt" >&2; exit 1; }
 
 # From the announcement, just received, to the acknowledgement, about to leave: the answer to the announcement and the frame.
-cut -c1-60 "$work/journal" | awk -v size="$size" -v bauds="$bauds" -v max="$max_permille" '
+cut -c1-60 "$work/journal" | awk -v size="$size" -v bauds=9600 -v max="$max_permille" '
   function seconds(stamp, parts) { split(stamp, parts, ":"); return parts[1] * 3600 + parts[2] * 60 + parts[3] }
   $2 == "reçu" && $3 == "<ENQ>1" { begin = seconds($1); ends = 0; begun = 1 }
   $2 == "émis" && $3 == "<ACK>" && begun && !ends { measured = seconds($1) - begin; ends = 1 }
