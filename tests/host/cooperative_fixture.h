@@ -80,6 +80,11 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
            std::to_string(Base_->CalculerRestantExploit(Exploitation, Vide, Rouge, Vide, {}, {}));
   }
 
+  /// How a call is refused; empty when it isn't.
+  static std::string Refus(const std::function<void()>& Faire) {
+    Ombrey::ErreurEnAttente Erreur;
+    return Ignorer(Erreur, Faire) ? "" : Erreur.Texte();
+  }
   /// Rows with commas between them, values with blanks.
   std::string Lire(const std::string& Sql) {
     std::string Texte;

@@ -6,66 +6,54 @@
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
-namespace {
 
 using SurFichier = Coopérative;
 using Base = SurChaqueMoteur;
 SUR_CHAQUE_MOTEUR(Base);
 
 TEST_F(SurFichier, LooksUpByIndexSoThatGrowthCostsNothing) {
-  const auto Plan = [&](const std::string& Sql) {
-    std::string Texte;
-    auto Étapes = Connexion_->Préparer("EXPLAIN QUERY PLAN " + Ombrey::TraduireEnSqlite(Sql));
-    while (Étapes.Avancer()) Texte += std::get<std::string>(Étapes.Valeur(3)) + "\n";
-    return Texte;
-  };
   // The year's loads grow, and so do the members; the list of the day's loads is the first.
   for (const char* Sql : {"SELECT * FROM Chargement WHERE DateCh > Date() ORDER BY DateCh DESC",
                           "SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
                           "SELECT * FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'",
                           "SELECT * FROM ChargementArchive WHERE CodeSite = '1' AND ReçuNoChargement = 12",
                           "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
-                          "WHERE NoChargement = 12 AND CodeSite = '1'"})
-    EXPECT_EQ(Plan(Sql).find("SCAN"), std::string::npos) << Sql << "\n" << Plan(Sql);
+                          "WHERE NoChargement = 12 AND CodeSite = '1'"}) {
+    const std::string Plan = Lire("EXPLAIN QUERY PLAN " + Ombrey::TraduireEnSqlite(Sql));
+    EXPECT_EQ(Plan.find("SCAN"), std::string::npos) << Sql << "\n" << Plan;
+  }
 }
 
 TEST_P(Base, CreatesMembersThatTheQueriesFind) {
-  const auto Membre = [&](const char* Code) {
+  for (const std::string Code : {"900", "12A", "", "-1", "1000000", "1e9", "';--"}) {
     Ombrey::NouveauCoopérateur Nouveau{Code, "900-Crée par le RG80", "22/09/2026 08:30:00"};
-    return Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau));
-  };
-  EXPECT_EQ(Membre("900"), "");
-  for (const char* Code : {"12A", "", "-1", "1000000", "1e9", "';--"})
-    EXPECT_EQ(Membre(Code), "le code n'est pas un nombre de six chiffres au plus") << Code;
+    EXPECT_EQ(Base_->TexteErreurBase(Base_->AjouterCoopérateur(Nouveau)),
+              Code == "900" ? "" : "le code n'est pas un nombre de six chiffres au plus")
+        << Code;
+  }
   EXPECT_EQ(Lire("SELECT Nom || Prénom, round(DateCréation * 1440) FROM Coopérateur"
                  " WHERE CAST(IdCoopérateur AS INTEGER) = 900"),
             "900-Crée par le RG80 66653790");
 }
 
 TEST_P(Base, CreatesHoldingsUnderCodesThatAreFree) {
-  struct Cas {
-    const char* Avant;  ///< SQL ahead of it
-    const char *Propriétaire, *Récoltant, *Part, *Groupe;
-    const char* Attendu;  ///< the code and the row behind it, or the refusal
-  };
-  constexpr const char* Inconnu = "0le propriétaire ou le récoltant est inconnu";
-  constexpr const char* MauvaisePart = "0la part n'est pas un nombre entre 0 et 999,9999";
-  const Cas Tous[] = {
+  // SQL ahead of it; owner, harvester, share and group; the code and the row behind it, or the refusal.
+  // clang-format off
+  const std::array<const char*, 6> Tous[] = {
       {"", "000101", "123", "033.5000", "7", "16: 101 123 33,5 7 "},
       {"", "101", "0123", "100.0000", "8", "16: 101 123 33,5 7 "},  // another station met the pair
       {"INSERT INTO Groupement (IdGrp) VALUES ('008')", "101", "210", "100", "8", "17: 101 210 100 008 "},
       {"", "101", "305", "100", "042", "18: 101 305 100 42 "},
       {"", "101", "318", "100", "1000", "19: 101 318 100  "},
       {"", "101", "402", "100", "", "20: 101 402 100  "},
-      {"", "101", "999", "100", "7", Inconnu},
-      {"", "101", "456", "ABC.DEFG", "7", MauvaisePart},
+      {"", "101", "999", "100", "7", "0le propriétaire ou le récoltant est inconnu"},
+      {"", "101", "456", "ABC.DEFG", "7", "0la part n'est pas un nombre entre 0 et 999,9999"},
       // The highest code is taken: the first that is free, and that no load of a deleted holding bears.
-      {"UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'", "101", "456", "100", "0",
-       "17: 101 456 100 0 "},
-      {"DELETE FROM Métayage WHERE IdMétayage IN ('2', '3');"
-       "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 1, 46287, '2')",
-       "101", "511", "100", "", "3: 101 511 100  "},
+      {"UPDATE Métayage SET IdMétayage = '999999' WHERE IdMétayage = '17'", "101", "456", "100", "0", "17: 101 456 100 0 "},
+      {"DELETE FROM Métayage WHERE IdMétayage IN ('2', '3'); INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage)"
+       " VALUES ('1', 1, 46287, '2')", "101", "511", "100", "", "3: 101 511 100  "},
   };
+  // clang-format on
   for (const auto& [Avant, Propriétaire, Récoltant, Part, Groupe, Attendu] : Tous) {
     Connexion_->ExécuterTout(Avant);
     std::string Code = "0";
@@ -102,12 +90,7 @@ TEST_P(Base, MakesAPairOnceThatSeveralStationsMeetAtTheSameMoment) {
 }
 
 TEST_F(SurFichier, ReadsNumbersAsPeopleWriteThem) {
-  struct Cas {
-    const char* Sql;
-    const char* Cumuls;
-    const char* Avis;
-  };
-  const Cas Tous[] = {
+  const std::array<const char*, 3> Tous[] = {
       {"UPDATE Métayage SET Surface = '8,5'", "1234 62516", ""},
       {"UPDATE Métayage SET Surface = ' 8.5 '", "1234 62516", ""},
       {"UPDATE Sélection SET QuotasSurface = '7 500,5'", "1234 58770", ""},
@@ -119,14 +102,14 @@ TEST_F(SurFichier, ReadsNumbersAsPeopleWriteThem) {
       {"UPDATE Métayage SET Surface = '8 ha'", "1234 999999",
        "Surface de l'exploitation : « 8 ha » n'est pas un nombre ; il n'y a donc pas de quota.\n"},
   };
-  for (const auto& [Sql, Cumuls, Avis] : Tous) {
+  for (const auto& [Sql, Cumuls, Dit] : Tous) {
     SCOPED_TRACE(Sql);
     Refaire();
     Avis_.clear();
     ASSERT_EQ(Importer(Ligne()), "");
     Connexion_->Exécuter(Sql);
     EXPECT_EQ(CumulsDuRouge(), Cumuls);
-    EXPECT_EQ(Avis_, Avis);
+    EXPECT_EQ(Avis_, Dit);
   }
   Connexion_->Exécuter("UPDATE QuotasGrp SET QuotaJournalier = '18 000,5'");
   std::string Groupe = "7", Vide, Rouge = "05";
@@ -144,9 +127,6 @@ TEST_P(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
     const double Aujourdhui = Ombrey::NuméroDeJour({2026, 9, 22, 0, 0, 0});
     return Base_->CalculerRestantGroupe(Groupe, Vide, Sélection, Vide, Aujourdhui, {});
   };
-  EXPECT_EQ(CumulGroupe("7"), 0);
-  EXPECT_EQ(Exploit("4", "05"), 60'000);  // 8 ha × 7500 kg × 100 %
-
   ASSERT_EQ(Importer(Ligne("1", "22/09/26 08:30", "4", "05", "1000") + Ligne("2", "21/09/26 08:30", "5", "05", "500") +
                      Ligne("3", "22/09/26 09:00", "4", "10", "70") + Ligne("4", "31/12/25 23:59", "4", "05", "9000") +
                      Ligne("5", "22/09/26 10:00", "1", "05", "800")),
@@ -155,7 +135,7 @@ TEST_P(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
   EXPECT_EQ(CumulGroupe("7"), 1530);
   EXPECT_EQ(CumulGroupe("007"), 1530);
   EXPECT_EQ(CumulGroupe(""), 0);
-  EXPECT_EQ(Exploit("4", "05"), 59'000);
+  EXPECT_EQ(Exploit("4", "05"), 59'000);  // 8 ha × 7500 kg × 100 %, less 1000
   EXPECT_EQ(RestantGroupe("7", "05"), 23'970);
   EXPECT_EQ(RestantGroupe("7", "10"), 12'430);  // 12500.5 less 70, a half to the even number
 
@@ -180,9 +160,7 @@ TEST_P(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
     Connexion_->Exécuter(Changement);
     EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), Site);
   }
-  std::string Rouge = "05";
-  std::string Inconnue = "'";
-  EXPECT_EQ(Base_->ListeCépages({}, Rouge, true), "Syrah");
+  std::string Rouge = "05", Inconnue = "'";
   EXPECT_EQ(Base_->ListeCépages({}, Rouge, false), "Syrah\rGrenache noir\rMourvèdre");
   EXPECT_EQ(Base_->ListeCépages("M", Rouge, true), "Mourvèdre");
   EXPECT_EQ(Base_->ListeCépages({}, Inconnue, true), "");
@@ -204,5 +182,4 @@ TEST_P(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
   EXPECT_EQ(Écouteur.Sites, "2 ");
 }
 
-}  // namespace
 }  // namespace Tarvel

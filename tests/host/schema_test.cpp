@@ -1,13 +1,13 @@
-// Bases of former and of later programs, met at opening.
+// Bases that were left behind: those of former and of later programs, met at opening, and a copy that goes back.
 #include <algorithm>
 #include <iterator>
 #include <sstream>
 
+#include "host/saved_base.h"
 #include "host/schema_upgrade.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
-namespace {
 
 /// A base as tarvel 2.0 made it, with a load that came without a date (13) and one whose number was used again (12).
 struct Schema : Coopérative {
@@ -63,12 +63,28 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
   Connexion_->Exécuter("UPDATE Schéma SET Numéro = 3");
-  Ombrey::ErreurEnAttente Erreur;
-  EXPECT_FALSE(Ignorer(Erreur, [&] { MettreAJourSchéma(*Connexion_); }));
-  EXPECT_EQ(Erreur.Texte(), "La base « " + Fichier_.string() +
-                                " » est celle d'une version plus récente de tarvel (schéma n° 3, et cette version "
-                                "connaît le n° 2) : installez-la sur ce poste");
+  EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
+            "La base « " + Fichier_.string() +
+                " » est celle d'une version plus récente de tarvel (schéma n° 3, et cette version connaît le n° 2) : "
+                "installez-la sur ce poste");
 }
 
-}  // namespace
+TEST_F(Coopérative, ASavedBaseGoesBackAndTheFormerOneIsKept) {
+  const auto Copie = Dossier_ / "copie.db";
+  const auto Restaurer = [&](const std::filesystem::path& De) { static_cast<void>(RestaurerBase(Fichier_, De)); };
+  ASSERT_EQ(Importer(Ligne("12")), "");
+  static_cast<void>(SauvegarderBase(Fichier_, Copie));
+  ASSERT_EQ(Importer(Ligne("13")), "");
+  EXPECT_NE(Refus([&] { Restaurer(Copie); }), "") << "a station works on it";
+  Fermer();
+  EXPECT_NE(Refus([&] { Restaurer(Fichier_); }), "");
+  EXPECT_EQ(Refus([&] { Restaurer(Copie); }), "");
+  std::ofstream(Copie) << "no base any more";
+  EXPECT_NE(Refus([&] { Restaurer(Copie); }), "");
+  for (const auto& [Base, Attendus] : {std::pair("coopé.db", "1"), std::pair("coopé.db.remplacee", "2")}) {
+    Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / Base);
+    EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), Attendus) << Base;
+  }
+}
+
 }  // namespace Tarvel

@@ -1,12 +1,10 @@
 // A base on a server: what the server, the network and the other stations may do to a load.
 #include <chrono>
-#include <fstream>
 
 #include "host/copied_base.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
-namespace {
 
 using namespace std::chrono_literals;
 using Ombrey::Essais::ServeurDEssai;
@@ -21,17 +19,7 @@ struct Serveur : Coopérative {
     Coopérative::SetUp();
     if (!IsSkipped()) Autre_ = OuvrirMoteur(Adresse_);
   }
-  /// The server's processes that serve our connection.
-  std::string NotreProcessus() { return Lire("SELECT pg_backend_pid()"); }
-  void Couper() { Autre_->Exécuter("SELECT pg_terminate_backend(?1)", {NotreProcessus()}); }
-  std::string Refus(const std::function<void()>& Faire) {
-    try {
-      Faire();
-    } catch (const Ombrey::ErreurExécution& Erreur) {
-      return Erreur.what();
-    }
-    return "";
-  }
+  void Couper() { Autre_->Exécuter("SELECT pg_terminate_backend(?1)", {Lire("SELECT pg_backend_pid()")}); }
 
   std::shared_ptr<Ombrey::IConnexion> Autre_;
 };
@@ -53,9 +41,7 @@ TEST_F(Serveur, ALoadIsRefusedThatTheServerWouldOnlyPromiseToKeep) {
   const std::string Dit = Importer(Ligne());
   EXPECT_TRUE(Dit.starts_with("faux : ")) << Dit;
   EXPECT_NE(Dit.find("synchronous_commit = off"), std::string::npos) << Dit;
-  static_cast<void>(Lire("SELECT set_config('synchronous_commit', 'on', 1 = 2)"));
-  EXPECT_EQ(Importer(Ligne()), "");
-  EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
+  EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "0");
 }
 
 TEST_F(Serveur, AServerThatIsFrozenOrGoneHoldsNobodyUpForLong) {
@@ -107,10 +93,10 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
         " RETURNING IdChargement");
     EXPECT_EQ(Suivant, Ombrey::ValeurChamp{std::int64_t{8}});
   }
-  EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Autre)); }).find("a déjà une table"), std::string::npos);
   Départ->Exécuter("UPDATE Métayage SET Surface = '8 ha'");
   const std::string Neuve = NouvelleBase(Moteur_, Gardé_);
-  EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Neuve)); }).find("« 8 ha »"), std::string::npos);
+  for (const auto& [Vers, Raison] : {std::pair(Autre, "a déjà une table"), {Neuve, "« 8 ha »"}})
+    EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Vers)); }).find(Raison), std::string::npos) << Raison;
   EXPECT_TRUE(OuvrirMoteur(Neuve)->ColonnesDe("Métayage").empty());
 }
 
@@ -137,25 +123,17 @@ TEST_F(Serveur, KeepsCaseAccentsTypesAndWhatTheDialectMeans) {
       {"SELECT Date() FROM [Été]", "46287"},
   };
   for (const auto& [Sql, Attendu] : Cas) EXPECT_EQ(Valeur(Sql), Attendu) << Sql;
-  EXPECT_TRUE(Refus([&] {
-                static_cast<void>(Valeur("SELECT nombre FROM [Été]"));
-              }).starts_with("Colonne introuvable : nombre"));
-  EXPECT_TRUE(Refus([&] { static_cast<void>(Valeur("SELECT 1 INTO x FROM [Été]")); }).starts_with("Seule une requête"));
+  EXPECT_TRUE(Refus([&] { Valeur("SELECT nombre FROM [Été]"); }).starts_with("Colonne introuvable : nombre"));
+  EXPECT_TRUE(Refus([&] { Valeur("SELECT 1 INTO x FROM [Été]"); }).starts_with("Seule une requête"));
 }
 
 TEST_P(SurChaqueMoteur, TwoStationsNeverHaveTheSameSite) {
   Connexion_->PrendreSite("Œ 2");
   const auto Autre = OuvrirMoteur(Adresse_);
   Autre->PrendreSite("3");
-  try {
-    Autre->PrendreSite("Œ 2");
-    ADD_FAILURE() << "it was taken twice";
-  } catch (const Ombrey::ErreurExécution& Erreur) {
-    EXPECT_NE(std::string(Erreur.what()).find("code de site « Œ 2 »"), std::string::npos) << Erreur.what();
-  }
-  Base_.reset();
-  Connexion_.reset();
-  EXPECT_NO_THROW(OuvrirMoteur(Adresse_)->PrendreSite("Œ 2"));
+  EXPECT_NE(Refus([&] { Autre->PrendreSite("Œ 2"); }).find("code de site « Œ 2 »"), std::string::npos);
+  Fermer();
+  EXPECT_EQ(Refus([&] { OuvrirMoteur(Adresse_)->PrendreSite("Œ 2"); }), "");
 }
 
 TEST_P(SurChaqueMoteur, AStationHearsOfWhatOthersCommitAndNotOfItself) {
@@ -174,5 +152,4 @@ TEST_P(SurChaqueMoteur, AStationHearsOfWhatOthersCommitAndNotOfItself) {
 }
 SUR_CHAQUE_MOTEUR(SurChaqueMoteur);
 
-}  // namespace
 }  // namespace Tarvel

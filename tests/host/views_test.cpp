@@ -1,10 +1,11 @@
 // What the operator is shown at a glance: the day, the link, what is refused and what nobody has read.
+#include <ranges>
+
 #include "host/day_view.h"
 #include "host/watch.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Tarvel {
-namespace {
 
 using namespace Ombrey::Essais;
 
@@ -20,10 +21,11 @@ struct Vues : AvecCoopérative {
         " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1), ('3', 3, 46286, '10', '05', '9', 1, 1, -1);"
         "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3");
   }
+  /// The rows below the headings.
   static std::string Dire(const Rangées& Tableau) {
     std::string Tout;
-    for (std::size_t Rang = 1; Rang < Tableau.size(); ++Rang) {
-      for (const std::string& Un : Tableau[Rang]) Tout += Un + '|';
+    for (const auto& Rangée : Tableau | std::views::drop(1)) {
+      for (const std::string& Un : Rangée) Tout += Un + '|';
       Tout += '\n';
     }
     return Tout;
@@ -77,22 +79,18 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
 
 TEST(FaitsRépétés, AreOneRowEachWithTheirCountTheLatestOnTop) {
   FaitsRépétés Faits;
-  const auto À = [](int Minute) { return Ombrey::DateHeure{2026, 9, 22, 8, Minute, 0}; };
-  const char* const Suite[] = {"TraiterDonnéesReçues : Incompatibilité de type : degré « 1x5 » du chargement n° 12",
-                               "Erreur de check-sum", "Aucune réponse du RG80.",
-                               "TraiterDonnéesReçues : Incompatibilité de type : degré « 1x5 » du chargement n° 12"};
-  for (int Minute = 0; const char* Texte : Suite) {
+  const char* const Degré = "TraiterDonnéesReçues : Incompatibilité de type : degré « 1x5 » du chargement n° 12";
+  for (int Minute = 0; const char* Texte : {Degré, "Erreur de check-sum", "Aucune réponse du RG80.", Degré}) {
     const Refus Lu = LireRefus(Texte);
-    if (!Lu.Sujet.empty()) Faits.Noter(À(Minute++), Lu.Sujet, Lu.Motif, Lu.ÀFaire);
+    if (!Lu.Sujet.empty()) Faits.Noter({2026, 9, 22, 8, Minute++, 0}, Lu.Sujet, Lu.Motif, Lu.ÀFaire);
   }
-  ASSERT_EQ(Faits.Tous().size(), 2U);
-  const FaitRépété& Premier = Faits.Tous()[0];
-  EXPECT_EQ(Premier.Sujet + std::to_string(Premier.Fois), "122");
-  EXPECT_TRUE(Premier.Premier == À(0) && Premier.Dernier == À(2) && !Premier.ÀFaire.empty());
+  std::string Dits;
+  for (const FaitRépété& Un : Faits.Tous())
+    Dits += Un.Sujet + " × " + std::to_string(Un.Fois) + (Un.ÀFaire.empty() ? "" : ", advice") + " " +
+            std::to_string(Un.Premier.Minute) + "-" + std::to_string(Un.Dernier.Minute) + "\n";
+  EXPECT_EQ(Dits, std::string("12 × 2, advice 0-2\n") + SansNuméro + " × 1, advice 1-1\n");
   Faits.Retirer("12");
-  ASSERT_EQ(Faits.Tous().size(), 1U);
-  EXPECT_EQ(Faits.Tous()[0].Sujet, SansNuméro);
+  EXPECT_EQ(Faits.Tous().size(), 1U);
 }
 
-}  // namespace
 }  // namespace Tarvel
