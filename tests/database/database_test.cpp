@@ -1,97 +1,81 @@
-// The dialect, the recordsets and the failures of the database on SQLite.
+// The dialect and the recordsets of the database on each engine; the file and its journal on SQLite.
 #include <gtest/gtest.h>
 #include <sqlite3.h>
 
 #include "base/failures.h"
+#include "base/regional_forms.h"
 #include "platform/database/recordsets.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 #include "platform/database/sqlite/sqlite_dialect.h"
-#include "tests/support/test_folder.h"
+#include "tests/support/each_engine.h"
 
-namespace Ombrey {
-namespace {
+namespace Ombrey::Essais {
 
-struct BaseVigne : testing::Test {
-  std::shared_ptr<ConnexionSqlite> Nouvelle() {
-    auto Connexion = ConnexionSqlite::Créer(Fichier, [] { return 46001.9; });
-    Connexion->ExécuterTout(
-        "CREATE TABLE Vigne (Id TEXT, Nom TEXT, Jour REAL);"
-        "INSERT INTO Vigne VALUES ('007', 'Été', 46000.25), ('8', NULL, 46001.5), ('09', 'l''un', NULL);");
-    return Connexion;
+constexpr const char* TableVigne =
+    "CREATE TABLE Vigne (Id TEXT, [Nom là] TEXT, Jour REAL, [N°] NUMERIC);"
+    "INSERT INTO Vigne VALUES ('007', 'Été', 46000.25, 12.5), ('8', NULL, 46001.5, 3),"
+    " ('09', 'l''un', NULL, 100000000000000000000), ('A', 'b', 46001.9999999, NULL);";
+
+struct SurChaqueMoteur : testing::TestWithParam<Moteur> {
+  void SetUp() override {
+    if (Adresse.empty()) GTEST_SKIP() << "PostgreSQL isn't installed";
+    Tarvel::CréerMoteur(Adresse)->ExécuterTout(TableVigne);
+    Base = std::make_unique<BaseLue>(Tarvel::OuvrirMoteur(Adresse, [] { return 46001.9; }));
   }
-  static std::int64_t Nombre(ConnexionSqlite& Connexion) {
-    return std::get<std::int64_t>(Connexion.Lire("SELECT count(*) FROM Vigne"));
-  }
+  std::string Valeur(const std::string& Sql) { return TexteOuVide(Base->OpenRecordset(Sql, {})->Fields(0), {}); }
 
-  Essais::DossierEssai Dossier;
-  Essais::DossierEssai Ailleurs;
-  std::filesystem::path Fichier = Dossier.Chemin() / "coopé.db";
+  DossierEssai Dossier;
+  std::string Adresse = NouvelleBase(GetParam(), Dossier);
+  std::unique_ptr<BaseLue> Base;
 };
+SUR_CHAQUE_MOTEUR(SurChaqueMoteur);
 
-TEST(Dialecte, TurnsWhatSqliteLacksAndNothingElse) {
+TEST_P(SurChaqueMoteur, RunsTheDialect) {
   // clang-format off
   const std::pair<const char*, const char*> Cas[] = {
-      {"SELECT [a b].[c] & ' & ' & t.d AS [x & y] FROM t",
-       "SELECT (coalesce([a b].[c],'')||coalesce(' & ','')||coalesce(t.d,'')) AS [x & y] FROM t"},
-      {"SELECT (a & b) & f(c & 1) FROM t",
-       "SELECT (coalesce(((coalesce(a,'')||coalesce(b,''))),'')||coalesce(f((coalesce(c,'')||coalesce(1,''))),'')) FROM t"},
-      {"SELECT a + 1 & b*-2 FROM t", "SELECT (coalesce(a + 1,'')||coalesce(b*-2,'')) FROM t"},
-      {"SELECT 'l''a & b', \"c & d\" FROM t", "SELECT 'l''a & b', \"c & d\" FROM t"},
-      {"SELECT x FROM t WHERE (a) & b = 'c'", "SELECT x FROM t WHERE (coalesce((a),'')||coalesce(b,'')) = 'c'"},
-      {"SELECT Clng(Id), clng (a & b) FROM t",
-       "SELECT CAST(Id AS INTEGER), CAST((coalesce(a,'')||coalesce(b,'')) AS INTEGER) FROM t"},
-      {"SELECT 'Clng(x)', [Clng(x)] FROM t", "SELECT 'Clng(x)', [Clng(x)] FROM t"},
-      {"SELECT x FROM A RIGHT JOIN (B INNER JOIN C AS D ON B.i = D.i) ON A.i = B.i WHERE y",
-       "SELECT x FROM (B INNER JOIN C AS D ON B.i = D.i) LEFT JOIN A ON A.i = B.i WHERE y"},
-      {"SELECT x FROM A RIGHT JOIN (B RIGHT JOIN C ON B.i = C.i) ON A.i = B.i",
-       "SELECT x FROM (C LEFT JOIN B ON B.i = C.i) LEFT JOIN A ON A.i = B.i"},
-      {"SELECT x FROM(A)RIGHT JOIN B ON y", "SELECT x FROM B LEFT JOIN (A) ON y"},
-      {"SELECT x FROM A RIGHT JOIN(B)ON y", "SELECT x FROM (B) LEFT JOIN A ON y"},
-      {"SELECT * FROM A RIGHT JOIN B ON A.i = B.i", "SELECT * FROM A RIGHT JOIN B ON A.i = B.i"},
-      {"SELECT Count(*), a*-1 FROM t ORDER BY a DESC;", "SELECT Count(*), a*-1 FROM t ORDER BY a DESC;"},
-      {"SELECT (a & b FROM t", "SELECT (a & b FROM t"}, {"SELECT a) FROM t", "SELECT a) FROM t"},
-      {"SELECT 'a & b", "SELECT 'a & b"}, {"", ""},
+      {"SELECT [Nom là] & ' & ' & Vigne.Id AS [x & y] FROM Vigne WHERE Id = '8'", " & 8"},
+      {"SELECT ([Nom là] & Id) & Clng(Id & 1) FROM Vigne WHERE Id = '8'", "881"},
+      {"SELECT 1 + 1 & 3*-2 FROM Vigne", "2-6"},
+      {"SELECT 'Clng(''a & b' & clng (Id & '') FROM Vigne WHERE Id = '007'", "Clng('a & b7"},
+      {"SELECT Id FROM Vigne WHERE ([Nom là]) & Id = '8'", "8"},
+      {"  select [Nom là] from Vigne where Id = '09' ; ", "l'un"},
+      {"SELECT [Nom là] FROM Vigne WHERE [Nom là] <> '' ORDER BY [Nom là]", "b"},
+      {"SELECT Id FROM Vigne ORDER BY [Nom là]", "8"},
+      {"SELECT V.Id FROM Vigne AS W RIGHT JOIN(Vigne AS V INNER JOIN Vigne AS U ON V.Id = U.Id)ON W.[Nom là] = V.[Nom là] WHERE V.Id = '8'", "8"},
+      {"SELECT U.Id FROM Vigne AS W RIGHT JOIN (Vigne AS V RIGHT JOIN Vigne AS U ON V.[Nom là] = U.[Nom là]) ON W.Id = V.Id WHERE U.Id = '8'", "8"},
+      {"SELECT * FROM Vigne AS W RIGHT JOIN Vigne AS V ON W.[Nom là] = V.[Nom là] WHERE V.Id = '8'", ""},
+      {"SELECT Count(*), 2*-1 FROM Vigne;", "4"},
+      {"SELECT [N°] FROM Vigne WHERE Id = '007'", "12,5"}, {"SELECT Clng([N°]) FROM Vigne WHERE Id = '007'", "12"},
+      {"SELECT Clng([Nom là]) FROM Vigne WHERE Id = '007'", "0"},
+      {"SELECT Format(Jour,'dd/mm/yyyy hh:nn:ss') FROM Vigne WHERE Clng(Id) = '7'", "09/12/2025 06:00:00"},
+      {"SELECT Format(Jour,'dd/mm hh:nn') FROM Vigne WHERE Id = 'A'", "11/12 00:00"},
+      {"SELECT Format(Jour,'dd.mm.yyyy') & '' FROM Vigne WHERE Id = '09'", ""},
+      {"SELECT Id FROM Vigne WHERE Jour BETWEEN Date() AND Date()+0.9", "8"}, {"SELECT Date() FROM Vigne", "46001"},
   };
   // clang-format on
-  for (const auto& [Jet, Sqlite] : Cas) EXPECT_EQ(TraduireEnSqlite(Jet), Sqlite);
-  const std::string Profonde = std::string(10'000, '(') + "a & b" + std::string(10'000, ')');
-  EXPECT_EQ(TraduireEnSqlite(Profonde), Profonde);
+  for (const auto& [Sql, Attendu] : Cas) EXPECT_EQ(Valeur(Sql), Attendu) << Sql;
 }
 
-TEST_F(BaseVigne, RunsTheDialect) {
-  BaseLue Base(Nouvelle());
-  const std::pair<const char*, const char*> Cas[] = {
-      {"SELECT Nom & '/' & Id FROM Vigne WHERE Clng(Id) = '8'", "/8"},
-      {"SELECT Format(Jour,'dd/mm hh:nn') FROM Vigne WHERE Clng(Id) = '7'", "09/12 06:00"},
-      {"SELECT Format(Jour,'dd.mm.yyyy') & '' FROM Vigne WHERE Id = '09'", ""},
-      {"SELECT Id FROM Vigne WHERE Jour BETWEEN Date() AND Date()+1", "8"},
-      {"  select Nom from Vigne where Id = '09' ; ", "l'un"},
-  };
-  for (const auto& [Sql, Attendu] : Cas)
-    EXPECT_EQ(std::get<std::string>(Base.OpenRecordset(Sql, {})->Fields(0)), Attendu) << Sql;
-}
-
-TEST_F(BaseVigne, RefusesAllButOneSelect) {
-  const auto Connexion = Nouvelle();
-  BaseLue Base(Connexion);
+TEST_P(SurChaqueMoteur, RefusesAllButOneSelect) {
   using namespace std::string_literals;
   for (const std::string& Sql :
-       {"DELETE FROM Vigne"s, ""s, " ; "s, "PRAGMA user_version = 4"s, "SELECT 1; DELETE FROM Vigne"s,
-        "SELECT 1\0; DELETE FROM Vigne"s, "WITH v AS (SELECT 1) DELETE FROM Vigne"s, "EXPLAIN SELECT 1"s, "SELECT"s,
-        "SELECT 'a"s, "SELECT (1"s, "SELECT nope FROM Vigne"s})
-    EXPECT_THROW(static_cast<void>(Base.OpenRecordset(Sql, {})), ErreurExécution) << Sql;
-  EXPECT_EQ(Nombre(*Connexion), 3);
+       {"DELETE FROM Vigne"s, ""s, " ; "s, "SELECT 1; DELETE FROM Vigne"s, "SELECT 1\0; DELETE FROM Vigne"s,
+        "WITH v AS (SELECT 1) DELETE FROM Vigne"s, "EXPLAIN SELECT 1"s, "SELECT 'a"s, "SELECT (1"s, "SELECT 1)"s,
+        "SELECT nope FROM Vigne"s, "SELECT 1 INTO x FROM Vigne"s, "PRAGMA user_version = 4"s})
+    EXPECT_THROW(static_cast<void>(Base->OpenRecordset(Sql, {})), ErreurExécution) << Sql;
+  EXPECT_EQ(Valeur("SELECT Count(*) FROM Vigne"), "4");
 }
 
-TEST_F(BaseVigne, MovesThroughASnapshot) {
-  const auto Connexion = Nouvelle();
-  BaseLue Base(Connexion);
-  const auto Lignes = Base.OpenRecordset("SELECT Id, Nom FROM Vigne ORDER BY Clng(Id)", TypeRecordset::Instantané);
-  Connexion->Exécuter("DELETE FROM Vigne");
-  EXPECT_EQ(Lignes->Colonnes(), (std::vector<std::string>{"Id", "Nom"}));
+TEST_P(SurChaqueMoteur, MovesThroughASnapshotAndStreamsForwardThoughTheConnectionIsGone) {
+  const char* const Tous = "SELECT Id, [Nom là] FROM Vigne WHERE [N°] > 0 ORDER BY Clng(Id)";
+  const auto Lignes = Base->OpenRecordset(Tous, TypeRecordset::Instantané);
+  const auto Suite = Base->OpenRecordset(Tous, TypeRecordset::VersLAvant);
+  const auto Vide = Base->OpenRecordset("SELECT Id FROM Vigne WHERE Id = 'x'", TypeRecordset::Défaut);
+  Base.reset();
+  EXPECT_EQ(Lignes->Colonnes(), (std::vector<std::string>{"Id", "Nom là"}));
   Lignes->MoveLast();
   EXPECT_EQ(Lignes->RecordCount(), 3);
-  EXPECT_EQ(std::get<std::string>(Lignes->FieldsNommé("Nom")), "l'un");
+  EXPECT_EQ(std::get<std::string>(Lignes->FieldsNommé("Nom là")), "l'un");
   Lignes->MoveNext();
   EXPECT_TRUE(Lignes->Eof());
   EXPECT_THROW(Lignes->MoveNext(), ErreurExécution);
@@ -99,23 +83,39 @@ TEST_F(BaseVigne, MovesThroughASnapshot) {
   Lignes->MoveFirst();
   EXPECT_EQ(std::get<std::string>(Lignes->Fields(0)), "007");
   EXPECT_THROW(static_cast<void>(Lignes->Fields(2)), ErreurExécution);
-  EXPECT_THROW(static_cast<void>(Lignes->FieldsNommé("nom")), ErreurExécution);
+  EXPECT_THROW(static_cast<void>(Lignes->FieldsNommé("nom là")), ErreurExécution);
 
-  const auto Vide = Base.OpenRecordset("SELECT Id FROM Vigne", TypeRecordset::Défaut);
-  EXPECT_TRUE(Vide->Eof() && Vide->RecordCount() == 0);
+  EXPECT_TRUE(Vide->Eof());
+  EXPECT_EQ(Vide->RecordCount(), 0);
   EXPECT_THROW(Vide->MoveLast(), ErreurExécution);
+
+  EXPECT_THROW(Suite->MoveFirst(), ErreurExécution);
+  EXPECT_THROW(static_cast<void>(Suite->RecordCount()), ErreurExécution);
+  std::string Lus;
+  for (; !Suite->Eof(); Suite->MoveNext()) Lus += std::get<std::string>(Suite->Fields(0)) + " ";
+  EXPECT_EQ(Lus, "007 8 09 ");
 }
 
-TEST_F(BaseVigne, StreamsForwardAndOutlivesItsConnection) {
-  auto Base = std::make_unique<BaseLue>(Nouvelle());
-  const auto Lignes = Base->OpenRecordset("SELECT Id FROM Vigne ORDER BY Id", TypeRecordset::VersLAvant);
-  Base.reset();
-  EXPECT_THROW(Lignes->MoveFirst(), ErreurExécution);
-  EXPECT_THROW(static_cast<void>(Lignes->RecordCount()), ErreurExécution);
-  std::string Lus;
-  for (; !Lignes->Eof(); Lignes->MoveNext()) Lus += std::get<std::string>(Lignes->Fields(0)) + " ";
-  EXPECT_EQ(Lus, "007 09 8 ");
+TEST(Dialecte, TurnsWhatOlderEnginesLackAndAsDeepAsItMayBe) {
+  EXPECT_EQ(TraduireEnSqlite("SELECT x FROM(A)RIGHT JOIN B ON y WHERE z"),
+            "SELECT x FROM B LEFT JOIN (A) ON y WHERE z");
+  const std::string Profonde = std::string(10'000, '(') + "a & b" + std::string(10'000, ')');
+  EXPECT_EQ(TraduireEnSqlite(Profonde), Profonde);
 }
+
+struct BaseVigne : testing::Test {
+  std::shared_ptr<ConnexionSqlite> Nouvelle() {
+    auto Connexion = ConnexionSqlite::Créer(Fichier);
+    Connexion->ExécuterTout(TableVigne);
+    return Connexion;
+  }
+  static std::int64_t Nombre(ConnexionSqlite& Connexion) {
+    return std::get<std::int64_t>(Connexion.Lire("SELECT count(*) FROM Vigne"));
+  }
+
+  DossierEssai Dossier, Ailleurs;
+  std::filesystem::path Fichier = Dossier.Chemin() / "coopé.db";
+};
 
 TEST_F(BaseVigne, UndoesAnUnfinishedTransactionAndKeepsASafeJournal) {
   const auto Connexion = Nouvelle();
@@ -123,7 +123,7 @@ TEST_F(BaseVigne, UndoesAnUnfinishedTransactionAndKeepsASafeJournal) {
     Transaction Perdue(*Connexion);
     Connexion->Exécuter("DELETE FROM Vigne");
   }
-  EXPECT_EQ(Nombre(*Connexion), 3);
+  EXPECT_EQ(Nombre(*Connexion), 4);
   EXPECT_EQ(std::get<std::string>(Connexion->Lire("PRAGMA journal_mode")), "wal");
   EXPECT_EQ(std::get<std::int64_t>(Connexion->Lire("PRAGMA synchronous")), 3);
 }
@@ -162,7 +162,7 @@ TEST_F(BaseVigne, GoesOnWithTheOrdinaryJournalWhereTheDriveCarriesNoOther) {
     const auto Ici = EstDéjàLà ? ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / Fichier.filename()) : Nouvelle();
     const std::string Dit = testing::internal::GetCapturedStderr();
     EXPECT_NE(Dit.find("sans journal anticipé (mode « delete »)"), std::string::npos) << Dit;
-    EXPECT_EQ(Nombre(*Ici), 3);
+    EXPECT_EQ(Nombre(*Ici), 4);
     // The journal's removal is on the disk before the commit returns, and others may write as well.
     EXPECT_EQ(std::get<std::int64_t>(Ici->Lire("PRAGMA synchronous")), 3);
     ConnexionSqlite::Ouvrir(Ici->Fichier())->ExécuterTout("DELETE FROM Vigne");
@@ -177,14 +177,14 @@ TEST_F(BaseVigne, BringsItsLogHomeAtRestAndIsCopiedWholeAtWork) {
   Connexion->RangerJournal();
   std::filesystem::copy(Fichier, Ailleurs.Chemin() / "après.db");
   EXPECT_THROW(static_cast<void>(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "avant.db"))), ErreurExécution);
-  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "après.db")), 3);
+  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "après.db")), 4);
 
   const auto Copie = Ailleurs.Chemin() / "copie.db";
   const auto AuTravail = ConnexionSqlite::Ouvrir(Fichier);
   Transaction EnCours(*AuTravail);
   AuTravail->Exécuter("DELETE FROM Vigne");
   Connexion->Sauvegarder(Copie);
-  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Copie)), 3);
+  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Copie)), 4);
   EXPECT_THROW(Connexion->Sauvegarder(Copie), ErreurExécution);
   EXPECT_TRUE(ConnexionSqlite::EstOuverteAilleurs(Fichier));
   EXPECT_FALSE(ConnexionSqlite::EstOuverteAilleurs(Copie));
@@ -195,8 +195,7 @@ TEST_F(BaseVigne, IsAFileAndCreatedOnlyWhereNothingStands) {
   EXPECT_THROW(static_cast<void>(ConnexionSqlite::Ouvrir(Dossier.Chemin())), ErreurExécution);
   for (const char* Nom : {"coopé.db", "absent/b.db"})
     EXPECT_THROW(static_cast<void>(ConnexionSqlite::Créer(Dossier.Chemin() / Nom)), ErreurExécution) << Nom;
-  EXPECT_EQ(Nombre(*Connexion), 3);
+  EXPECT_EQ(Nombre(*Connexion), 4);
 }
 
-}  // namespace
-}  // namespace Ombrey
+}  // namespace Ombrey::Essais

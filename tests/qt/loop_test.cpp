@@ -23,8 +23,8 @@ namespace Ombrey::Essais {
 
 struct BoucleDeQt : Bureau {
   BoucleDeQt() { Vider(); }
-  IBoucle::Jeton Surveiller(IBoucle::Action Faire) {
-    return Boucle.Surveiller(Près.Numéro(), IBoucle::Sens::Lecture, std::move(Faire));
+  IBoucle::Jeton Surveiller(IBoucle::Action Faire, IBoucle::Sens Sens = IBoucle::Sens::Lecture) {
+    return Boucle.Surveiller(Près.Numéro(), Sens, std::move(Faire));
   }
   PseudoTerminal Loin;
   Descripteur Près{open(Loin.Nom().c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)};
@@ -59,16 +59,16 @@ TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
     EXPECT_EQ(Trace, Attendue);
   }
   EXPECT_FALSE(Boucle.Pomper(5ms));
-  auto Place = Boucle.Surveiller(Près.Numéro(), IBoucle::Sens::Écriture, [&] { Trace += 'e'; });
-  EXPECT_TRUE(Boucle.Pomper(1s) && Trace == "...e") << "there is room to write";
+  auto Place = Surveiller([&] { Trace += 'e'; }, IBoucle::Sens::Écriture);
+  EXPECT_TRUE(Boucle.Pomper(1s));
+  EXPECT_EQ(Trace, "...e") << "there is room to write";
   Place.reset();
   Loin.Maître.Fermer();
   EXPECT_TRUE(Boucle.Pomper(1s)) << "the end is an event";
 }
 
 TEST_F(BoucleDeQt, AnActionMayDropItsOwnTokenAndOthersAndPump) {
-  IBoucle::Jeton Veille;
-  IBoucle::Jeton Délai;
+  IBoucle::Jeton Veille, Délai;
   // Both are due at once; whichever comes first ends the other.
   const auto Faire = [&, Bien = std::string(99, 'x')] {
     Veille.reset();

@@ -1,4 +1,5 @@
-// Without a device: bursts, names and settings of a port, the list of the machine's ports.
+// Without a device: bursts, names and settings of a port, the list of the machine's ports, the rule for an adapter's
+// name.
 #include <gtest/gtest.h>
 
 #include <filesystem>
@@ -8,12 +9,12 @@
 #include "platform/serial/burst.h"
 #include "platform/serial/line_settings.h"
 #include "platform/serial/machine_ports.h"
+#include "platform/serial/udev_rule.h"
 #include "tests/serial/pseudo_terminal.h"
 #include "tests/serial/usb_tree.h"
 #include "tests/support/test_folder.h"
 
-namespace Ombrey {
-namespace {
+namespace Ombrey::Essais {
 
 using namespace std::chrono_literals;
 
@@ -88,7 +89,7 @@ TEST(RéglagesDeLigne, AreTakenOrRefusedByTheirValue) {
 }
 
 TEST(PortsDeLaMachine, AreTheAdaptersByTheirStableNamesAndTheOnesWithACircuit) {
-  const Essais::DossierEssai Dossier;
+  const DossierEssai Dossier;
   const ArbreUsb Usb(Dossier.Chemin());
   const std::filesystem::path Classe = Usb.Racines.Sys / "class/tty";
   for (const char* Nom : {"ttyS0", "ttyS2", "ttyS10", "ttyS1", "ttyprintk", "tty1"})
@@ -110,5 +111,28 @@ TEST(PortsDeLaMachine, AreTheAdaptersByTheirStableNamesAndTheOnesWithACircuit) {
   EXPECT_TRUE(PortsListésDans(Dossier.Chemin() / "rien").empty());
 }
 
-}  // namespace
-}  // namespace Ombrey
+TEST(RègleUdev, KnowsAnAdapterByWhatStaysItsOwn) {
+  // The device, the site and its name in the rule, what the device is known by.
+  // clang-format off
+  const std::tuple<Adaptateur, const char*, const char*, const char*> Cas[] = {
+      {{"ttyUSB3", "1-1.2", "A50 \"69\" ", "01"}, "chai", "chai",
+       R"(ENV{ID_USB_INTERFACE_NUM}=="01", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", ATTRS{serial}=="A50??69?", )"},
+      {{"ttyUSB0", "1-1.2", "", ""}, "chai", "chai", R"(KERNELS=="1-1.2", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", )"},
+      {{"ttyS0"}, "un \"site\"/..", "un__site__..", R"(KERNEL=="ttyS0", )"}};
+  // clang-format on
+  for (const auto& [Appareil, Site, Instance, Clauses] : Cas) {
+    const DossierEssai Dossier;
+    const ArbreUsb Usb(Dossier.Chemin());
+    const std::filesystem::path Classe = Usb.Racines.Sys / "class/tty";
+    if (Appareil.Nom != "ttyS0") Usb.Brancher(Appareil, "");
+    std::filesystem::create_directories(Classe / Appareil.Nom);
+    const std::string Règle = RègleUdev("/dev/" + Appareil.Nom, Site, Classe), Nom = Instance;
+    EXPECT_EQ(Règle.substr(Règle.find('\n') + 1),
+              std::string(R"(SUBSYSTEM=="tty", )") + Clauses + R"(SYMLINK+="ombrey-)" + Nom +
+                  R"(", TAG+="systemd", ENV{SYSTEMD_WANTS}+="ombrey-port@)" + Nom + ".service\"\n");
+    EXPECT_EQ(RègleUdev("/dev/ttyUSB9", Site, Classe), "");
+    EXPECT_EQ(FichierRègleUdev(Site), "/etc/udev/rules.d/70-ombrey-" + Nom + ".rules");
+  }
+}
+
+}  // namespace Ombrey::Essais

@@ -13,8 +13,7 @@
 #include "tests/serial/usb_tree.h"
 #include "tests/support/test_folder.h"
 
-namespace Ombrey {
-namespace {
+namespace Ombrey::Essais {
 
 using namespace std::chrono_literals;
 using Horloge = std::chrono::steady_clock;
@@ -48,7 +47,7 @@ class Port : public testing::Test {
   }
 
   BouclePoll Boucle_;
-  Essais::DossierEssai Dossier_;
+  DossierEssai Dossier_;
   ArbreUsb Usb_{Dossier_.Chemin()};
   ServeurPortComm Serveur_{{Boucle_, {}, nullptr, Usb_.Racines}};
   PseudoTerminal Loin_;
@@ -75,14 +74,10 @@ TEST_F(Port, HandsUpAFrameWholeAndWhatStandsOutsideAtOnce) {
   // What is held back behind an STX, and what no pump has read yet, go up when somebody asks for it.
   Loin_.Envoyer("\x02x");
   ASSERT_TRUE(Boucle_.Pomper(1s));
-  Loin_.Envoyer(
-      "\x15"
-      "A");
+  Loin_.Envoyer("\25A");
   EXPECT_EQ(Reçus_.back(), Tous);
   LePort_->Relever();
-  EXPECT_EQ(Reçus_.back(),
-            "\x02x\x15"
-            "A");
+  EXPECT_EQ(Reçus_.back(), "\2x\25A");
   EXPECT_EQ(LePort_->SilenceFinMessage(), 100ms);
 }
 
@@ -170,34 +165,20 @@ TEST_F(Port, LostIsOpenedAgainAtTheNextWriteUnderItsName) {
 }
 
 TEST_F(Port, LostIsOpenedAgainAsTheSameDeviceOnly) {
-  struct Cas {
-    const char* Quoi;
-    Adaptateur Avant;
-    std::vector<Adaptateur> Après;
-    int Ouvert;        ///< which of those takes the writing; -1: none
-    const char* Mots;  ///< in the client's list, or of the refusal
-  };
-  const Cas Table[] = {
+  // What was there, what is there now, which of those takes the writing (-1: none), words of the client's list or of
+  // the refusal.
+  // clang-format off
+  using Adaptateurs = std::vector<Adaptateur>;
+  const std::tuple<const char*, Adaptateur, Adaptateurs, int, const char*> Table[] = {
       {"the same in another socket", {"ttyUSB0", "1-1", "A1"}, {{"ttyUSB0", "1-2", "A1"}}, 0, "ttyUSB0 est revenu.\n"},
-      {"another one",
-       {"ttyUSB0", "1-1", "A1"},
-       {{"ttyUSB0", "1-1", "B2"}},
-       -1,
-       "est maintenant celui d'un autre appareil"},
-      {"under another number, another one in its place",
-       {"ttyUSB0", "1-1", "A1"},
-       {{"ttyUSB0", "1-2", "B2"}, {"ttyUSB1", "1-1", "A1"}},
-       1,
-       "/dev/ttyUSB1.\n"},
+      {"another one", {"ttyUSB0", "1-1", "A1"}, {{"ttyUSB0", "1-1", "B2"}}, -1, "est maintenant celui d'un autre appareil"},
+      {"under another number, another one in its place", {"ttyUSB0", "1-1", "A1"}, {{"ttyUSB0", "1-2", "B2"}, {"ttyUSB1", "1-1", "A1"}}, 1, "/dev/ttyUSB1.\n"},
       {"without a number, in its socket", {"ttyUSB0"}, {{"ttyUSB3"}}, 0, "/dev/ttyUSB3.\n"},
       {"without a number, in another socket", {"ttyUSB0"}, {{"ttyUSB0", "1-2"}}, -1, "un autre appareil"},
       {"its second port", {"ttyUSB0", "1-1", "A1", "00"}, {{"ttyUSB0", "1-1", "A1", "01"}}, -1, "un autre appareil"},
-      {"two that can't be told apart",
-       {"ttyUSB0", "1-1", "0001"},
-       {{"ttyUSB1", "1-1", "0001"}, {"ttyUSB2", "1-2", "0001"}},
-       -1,
-       "est absent"},
+      {"two that can't be told apart", {"ttyUSB0", "1-1", "0001"}, {{"ttyUSB1", "1-1", "0001"}, {"ttyUSB2", "1-2", "0001"}}, -1, "est absent"},
       {"none", {"ttyUSB0", "1-1", "A1"}, {}, -1, "est absent"}};
+  // clang-format on
   for (const auto& [Quoi, Avant, Après, Ouvert, Mots] : Table) {
     SCOPED_TRACE(Quoi);
     PseudoTerminal Premier;
@@ -258,5 +239,4 @@ TEST_F(Port, GivesADeviceThatHasJustComeTheTimeThatItsRightTakes) {
   EXPECT_EQ(seteuid(Moi), 0);
 }
 
-}  // namespace
-}  // namespace Ombrey
+}  // namespace Ombrey::Essais

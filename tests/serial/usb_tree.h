@@ -39,11 +39,11 @@ struct ArbreUsb {
                                                           {Usb / "serial", Un.Numéro},
                                                           {Port.parent_path() / "bInterfaceNumber", Un.Interface}};
     for (const auto& [Fichier, Texte] : Attributs) std::ofstream(Fichier) << Texte << '\n';
+    fs::create_symlink(Entrée, Racines.Sys / "class/tty" / Un.Nom);
     struct stat État {};
     if (stat(Appareil.c_str(), &État) != 0) return;
     fs::remove(EntréeDe(Racines, État.st_rdev));
     fs::create_symlink(Entrée, EntréeDe(Racines, État.st_rdev));
-    fs::create_symlink(Entrée, Racines.Sys / "class/tty" / Un.Nom);
     fs::create_symlink(Appareil, Racines.Dev / Un.Nom);
   }
   void Débrancher(const std::string& Nom) const {
