@@ -14,12 +14,8 @@ constexpr const char* Commande = BIN_DIR "/tarvel --diagnostic --base cave.db --
 TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
   const std::string Autre = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
   const std::string Seul = geteuid() == 0 ? "unshare -m" : "unshare -rm";
-  const struct {
-    const char* Acte;
-    std::string Par;
-    const char* Dit;  ///< how the line begins, up to "…", and what stands behind it
-    const char* ÀFaire;
-  } Cas[] = {
+  // What is done to the post, and as whom it is looked at, up to "…"; how the line begins, what stands in it.
+  const std::array<std::string, 4> Cas[] = {
       // clang-format off
       {"rm tarvel.ini", "", "mauvais réglages : ", "cp /usr/share/doc/ombrey/examples/site.ini "},
       {"rm tarvel.ini; mkdir tarvel.ini", "", "mauvais réglages : ", "remettez un fichier de texte"},
@@ -50,7 +46,7 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
     Programme Regard("cd " + P.En("") + " && " + Par + Commande);
     const int Code = Regard.Fin();
     const std::string& Texte = Regard.Dit();
-    const std::size_t Début = ("\n" + Texte).find("\n" + std::string(Dit));
+    const std::size_t Début = ("\n" + Texte).find("\n" + Dit);
     ASSERT_NE(Début, std::string::npos) << Texte;
     EXPECT_NE(Texte.substr(Début, Texte.find('\n', Début) - Début).find(ÀFaire), std::string::npos) << Texte;
     EXPECT_EQ(Code, ("\n" + Texte).find("\nmauvais ") == std::string::npos ? 0 : 1) << Texte;

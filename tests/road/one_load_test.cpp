@@ -95,9 +95,8 @@ TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
   Plateforme.LeSystème.Mur = {2026, 9, 23, 10, 11, 0};
   // What a killed station left behind is never taken for this load's.
   Faire(
-      "$ mkdir -p poste/import && echo '1;77;22/09/26 08:30;22/09/26 "
-      "09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r'" +
-      (" > 'poste/" + FichierImport + "'"));
+      "$ mkdir -p poste/import && echo '1;77;22/09/26 08:30;22/09/26 09:15;4;05;;01;12,5;2;1234;7;0;0;0;0;01;0;\r' >" +
+      ("'poste/" + FichierImport + "'"));
   for (const auto& [Issue, Champs] : Table)
     for (const auto& [Place, Texte] : Champs) {
       const std::string Dit = Relever(Offre(Enregistrement(Place, Texte)));
@@ -129,10 +128,11 @@ TEST_F(OneLoad, GarbageWithATrueChecksumNeverCostsALoad) {
   EXPECT_GT(Acquittés, 40) << "too few got far enough to prove anything";
 }
 
+/// What fails and how it is mended; how the first box begins, none where it is empty; the largest file that the disk
+/// has room for.
 struct Panne {
-  std::string Casser, Réparer;
-  std::string Boîte;              ///< how the first box begins; empty: none comes
-  rlim_t Disque = RLIM_INFINITY;  ///< no file grows beyond it, as on a full disk
+  std::string Casser, Réparer, Boîte;
+  rlim_t Disque = RLIM_INFINITY;
 };
 
 static Panne Sans(const std::string& Table, const std::string& Boîte) {

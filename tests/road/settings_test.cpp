@@ -1,7 +1,4 @@
 // Settings, ports and databases as they shouldn't be: each start says what is wrong, and a station that can run does.
-#include <fcntl.h>
-#include <sys/file.h>
-
 #include "tests/road/post.h"
 #include "tests/serial/pseudo_terminal.h"
 
@@ -12,10 +9,10 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
   const std::string Relevé = "Vérification de nouveaux chargements sur le RG80. ";
   const std::string Échec = "Echec de lecture de données du RG80 : ";
   const std::string Prêt = "Module initialisé.";
+  // Done to the settings or to the database; said at the start, and by the first poll or the end.
   struct {
-    const char* Acte;      ///< on the settings, on the database
-    std::string Attendu;   ///< said at the start
-    std::string AuRelevé;  ///< said by the first poll
+    const char* Acte;
+    std::string Attendu, AuRelevé;
     int Code = 0;
     Poste P{};
   } Cas[] = {
@@ -67,18 +64,6 @@ TEST(Start, AWorkingFolderBelongsToOneStationUntilItsDeath) {
   EXPECT_EQ(Première->Fin(), -SIGKILL);
   P.LancerStation();
   EXPECT_TRUE(P.Station->Attendre("commande « menu »")) << P.Dit();
-}
-
-TEST(Start, NamesAPortThatAnotherProgramHoldsAndTakesItWhenItIsFree) {
-  Poste P;
-  P.LancerTerminal("--hasard 1 --jusqu-a-vide");
-  const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
-  ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
-  P.LancerStation();
-  EXPECT_TRUE(P.Station->Attendre(P.En("ligne") + " est déjà utilisé par un autre programme.")) << P.Dit();
-  EXPECT_TRUE(P.Station->Attendre("Echec de lecture de données du RG80 : Erreur du port de communication au RG80."));
-  close(Autre);
-  P.Finir("1 1 0");
 }
 
 /// Asked for in the midst of a poll.

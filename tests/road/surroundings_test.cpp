@@ -1,15 +1,15 @@
-// Whatever a station is started from: it collects, goes on without its reader or its terminal, and ends when told.
+// Whatever a station is started from, and under clocks of years to come: it collects, goes on without its reader or its
+// terminal, and ends when told.
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
 
 /// All stations at once: the first poll comes after ten seconds.
 TEST(Surroundings, AStationCollectsAndEndsWhateverItWasStartedFrom) {
+  // Stands ahead of the program and behind its options; the signal that ends it.
   struct {
-    const char* Nom;
-    const char* Par;   ///< ahead of the program
-    const char* Plus;  ///< behind its options
-    int Signal;        ///< ends it
+    const char *Nom, *Par, *Plus;
+    int Signal;
     Poste P{};
   } Cas[] = {
       {"reader gone", "mkfifo tube; (head -c 1 tube >premier &) ; exec ", ">tube", SIGINT},
@@ -51,6 +51,33 @@ TEST(Surroundings, WindowsThatNobodyLooksAtAnswerTheirBoxesThemselves) {
   P.Station->Signaler(SIGTERM);
   EXPECT_EQ(P.Station->Fin(), 0) << P.Dit();
   EXPECT_EQ(P.Rentrés(), "1 1 0") << P.Dit();
+}
+
+/// A load of the day is filed under it, listed, and counts.
+TEST(Surroundings, TheYearsToComeAreTheirOwn) {
+  if (std::system("command -v faketime >/dev/null") != 0) GTEST_SKIP() << "faketime isn't installed";
+  // The station's clock; the day in the terminal's record and in the database.
+  const std::array<std::string, 3> Cas[] = {{"2030-01-01 00:05:00", "010130", "01/01/2030 08:30"},
+                                            {"2050-09-22 12:00:00", "220950", "22/09/2050 08:30"}};
+  for (const auto& [Horloge, Date, Arrivée] : Cas) {
+    Poste P;
+    // The second one bears the same number: the first goes to the archive, and counts.
+    for (std::ofstream Offerts(P.En("offerts")); const char* Masse : {"1000", "1234"})
+      Offerts << Enregistrement(4, Date).replace(48, 4, Masse) << "\n";
+    P.LancerTerminal("--chargements offerts --jusqu-a-vide");
+    P.LancerStation("interroger", "--sans-operateur", "exec faketime '" + Horloge + "' ");
+    EXPECT_TRUE(P.Rg80->Attendre("réponse reçue : 000000059000001000024000", 60s)) << P.Dit();
+    EXPECT_TRUE(P.Rg80->Attendre("réponse reçue : 000000057766002234022766", 60s)) << P.Dit();
+    EXPECT_TRUE(P.Station->Attendre("hôte : Le chargement n° 12 du site 1, arrivé le " + Arrivée +
+                                    " (exploitation 4, 1000 kg), passe dans ChargementArchive"))
+        << P.Dit();
+    P.Station->Taper("liste");
+    EXPECT_TRUE(P.Station->Attendre("liste : 1\n")) << P.Dit();
+    P.Finir("1 1 1");
+    EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
+                       " FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),
+              Arrivée + "1000archivé," + Arrivée + "1234");
+  }
 }
 
 }  // namespace Ombrey::Essais

@@ -3,11 +3,7 @@
 
 namespace Ombrey::Essais {
 /// The whole of the five files as bytes; a slash stands for the blanks that fill a record up on the right.
-static const struct {
-  const char* Nom;
-  std::size_t Longueur;
-  std::string Enregistrements;
-} Fichiers[] = {
+static const std::tuple<const char*, std::size_t, std::string> Fichiers[] = {
     // clang-format off
     // Appellation, name, quota for a hectare.
     {"recu/fichier-4.txt", 31, "05C\364teaux rouges      750000000" "10C\364teaux ros\351s       800000000"
