@@ -43,7 +43,7 @@ void ListRead(benchmark::State& État) {
   Journée Cave;
   for ([[maybe_unused]] auto Tour : État) {
     const auto Tableau = LireChargementsDuJour(*Cave.Base->BaseDAO(), Régional{});
-    if (Tableau.Lignes.size() != Chargements) État.SkipWithError("not every load is in the list");
+    if (Tableau.Rangées.size() != Chargements) État.SkipWithError("not every load is in the list");
   }
 }
 BENCHMARK(ListRead)->Name("list of 2,000 loads, read")->Iterations(50)->Unit(benchmark::kMillisecond);

@@ -10,6 +10,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "host/conditions.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -31,27 +32,6 @@ std::int32_t EntierBorné(double Valeur) {
 constexpr const char* SommeDesMasses =
     "SELECT SUM(CAST(replace(replace(CAST(C.Masse AS TEXT), ' ', ''), ',', '.') AS DOUBLE PRECISION)) FROM ";
 
-/// A sum of weights under construction: conditions and the values that they compare with.
-class RequêteMasse {
- public:
-  void Exiger(const std::string& Début, ValeurChamp Valeur, const char* Fin = "") {
-    Valeurs_.push_back(std::move(Valeur));
-    Conditions_ += (Conditions_.empty() ? " WHERE " : " AND ") + Début + "?" + std::to_string(Valeurs_.size()) + Fin;
-  }
-  void ExigerSiDonné(const char* Début, const std::string& Valeur, const char* Fin = "") {
-    if (!Valeur.empty()) Exiger(Début, Valeur, Fin);
-  }
-  [[nodiscard]] double Lire(Ombrey::IConnexion& Connexion, const char* Table) const {
-    const ValeurChamp Somme = Connexion.Lire(SommeDesMasses + std::string(Table) + " AS C" + Conditions_, Valeurs_);
-    const auto* Total = std::get_if<double>(&Somme);
-    return Total ? *Total : 0;
-  }
-
- private:
-  std::string Conditions_;
-  std::vector<ValeurChamp> Valeurs_;
-};
-
 }  // namespace
 
 std::string SansEspaces(std::string Texte) {
@@ -61,17 +41,24 @@ std::string SansEspaces(std::string Texte) {
 }
 
 double Figures::Masse(const FiltreChargements& Filtre) const {
-  RequêteMasse Requête;
-  Requête.ExigerSiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(",
-                        Filtre.Groupe, " AS INTEGER))");
-  Requête.ExigerSiDonné("C.Métayage = ", Filtre.Métayage);
-  Requête.ExigerSiDonné("C.Sélection = ", Filtre.Sélection);
-  Requête.ExigerSiDonné("C.Cépage = ", Filtre.Cépage);
-  Requête.ExigerSiDonné("C.Qualité = ", Filtre.Qualité);
-  if (Filtre.Du) Requête.Exiger("C.DateCh >= ", std::floor(*Filtre.Du));
-  if (Filtre.Au) Requête.Exiger("C.DateCh < ", std::floor(*Filtre.Au) + 1);
+  Conditions Choix;
+  const auto SiDonné = [&](const char* Début, const std::string& Valeur, const char* Fin = "") {
+    if (!Valeur.empty()) Choix.Et(Début, Valeur, Fin);
+  };
+  SiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(", Filtre.Groupe,
+          " AS INTEGER))");
+  SiDonné("C.Métayage = ", Filtre.Métayage);
+  SiDonné("C.Sélection = ", Filtre.Sélection);
+  SiDonné("C.Cépage = ", Filtre.Cépage);
+  SiDonné("C.Qualité = ", Filtre.Qualité);
+  if (Filtre.Du) Choix.Et("C.DateCh >= ", std::floor(*Filtre.Du));
+  if (Filtre.Au) Choix.Et("C.DateCh < ", std::floor(*Filtre.Au) + 1);
   double Total = 0;
-  for (const char* Table : {TableChargements, TableArchive}) Total += Requête.Lire(Connexion_, Table);
+  for (const char* Table : {TableChargements, TableArchive}) {
+    const ValeurChamp Somme =
+        Connexion_.Lire(SommeDesMasses + std::string(Table) + " AS C" + Choix.Sql(), Choix.Valeurs());
+    if (const auto* Une = std::get_if<double>(&Somme)) Total += *Une;
+  }
   return Total;
 }
 

@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "base/regional_forms.h"
+#include "host/conditions.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -23,27 +24,15 @@ std::string NomSql(const std::string& Nom) {
 
 void Joindre(std::string& Liste, const std::string& Élément) { Liste += (Liste.empty() ? "" : ", ") + Élément; }
 
-/// A choice of rows: the conditions, and the values that they compare with.
-struct Choix {
-  std::string Sql;
-  std::vector<ValeurChamp> Valeurs;
-
-  void Exiger(const std::string& Début, const ValeurChamp& Valeur, const std::string& Fin = "") {
-    Valeurs.push_back(Valeur);
-    Ajouter(Début + "?" + std::to_string(Valeurs.size()) + Fin);
-  }
-  void Ajouter(const std::string& Condition) { Sql += (Sql.empty() ? " WHERE " : " AND ") + Condition; }
-};
-
-void ExigerFait(Choix& Lignes, const std::string& Nom, const ColonneImport& Colonne, const ValeurImport& Lue) {
+void ExigerFait(Conditions& Choix, const std::string& Nom, const ColonneImport& Colonne, const ValeurImport& Lue) {
   constexpr const char* MêmeSeconde = ") < 0.5 / 86400 OR ";
   if (Lue.EstDateDeRemplacement) return;
   if (Colonne.Genre == GenreValeur::Date && !EstNull(Lue.Valeur))
-    Lignes.Exiger("(abs(" + Nom + " - ", Lue.Valeur, MêmeSeconde + Nom + " IS NULL)");
+    Choix.Et("(abs(" + Nom + " - ", Lue.Valeur, MêmeSeconde + Nom + " IS NULL)");
   else if (EstNull(Lue.Valeur))
-    Lignes.Ajouter(Nom + " IS NULL");
+    Choix.Et(Nom + " IS NULL");
   else
-    Lignes.Exiger(Nom + " = ", Lue.Valeur);
+    Choix.Et(Nom + " = ", Lue.Valeur);
 }
 
 /// Also what the office wrote in place of a date.
@@ -73,14 +62,14 @@ const ValeurChamp& TableDesChargements::Valeur(const LigneImport& Ligne, const c
 }
 
 std::optional<std::int64_t> TableDesChargements::Chercher(const char* Table, const LigneImport& Ligne) const {
-  Choix Lignes;
-  Lignes.Exiger("CodeSite = ", Valeur(Ligne, "CodeSite"));
+  Conditions Choix;
+  Choix.Et("CodeSite = ", Valeur(Ligne, "CodeSite"));
   for (const ColonneChargement& Colonne : ColonnesChargement) {
     const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
-    if (Place) ExigerFait(Lignes, ColonneReçue(Colonne.Nom), Définition_.Colonnes[*Place], Ligne[*Place]);
+    if (Place) ExigerFait(Choix, ColonneReçue(Colonne.Nom), Définition_.Colonnes[*Place], Ligne[*Place]);
   }
   const ValeurChamp Trouvé =
-      Connexion_.Lire("SELECT MAX(IdChargement) FROM " + std::string(Table) + Lignes.Sql, Lignes.Valeurs);
+      Connexion_.Lire("SELECT MAX(IdChargement) FROM " + std::string(Table) + Choix.Sql(), Choix.Valeurs());
   const auto* Id = std::get_if<std::int64_t>(&Trouvé);
   return Id ? std::optional(*Id) : std::nullopt;
 }

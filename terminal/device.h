@@ -1,7 +1,6 @@
 // The two ends that the terminal can speak on: a pseudo-terminal with a link to it, or a real serial device.
 #pragma once
 
-#include <optional>
 #include <string>
 #include <string_view>
 

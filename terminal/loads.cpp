@@ -4,6 +4,8 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <string_view>
+#include <utility>
 
 #include "terminal/frame.h"
 

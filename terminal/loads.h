@@ -2,7 +2,6 @@
 #pragma once
 
 #include <chrono>
-#include <cstdint>
 #include <istream>
 #include <stdexcept>
 #include <string>

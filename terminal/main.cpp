@@ -2,9 +2,13 @@
 #include <time.h>
 
 #include <chrono>
+#include <ctime>
+#include <exception>
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <stdexcept>
+#include <utility>
 #include <vector>
 
 #include "terminal/device.h"

@@ -5,6 +5,7 @@
 #include <array>
 #include <charconv>
 #include <set>
+#include <system_error>
 
 #include "terminal/loads.h"
 

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 
 #include "terminal/device.h"
 #include "terminal/engine.h"

@@ -57,9 +57,9 @@ void VueSuiviConsole::Cacher() {
   Fenêtres_.Ligne("fenêtre « " + Légende_ + " » masquée");
 }
 
-void VueSuiviConsole::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
+void VueSuiviConsole::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   Entêtes_ = std::move(Entêtes);
-  Grille_ = std::move(Lignes);
+  Grille_ = std::move(Rangées);
 }
 
 int VueSuiviConsole::LargeurColonne(std::size_t Colonne) const {
@@ -112,14 +112,14 @@ std::vector<std::string> VueSuiviConsole::Tableau() const {
   std::vector<std::size_t> Largeurs;
   for (std::size_t Colonne = 0; Colonne < Entêtes_.size(); ++Colonne) {
     std::size_t Largeur = NombreCaractères(TexteVisible(Entêtes_[Colonne]));
-    for (const auto& Ligne : Grille_) {
-      if (Colonne < Ligne.size()) Largeur = std::max(Largeur, NombreCaractères(TexteVisible(Ligne[Colonne])));
+    for (const auto& Rangée : Grille_) {
+      if (Colonne < Rangée.size()) Largeur = std::max(Largeur, NombreCaractères(TexteVisible(Rangée[Colonne])));
     }
     Largeurs.push_back(Largeur);
   }
   std::vector<std::string> Tableau;
   if (!Entêtes_.empty()) Tableau.push_back(LigneDeTableau(Entêtes_, Largeurs));
-  for (const auto& Ligne : Grille_) Tableau.push_back(LigneDeTableau(Ligne, Largeurs));
+  for (const auto& Rangée : Grille_) Tableau.push_back(LigneDeTableau(Rangée, Largeurs));
   return Tableau;
 }
 

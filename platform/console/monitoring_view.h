@@ -29,7 +29,7 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   void MettreDevant() override {}
   void Repeindre() override {}
 
-  void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) override;
+  void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) override;
   [[nodiscard]] std::size_t NombreColonnes() const override { return Entêtes_.size(); }
   [[nodiscard]] int LargeurColonne(std::size_t Colonne) const override;
   void FixerLargeurColonne(std::size_t Colonne, int Twips) override { Largeurs_[Colonne] = Twips; }

@@ -55,13 +55,13 @@ QFont EnGras() {
 }
 }  // namespace
 
-void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
+void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   const auto Poser = [&] {
     std::set<QString> Connues;
     for (int Rang = 0; Rang < rowCount(); ++Rang) Connues.insert(Identité(Rang));
     const bool Première = Entêtes.size() != Entêtes_.size();
     Entêtes_ = std::move(Entêtes);
-    Lignes_ = std::move(Lignes);
+    Rangées_ = std::move(Rangées);
     std::set<QString> Venues;
     for (int Rang = 0; !Première && Rang < rowCount(); ++Rang)
       if (!Connues.contains(Identité(Rang))) Venues.insert(Identité(Rang));
@@ -74,7 +74,7 @@ void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::
     return;
   }
   const int Avant = rowCount();
-  const int Après = static_cast<int>(Lignes.size());
+  const int Après = static_cast<int>(Rangées.size());
   const bool Entêté = Entêtes != Entêtes_;
   if (Après > Avant) {
     beginInsertRows({}, Avant, Après - 1);
@@ -93,7 +93,7 @@ void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::
 }
 
 int ModèleGrille::rowCount(const QModelIndex& Parent) const {
-  return Parent.isValid() || Entêtes_.empty() ? 0 : static_cast<int>(Lignes_.size());
+  return Parent.isValid() || Entêtes_.empty() ? 0 : static_cast<int>(Rangées_.size());
 }
 
 int ModèleGrille::columnCount(const QModelIndex& Parent) const {
@@ -102,8 +102,8 @@ int ModèleGrille::columnCount(const QModelIndex& Parent) const {
 
 QString ModèleGrille::Identité(int Rang) const {
   if (Rang < 0 || Rang >= rowCount()) return {};
-  const auto& Ligne = Lignes_[static_cast<std::size_t>(Rang)];
-  return Ligne.size() < 2 ? QString() : Texte(Ligne[0]) + QLatin1Char('\t') + Texte(Ligne[1]);
+  const auto& Rangée = Rangées_[static_cast<std::size_t>(Rang)];
+  return Rangée.size() < 2 ? QString() : Texte(Rangée[0]) + QLatin1Char('\t') + Texte(Rangée[1]);
 }
 
 int ModèleGrille::RangDe(const QString& Identité) const {
@@ -115,18 +115,18 @@ int ModèleGrille::RangDe(const QString& Identité) const {
 
 QVariant ModèleGrille::data(const QModelIndex& Place, int Rôle) const {
   if (!Place.isValid()) return {};
-  const auto& Ligne = Lignes_.at(static_cast<std::size_t>(Place.row()));
+  const auto& Rangée = Rangées_.at(static_cast<std::size_t>(Place.row()));
   const auto Colonne = static_cast<std::size_t>(Place.column());
-  if (Colonne >= Ligne.size()) return {};
-  const char* const Réserve = ÀVoir(Entêtes_[Colonne], Ligne[Colonne]);
+  if (Colonne >= Rangée.size()) return {};
+  const char* const Réserve = ÀVoir(Entêtes_[Colonne], Rangée[Colonne]);
   switch (Rôle) {
     case Qt::DisplayRole:
-      return Texte(Ligne[Colonne]);
+      return Texte(Rangée[Colonne]);
     case Qt::ToolTipRole:
       // A tool tip would take a text with angle brackets for a page of its own.
-      return (Réserve == nullptr ? Texte(Ligne[Colonne]) : QString::fromUtf8(Réserve)).toHtmlEscaped();
+      return (Réserve == nullptr ? Texte(Rangée[Colonne]) : QString::fromUtf8(Réserve)).toHtmlEscaped();
     case Qt::TextAlignmentRole:
-      return int(Qt::AlignVCenter | (EstNombre(Ligne[Colonne]) ? Qt::AlignRight : Qt::AlignLeft));
+      return int(Qt::AlignVCenter | (EstNombre(Rangée[Colonne]) ? Qt::AlignRight : Qt::AlignLeft));
     case Qt::FontRole:
       return Nouvelles_.contains(Identité(Place.row())) ? QVariant(EnGras()) : QVariant();
     case Qt::BackgroundRole:
@@ -167,7 +167,7 @@ GrilleChargements::GrilleChargements(QWidget* Parent) : QTableView(Parent) {
   });
 }
 
-void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
+void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   if (static_cast<int>(Entêtes.size()) != NombreColonnes()) LargeursFixées_.clear();
   EnAjustement_ = true;
   const bool EstChoisie = selectionModel()->isRowSelected(currentIndex().row());
@@ -176,7 +176,7 @@ void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<s
   // At the very top the newest load is what one wants to see; farther down one looks at a certain load.
   const int EnTête = verticalScrollBar()->value();
   const QString Regardée = EnTête > 0 ? Modèle_.Identité(EnTête) : QString();
-  Modèle_.Remplir(std::move(Entêtes), std::move(Lignes));
+  Modèle_.Remplir(std::move(Entêtes), std::move(Rangées));
   if (const int Rang = Modèle_.RangDe(Choisie); EstChoisie && Rang != currentIndex().row()) {
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(Modèle_.index(Rang, Colonne),

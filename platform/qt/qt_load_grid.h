@@ -14,7 +14,7 @@ class ModèleGrille : public QAbstractTableModel {
  public:
   using QAbstractTableModel::QAbstractTableModel;
   /// As long as the number of columns stays, views keep scroll position, widths and selection by their row.
-  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées);
 
   /// What a row stands for, whatever its place: its first two texts. Empty where there is no such row.
   [[nodiscard]] QString Identité(int Rang) const;
@@ -28,7 +28,7 @@ class ModèleGrille : public QAbstractTableModel {
 
  private:
   std::vector<std::string> Entêtes_;
-  std::vector<std::vector<std::string>> Lignes_;
+  std::vector<std::vector<std::string>> Rangées_;
   std::set<QString> Nouvelles_;  ///< rows that came with the latest contents that brought any
 };
 
@@ -36,7 +36,7 @@ class GrilleChargements : public QTableView {
  public:
   explicit GrilleChargements(QWidget* Parent);
   /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
-  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes);
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées);
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
   void FixerLargeur(int Colonne, int Pixels);
   /// The width that was given to the column; 0 as long as it follows its contents. To remember that of an empty list,

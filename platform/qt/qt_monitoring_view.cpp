@@ -204,8 +204,8 @@ void VueSuiviChargntQt::Brancher() {
 
 void VueSuiviChargntQt::Repeindre() { Fenêtre_->repaint(); }
 
-void VueSuiviChargntQt::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) {
-  Grille_->Remplir(std::move(Entêtes), std::move(Lignes));
+void VueSuiviChargntQt::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
+  Grille_->Remplir(std::move(Entêtes), std::move(Rangées));
 }
 
 std::size_t VueSuiviChargntQt::NombreColonnes() const { return static_cast<std::size_t>(Grille_->NombreColonnes()); }

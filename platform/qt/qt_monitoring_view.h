@@ -27,7 +27,7 @@ class VueSuiviChargntQt : public IVueSuiviChargnt {
   void MettreDevant() override { Fenêtre_.MettreDevant(); }
   void Repeindre() override;
 
-  void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) override;
+  void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) override;
   [[nodiscard]] std::size_t NombreColonnes() const override;
   [[nodiscard]] int LargeurColonne(std::size_t Colonne) const override;
   void FixerLargeurColonne(std::size_t Colonne, int Twips) override;

@@ -46,16 +46,16 @@ class DialoguePort : public QDialog {
     setAttribute(Qt::WA_QuitOnClose, false);
     auto* const Plan = new QFormLayout(this);
     for (std::size_t Rang = 0; Rang < Champs.size(); ++Rang) {
-      const Champ& Ligne = Champs[Rang];
+      const Champ& Rangée = Champs[Rang];
       QComboBox* const Saisie = Saisies_[Rang] = FaireSaisie();
-      if (Ligne.Choix == nullptr) {
+      if (Rangée.Choix == nullptr) {
         OffrirPorts(*Saisie, Ports);
       } else {
-        for (const std::string& Un : Usuels.*Ligne.Choix) Saisie->addItem(Texte(Un), Texte(Un));
+        for (const std::string& Un : Usuels.*Rangée.Choix) Saisie->addItem(Texte(Un), Texte(Un));
       }
-      Saisie->setEditText(Texte(Réglages.*Ligne.Valeur));
+      Saisie->setEditText(Texte(Réglages.*Rangée.Valeur));
       connect(Saisie, &QComboBox::editTextChanged, this, [this] { Vérifier(); });
-      Plan->addRow(QString::fromUtf8(Ligne.Libellé), Saisie);
+      Plan->addRow(QString::fromUtf8(Rangée.Libellé), Saisie);
     }
     CompteRendu_->setTextFormat(Qt::PlainText);
     CompteRendu_->setWordWrap(true);

@@ -46,16 +46,16 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
   Fenêtre_->setWindowTitle(Texte(Titre));
   Fenêtre_->setFixedSize(EnPixels(Intérieur, Résolution).size());
   std::vector<std::pair<int, QWidget*>> Ordre;
-  for (const DessinContrôle& Ligne : Dessin) {
-    QWidget* const Contrôle = Créer(Ligne);
-    Contrôle->setGeometry(EnPixels(Ligne.Place, Résolution));
-    const bool EstCase = Ligne.Genre == GenreContrôle::CaseÀCocher;
+  for (const DessinContrôle& Dessiné : Dessin) {
+    QWidget* const Contrôle = Créer(Dessiné);
+    Contrôle->setGeometry(EnPixels(Dessiné.Place, Résolution));
+    const bool EstCase = Dessiné.Genre == GenreContrôle::CaseÀCocher;
     // Measured in bold where the caption can become bold.
     Contrôle->setFont(Gras(Contrôle->font(), EstCase));
-    FaireTenir(*Contrôle, Texte(Ligne.Texte),
-               EstCase ? MargeCase : MargeBouton * (Ligne.Genre == GenreContrôle::Bouton), 0);
+    FaireTenir(*Contrôle, Texte(Dessiné.Texte),
+               EstCase ? MargeCase : MargeBouton * (Dessiné.Genre == GenreContrôle::Bouton), 0);
     Contrôle->setFont(Gras(Contrôle->font(), false));
-    Ordre.emplace_back(Ligne.OrdreTabulation, Contrôle);
+    Ordre.emplace_back(Dessiné.OrdreTabulation, Contrôle);
   }
   std::ranges::sort(Ordre);
   for (std::size_t Rang = 1; Rang < Ordre.size(); ++Rang)

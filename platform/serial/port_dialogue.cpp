@@ -33,18 +33,18 @@ RéglagesPort Compléter(RéglagesPort Réglages) {
     const auto Trouvés = PortsDeLaMachine();
     if (!Trouvés.empty()) Réglages.Port = Trouvés.front().Nom;
   }
-  for (const CléPort& Ligne : Clés)
-    if ((Réglages.*Ligne.Champ).empty()) Réglages.*Ligne.Champ = Ligne.Proposition;
+  for (const CléPort& Rangée : Clés)
+    if ((Réglages.*Rangée.Champ).empty()) Réglages.*Rangée.Champ = Rangée.Proposition;
   return Réglages;
 }
 
 /// The port's name last: should the disk fill up in between, the old port isn't started with a new one's name.
 void ÉcrireRéglages(ILecteurIni& Lecteur, const RéglagesPort& Anciens, const RéglagesPort& Nouveaux) {
-  for (auto Ligne = std::rbegin(Clés); Ligne != std::rend(Clés); ++Ligne) {
-    if (Anciens.*Ligne->Champ == Nouveaux.*Ligne->Champ) continue;
+  for (auto Rangée = std::rbegin(Clés); Rangée != std::rend(Clés); ++Rangée) {
+    if (Anciens.*Rangée->Champ == Nouveaux.*Rangée->Champ) continue;
     bool Drapeau = false;
-    Lecteur.FixerClé(Ligne->Clé);
-    Lecteur.FixerValeur(Nouveaux.*Ligne->Champ);
+    Lecteur.FixerClé(Rangée->Clé);
+    Lecteur.FixerValeur(Nouveaux.*Rangée->Champ);
     Lecteur.EcrireValeur(Drapeau);
   }
 }
@@ -72,11 +72,11 @@ RéglagesLiaison Vérifiés(const RéglagesPort& Réglages) {
 
 RéglagesPort LireRéglages(ILecteurIni& Lecteur) {
   RéglagesPort Lus;
-  for (const CléPort& Ligne : Clés) {
+  for (const CléPort& Rangée : Clés) {
     bool Drapeau = false;
-    Lecteur.FixerClé(Ligne.Clé);
+    Lecteur.FixerClé(Rangée.Clé);
     Lecteur.LireValeur(Drapeau);
-    Lus.*Ligne.Champ = Lecteur.Valeur();
+    Lus.*Rangée.Champ = Lecteur.Valeur();
   }
   return Lus;
 }

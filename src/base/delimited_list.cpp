@@ -2,6 +2,7 @@
 #include "base/delimited_list.h"
 
 #include <limits>
+#include <utility>
 
 #include "base/failures.h"
 

@@ -48,12 +48,12 @@ class ErreurEnAttente {
 /// Runs one statement; a failure that it raises becomes the pending error, and the caller goes on with its next
 /// statement. True when it ran through.
 template <class Instruction>
-bool Ignorer(ErreurEnAttente& Attente, Instruction&& Faire) {
+bool Ignorer(ErreurEnAttente& Pendante, Instruction&& Faire) {
   try {
     std::forward<Instruction>(Faire)();
     return true;
   } catch (const std::exception& Erreur) {
-    Attente.Noter(Erreur);
+    Pendante.Noter(Erreur);
     return false;
   }
 }

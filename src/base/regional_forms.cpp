@@ -7,6 +7,7 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
+#include <system_error>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"

@@ -2,6 +2,7 @@
 #include "base/visible_text.h"
 
 #include "base/ansi_text.h"
+#include "contracts/octets.h"
 
 namespace Ombrey {
 namespace {

@@ -1,4 +1,5 @@
-// The context: what several rooms of the plug-in share. Core owns it and hands it down.
+// The context: what several rooms of the plug-in share. Core owns it and hands it down; with it come the contracts, the
+// failures and the line.
 #pragma once
 
 #include <memory>

@@ -5,7 +5,6 @@
 #include <map>
 #include <memory>
 #include <optional>
-#include <utility>
 
 #include "contracts/platform.h"
 

@@ -3,7 +3,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -101,7 +100,7 @@ class IVueSuiviChargnt {
   virtual void Repeindre() = 0;
 
   /// Replaces the grid's contents without flicker. Each row has as many texts as there are headings.
-  virtual void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Lignes) = 0;
+  virtual void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) = 0;
   [[nodiscard]] virtual std::size_t NombreColonnes() const = 0;
   /// In twips; 0 while the column has no width of its own to remember.
   [[nodiscard]] virtual int LargeurColonne(std::size_t Colonne) const = 0;

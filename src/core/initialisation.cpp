@@ -1,4 +1,6 @@
 // Start of the link: settings, port, polling period, first tick.
+#include <utility>
+
 #include "base/regional_forms.h"
 #include "contracts/phrases.h"
 #include "core/plugin.h"
@@ -17,9 +19,9 @@ constexpr const char* CléPort = "Port";
 constexpr const char* CléPériode = "Période interrogation";
 
 /// The settings file, opened on the plug-in's section.
-class Section {
+class SectionPlugIn {
  public:
-  Section(IPlateforme& Plateforme, const std::string& Fichier) : Lecteur_(Plateforme.CréerLecteurIni()) {
+  SectionPlugIn(IPlateforme& Plateforme, const std::string& Fichier) : Lecteur_(Plateforme.CréerLecteurIni()) {
     Lecteur_->FixerFichier(Fichier);
     Lecteur_->FixerSection(SectionIni);
   }
@@ -57,11 +59,11 @@ Entier EntierDuRéglage(const char* Clé, const std::string& Valeur, const Régi
 std::string PlugIn::IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> EventPlugin) {
   const auto Tenu = État_.PlugInCourant;
   État_.EventPlugin = std::move(EventPlugin);
-  std::string NomPort = Section(État_.Plateforme, FichierIni_).Lire(CléPort);
+  std::string NomPort = SectionPlugIn(État_.Plateforme, FichierIni_).Lire(CléPort);
   if (NomPort.empty()) {
     DemanderRéglages();
     if (État_.Abandon) return "";
-    NomPort = Section(État_.Plateforme, FichierIni_).Lire(CléPort);
+    NomPort = SectionPlugIn(État_.Plateforme, FichierIni_).Lire(CléPort);
   }
   std::string Erreur = NomPort.empty() ? Phrase::PortMalRéglé : OuvrirLiaison(NomPort);
   LirePériode();
@@ -120,7 +122,7 @@ std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
 bool PlugIn::DefParamPort() {
   const auto Port = Exiger(Échange_.Port());
   const Régional Formes = État_.Formes();
-  Section Réglages(État_.Plateforme, FichierIni_);
+  SectionPlugIn Réglages(État_.Plateforme, FichierIni_);
   const auto Entier = [&](const char* Clé) { return EntierDuRéglage<std::int16_t>(Clé, Réglages.Lire(Clé), Formes); };
   Port->FixerNomPort(Réglages.Lire(CléPort));
   Port->FixerBauds(Entier("Bauds"));
@@ -136,7 +138,7 @@ bool PlugIn::DefParamPort() {
 
 void PlugIn::LirePériode() {
   const Régional Formes = État_.Formes();
-  Section Réglages(État_.Plateforme, FichierIni_);
+  SectionPlugIn Réglages(État_.Plateforme, FichierIni_);
   const std::string Valeur = Réglages.Lire(CléPériode);
   if (EstNumérique(Valeur, Formes)) {
     Interrogation_.FixerPériode(EntierDuRéglage<std::int32_t>(CléPériode, Valeur, Formes));
@@ -155,9 +157,9 @@ void PlugIn::IPlugInTarvel_Afficher() {
 void PlugIn::IPlugInTarvel_Configurer() {
   const auto Tenu = État_.PlugInCourant;
   // Held while the operator is asked: on a port that doesn't open, which is when it is set anew, every poll has a box.
-  const auto Ligne = État_.Liaison.PrendreOuReporter(DemandeLiaison::Configuration,
+  const auto Prise = État_.Liaison.PrendreOuReporter(DemandeLiaison::Configuration,
                                                      [this] { Reporter([this] { IPlugInTarvel_Configurer(); }); });
-  if (!Ligne) return;
+  if (!Prise) return;
   if (const auto Port = Échange_.Port()) {
     Port->Configurer(FichierIni_, SectionIni);
   } else {

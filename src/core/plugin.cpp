@@ -1,6 +1,8 @@
 // The plug-in towards its host: name, button, menu, database, and the calls that lead into the rooms.
 #include "core/plugin.h"
 
+#include <utility>
+
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"
 #include "core/button_picture.h"
@@ -86,9 +88,9 @@ void PlugIn::IPlugInTarvel_BoutonBarreOutilsAppelé(std::int16_t Num, const std:
 void PlugIn::TesterEtMontrer() {
   const auto Tenu = État_.PlugInCourant;
   {
-    const auto Ligne =
+    const auto Prise =
         État_.Liaison.PrendreOuReporter(DemandeLiaison::Bouton, [this] { Reporter([this] { TesterEtMontrer(); }); });
-    if (!Ligne) return;
+    if (!Prise) return;
     Interrogation_.Armer();
     Canal_.Rafraîchir();
     const bool Connecté = TesterConnexion();
@@ -105,9 +107,9 @@ void PlugIn::TransférerDonnées() {
   // Asked for twice: the window is on its way already, or open.
   if (!FChargntDonnées_.expired()) return;
   const auto Tenu = État_.PlugInCourant;
-  const auto Ligne =
+  const auto Prise =
       État_.Liaison.PrendreOuReporter(DemandeLiaison::Menu, [this] { Reporter([this] { TransférerDonnées(); }); });
-  if (!Ligne) return;
+  if (!Prise) return;
   const auto Fenêtre = std::make_shared<FChargntDonnées>(État_);
   FChargntDonnées_ = Fenêtre;
   Interrogation_.Suspendre([&] { Fenêtre->Afficher(*this); });

@@ -50,49 +50,49 @@ void VérificationExploitation::VérifierCoopérateur(std::string& Code) {
 
 bool VérificationExploitation::ChercherCoopérateur(const std::string& Numéro, std::string& Code) {
   const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Lignes = BaseDAO->OpenRecordset("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '" + Numéro + "'");
-  if (Lignes->Eof()) return false;
-  Code = TexteValeur(Lignes->FieldsNommé("IdCoopérateur"), État_.Formes());
+  const auto Rangées = BaseDAO->OpenRecordset("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '" + Numéro + "'");
+  if (Rangées->Eof()) return false;
+  Code = TexteValeur(Rangées->FieldsNommé("IdCoopérateur"), État_.Formes());
   return true;
 }
 
 bool VérificationExploitation::ChercherExploitation(const std::string& Propriétaire, const std::string& Récoltant,
                                                     std::string& Part, const std::string& Groupe, std::string& Code) {
   const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Lignes = BaseDAO->OpenRecordset(
+  const auto Rangées = BaseDAO->OpenRecordset(
       "SELECT IdMétayage,* FROM Métayage"
       " WHERE Clng(Propriétaire) = '" +
       Nombre(Propriétaire) + "' AND Clng(Récoltant) = '" + Nombre(Récoltant) + "'");
-  if (Lignes->Eof()) return false;
-  Lignes->MoveLast();
-  if (Lignes->RecordCount() > 1) ChoisirLigne(*Lignes, Part, Groupe);
-  Code = TexteValeur(Lignes->Fields(0), État_.Formes());
+  if (Rangées->Eof()) return false;
+  Rangées->MoveLast();
+  if (Rangées->RecordCount() > 1) ChoisirRangée(*Rangées, Part, Groupe);
+  Code = TexteValeur(Rangées->Fields(0), État_.Formes());
   return true;
 }
 
-void VérificationExploitation::ChoisirLigne(IRecordset& Lignes, std::string& Part, const std::string& Groupe) {
-  for (Lignes.MoveFirst(); !Lignes.Eof(); Lignes.MoveNext()) {
-    if (MêmePart(Lignes, Part)) return;
+void VérificationExploitation::ChoisirRangée(IRecordset& Rangées, std::string& Part, const std::string& Groupe) {
+  for (Rangées.MoveFirst(); !Rangées.Eof(); Rangées.MoveNext()) {
+    if (MêmePart(Rangées, Part)) return;
   }
-  for (Lignes.MoveFirst(); !Lignes.Eof(); Lignes.MoveNext()) {
-    if (MêmeGroupe(Lignes, Groupe)) return;
+  for (Rangées.MoveFirst(); !Rangées.Eof(); Rangées.MoveNext()) {
+    if (MêmeGroupe(Rangées, Groupe)) return;
   }
-  Lignes.MoveFirst();
+  Rangées.MoveFirst();
 }
 
 /// Shares are compared as whole numbers. A share of the load that can't be read fits every holding, and a share of the
 /// database that can't be read fits only such a load.
-bool VérificationExploitation::MêmePart(const IRecordset& Lignes, std::string& Part) {
+bool VérificationExploitation::MêmePart(const IRecordset& Rangées, std::string& Part) {
   const Régional Formes = État_.Formes();
-  std::string PartLigne = TexteValeur(Lignes.FieldsNommé("Part"), Formes);
-  const bool LigneLisible = NormaliserNombre(PartLigne, Formes);
+  std::string PartRangée = TexteValeur(Rangées.FieldsNommé("Part"), Formes);
+  const bool RangéeLisible = NormaliserNombre(PartRangée, Formes);
   const bool ChargementLisible = NormaliserNombre(Part, Formes);
   if (!ChargementLisible) return true;
-  return LigneLisible && EnEntier32(PartLigne, Formes) == EnEntier32(Part, Formes);
+  return RangéeLisible && EnEntier32(PartRangée, Formes) == EnEntier32(Part, Formes);
 }
 
-bool VérificationExploitation::MêmeGroupe(const IRecordset& Lignes, const std::string& Groupe) {
-  const ValeurChamp IdGrp = Lignes.FieldsNommé("IdGrp");
+bool VérificationExploitation::MêmeGroupe(const IRecordset& Rangées, const std::string& Groupe) {
+  const ValeurChamp IdGrp = Rangées.FieldsNommé("IdGrp");
   if (EstNull(IdGrp)) return false;
   const Régional Formes = État_.Formes();
   return AuSujetDe(SujetGroupe(Groupe), [&] { return EnRéel(Groupe, Formes); }) ==

@@ -25,9 +25,9 @@ class VérificationExploitation {
   [[nodiscard]] bool ChercherCoopérateur(const std::string& Numéro, std::string& Code);
   [[nodiscard]] bool ChercherExploitation(const std::string& Propriétaire, const std::string& Récoltant,
                                           std::string& Part, const std::string& Groupe, std::string& Code);
-  void ChoisirLigne(IRecordset& Lignes, std::string& Part, const std::string& Groupe);
-  [[nodiscard]] bool MêmePart(const IRecordset& Lignes, std::string& Part);
-  [[nodiscard]] bool MêmeGroupe(const IRecordset& Lignes, const std::string& Groupe);
+  void ChoisirRangée(IRecordset& Rangées, std::string& Part, const std::string& Groupe);
+  [[nodiscard]] bool MêmePart(const IRecordset& Rangées, std::string& Part);
+  [[nodiscard]] bool MêmeGroupe(const IRecordset& Rangées, const std::string& Groupe);
   [[nodiscard]] std::string CréerExploitation(const std::string& Propriétaire, const std::string& Récoltant,
                                               const std::string& Part, const std::string& Groupe);
   /// The code as a whole number: the one form in which a code of the line gets into an SQL text.

@@ -34,12 +34,12 @@ std::string MiseEnFormeImport::MiseEnFormePourImport(const std::vector<std::stri
 
 bool MiseEnFormeImport::LireDéfinition(Définition& Lue) {
   const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Lignes = BaseDAO->OpenRecordset("SELECT * FROM MSysEtats WHERE Titre = " + TexteSql(TitreImport) +
-                                             " AND Exportation = FALSE");
-  if (Lignes->Eof()) return false;
+  const auto Rangées = BaseDAO->OpenRecordset("SELECT * FROM MSysEtats WHERE Titre = " + TexteSql(TitreImport) +
+                                              " AND Exportation = FALSE");
+  if (Rangées->Eof()) return false;
   const Régional Formes = État_.Formes();
-  Lue.Colonnes = TexteValeur(Lignes->FieldsNommé("LongChps"), Formes);
-  Ignorer(État_.Erreur, [&] { Lue.Séparateur = TexteValeur(Lignes->FieldsNommé("Format"), Formes); });
+  Lue.Colonnes = TexteValeur(Rangées->FieldsNommé("LongChps"), Formes);
+  Ignorer(État_.Erreur, [&] { Lue.Séparateur = TexteValeur(Rangées->FieldsNommé("Format"), Formes); });
   return true;
 }
 

@@ -1,6 +1,7 @@
 // The frame checksum.
 #include "link/checksum.h"
 
+#include <cstddef>
 #include <cstdint>
 
 namespace Ombrey {

@@ -2,9 +2,6 @@
 #include "link/collection.h"
 
 #include <filesystem>
-#include <memory>
-#include <optional>
-#include <string_view>
 #include <system_error>
 
 #include "base/ansi_text.h"
@@ -74,7 +71,7 @@ void Collecte::SuivreLeCours() {
     // An ACK stays unsent: a load that wasn't imported is never acknowledged.
     if (RéponseRG80_ == Octets(1, NAK)) Échange_.Ecrire(NAK);
   }
-  if (!EstRompu()) Finir();
+  if (!EstRompu()) Conclure();
 }
 
 /// True when there is nobody left to answer for: the plug-in is ending, or works on another database now. Holding, row
@@ -215,7 +212,7 @@ void Collecte::EnvoyerCumuls() {
   État_.Erreur.Effacer();
 }
 
-void Collecte::Finir() {
+void Collecte::Conclure() {
   VérifierErreurEnAttente();
   ++Etape_;
   if (État_.Canal.EstVisible()) État_.Canal.Rafraîchir();

@@ -46,7 +46,7 @@ class Collecte {
   void RefuserAuTerminal();
   bool RépondreAuTerminal();
   void EnvoyerCumuls();
-  void Finir();
+  void Conclure();
   void VérifierErreurEnAttente();
   const std::filesystem::path& FichierConservé();
   bool EstRompu();

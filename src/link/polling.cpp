@@ -30,9 +30,9 @@ void Interrogation::Suspendre(const std::function<void()>& Faire) {
 
 void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
   const auto Tenu = État_.PlugInCourant;
-  const auto Ligne = État_.Liaison.PrendreOuReporter(DemandeLiaison::Interrogation,
+  const auto Prise = État_.Liaison.PrendreOuReporter(DemandeLiaison::Interrogation,
                                                      [this, CodeRetour] { Retard_FinTempo(CodeRetour); });
-  if (!Ligne) return;
+  if (!Prise) return;
 
   if (État_.Abandon) return;
   Exiger(Retard_)->Arrêter();

@@ -8,6 +8,7 @@
 
 #include "common/context.h"
 #include "link/collection.h"
+#include "link/exchange.h"
 
 namespace Ombrey {
 

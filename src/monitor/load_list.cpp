@@ -31,10 +31,10 @@ TableauChargements LireChargementsDuJour(IDatabase& Base, const Régional& Forme
   const auto Chargements = Base.OpenRecordset(SqlChargementsDuJour, TypeRecordset::VersLAvant);
   TableauChargements Tableau{Chargements->Colonnes(), {}};
   for (; !Chargements->Eof(); Chargements->MoveNext()) {
-    auto& Ligne = Tableau.Lignes.emplace_back();
-    Ligne.reserve(Tableau.Entêtes.size());
+    auto& Rangée = Tableau.Rangées.emplace_back();
+    Rangée.reserve(Tableau.Entêtes.size());
     for (std::size_t Colonne = 0; Colonne < Tableau.Entêtes.size(); ++Colonne)
-      Ligne.push_back(TexteOuVide(Chargements->Fields(Colonne), Formes));
+      Rangée.push_back(TexteOuVide(Chargements->Fields(Colonne), Formes));
   }
   return Tableau;
 }

@@ -12,7 +12,7 @@ namespace Ombrey {
 /// Each row has as many texts as there are headings; a Null is the empty text.
 struct TableauChargements {
   std::vector<std::string> Entêtes;
-  std::vector<std::vector<std::string>> Lignes;
+  std::vector<std::vector<std::string>> Rangées;
 };
 
 /// Newest load first. Raises ErreurExécution when the query can't be run or read.

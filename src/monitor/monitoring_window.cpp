@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <utility>
 
+#include "base/regional_forms.h"
 #include "monitor/error_printout.h"
 #include "monitor/load_list.h"
 #include "monitor/window_placement.h"
@@ -125,7 +126,7 @@ void FSuiviChargnt::Rafraîchir() {
 void FSuiviChargnt::RemplirGrille() {
   const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
   auto Tableau = LireChargementsDuJour(*Base, État_.Formes());
-  Vue_->RemplirGrille(std::move(Tableau.Entêtes), std::move(Tableau.Lignes));
+  Vue_->RemplirGrille(std::move(Tableau.Entêtes), std::move(Tableau.Rangées));
   GrilleRemplie_ = true;
 }
 

@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <span>
+#include <string>
 
 #include "base/regional_forms.h"
 #include "contracts/system.h"

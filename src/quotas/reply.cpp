@@ -47,17 +47,17 @@ void RéponseCumuls::MettreAJourCumuls(std::string& NoChargement) {
 bool RéponseCumuls::LireChargement(const std::string& NoChargement, Chargement& Lu) {
   const auto Base = Exiger(État_.BaseDeD);
   const std::string CodeSite = Exiger(Base->KVSynchro())->CodeSiteCourant();
-  const auto Lignes = Exiger(Base->BaseDAO())
-                          ->OpenRecordset(
-                              "SELECT * FROM Chargement INNER JOIN Métayage"
-                              " ON Chargement.Métayage = Métayage.IdMétayage"
-                              " WHERE NoChargement = " +
-                              NombreSql(NoChargement) + " AND CodeSite = " + TexteSql(CodeSite));
-  if (Lignes->Eof()) return false;
+  const auto Rangées = Exiger(Base->BaseDAO())
+                           ->OpenRecordset(
+                               "SELECT * FROM Chargement INNER JOIN Métayage"
+                               " ON Chargement.Métayage = Métayage.IdMétayage"
+                               " WHERE NoChargement = " +
+                               NombreSql(NoChargement) + " AND CodeSite = " + TexteSql(CodeSite));
+  if (Rangées->Eof()) return false;
   const Régional Formes = État_.Formes();
-  Lu.IdMétayage = TexteValeur(Lignes->FieldsNommé("IdMétayage"), Formes);
-  Lu.Sélection = TexteValeur(Lignes->FieldsNommé("Sélection"), Formes);
-  Lu.IdGrp = TexteValeur(Lignes->FieldsNommé("IdGrp"), Formes);
+  Lu.IdMétayage = TexteValeur(Rangées->FieldsNommé("IdMétayage"), Formes);
+  Lu.Sélection = TexteValeur(Rangées->FieldsNommé("Sélection"), Formes);
+  Lu.IdGrp = TexteValeur(Rangées->FieldsNommé("IdGrp"), Formes);
   return true;
 }
 

@@ -3,6 +3,8 @@
 
 #include <array>
 
+#include "transfer/record_encoders.h"
+
 namespace Ombrey {
 namespace {
 

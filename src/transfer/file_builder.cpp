@@ -2,10 +2,12 @@
 #include "transfer/file_builder.h"
 
 #include <memory>
+#include <utility>
 
 #include "base/failures.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/octets.h"
 
 namespace Ombrey {
 namespace {

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "contracts/database.h"
+#include "contracts/octets.h"
 #include "contracts/system.h"
 #include "transfer/record_encoders.h"
 

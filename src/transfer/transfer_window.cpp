@@ -6,6 +6,7 @@
 #include "base/ansi_text.h"
 #include "base/visible_text.h"
 #include "contracts/line_protocol.h"
+#include "transfer/file_builder.h"
 
 namespace Ombrey {
 namespace {

@@ -56,7 +56,7 @@ int PatienterVerrou(void* Patience, int Essais) {
 
 }  // namespace
 
-void InstructionSqlite::Finir::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
+void InstructionSqlite::Libération::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
 
 InstructionSqlite::InstructionSqlite(sqlite3* Base, std::string_view Sql, std::string_view* Reste) {
   sqlite3_stmt* Brute = nullptr;

@@ -37,10 +37,10 @@ class InstructionSqlite final : public IInstruction {
   [[nodiscard]] bool NeFaitQueLire() const;
 
  private:
-  struct Finir {
+  struct Libération {
     void operator()(sqlite3_stmt* Brute) const;
   };
-  std::unique_ptr<sqlite3_stmt, Finir> Brute_;
+  std::unique_ptr<sqlite3_stmt, Libération> Brute_;
 };
 
 /// An open database file: with a write-ahead log, or with the ordinary journal where the drive can't carry one, which
