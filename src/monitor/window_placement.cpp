@@ -1,7 +1,6 @@
 // Place and size of the monitoring window and its controls: as designed, on resizing, and in the settings store.
 #include "monitor/window_placement.h"
 
-#include <algorithm>
 #include <array>
 #include <string>
 
