@@ -37,6 +37,25 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
   Ajouter("fin", "arrête la station", Moment::Toujours, &IGestesStation::Finir);
 }
 
+void ÉditionConsole::SuivreLiaison(const Ombrey::JournalLiaison& Journal) {
+  Commandes_.Ajouter({"ligne", "", "ce qui vient de passer sur la ligne", Moment::Toujours,
+                      [&](const std::string&) { MontrerLigne(Journal); }});
+}
+
+/// The last messages of the line, the oldest first.
+void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal) {
+  constexpr std::size_t NombreMontrés = 40;
+  const auto& Messages = Journal.Messages();
+  const std::size_t Nombre = std::min(NombreMontrés, Messages.size());
+  Sortie_.Ligne("ligne : " + std::to_string(Nombre) + " messages");
+  for (std::size_t Rang = Messages.size() - Nombre; Rang < Messages.size(); ++Rang) {
+    std::string Texte = Ombrey::LigneTrace(Messages[Rang]);
+    Texte.pop_back();
+    std::ranges::replace(Texte, '\t', ' ');
+    Sortie_.Ligne("ligne : " + Texte);
+  }
+}
+
 void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }
 
 void ÉditionConsole::OffrirMenu(const std::string& Texte) {

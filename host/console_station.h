@@ -26,12 +26,14 @@ class ÉditionConsole final : public IÉdition {
   /// Beside the file of the real windows, whose places a console has no right to overwrite.
   [[nodiscard]] std::filesystem::path FichierRéglages() const override;
   void Raccorder(IGestesStation& Gestes) override;
+  void SuivreLiaison(const Ombrey::JournalLiaison& Journal) override;
   void OffrirBouton(const std::string& Infobulle) override;
   void OffrirMenu(const std::string& Texte) override;
   void Dire(const std::string& Texte) override { Sortie_.Ligne("hôte : " + Texte); }
   void Finir() override { Fenêtres_.Finir(); }
 
  private:
+  void MontrerLigne(const Ombrey::JournalLiaison& Journal);
   [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
 
   bool FinAvecEntrée_;

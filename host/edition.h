@@ -8,6 +8,7 @@
 #include "contracts/host.h"
 #include "contracts/toolkit.h"
 #include "platform/loop/loop.h"
+#include "platform/serial/line_journal.h"
 #include "platform/serial/port_settings.h"
 
 namespace Tarvel {
@@ -36,6 +37,8 @@ class IÉdition {
   virtual void Raccorder(IGestesStation& Gestes) = 0;
   /// The station's database, from its opening on: what the edition shows of the day is read from it.
   virtual void Suivre(std::shared_ptr<Ombrey::IBaseDeD> /*Base*/) {}
+  /// What passes on the line, as it grows; outlives the edition's windows.
+  virtual void SuivreLiaison(const Ombrey::JournalLiaison& /*Journal*/) {}
   /// The work couldn't begin; there is no station behind the edition. Shows why and waits until it was read.
   virtual void Échouer(const std::string& /*Raison*/) {}
   /// The plug-in took the toolbar button: its picture stands on the clipboard.

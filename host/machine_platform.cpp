@@ -5,6 +5,7 @@
 
 #include "platform/loop/timer.h"
 #include "platform/serial/port_server.h"
+#include "platform/serial/traced_port.h"
 
 namespace Ombrey {
 
@@ -19,10 +20,12 @@ class AccèsDistantInutile final : public IAccèsDistant {
 }  // namespace
 
 PlateformeMachine::PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQuestionnairePort* Questionnaire,
-                                     const std::filesystem::path& Dossier, const std::filesystem::path& FichierRéglages)
+                                     const std::filesystem::path& Dossier, const std::filesystem::path& FichierRéglages,
+                                     JournalLiaison* Journal)
     : Boucle_(Boucle),
       Fenêtres_(Fenêtres),
       Questionnaire_(Questionnaire),
+      Journal_(Journal),
       Système_(Boucle, Dossier),
       Réglages_(FichierRéglages) {}
 
@@ -37,7 +40,9 @@ std::shared_ptr<IRetard> PlateformeMachine::CréerRetard(std::function<void(cons
 }
 
 std::shared_ptr<IServeurPortComm> PlateformeMachine::CréerServeurPortComm() {
-  return std::make_shared<ServeurPortComm>(Contexte());
+  auto Serveur = std::make_shared<ServeurPortComm>(Contexte());
+  if (Journal_ == nullptr) return Serveur;
+  return std::make_shared<ServeurPortTracé>(std::move(Serveur), *Journal_);
 }
 
 std::shared_ptr<IClientPortComm> PlateformeMachine::CréerClientPortComm(

@@ -5,6 +5,7 @@
 
 #include "contracts/platform.h"
 #include "platform/loop/loop.h"
+#include "platform/serial/line_journal.h"
 #include "platform/serial/serial_port.h"
 #include "platform/system/machine_system.h"
 #include "platform/system/settings_files.h"
@@ -14,10 +15,12 @@ namespace Ombrey {
 class PlateformeMachine final : public IPlateforme {
  public:
   /// Boucle, Fenêtres and Questionnaire (which may be none) must outlive the platform. Dossier is the working folder,
-  /// made when it is missing. Raises ErreurExécution when it can't be.
+  /// made when it is missing. Journal, which may be none as well, hears what passes on the line. Raises ErreurExécution
+  /// when it can't be.
   PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQuestionnairePort* Questionnaire,
                     const std::filesystem::path& Dossier,
-                    const std::filesystem::path& FichierRéglages = FichierRéglagesUtilisateur());
+                    const std::filesystem::path& FichierRéglages = FichierRéglagesUtilisateur(),
+                    JournalLiaison* Journal = nullptr);
 
   [[nodiscard]] ISystème& Système() override { return Système_; }
   [[nodiscard]] IFenêtres& Fenêtres() override { return Fenêtres_; }
@@ -36,6 +39,7 @@ class PlateformeMachine final : public IPlateforme {
   IBoucle& Boucle_;
   IFenêtres& Fenêtres_;
   IQuestionnairePort* Questionnaire_;
+  JournalLiaison* Journal_;
   SystèmeMachine Système_;
   RéglagesFichier Réglages_;
 };

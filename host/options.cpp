@@ -50,7 +50,7 @@ struct TâcheConnue {
 constexpr TâcheConnue Tâches[] = {
     {Tâche::Station,
      "[--base B] --ini F [--site CODE] [--dossier D] [--greffon F] [--console] [--duree S] [--sans-operateur] "
-     "[--regarder]",
+     "[--regarder] [--trace F]",
      true, true},
     {Tâche::CréerBase, "--creer-base B [--exemple]", false, true},
     {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
@@ -79,8 +79,8 @@ constexpr bool Précise = false;
 constexpr Option Connues[] = {
     {"--base", "B", "base de la coopérative : un fichier, ou une adresse postgresql://…", SurUneBase, Précise,
      [](Options& O, Mots V) { O.Base = V[0]; }},
-    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite et Dossier", SurUneBase,
-     Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite, Dossier et Trace",
+     SurUneBase, Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--site", "CODE", "code du site de cette station (sinon celui de la base)", UneStation, Précise,
      [](Options& O, Mots V) { O.CodeSite = V[0]; }},
     {"--dossier", "D", "dossier de travail (sinon celui de la base)", UneStation, Précise,
@@ -95,6 +95,8 @@ constexpr Option Connues[] = {
      [](Options& O, Mots) { O.SansOpérateur = true; }},
     {"--regarder", "", "montre les chargements du jour sans prendre la ligne, à côté de la station qui l'a",
      Tâche::Station, Précise, [](Options& O, Mots) { O.Regarder = true; }},
+    {"--trace", "F", "écrit ce qui passe sur la ligne dans F, fichier ou dossier : un par jour, trente jours gardés",
+     Tâche::Station, Précise, [](Options& O, Mots V) { O.Trace = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--creer-base", "B", "crée une base neuve et s'arrête", Tâche::CréerBase, Demande,
      [](Options& O, Mots V) { O.Base = V[0]; }},
     {"--exemple", "", "met une petite coopérative dans la base neuve", Tâche::CréerBase, Précise,
@@ -174,6 +176,8 @@ void Compléter(Options& Lues) {
   if (Lues.CodeSite.empty()) Lues.CodeSite = Lire("CodeSite");
   if (const std::string Secondes = Lire("DuréeBoîtes"); !Secondes.empty())
     Lues.DuréeBoîtes = LireDurée(Secondes, "la clé DuréeBoîtes");
+  if (const std::string Trace = Lire("Trace"); Lues.Trace.empty() && !Trace.empty())
+    Lues.Trace = fs::absolute(DossierIni / Ombrey::Chemin(Trace));
   if (Lues.Dossier.empty() && !Dossier.empty()) Lues.Dossier = DossierIni / Ombrey::Chemin(Dossier);
 }
 

@@ -41,6 +41,7 @@ struct Options {
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program
+  std::filesystem::path Trace;    ///< where the line's traffic is written, a file or a folder; empty: nowhere
   bool Console = false;
   bool SansOpérateur = false;
   bool Regarder = false;  ///< shows the base and leaves line and folder to the station that has them
@@ -56,8 +57,8 @@ struct Options {
 };
 
 /// Reads the arguments behind the program's name, then what they leave open from the section [Tarvel] of the settings
-/// file: Base, CodeSite, Dossier, DuréeBoîtes. A path there counts from the file's folder. Raises ErreurOptions, and
-/// ErreurExécution when the settings file is there and can't be read: a station mustn't work under a site that is
+/// file: Base, CodeSite, Dossier, Trace, DuréeBoîtes. A path there counts from the file's folder. Raises ErreurOptions,
+/// and ErreurExécution when the settings file is there and can't be read: a station mustn't work under a site that is
 /// somebody else's.
 [[nodiscard]] Options LireOptions(std::span<const std::string> Arguments);
 

@@ -43,9 +43,12 @@ Station::Station(const Options& Choisies, IÉdition& Édition)
           [this] { RepartirAuBesoin(); }) {}
 
 void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos) {
-  Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier,
-                                       Édition_.FichierRéglages());
+  Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
+                                       &Journal_);
   Plateforme_ = &Plateforme;
+  if (!Options_.Trace.empty())
+    Journal_.FixerTrace(std::make_unique<Ombrey::FichierTrace>(
+        Options_.Trace, [this](const std::string& Texte) { Édition_.Dire(Texte); }));
   Base_ = Ouvrir(Plateforme.Système());
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
   Charger();
@@ -53,6 +56,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& A
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
   Édition_.Raccorder(*this);
   Édition_.Suivre(Base_);
+  Édition_.SuivreLiaison(Journal_);
   Démarrer();
   Service_.Prêt("Collecte des chargements du RG80");
   while (!EnFin_) Pomper(AuRepos);

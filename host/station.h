@@ -10,6 +10,7 @@
 #include "host/edition.h"
 #include "host/guarded_loop.h"
 #include "host/options.h"
+#include "platform/serial/line_journal.h"
 #include "platform/system/service_notice.h"
 
 namespace Tarvel {
@@ -50,6 +51,7 @@ class Station final : public IGestesStation, private Ombrey::IQuestionnairePort 
   const Options& Options_;
   IÉdition& Édition_;
   BoucleGardée Boucle_;
+  Ombrey::JournalLiaison Journal_;
   Ombrey::IPlateforme* Plateforme_ = nullptr;  ///< while Exécuter runs
   std::shared_ptr<Ombrey::IBaseDeD> Base_;
   Ombrey::AvisService Service_{Boucle_};

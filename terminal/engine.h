@@ -67,21 +67,35 @@ class ISuite {
   virtual bool GarderFichier(char Code, std::string_view Texte) = 0;
 };
 
+/// Who speaks on the line. It is given what arrives, and woken whenever ProchaineÉchéance has come.
+class IInterlocuteur {
+ public:
+  IInterlocuteur() = default;
+  IInterlocuteur(const IInterlocuteur&) = delete;
+  IInterlocuteur& operator=(const IInterlocuteur&) = delete;
+  virtual ~IInterlocuteur() = default;
+  virtual void Recevoir(std::string_view Octets, Instant Maintenant) = 0;
+  /// Does what is due.
+  virtual void Avancer(Instant Maintenant) = 0;
+  [[nodiscard]] virtual std::optional<Instant> ProchaineÉchéance() const = 0;
+  /// The moment from which nothing more is expected; none while something is.
+  [[nodiscard]] virtual std::optional<Instant> MomentDeFin() const = 0;
+};
+
 /// The terminal: a queue of loads, the requests that it serves, and the faults that it was told to show.
-/// Give it what arrives through `Recevoir`, and call `Avancer` whenever `ProchaineÉchéance` has come.
-class Terminal {
+class Terminal final : public IInterlocuteur {
  public:
   /// EnFichiers: file reception is on (key F6). Suite and Dés must outlive the terminal.
   Terminal(std::vector<Chargement> Chargements, bool EnFichiers, Hasard& Dés, ISuite& Suite);
 
-  void Recevoir(std::string_view Octets, Instant Maintenant);
-  /// Does what is due: a late answer, a wait given up, a frame that fell silent.
-  void Avancer(Instant Maintenant);
-  [[nodiscard]] std::optional<Instant> ProchaineÉchéance() const;
+  void Recevoir(std::string_view Octets, Instant Maintenant) override;
+  /// A late answer, a wait given up, a frame that fell silent.
+  void Avancer(Instant Maintenant) override;
+  [[nodiscard]] std::optional<Instant> ProchaineÉchéance() const override;
 
-  /// The moment from which nothing more is expected; none while loads wait. That is when the reply to the last load
+  /// None while loads wait. That is when the reply to the last load
   /// was closed by EOT, or a fixed time behind its acknowledgement.
-  [[nodiscard]] std::optional<Instant> MomentDeFin() const;
+  [[nodiscard]] std::optional<Instant> MomentDeFin() const override;
   /// Counts a load that still awaits its answer as unanswered, and gives the figures.
   [[nodiscard]] Bilan Terminer();
 

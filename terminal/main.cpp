@@ -16,7 +16,9 @@
 #include "terminal/loads.h"
 #include "terminal/options.h"
 #include "terminal/recorder.h"
+#include "terminal/replay.h"
 #include "terminal/service.h"
+#include "terminal/trace.h"
 
 namespace {
 
@@ -46,24 +48,46 @@ std::vector<Chargement> PréparerChargements(const Options& Demande, Hasard& Dé
   return Tous;
 }
 
+int Tenir(const Options& Demande, IInterlocuteur& Engin, Greffier& Témoin, Ligne& Fil) {
+  const bool Réel = !Demande.Port.empty();
+  try {
+    // A real line keeps its pace by itself.
+    Servir(Fil, Engin, Témoin.ÀÉmettre(), Réel ? std::nullopt : Demande.Bauds,
+           Demande.JusquÀVide || !Demande.Rejouer.empty());
+    return 0;
+  } catch (const std::runtime_error& Erreur) {
+    std::cerr << "rg80 : " << Erreur.what() << '\n';
+    return CodeErreur;
+  }
+}
+
+Ligne OuvrirLigne(const Options& Demande, Greffier& Témoin) {
+  PréparerSignaux();
+  Ligne Fil = Demande.Port.empty() ? Ligne::SurLien(Demande.Lien)
+                                   : Ligne::SurPort(Demande.Port, Demande.Bauds.value_or(BaudsDuPort));
+  Témoin.Annoncer("ligne : " + Fil.Description());
+  return Fil;
+}
+
+int Rejouer(const Options& Demande) {
+  std::ifstream Flux(Demande.Rejouer, std::ios::binary);
+  if (!Flux) throw ErreurDemande("Trace " + Demande.Rejouer + " : lecture impossible.");
+  auto Messages = LireTrace(Flux, Demande.Rejouer);
+  Greffier Témoin(Demande.Journal, "");
+  Ligne Fil = OuvrirLigne(Demande, Témoin);
+  Rejeu Engin(std::move(Messages), Témoin);
+  const int Code = Tenir(Demande, Engin, Témoin, Fil);
+  return Engin.Terminer() ? Code : CodeErreur;
+}
+
 int Exécuter(const Options& Demande) {
   Hasard Dés(Demande.Graine, Demande.Taux);
   auto Chargements = PréparerChargements(Demande, Dés);
   Greffier Témoin(Demande.Journal, Demande.Sortie);
-  PréparerSignaux();
-  const bool Réel = !Demande.Port.empty();
-  Ligne Fil = Réel ? Ligne::SurPort(Demande.Port, Demande.Bauds.value_or(BaudsDuPort)) : Ligne::SurLien(Demande.Lien);
-  Témoin.Annoncer("ligne : " + Fil.Description());
+  Ligne Fil = OuvrirLigne(Demande, Témoin);
   Témoin.Annoncer("chargements en attente : " + std::to_string(Chargements.size()));
   Terminal Engin(std::move(Chargements), Demande.EnFichiers, Dés, Témoin);
-  int Code = 0;
-  try {
-    // A real line keeps its pace by itself.
-    Servir(Fil, Engin, Témoin.ÀÉmettre(), Réel ? std::nullopt : Demande.Bauds, Demande.JusquÀVide);
-  } catch (const std::runtime_error& Erreur) {
-    std::cerr << "rg80 : " << Erreur.what() << '\n';
-    Code = CodeErreur;
-  }
+  const int Code = Tenir(Demande, Engin, Témoin, Fil);
   Témoin.Annoncer(Engin.Terminer().Texte());
   return Code;
 }
@@ -80,7 +104,7 @@ int main(int Nombre, char** Arguments) try {
     std::cout << "rg80 " OMBREY_VERSION "\n";
     return 0;
   }
-  return Exécuter(Demande);
+  return Demande.Rejouer.empty() ? Exécuter(Demande) : Rejouer(Demande);
 } catch (const Rg80::ErreurDemande& Erreur) {
   std::cerr << "rg80 : " << Erreur.what() << " (rg80 --help)\n";
   return CodeMauvaiseDemande;

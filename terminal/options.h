@@ -12,7 +12,7 @@
 namespace Rg80 {
 
 struct Options {
-  std::string Lien, Port, Chargements, Sortie, Journal;
+  std::string Lien, Port, Chargements, Sortie, Journal, Rejouer;
   unsigned AuHasard = 0;
   std::optional<unsigned> Bauds;
   TauxDePannes Taux{};

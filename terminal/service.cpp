@@ -20,7 +20,7 @@ extern "C" void NoterArrêt(int) { ArrêtDemandé = 1; }
 
 class Service {
  public:
-  Service(Ligne& Fil, Terminal& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide)
+  Service(Ligne& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide)
       : Ligne_(Fil), Engin_(Engin), ÀÉmettre_(ÀÉmettre), Entrée_(Bauds), Sortie_(Bauds), JusquÀVide_(JusquÀVide) {}
 
   void Tourner() {
@@ -92,7 +92,7 @@ class Service {
   }
 
   Ligne& Ligne_;
-  Terminal& Engin_;
+  IInterlocuteur& Engin_;
   std::string& ÀÉmettre_;
   Cadence Entrée_;
   Cadence Sortie_;
@@ -116,7 +116,7 @@ void PréparerSignaux() {
   signal(SIGPIPE, SIG_IGN);
 }
 
-void Servir(Ligne& Fil, Terminal& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide) {
+void Servir(Ligne& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide) {
   Service(Fil, Engin, ÀÉmettre, Bauds, JusquÀVide).Tourner();
 }
 

@@ -1,0 +1,179 @@
+// A message of the line in words.
+#include "platform/serial/message_text.h"
+
+#include <algorithm>
+#include <array>
+#include <span>
+#include <string_view>
+
+#include "base/ansi_text.h"
+#include "base/text_helpers.h"
+#include "contracts/line_protocol.h"
+
+namespace Ombrey {
+namespace {
+
+struct FichierConnu {
+  char Code;
+  std::string_view Nom;
+  std::size_t LongueurEnregistrement;
+};
+constexpr auto FichiersConnus = std::to_array<FichierConnu>({
+    {'1', "coopérateurs", 41},
+    {'2', "groupements", 83},
+    {'4', "appellations", 31},
+    {'5', "badges", 28},
+    {'6', "observations", 22},
+});
+
+struct NomContrôle {
+  char Code;
+  std::string_view Nom;
+};
+constexpr auto NomsContrôle = std::to_array<NomContrôle>(
+    {{STX, "<STX>"}, {ETX, "<ETX>"}, {EOT, "<EOT>"}, {ENQ, "<ENQ>"}, {ACK, "<ACK>"}, {NAK, "<NAK>"}});
+
+constexpr char CodeRéponse = '0' + FichierRéponse;
+
+const FichierConnu* Fichier(char Code) {
+  const auto* const Trouvé = std::ranges::find(FichiersConnus, Code, &FichierConnu::Code);
+  return Trouvé == FichiersConnus.end() ? nullptr : Trouvé;
+}
+
+/// The two characters of the checksum: the halves of the sum's low eight bits, each counted from "0".
+std::string Somme(std::string_view Octets) {
+  unsigned Total = 0;
+  for (const char Un : Octets) Total += static_cast<unsigned char>(Un);
+  return {static_cast<char>('0' + (Total >> 4U & 0x0FU)), static_cast<char>('0' + (Total & 0x0FU))};
+}
+
+/// Puts the verdict on the checksum behind what the frame says.
+Lecture Juger(const Octets& Trame, Lecture Dit) {
+  const std::string Attendue = Somme(Trame.Bruts().substr(0, Trame.Taille() - 2));
+  const std::string_view Reçue = Trame.Bruts().substr(Trame.Taille() - 2);
+  if (Reçue == Attendue) return {Dit.Texte + " ; somme juste", Dit.Faute};
+  return {Dit.Texte + " ; somme fausse : « " + TexteBrut(Octets(Reçue)) + " » au lieu de « " + Attendue + " »", true};
+}
+
+/// Several fields in words: the texts between them, and the places.
+struct Bout {
+  const char* Devant;
+  Position Place;
+};
+std::string Raconter(const Octets& Texte, std::span<const Bout> Bouts) {
+  std::string Dit;
+  for (const Bout& Un : Bouts) Dit += Un.Devant + TexteBrut(Un.Place.Dans(Texte));
+  return Dit;
+}
+
+constexpr auto BoutsChargement = std::to_array<Bout>({
+    {"chargement n° ", ChampsChargement[RangChamp("NoChargement")].Place},
+    {" du ", PositionFixe::Jour},
+    {"/", PositionFixe::Mois},
+    {"/", PositionFixe::Année},
+    {" à ", PositionFixe::Heure},
+    {":", PositionFixe::Minute},
+    {", sorti à ", PositionFixe::HeureSortie},
+    {":", PositionFixe::MinuteSortie},
+    {", propriétaire ", PositionFixe::Propriétaire},
+    {", récoltant ", PositionFixe::Récoltant},
+    {", groupe ", PositionFixe::Groupe},
+    {", part ", PositionFixe::PartEntière},
+    {",", PositionFixe::PartDécimale},
+    {" %, appellation ", ChampsChargement[RangChamp("Sélection")].Place},
+    {", qualité ", ChampsChargement[RangChamp("Qualité")].Place},
+    {", degré en dixièmes ", ChampsChargement[RangChamp("Degré")].Place},
+    {", quai ", ChampsChargement[RangChamp("NoQuai")].Place},
+    {", masse ", ChampsChargement[RangChamp("Masse")].Place},
+    {", cuve ", ChampsChargement[RangChamp("Cuve")].Place},
+});
+
+constexpr auto BoutsRéponse = std::to_array<Bout>({
+    {"cumuls : exploitation ", {1, ChiffresParCumul}},
+    {", reste ", {1 + ChiffresParCumul, ChiffresParCumul}},
+    {" ; groupe ", {1 + 2 * ChiffresParCumul, ChiffresParCumul}},
+    {", reste ", {1 + 3 * ChiffresParCumul, ChiffresParCumul}},
+});
+
+Lecture LireFichier(const FichierConnu& Lequel, std::size_t Longueur) {
+  const std::size_t Reste = Longueur % Lequel.LongueurEnregistrement;
+  std::string Texte = "fichier des " + std::string(Lequel.Nom) + ", " +
+                      std::to_string(Longueur / Lequel.LongueurEnregistrement) + " enregistrements";
+  if (Reste > 0) Texte += " et " + std::to_string(Reste) + " octets de trop";
+  return {Texte, Reste > 0};
+}
+
+Lecture LireTrameStation(const Octets& Trame, char Code) {
+  if (Trame.Taille() < EnrobageTrame) return {"trame sans fin", true};
+  const Octets Texte = Trame.Extrait(1, Trame.Taille() - EnrobageTrame);
+  if (const FichierConnu* Connu = Fichier(Code)) return Juger(Trame, LireFichier(*Connu, Texte.Taille()));
+  const bool EstCumul = Code == CodeRéponse && Texte.Taille() == 4 * ChiffresParCumul;
+  return Juger(Trame, {EstCumul ? Raconter(Texte, BoutsRéponse)
+                                : "trame de " + std::to_string(Texte.Taille()) + " caractères sous le code " + Code,
+                       false});
+}
+
+std::string LireDemande(char Code) {
+  if (Code == CodeDemande[0]) return "demande d'un chargement";
+  if (Code == CodeRéponse) return "annonce des cumuls, ou essai de la liaison";
+  if (const FichierConnu* Connu = Fichier(Code)) return "annonce du fichier des " + std::string(Connu->Nom);
+  return "demande inconnue";
+}
+
+}  // namespace
+
+Lecture LireDeStation(const Octets& Message, char Code) {
+  switch (Message.EstVide() ? 0 : Message[0]) {
+    case ENQ:
+      if (Message.Taille() == 2) return {LireDemande(Message.Bruts()[1])};
+      break;
+    case STX:
+      return LireTrameStation(Message, Code);
+    case ACK:
+      return {"chargement enregistré"};
+    case NAK:
+      return {"chargement refusé", true};
+    case EOT:
+      return {"fin de la trame"};
+    default:
+      break;
+  }
+  return {"message inconnu", true};
+}
+
+Lecture LireRéponseÀDemande(const Octets& Message) {
+  const bool Accord = Message[0] == ACK;
+  if (Message.Bruts().substr(1) == CodeDemande) return {Accord ? "un chargement suit" : "aucun chargement"};
+  return {Accord ? "prêt" : "pas prêt", !Accord};
+}
+
+Lecture LireRéponseÀTrame(const Octets& Message) {
+  if (Message[0] == ACK) return {"trame reçue"};
+  return {"trame refusée", true};
+}
+
+Lecture LireTrameChargement(const Octets& Trame) {
+  return Juger(Trame, {Raconter(Trame.Extrait(1, LongEnregChargement), BoutsChargement)});
+}
+
+std::string TexteBrut(const Octets& Bruts) {
+  constexpr std::string_view Chiffres = "0123456789ABCDEF";
+  constexpr std::string_view SansSigne = "<\x7F\x81\x8D\x8F\x90\x9D";
+  std::string Texte;
+  for (const char Un : Bruts.Bruts()) {
+    const auto* const Nommé = std::ranges::find(NomsContrôle, Un, &NomContrôle::Code);
+    const auto Code = static_cast<unsigned char>(Un);
+    if (Nommé != NomsContrôle.end()) {
+      Texte += Nommé->Nom;
+    } else if (Code < ' ' || SansSigne.find(Un) != std::string_view::npos) {
+      Texte.append("<").append(1, Chiffres[Code >> 4U]).append(1, Chiffres[Code & 0x0FU]).append(">");
+    } else if (Code < SansSigne[1]) {
+      Texte += Un;
+    } else {
+      Texte += DepuisAnsi(Octets(1, Un));
+    }
+  }
+  return Texte;
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,203 @@
+// The terminal's side of a trace, said again.
+#include "terminal/replay.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "terminal/frame.h"
+
+namespace Rg80 {
+
+namespace {
+
+using namespace std::chrono_literals;
+
+constexpr auto Patience = 120s;
+// A message that isn't whole by then is what it is.
+constexpr auto SilenceMessage = 1s;
+// The last bytes are still on their way to the station.
+constexpr auto Adieu = 500ms;
+
+constexpr char CodeChargement = 'A';
+constexpr char CodeRéponse = '8';
+
+bool EstDemande(std::string_view Message) { return Message.size() == 2 && Message[0] == ENQ; }
+
+// For a person: the whole of what is short, and what stands around the first difference of what is long.
+std::string Montrer(std::string_view Message, std::size_t Différence) {
+  constexpr std::size_t Long = 70;
+  constexpr std::size_t Devant = 10;
+  constexpr std::size_t Montrés = 40;
+  if (Message.size() <= Long) return "« " + Lisible(Message) + " »";
+  const std::size_t Début = std::min(Différence < Devant ? 0 : Différence - Devant, Message.size() - Montrés);
+  return "« …" + Lisible(Message.substr(Début, Montrés)) + "… » (" + std::to_string(Message.size()) + " octets)";
+}
+
+}  // namespace
+
+Rejeu::Rejeu(std::vector<MessageTracé> Messages, ISuite& Suite) : Messages_(std::move(Messages)), Suite_(Suite) {}
+
+void Rejeu::Recevoir(std::string_view Octets, Instant Maintenant) {
+  Commencer(Maintenant);
+  Reçus_ += Octets;
+  DernierOctet_ = Maintenant;
+  Examiner(Maintenant, false);
+}
+
+// What the trace begins with counts from here.
+void Rejeu::Commencer(Instant Maintenant) {
+  if (!std::exchange(Commencé_, true)) Prévoir(0, Messages_.front().Quand, Maintenant);
+}
+
+void Rejeu::Avancer(Instant Maintenant) {
+  Commencer(Maintenant);
+  if (!Reçus_.empty() && Maintenant >= DernierOctet_ + SilenceMessage) Examiner(Maintenant, true);
+  while (!Envois_.empty() && Envois_.front().Départ <= Maintenant) {
+    Suite_.Consigner(Sens::Émis, Envois_.front().Octets);
+    Suite_.Émettre(Envois_.front().Octets);
+    Envois_.pop_front();
+  }
+  if (Rang_ == Messages_.size() && Envois_.empty() && !Fin_) Fin_ = Maintenant + Adieu;
+  if (!Fin_ && Abandon_ && Maintenant >= *Abandon_) {
+    Suite_.Annoncer("différence " + Lieu() + " : la station ne dit plus " + Montrer(Messages_[Rang_].Octets, 0) + ".");
+    ++Différences_;
+    Fin_ = Maintenant;
+  }
+}
+
+std::optional<Instant> Rejeu::ProchaineÉchéance() const {
+  std::optional<Instant> Première = Commencé_ ? Abandon_ : Instant{};
+  const auto Retenir = [&Première](Instant Autre) {
+    if (!Première || Autre < *Première) Première = Autre;
+  };
+  if (!Envois_.empty()) Retenir(Envois_.front().Départ);
+  if (!Reçus_.empty()) Retenir(DernierOctet_ + SilenceMessage);
+  return Première;
+}
+
+void Rejeu::Examiner(Instant Maintenant, bool Complet) {
+  for (std::size_t Longueur = 0; !Reçus_.empty() && (Longueur = LongueurMessage(Complet)) > 0;) {
+    const std::string Message = Reçus_.substr(0, Longueur);
+    Reçus_.erase(0, Longueur);
+    Suite_.Consigner(Sens::Reçu, Message);
+    Traiter(Message, Maintenant);
+  }
+}
+
+// Of the message at the head of what has come; 0 while it isn't whole. What is awaited is known by its bytes.
+std::size_t Rejeu::LongueurMessage(bool Complet) const {
+  const std::string_view Attendu = Rang_ < Messages_.size() ? Messages_[Rang_].Octets : std::string_view();
+  if (!Attendu.empty() && Reçus_.starts_with(Attendu)) return Attendu.size();
+  if (Complet) return Reçus_.size();
+  if (Attendu.starts_with(Reçus_)) return 0;
+  if (Reçus_[0] == ENQ) return Reçus_.size() < 2 ? 0 : 2;
+  if (Reçus_[0] != STX) return 1;
+  const std::size_t Fin = Reçus_.find(ETX);
+  return Fin == std::string::npos || Fin + NombreCaractèresChecksum >= Reçus_.size()
+             ? 0
+             : Fin + 1 + NombreCaractèresChecksum;
+}
+
+void Rejeu::Traiter(const std::string& Message, Instant Maintenant) {
+  ++Entendus_;
+  const bool AuBout = Rang_ == Messages_.size();
+  if (!AuBout && Message == Messages_[Rang_].Octets) return Suivre(Rang_, Maintenant);
+  if (EstDemande(Message)) return TraiterDemande(Message, Maintenant);
+  if (AuBout || EstDemande(Messages_[Rang_].Octets)) {
+    if (!Improvise_) Différer(Message);
+    if (Message[0] == STX) Dire(Maintenant, std::string(1, ACK));
+    return;
+  }
+  Différer(Message);
+  if ((Message[0] == STX) == (Messages_[Rang_].Octets[0] == STX)) Suivre(Rang_, Maintenant);
+}
+
+// A request that isn't the awaited message. How often the station asks in vain is its own affair, and what the operator
+// did then he does in his own time.
+void Rejeu::TraiterDemande(const std::string& Message, Instant Maintenant) {
+  const bool EstRelevé = Message == Paire(ENQ, CodeChargement);
+  const std::size_t Plus = Trouver(Message);
+  std::size_t Vains = Rang_;
+  while (Vains < Plus && EstRelevéVain(Vains)) Vains = Station(Vains + 1);
+  if (Vains == Plus && Plus < Messages_.size()) return Suivre(Plus, Maintenant);
+  if (EstRelevé && (Rang_ == Messages_.size() || EstDeLOpérateur())) return Improviser(Message, Maintenant);
+  Différer(Message);
+  if (EstRelevé && Plus < Messages_.size()) return Suivre(Plus, Maintenant);
+  Improviser(Message, Maintenant);
+}
+
+// As a terminal that has no load and takes files.
+void Rejeu::Improviser(const std::string& Message, Instant Maintenant) {
+  Improvise_ = true;
+  Dire(Maintenant, Paire(Message[1] == CodeChargement ? NAK : ACK, Message[1]));
+}
+
+// The station's next message at this place or behind it; the number of messages when there is none.
+std::size_t Rejeu::Station(std::size_t Rang) const {
+  while (Rang < Messages_.size() && !Messages_[Rang].EstDeStation) ++Rang;
+  return Rang;
+}
+
+// The same, with these bytes.
+std::size_t Rejeu::Trouver(const std::string& Octets) const {
+  std::size_t Rang = Rang_;
+  while (Rang < Messages_.size() && Messages_[Rang].Octets != Octets) Rang = Station(Rang + 1);
+  return Rang;
+}
+
+bool Rejeu::EstRelevéVain(std::size_t Rang) const {
+  return Messages_[Rang].Octets == Paire(ENQ, CodeChargement) && Station(Rang + 1) <= Rang + 2 &&
+         Rang + 1 < Messages_.size() && Messages_[Rang + 1].Octets == Paire(NAK, CodeChargement);
+}
+
+// A link test, or a file; the reply behind a load's ACK is the station's own.
+bool Rejeu::EstDeLOpérateur() const {
+  const std::string& Attendu = Messages_[Rang_].Octets;
+  return EstDemande(Attendu) && Attendu[1] != CodeChargement &&
+         (Attendu[1] != CodeRéponse || Dernier_ != std::string(1, ACK));
+}
+
+// The station has said the message at this place: what the terminal said behind it follows.
+void Rejeu::Suivre(std::size_t Rang, Instant Maintenant) {
+  Improvise_ = false;
+  Dernier_ = Messages_[Rang].Octets;
+  Prévoir(Rang + 1, Messages_[Rang].Quand, Maintenant);
+}
+
+void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant Maintenant) {
+  Rang_ = Station(Rang);
+  for (; Rang < Rang_; ++Rang) Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets);
+  Abandon_.reset();
+  if (Rang_ == Messages_.size()) return;
+  Abandon_ = Maintenant + std::max(Messages_[Rang_].Quand - Base, 0ms) + Patience;
+  if (EstDeLOpérateur()) Suite_.Annoncer("attendu de l'opérateur : " + Montrer(Messages_[Rang_].Octets, 0));
+}
+
+// In the order of the trace, whatever the distances.
+void Rejeu::Dire(Instant Départ, const std::string& Octets) {
+  Envois_.push_back({Envois_.empty() ? Départ : std::max(Départ, Envois_.back().Départ), Octets});
+}
+
+void Rejeu::Différer(const std::string& Message) {
+  ++Différences_;
+  if (Rang_ == Messages_.size())
+    return Suite_.Annoncer("différence au bout de la trace : la station dit en plus " + Montrer(Message, 0) + ".");
+  const std::string& Attendu = Messages_[Rang_].Octets;
+  const auto [Ici, Là] = std::ranges::mismatch(Message, Attendu);
+  const auto Place = static_cast<std::size_t>(Ici - Message.begin());
+  Suite_.Annoncer("différence " + Lieu() + " : la station dit " + Montrer(Message, Place) + " au lieu de " +
+                  Montrer(Attendu, Place) + ".");
+}
+
+std::string Rejeu::Lieu() const {
+  return "à " + Messages_[Rang_].Heure + " (ligne " + std::to_string(Messages_[Rang_].Ligne) + " de la trace)";
+}
+
+bool Rejeu::Terminer() {
+  if (!Fin_) Suite_.Annoncer("le rejeu a été interrompu.");
+  Suite_.Annoncer("rejeu : messages de la station " + std::to_string(Entendus_) + ", différences " +
+                  std::to_string(Différences_));
+  return Fin_ && Différences_ == 0;
+}
+
+}  // namespace Rg80
