@@ -2,7 +2,12 @@
 #include "host/console_station.h"
 
 #include <algorithm>
+#include <cstdlib>
+#include <utility>
 
+#include "base/failures.h"
+#include "host/day_view.h"
+#include "host/diagnostic.h"
 #include "platform/system/settings_files.h"
 
 namespace Tarvel {
@@ -10,8 +15,9 @@ namespace Tarvel {
 using Ombrey::Moment;
 
 ÉditionConsole::ÉditionConsole(const Options& Choisies, int Entrée, int Sortie)
-    // A service has no input: its end means nothing there.
-    : FinAvecEntrée_(!Choisies.SansOpérateur && !Choisies.Durée),
+    : Options_(Choisies),
+      // A service has no input: its end means nothing there.
+      FinAvecEntrée_(!Choisies.SansOpérateur && !Choisies.Durée),
       Sortie_(Sortie),
       Fenêtres_(Boucle_, Sortie_),
       Commandes_(Fenêtres_),
@@ -19,6 +25,7 @@ using Ombrey::Moment;
       Entrée_(Boucle_, Entrée, [this](const std::optional<std::string>& Ligne) { return Prendre(Ligne); }) {
   if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
   Fenêtres_.SurDisponibilité([this] { Entrée_.Relancer(); });
+  Fenêtres_.Observer(Veille_.Témoins());
 }
 
 std::filesystem::path ÉditionConsole::FichierRéglages() const {
@@ -34,6 +41,7 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
           &IGestesStation::Bouton);
   Ajouter("menu", "l'entrée de menu du greffon : transfert des données", Moment::HorsDialogue, &IGestesStation::Menu);
   Ajouter("configurer", "change les réglages du port", Moment::HorsDialogue, &IGestesStation::Configurer);
+  AjouterVues();
   Ajouter("fin", "arrête la station", Moment::Toujours, &IGestesStation::Finir);
 }
 
@@ -54,6 +62,45 @@ void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal) {
     std::ranges::replace(Texte, '\t', ' ');
     Sortie_.Ligne("ligne : " + Texte);
   }
+}
+
+void ÉditionConsole::AjouterTableau(const char* Nom, const char* Aide, std::function<Rangées()> Lire) {
+  Commandes_.Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Nom, Lire = std::move(Lire)](const std::string&) {
+                        const Rangées Toutes = Lire();
+                        Sortie_.Ligne(std::string(Nom) + " : " + std::to_string(Toutes.size() - 1));
+                        for (const auto& Rangée : Toutes) {
+                          std::string Ligne = "  ";
+                          for (const std::string& Texte : Rangée) Ligne += Texte + " | ";
+                          Sortie_.Ligne(Ligne);
+                        }
+                      }});
+}
+
+/// What the windows show at a glance.
+void ÉditionConsole::AjouterVues() {
+  const auto Base = [this] { return Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO()); };
+  const auto Jour = [this, Base] { return LireJournée(*Base(), Base_->KVSynchro()->CodeSiteCourant()); };
+  const auto Dire = [this](const char* Nom, const char* Aide, const std::function<std::string()>& Texte) {
+    Commandes_.Ajouter(
+        {Nom, "", Aide, Moment::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
+  };
+  Dire("etat", "la liaison et le prochain relevé",
+       [this] { return "état : " + Veille_.TexteLiaison() + ". " + Veille_.TexteRelevé(); });
+  Dire("diagnostic", "examine réglages, port, base et dossier", [this] { return TexteDiagnostic(Options_); });
+  AjouterTableau("journee", "les chargements du jour de ce site", [Jour] { return TableauChargements(Jour(), {}); });
+  AjouterTableau("sommes", "leurs sommes par appellation et classe", [Jour] { return TableauSommes(Jour(), {}); });
+  AjouterTableau("quotas", "les quotas du jour et ce qui reste", [Jour] { return TableauQuotas(Jour()); });
+  AjouterTableau("archive", "les chargements dont un autre a repris le numéro",
+                 [Base] { return TableauArchive(*Base(), {}); });
+  AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Veille_.Refusés(); });
+  Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
+                      Moment::EntreDeux, [this](const std::string& Rang) {
+                        Sortie_.Ligne(
+                            Veille_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
+                      }});
+  AjouterTableau("alire", "les boîtes auxquelles personne n'a répondu", [this] { return Veille_.NonLus(); });
+  Commandes_.Ajouter(
+      {"lu", "", "vide cette liste", Moment::EntreDeux, [this](const std::string&) { Veille_.ToutEstLu(); }});
 }
 
 void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }

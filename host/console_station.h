@@ -1,6 +1,8 @@
 // The station without a screen: lines out, commands in.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -17,7 +19,7 @@ namespace Tarvel {
 
 class ÉditionConsole final : public IÉdition {
  public:
-  /// The descriptors stay their owner's.
+  /// Choisies outlives the edition; the descriptors stay their owner's.
   ÉditionConsole(const Options& Choisies, int Entrée, int Sortie);
 
   [[nodiscard]] Ombrey::IBoucle& Boucle() override { return Boucle_; }
@@ -25,6 +27,8 @@ class ÉditionConsole final : public IÉdition {
   [[nodiscard]] Ombrey::IQuestionnairePort& Questionnaire() override { return Questions_; }
   /// Beside the file of the real windows, whose places a console has no right to overwrite.
   [[nodiscard]] std::filesystem::path FichierRéglages() const override;
+  [[nodiscard]] Veille& LaVeille() override { return Veille_; }
+  void Suivre(std::shared_ptr<Ombrey::IBaseDeD> Base) override { Base_ = std::move(Base); }
   void Raccorder(IGestesStation& Gestes) override;
   void SuivreLiaison(const Ombrey::JournalLiaison& Journal) override;
   void OffrirBouton(const std::string& Infobulle) override;
@@ -34,8 +38,11 @@ class ÉditionConsole final : public IÉdition {
 
  private:
   void MontrerLigne(const Ombrey::JournalLiaison& Journal);
+  void AjouterVues();
+  void AjouterTableau(const char* Nom, const char* Aide, std::function<Rangées()> Lire);
   [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
 
+  const Options& Options_;
   bool FinAvecEntrée_;
   IGestesStation* Gestes_ = nullptr;
   Ombrey::BouclePoll Boucle_;
@@ -44,6 +51,8 @@ class ÉditionConsole final : public IÉdition {
   Ombrey::CommandesConsole Commandes_;
   Ombrey::QuestionsPort Questions_;
   Ombrey::EntréeConsole Entrée_;
+  Veille Veille_;
+  std::shared_ptr<Ombrey::IBaseDeD> Base_;
 };
 
 }  // namespace Tarvel

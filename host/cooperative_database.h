@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,6 +11,7 @@
 #include "contracts/system.h"
 #include "host/figures.h"
 #include "host/import_engine.h"
+#include "host/watch.h"
 #include "platform/database/recordsets.h"
 
 namespace Tarvel {
@@ -67,6 +69,8 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   void Déconnecter(const Ombrey::IÉcouteurEtatBdD* Écouteur) override {
     if (Écouteur_ == Écouteur) Écouteur_ = nullptr;
   }
+  /// Told of each import that fails, ahead of the answer.
+  void SurRefus(std::function<void(const ImportRefusé&)> Dire) { DireRefus_ = std::move(Dire); }
 
  private:
   void Annoncer(const ChargementImporté& Chargement);
@@ -77,6 +81,7 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
   Avis Avis_;
   MoteurImport Moteur_;
   Ombrey::IÉcouteurEtatBdD* Écouteur_ = nullptr;
+  std::function<void(const ImportRefusé&)> DireRefus_;
   std::string DernièreErreur_;
 };
 
@@ -89,6 +94,7 @@ class BaseDeDTarvel : public Ombrey::IBaseDeD {
                 Avis LAvis = {});
 
   [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
+  void SurRefus(std::function<void(const ImportRefusé&)> Dire) { EtatBdD_->SurRefus(std::move(Dire)); }
   [[nodiscard]] std::shared_ptr<Ombrey::IKVSynchro> KVSynchro() override { return KVSynchro_; }
   [[nodiscard]] std::shared_ptr<Ombrey::IDatabase> BaseDAO() override { return BaseDAO_; }
   /// From here on, loads of other sites are news. Drapeau becomes true.

@@ -192,6 +192,12 @@ std::string TexteConstat(const Constat& Un) {
   return Texte;
 }
 
+std::string TexteDiagnostic(const Options& Choisies) {
+  std::string Texte;
+  for (const Constat& Un : Diagnostiquer(Choisies)) Texte += TexteConstat(Un) + "\n";
+  return Texte;
+}
+
 std::vector<Constat> Diagnostiquer(const Options& Choisies, const LieuxMachine& Lieux) {
   std::vector<Constat> Constats = {ExaminerVersions(Choisies)};
   ExaminerCompte(Choisies, Constats);

@@ -34,6 +34,9 @@ struct LieuxMachine {
 /// One line: verdict, subject, text, what to do.
 [[nodiscard]] std::string TexteConstat(const Constat& Un);
 
+/// All findings, a line each.
+[[nodiscard]] std::string TexteDiagnostic(const Options& Choisies);
+
 /// A text in the single quotes of a shell where it needs them.
 [[nodiscard]] std::string PourCommande(const std::string& Texte);
 

@@ -17,17 +17,38 @@ class AccèsDistantInutile final : public IAccèsDistant {
   void Fermer() override {}
 };
 
+/// A timer that tells of itself. One of no delay only puts something off.
+class RetardObservé final : public IRetard {
+ public:
+  RetardObservé(IBoucle& Boucle, RetardBoucle::Événement FinTempo,
+                std::function<void(std::optional<std::int32_t>)> Dire)
+      : Retard_(Boucle, std::move(FinTempo)), Dire_(std::move(Dire)) {}
+  void Démarrer(std::int32_t Délai, const std::string& Code) override {
+    Retard_.Démarrer(Délai, Code);
+    if (Délai > 0) Dire_(Délai);
+  }
+  void Arrêter() override {
+    Retard_.Arrêter();
+    Dire_(std::nullopt);
+  }
+
+ private:
+  RetardBoucle Retard_;
+  std::function<void(std::optional<std::int32_t>)> Dire_;
+};
+
 }  // namespace
 
 PlateformeMachine::PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQuestionnairePort* Questionnaire,
                                      const std::filesystem::path& Dossier, const std::filesystem::path& FichierRéglages,
-                                     JournalLiaison* Journal)
+                                     JournalLiaison* Journal, TémoinsMachine Témoins)
     : Boucle_(Boucle),
       Fenêtres_(Fenêtres),
       Questionnaire_(Questionnaire),
       Journal_(Journal),
       Système_(Boucle, Dossier),
-      Réglages_(FichierRéglages) {}
+      Réglages_(FichierRéglages),
+      Témoins_(std::move(Témoins)) {}
 
 ContextePort PlateformeMachine::Contexte() const {
   return {Boucle_, [] { return std::make_unique<LecteurIniFichier>(); }, Questionnaire_};
@@ -36,7 +57,8 @@ ContextePort PlateformeMachine::Contexte() const {
 std::unique_ptr<ILecteurIni> PlateformeMachine::CréerLecteurIni() { return std::make_unique<LecteurIniFichier>(); }
 
 std::shared_ptr<IRetard> PlateformeMachine::CréerRetard(std::function<void(const std::string&)> FinTempo) {
-  return std::make_shared<RetardBoucle>(Boucle_, std::move(FinTempo));
+  if (!Témoins_.Attente) return std::make_shared<RetardBoucle>(Boucle_, std::move(FinTempo));
+  return std::make_shared<RetardObservé>(Boucle_, std::move(FinTempo), Témoins_.Attente);
 }
 
 std::shared_ptr<IServeurPortComm> PlateformeMachine::CréerServeurPortComm() {
@@ -47,6 +69,11 @@ std::shared_ptr<IServeurPortComm> PlateformeMachine::CréerServeurPortComm() {
 
 std::shared_ptr<IClientPortComm> PlateformeMachine::CréerClientPortComm(
     std::function<void(const Octets&)> Lecture, std::function<void(const std::string&, bool)> ÉtatLiaison) {
+  if (Témoins_.Reçus)
+    Lecture = [Voir = Témoins_.Reçus, Lecture = std::move(Lecture)](const Octets& Reçus) {
+      Voir(Reçus);
+      Lecture(Reçus);
+    };
   return std::make_shared<ClientPortComm>(Contexte(), std::move(Lecture), std::move(ÉtatLiaison));
 }
 

@@ -1,7 +1,10 @@
 // Everything that the plug-in needs of this machine, composed.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <functional>
+#include <optional>
 
 #include "contracts/platform.h"
 #include "platform/loop/loop.h"
@@ -12,6 +15,12 @@
 
 namespace Ombrey {
 
+/// Who looks at what passes between the plug-in and the machine. Each may be none.
+struct TémoinsMachine {
+  std::function<void(const Octets&)> Reçus;                  ///< characters, ahead of the plug-in
+  std::function<void(std::optional<std::int32_t>)> Attente;  ///< a timer was started for so many milliseconds, stopped
+};
+
 class PlateformeMachine final : public IPlateforme {
  public:
   /// Boucle, Fenêtres and Questionnaire (which may be none) must outlive the platform. Dossier is the working folder,
@@ -20,7 +29,7 @@ class PlateformeMachine final : public IPlateforme {
   PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQuestionnairePort* Questionnaire,
                     const std::filesystem::path& Dossier,
                     const std::filesystem::path& FichierRéglages = FichierRéglagesUtilisateur(),
-                    JournalLiaison* Journal = nullptr);
+                    JournalLiaison* Journal = nullptr, TémoinsMachine Témoins = {});
 
   [[nodiscard]] ISystème& Système() override { return Système_; }
   [[nodiscard]] IFenêtres& Fenêtres() override { return Fenêtres_; }
@@ -42,6 +51,7 @@ class PlateformeMachine final : public IPlateforme {
   JournalLiaison* Journal_;
   SystèmeMachine Système_;
   RéglagesFichier Réglages_;
+  TémoinsMachine Témoins_;
 };
 
 }  // namespace Ombrey

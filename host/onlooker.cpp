@@ -62,14 +62,14 @@ void Spectateur::Regarder() {
 
 void Spectateur::Montrer() {
   const double Aujourdhui = std::floor(Ombrey::NuméroDeJour(Ombrey::HeureLocale()));
-  auto Rangées = Connexion_->Préparer(
+  auto Requête = Connexion_->Préparer(
       "SELECT IdChargement, NoChargement, DateCh, Métayage, Sélection, Masse FROM Chargement"
       " WHERE IdChargement > ?1 AND DateCh >= ?2 ORDER BY IdChargement");
-  Rangées.Lier({Dernier_, Aujourdhui});
-  while (Rangées.Avancer()) {
-    const auto Texte = [&](std::size_t Rang) { return Ombrey::TexteOuVide(Rangées.Valeur(Rang), {}); };
-    const auto Rang = Rangées.Valeur(0);
-    const auto Arrivée = Rangées.Valeur(2);
+  Requête.Lier({Dernier_, Aujourdhui});
+  while (Requête.Avancer()) {
+    const auto Texte = [&](std::size_t Rang) { return Ombrey::TexteOuVide(Requête.Valeur(Rang), {}); };
+    const auto Rang = Requête.Valeur(0);
+    const auto Arrivée = Requête.Valeur(2);
     if (const auto* Lu = std::get_if<std::int64_t>(&Rang)) Dernier_ = *Lu;
     const auto* const Jour = std::get_if<double>(&Arrivée);
     Édition_.Dire((Jour ? Ombrey::TexteHeure(Ombrey::DepuisNuméroDeJour(*Jour)) + " " : "") + "Chargement n° " +

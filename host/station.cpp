@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/files.h"
+#include "contracts/phrases.h"
 #include "host/machine_platform.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
@@ -27,7 +28,10 @@ constexpr auto RépitAprèsPanne = 100ms;
 class ÉchoHôte final : public Ombrey::IEventPlugin {
  public:
   explicit ÉchoHôte(IÉdition& Édition) : Édition_(Édition) {}
-  void Signaler(const std::string& Texte) override { Édition_.Dire(Texte); }
+  void Signaler(const std::string& Texte) override {
+    if (Texte.starts_with(Ombrey::Phrase::ChargementAjouté)) Édition_.LaVeille().NoterReçu();
+    Édition_.Dire(Texte);
+  }
 
  private:
   IÉdition& Édition_;
@@ -44,8 +48,11 @@ Station::Station(const Options& Choisies, IÉdition& Édition)
 
 void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos) {
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
-                                       &Journal_);
+                                       &Journal_,
+                                       {[this](const Ombrey::Octets& Reçus) { Édition_.LaVeille().NoterOctets(Reçus); },
+                                        [this](auto Attente) { Édition_.LaVeille().NoterRelevé(Attente); }});
   Plateforme_ = &Plateforme;
+  Édition_.LaVeille().FixerDossierConservés(Plateforme.Système().DossierImportsConservés());
   if (!Options_.Trace.empty())
     Journal_.FixerTrace(std::make_unique<Ombrey::FichierTrace>(
         Options_.Trace, [this](const std::string& Texte) { Édition_.Dire(Texte); }));

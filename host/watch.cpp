@@ -38,8 +38,6 @@ constexpr SigneRefus SignesRefus[] = {
     {Phrase::ExploitationIntrouvable,
      "Vérifier au RG80 les codes du propriétaire et du récoltant, et les créer au bureau s'ils manquent."},
     {Phrase::TrameEnÉchec, "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau."},
-    {Phrase::ImportEnÉchec,
-     "Voir si la base peut être écrite (autre programme, disque plein), et le fichier conservé."},
 };
 
 constexpr Secondes Minute = 60;
@@ -88,22 +86,21 @@ std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
   return "Le RG80 n'a pas encore été interrogé";
 }
 
-void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, const std::string& Sujet, const std::string& Texte,
-                         const std::string& ÀFaire) {
-  const auto Connu =
-      std::ranges::find_if(Faits_, [&](const FaitRépété& Un) { return Un.Sujet == Sujet && Un.Texte == Texte; });
-  FaitRépété Fait{Sujet, Texte, ÀFaire, 0, Quand, Quand};
+void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait) {
+  const auto Connu = std::ranges::find_if(Faits_, [&](const FaitRépété& Un) {
+    return Un.Sujet == Fait.Sujet && (Par_ == Unicité::Sujet || Un.Texte == Fait.Texte);
+  });
+  Fait.Fois = 1;
+  Fait.Premier = Fait.Dernier = Quand;
   if (Connu != Faits_.end()) {
-    Fait = *Connu;
+    const bool Redite = Fait.Passage > 0 && Fait.Passage == Connu->Passage;
+    Fait.Fois = Connu->Fois + (Redite ? 0 : 1);
+    Fait.Premier = Connu->Premier;
+    if (Fait.Détail.empty()) Fait.Détail = std::move(Connu->Détail);
+    if (Fait.Contenu.empty()) Fait.Contenu = std::move(Connu->Contenu);
     Faits_.erase(Connu);
   }
-  ++Fait.Fois;
-  Fait.Dernier = Quand;
   Faits_.insert(Faits_.begin(), std::move(Fait));
-}
-
-void FaitsRépétés::Retirer(const std::string& Sujet) {
-  std::erase_if(Faits_, [&Sujet](const FaitRépété& Un) { return Un.Sujet == Sujet; });
 }
 
 Refus LireRefus(const std::string& Texte) {

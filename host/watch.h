@@ -38,23 +38,37 @@ class ÉtatLiaison {
 struct FaitRépété {
   std::string Sujet;
   std::string Texte;
-  std::string ÀFaire;
+  std::string ÀFaire{};
+  std::string Détail{};   ///< lines of a load's fields
+  std::string Contenu{};  ///< of the import file that was refused; empty when it didn't come to that
   std::size_t Fois = 0;
-  Ombrey::DateHeure Premier, Dernier;
+  Ombrey::DateHeure Premier{}, Dernier{};
+  std::size_t Passage = 0;  ///< of the terminal's frame in which it happened last
 };
 
-/// One row for each different pair of subject and text, the latest on top.
+/// What makes two facts one row.
+enum class Unicité { SujetEtTexte, Sujet };
+
+/// One row for each different fact, the latest on top.
 class FaitsRépétés {
  public:
-  void Noter(const Ombrey::DateHeure& Quand, const std::string& Sujet, const std::string& Texte,
-             const std::string& ÀFaire = "");
-  /// Drops the rows of this subject.
-  void Retirer(const std::string& Sujet);
+  explicit FaitsRépétés(Unicité Par) : Par_(Par) {}
+  /// Of a fact that is known already, count and first moment stay, and what the new one leaves empty. The same frame
+  /// counts once, however often it is told; Passage 0 belongs to none.
+  void Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
   void Vider() { Faits_.clear(); }
   [[nodiscard]] const std::vector<FaitRépété>& Tous() const { return Faits_; }
 
  private:
+  Unicité Par_;
   std::vector<FaitRépété> Faits_;
+};
+
+/// An import that the host's engine refused.
+struct ImportRefusé {
+  std::string Motif;
+  std::string Contenu;  ///< of the import file
+  bool ParSaValeur;     ///< the load is at fault and not the database
 };
 
 /// The subject of a load whose number is unknown: the one that the terminal offers.

@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "base/files.h"
+#include "host/diagnostic.h"
 #include "host/windows/qt_host_window.h"
 #include "host/windows_module.h"
 #include "platform/qt/qt_port_dialog.h"
@@ -55,21 +56,21 @@ class ÉditionFenêtrée final : public IÉdition {
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
         Réglages_(FichierRéglages()),
-        Principale_(Fenêtres_.Contexte(), Choisies.NomBase(), Réglages_) {
+        Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), Choisies.EstSurServeur()}, Réglages_, Veille_) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
     Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
-    Fenêtres_.Observer({[this](const std::string& Ligne) { Principale_.NoterLigne(Ligne); },
-                        [this](const std::string& T, const std::string& M) { Principale_.NoterBoîte(T, M); },
-                        [this](const std::string& T, const std::string& M) { Principale_.NoterRetrait(T, M); }});
+    Fenêtres_.Observer(Veille_.Témoins());
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
     Principale_.Présenter(TexteVersion() + "\n\nBase : " + Choisies.Base +
-                          "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
-                          "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier));
+                              "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
+                              "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier),
+                          [&Choisies] { return TexteDiagnostic(Choisies); });
   }
 
   Ombrey::IBoucle& Boucle() override { return Boucle_; }
   Ombrey::IFenêtres& Fenêtres() override { return Fenêtres_; }
   Ombrey::IQuestionnairePort& Questionnaire() override { return Questionnaire_; }
+  Veille& LaVeille() override { return Veille_; }
   std::filesystem::path FichierRéglages() const override { return Ombrey::FichierRéglagesUtilisateur(); }
   void Raccorder(IGestesStation& Gestes) override {
     Principale_.Raccorder({[&Gestes] { Gestes.Bouton(); }, [&Gestes] { Gestes.Menu(); },
@@ -96,6 +97,7 @@ class ÉditionFenêtrée final : public IÉdition {
   Ombrey::FenêtresQt Fenêtres_;
   Ombrey::QuestionnairePortQt Questionnaire_;
   Ombrey::RéglagesFichier Réglages_;
+  Veille Veille_;
   Ombrey::FenêtrePrincipaleQt Principale_;
 };
 

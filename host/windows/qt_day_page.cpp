@@ -22,12 +22,6 @@ constexpr int DernièreHeure = 20;
 QString Tonnes(double Kilos) { return QLocale(QLocale::French).toString(Kilos / KgParTonne, 'f', 1); }
 }  // namespace
 
-void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées) {
-  std::vector<std::string> Entêtes = std::move(Rangées.front());
-  Rangées.erase(Rangées.begin());
-  Grille.Remplir(std::move(Entêtes), std::move(Rangées));
-}
-
 HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
   setMinimumHeight(LignesHistogramme * fontMetrics().lineSpacing());
   setAccessibleName(QStringLiteral("Tonnage par heure"));
@@ -70,25 +64,22 @@ void HistogrammeQt::paintEvent(QPaintEvent* /*Événement*/) {
   }
 }
 
-PageJournéeQt::PageJournéeQt(QWidget* Parent, const Régional& Formes)
+PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, const Régional& Formes)
     : QWidget(Parent),
       Formes_(Formes),
       Filtre_(new QLineEdit(this)),
       Tous_(new QCheckBox(QStringLiteral("Tous les &sites"), this)),
       Total_(new QLabel(this)),
-      Chargements_(new GrilleChargements(this)),
-      Sommes_(new GrilleChargements(this)),
-      Quotas_(new GrilleChargements(this)),
+      Chargements_(new ListeQt(this, Contexte, QStringLiteral("Chargements du jour"))),
+      Sommes_(new ListeQt(this, Contexte, QStringLiteral("Sommes par appellation et classe"))),
+      Quotas_(new ListeQt(this, Contexte, QStringLiteral("Quotas du jour par appellation"))),
       Heures_(new HistogrammeQt(this)) {
   Filtre_->setPlaceholderText(QStringLiteral("Chercher : numéro, nom, appellation…"));
   Filtre_->setClearButtonEnabled(true);
   Filtre_->setToolTip(QStringLiteral("La liste et les sommes ne gardent que ce qui contient tous ces mots."));
   Filtre_->setAccessibleName(QStringLiteral("Chercher dans la journée"));
   Tous_->setToolTip(QStringLiteral("Montre aussi les chargements des autres stations."));
-  Chargements_->setAccessibleName(QStringLiteral("Chargements du jour"));
-  Sommes_->setAccessibleName(QStringLiteral("Sommes par appellation et classe"));
   Sommes_->setToolTip(QStringLiteral("Degré-hecto : kilos × % vol / 100, des chargements qui ont un degré."));
-  Quotas_->setAccessibleName(QStringLiteral("Quotas du jour par appellation"));
   auto* const Haut = new QHBoxLayout;
   Haut->addWidget(Filtre_, 1);
   Haut->addWidget(Tous_);

@@ -12,7 +12,7 @@
 
 #include "contracts/system.h"
 #include "host/day_view.h"
-#include "platform/qt/qt_load_grid.h"
+#include "host/windows/qt_list_pages.h"
 
 namespace Ombrey {
 
@@ -31,7 +31,7 @@ class HistogrammeQt : public QWidget {
 
 class PageJournéeQt : public QWidget {
  public:
-  PageJournéeQt(QWidget* Parent, const Régional& Formes);
+  PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, const Régional& Formes);
   /// Toute is the day of all sites or of one, as TousLesSites says. The lists keep their place.
   void Montrer(Tarvel::Journée Toute);
   /// The weight of the newest load of this number, if the day has one.
@@ -47,13 +47,10 @@ class PageJournéeQt : public QWidget {
   QLineEdit* Filtre_;
   QCheckBox* Tous_;
   QLabel* Total_;
-  GrilleChargements* Chargements_;
-  GrilleChargements* Sommes_;
-  GrilleChargements* Quotas_;
+  ListeQt* Chargements_;
+  ListeQt* Sommes_;
+  ListeQt* Quotas_;
   HistogrammeQt* Heures_;
 };
-
-/// Rows with their headings first, into a grid.
-void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées);
 
 }  // namespace Ombrey

@@ -3,21 +3,18 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QDateTime>
-#include <QFileInfo>
-#include <QHBoxLayout>
+#include <QElapsedTimer>
 #include <QMenuBar>
-#include <QPushButton>
+#include <QScreen>
 #include <QStatusBar>
 #include <QToolBar>
-#include <QUrl>
 #include <QVBoxLayout>
 #include <chrono>
 #include <cmath>
 #include <utility>
 
 #include "base/failures.h"
-#include "base/regional_forms.h"
+#include "contracts/phrases.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 
@@ -26,7 +23,9 @@ namespace Ombrey {
 namespace {
 using namespace std::chrono_literals;
 
-constexpr QSize TailleAuDépart(960, 540);
+/// In letters and lines: as much at every resolution.
+constexpr int ColonnesAuDépart = 175;
+constexpr int LignesAuDépart = 42;
 constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;
 constexpr auto Pas = 1000ms;
@@ -36,51 +35,31 @@ constexpr qint64 RappelTransfert = 300;  ///< seconds
 constexpr const char* Section = "FenêtrePrincipale";
 constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
-const std::string SignalReçu = "ChargementAjouté:";
-constexpr const char* TitreErreurPort = "Erreur du port";
+const std::string SignalReçu = Phrase::ChargementAjouté;
 
-/// A state's own shape and colour, so that neither is needed to read the other.
-struct Enseigne {
-  Tarvel::Liaison État;
-  const char* Signe;
-  const char* Couleur;
-};
-constexpr Enseigne Enseignes[] = {
-    {Tarvel::Liaison::Répond, "●", "#1b7f3b"},      {Tarvel::Liaison::Muette, "▲", "#b45f00"},
-    {Tarvel::Liaison::PortEnPanne, "■", "#b00020"}, {Tarvel::Liaison::SansPort, "■", "#b00020"},
-    {Tarvel::Liaison::Inconnue, "○", "#606060"},
-};
-constexpr const char* SigneSuspendu = "❚❚";
-
-DateHeure Maintenant() {
-  const QDateTime Ici = QDateTime::currentDateTime();
-  return {Ici.date().year(), Ici.date().month(),  Ici.date().day(),
-          Ici.time().hour(), Ici.time().minute(), Ici.time().second()};
+QString Compté(const char* Titre, std::size_t Nombre) {
+  const QString Nu = QString::fromUtf8(Titre);
+  return Nombre == 0 ? Nu : QStringLiteral("%1 (%2)").arg(Nu).arg(Nombre);
 }
-
-std::string HeureDe(const DateHeure& Moment) { return TexteHeure(Moment).substr(0, 5); }
-
-/// The operator's guide, where the program is installed or was built.
-QString Guide() {
-  const QString Ici = QCoreApplication::applicationDirPath();
-  for (const char* Chemin : {"/../share/doc/ombrey/docs/guide-operateur.md", "/../../../docs/guide-operateur.md"}) {
-    const QFileInfo Fichier(Ici + QString::fromUtf8(Chemin));
-    if (Fichier.exists()) return Fichier.canonicalFilePath();
-  }
-  return {};
-}
-
-constexpr QSize TailleGuide(760, 720);
 }  // namespace
 
-FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const std::string& Sujet, IRéglages& Réglages,
-                                         const Régional& Formes)
+FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages,
+                                         Tarvel::Veille& Veille, const Régional& Formes)
     : Contexte_(Contexte),
+      Sujet_(LeSien),
       Réglages_(Réglages),
+      Veille_(Veille),
       Formes_(Formes),
       Barre_(addToolBar(QStringLiteral("Greffons"))),
-      État_(new QLabel(this)) {
-  setWindowTitle(QStringLiteral("Tarvel – réception – ") + Texte(Sujet));
+      Bandeau_(new BandeauQt(this)),
+      Pages_(new QTabWidget(this)),
+      Journée_(new PageJournéeQt(this, Contexte, Formes)),
+      Refusés_(new PageRefusésQt(this, Contexte, Veille)),
+      Archive_(new ListeQt(this, Contexte, QStringLiteral("Archive"))),
+      NonLues_(new PageNonLuesQt(this, Contexte, Veille)),
+      Journal_(new QPlainTextEdit(this)),
+      État_(new LigneÉlidée(this)) {
+  setWindowTitle(QStringLiteral("Tarvel – réception – ") + Texte(Sujet_.Base));
   setContextMenuPolicy(Qt::NoContextMenu);
   setAttribute(Qt::WA_QuitOnClose, false);
   Barre_->setMovable(false);
@@ -89,89 +68,64 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const std
   auto* const Centre = new QWidget(this);
   auto* const Plan = new QVBoxLayout(Centre);
   Plan->setContentsMargins(0, 0, 0, 0);
+  Plan->setSpacing(0);
+  Plan->addWidget(Bandeau_);
+  Plan->addWidget(Pages_, 1);
   setCentralWidget(Centre);
-  CréerBandeau();
   CréerPages();
-  ÉtatBase_->setText(QStringLiteral("Base : ") + Texte(Sujet));
+  Bandeau_->DireBase(QStringLiteral("Base : ") + Texte(Sujet_.Base), {});
   État_->setTextFormat(Qt::PlainText);
-  État_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);  // a long text must not widen the window
   statusBar()->addWidget(État_, 1);
   ReprendrePlace();
+  Veille_.SurChangement([this] {
+    ActualiserBandeau();
+    ActualiserFaits();
+  });
   connect(&Montre_, &QTimer::timeout, this, [this] {
     // Through the loop: the base that lets the window be painted while it waits can't be asked meanwhile.
     if (++Tours_ % ToursParLecture == 0) Différé([this] { Actualiser(); })();
     ActualiserBandeau();
   });
   Montre_.start(Pas);
+  ActualiserBandeau();
+  ActualiserFaits();
 }
 
-FenêtrePrincipaleQt::~FenêtrePrincipaleQt() { SauverPlace(); }
-
-void FenêtrePrincipaleQt::CréerBandeau() {
-  auto* const Bandeau = new QWidget(this);
-  auto* const Rangée = new QHBoxLayout(Bandeau);
-  for (QLabel** Un : {&Signe_, &TexteLiaison_, &Dernier_, &ÉtatBase_}) {
-    *Un = new QLabel(Bandeau);
-    (*Un)->setTextFormat(Qt::PlainText);
-    Rangée->addWidget(*Un, Un == &TexteLiaison_ ? 1 : 0);
-  }
-  // A long reason must not widen the window; it is whole in the tool tip.
-  TexteLiaison_->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-  QFont Police = TexteLiaison_->font();
-  Police.setBold(true);
-  TexteLiaison_->setFont(Police);
-  Dernier_->setText(QStringLiteral("Aucun chargement aujourd'hui"));
-  Rangée->setSpacing(fontMetrics().averageCharWidth() * 2);
-  centralWidget()->layout()->addWidget(Bandeau);
-  ActualiserBandeau();
+FenêtrePrincipaleQt::~FenêtrePrincipaleQt() {
+  Veille_.SurChangement({});
+  SauverPlace();
 }
 
 void FenêtrePrincipaleQt::CréerPages() {
-  Pages_ = new QTabWidget(this);
   Pages_->setDocumentMode(true);
-  Journée_ = new PageJournéeQt(this, Formes_);
   Journée_->SurSites = [this] { Actualiser(); };
-  Pages_->addTab(Journée_, QStringLiteral("La &journée"));
-  GrilleRefus_ =
-      AjouterListe(QStringLiteral("&Refusés"), QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. "
-                                                              "Une ligne s'en va quand le chargement est reçu."));
-  GrilleArchive_ =
-      AjouterListe(QStringLiteral("&Archive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
-  Journal_ = new QPlainTextEdit(this);
+  Ajouter(Journée_, QStringLiteral("La &journée"), QStringLiteral("Les chargements d'aujourd'hui et leurs sommes."));
+  Ajouter(Refusés_, QStringLiteral("&Refusés"),
+          QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand la file du RG80 "
+                         "avance."));
+  Ajouter(Archive_, QStringLiteral("&Archive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
+  CréerJournal();
+  Ajouter(NonLues_, QStringLiteral("À lir&e"), QStringLiteral("Messages auxquels personne n'a répondu."));
+}
+
+void FenêtrePrincipaleQt::CréerJournal() {
   Journal_->setReadOnly(true);
   Journal_->setMaximumBlockCount(LignesGardées);
   Journal_->setContextMenuPolicy(Qt::NoContextMenu);
   Journal_->setTabChangesFocus(true);
   Journal_->setPlaceholderText(QStringLiteral("Ce que le greffon signale s'inscrit ici."));
   Journal_->setAccessibleName(QStringLiteral("Journal"));
-  Pages_->addTab(Journal_, QStringLiteral("&Ligne"));
-  auto* const Page = new QWidget(this);
-  auto* const Plan = new QVBoxLayout(Page);
-  GrilleNonLues_ = new GrilleChargements(Page);
-  GrilleNonLues_->setAccessibleName(QStringLiteral("Messages que personne n'a lus"));
-  auto* const Lu = new QPushButton(QStringLiteral("&Tout est lu"), Page);
-  connect(Lu, &QPushButton::clicked, this, [this] {
-    NonLues_.Vider();
-    ActualiserFaits();
-  });
-  Plan->addWidget(GrilleNonLues_);
-  Plan->addWidget(Lu, 0, Qt::AlignRight);
-  Pages_->addTab(Page, QString());
-  Pages_->setTabToolTip(Pages_->indexOf(Page), QStringLiteral("Messages auxquels personne n'a répondu."));
-  centralWidget()->layout()->addWidget(Pages_);
-  ActualiserFaits();
+  Ajouter(Journal_, QStringLiteral("&Ligne"), QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
 }
 
-GrilleChargements* FenêtrePrincipaleQt::AjouterListe(const QString& Titre, const QString& Infobulle) {
-  auto* const Grille = new GrilleChargements(this);
-  Grille->setAccessibleName(QString(Titre).remove(QLatin1Char('&')));
-  Pages_->setTabToolTip(Pages_->addTab(Grille, Titre), Infobulle);
-  return Grille;
+void FenêtrePrincipaleQt::Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle) {
+  Pages_->setTabToolTip(Pages_->addTab(Page, Titre), Infobulle);
 }
 
 void FenêtrePrincipaleQt::ReprendrePlace() {
-  const QRect Libre = screen()->availableGeometry();
-  resize(TailleAuDépart.boundedTo(Libre.size()));
+  const QSize Voulue(fontMetrics().averageCharWidth() * ColonnesAuDépart, fontMetrics().lineSpacing() * LignesAuDépart);
+  // A frame and the desktop's panel want room as well.
+  resize(Voulue.boundedTo(screen()->availableSize() * 9 / 10));
   const std::string Gardée = Réglages_.Lire(Application, Section, CléPlace, "");
   restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(Gardée)));
 }
@@ -194,6 +148,9 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
   QMenu* const Station = menuBar()->addMenu(QStringLiteral("&Station"));
   connect(Station->addAction(QStringLiteral("&Configurer le port…")), &QAction::triggered, this,
           Différé(Gestes_.Configurer));
+  if (Diagnostic_)
+    connect(Station->addAction(QStringLiteral("&Diagnostic…")), &QAction::triggered, this,
+            Différé([this] { Diagnostiquer(); }));
   Station->addSeparator();
   QAction* const Quitter = Station->addAction(QStringLiteral("&Quitter"));
   Quitter->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
@@ -204,27 +161,37 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
 
 void FenêtrePrincipaleQt::CréerAide() {
   QMenu* const Aide = menuBar()->addMenu(QStringLiteral("&Aide"));
-  QAction* const Ouvrir = Aide->addAction(QStringLiteral("&Guide de l'opérateur"));
-  Ouvrir->setShortcut(Qt::Key_F1);
-  connect(Ouvrir, &QAction::triggered, this, Différé([this] { MontrerGuide(); }));
+  QAction* const Ouvrir = Aide->addAction(QStringLiteral("&Guide de l'opérateur\tF1"));
+  connect(Ouvrir, &QAction::triggered, this, Différé([this] {
+            if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
+          }));
   connect(Aide->addAction(QStringLiteral("À &propos…")), &QAction::triggered, this,
           Différé([this] { DemanderParBoîte(Contexte_, ÀPropos_, "À propos", BoutonsBoîte::Ok); }));
 }
 
-/// Beside the station, which goes on.
-void FenêtrePrincipaleQt::MontrerGuide() {
-  const QString Fichier = Guide();
-  if (Fichier.isEmpty()) return Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
-  if (!Guide_) {
-    Guide_ = std::make_unique<QTextBrowser>();
-    Guide_->setAttribute(Qt::WA_QuitOnClose, false);
-    Guide_->setWindowTitle(QStringLiteral("Guide de l'opérateur"));
-    Guide_->setSource(QUrl::fromLocalFile(Fichier), QTextDocument::MarkdownResource);
-    Guide_->resize(TailleGuide.boundedTo(screen()->availableSize()));
-  }
-  Guide_->show();
-  Guide_->raise();
-  Guide_->activateWindow();
+void FenêtrePrincipaleQt::Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic) {
+  ÀPropos_ = ÀPropos;
+  Diagnostic_ = std::move(Diagnostic);
+}
+
+void FenêtrePrincipaleQt::Diagnostiquer() {
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  ErreurEnAttente Erreur;
+  std::string Dit;
+  if (!Ignorer(Erreur, [&] { Dit = Diagnostic_(); })) Dit = Erreur.Texte();
+  QApplication::restoreOverrideCursor();
+  MontrerTexte(this, QStringLiteral("Diagnostic"), Texte(Dit));
+}
+
+void FenêtrePrincipaleQt::SePrésenter() {
+  Dire("Cette station est déjà ouverte : un second démarrage la ramène devant.");
+  setWindowState(windowState() & ~Qt::WindowMinimized);
+  QWidget* const Modale = QApplication::activeModalWidget();
+  QWidget* const Devant = Modale != nullptr ? Modale : this;
+  raise();
+  Devant->raise();
+  Devant->activateWindow();
+  QApplication::alert(Devant);
 }
 
 void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& Infobulle) {
@@ -262,16 +229,11 @@ void FenêtrePrincipaleQt::Suivre(std::shared_ptr<IBaseDeD> Base) {
 
 void FenêtrePrincipaleQt::Dire(const std::string& Message) {
   if (Message.starts_with(SignalReçu)) {
-    const std::string Numéro = Message.substr(SignalReçu.size());
-    // What stood at the head of the terminal's queue was let in, or another load wouldn't have come.
-    for (const std::string& Sujet : {Numéro, std::string(Tarvel::SansNuméro)}) Refus_.Retirer(Sujet);
     Actualiser();
-    ActualiserFaits();
-    return Dire(DireReçu(Numéro));
+    return Dire(DireReçu(Message.substr(SignalReçu.size())));
   }
   const QString Ligne = SurUneLigne(Message);
-  État_->setText(Ligne);
-  État_->setToolTip(Texte(Message).toHtmlEscaped());
+  État_->Dire(Ligne);
   Journal_->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" : ") + Ligne);
 }
 
@@ -281,97 +243,56 @@ std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
   return Masse ? Dit + ", " + std::to_string(std::llround(*Masse)) + " kg" : Dit;
 }
 
-void FenêtrePrincipaleQt::NoterLigne(const std::string& Ligne) {
-  Liaison_.Noter(QDateTime::currentSecsSinceEpoch(), Ligne);
-  NoterRefus(Ligne);
-  Journal_->appendPlainText(SurUneLigne(Ligne));
-  ActualiserBandeau();
-}
-
-void FenêtrePrincipaleQt::NoterBoîte(const std::string& Titre, const std::string& Message) {
-  if (Titre == TitreErreurPort) Liaison_.NoterPort(QDateTime::currentSecsSinceEpoch(), Message);
-  NoterRefus(Message);
-  ActualiserBandeau();
-}
-
-void FenêtrePrincipaleQt::NoterRetrait(const std::string& Titre, const std::string& Message) {
-  NonLues_.Noter(Maintenant(), Titre, Message);
-  ActualiserFaits();
-}
-
-void FenêtrePrincipaleQt::NoterRefus(const std::string& Texte) {
-  const Tarvel::Refus Lu = Tarvel::LireRefus(Texte);
-  if (Lu.Sujet.empty()) return;
-  Refus_.Noter(Maintenant(), Lu.Sujet, Lu.Motif, Lu.ÀFaire);
-  ActualiserFaits();
-}
-
 void FenêtrePrincipaleQt::ActualiserFaits() {
-  Tarvel::Rangées Refusés{{"Chargement", "Motif", "Fois", "Depuis", "Dernière fois", "Que faire"}};
-  for (const Tarvel::FaitRépété& Un : Refus_.Tous())
-    Refusés.push_back(
-        {Un.Sujet, Un.Texte, std::to_string(Un.Fois), HeureDe(Un.Premier), HeureDe(Un.Dernier), Un.ÀFaire});
-  Tarvel::Rangées Lues{{"Titre", "Message", "Fois", "Première fois", "Dernière fois"}};
-  for (const Tarvel::FaitRépété& Un : NonLues_.Tous())
-    Lues.push_back({Un.Sujet, SurUneLigne(Un.Texte).toStdString(), std::to_string(Un.Fois), HeureDe(Un.Premier),
-                    HeureDe(Un.Dernier)});
-  const auto Titrer = [this](QWidget* Page, const QString& Titre, std::size_t Nombre) {
-    Pages_->setTabText(Pages_->indexOf(Page), Nombre == 0 ? Titre : QStringLiteral("%1 (%2)").arg(Titre).arg(Nombre));
+  const auto Titrer = [this](QWidget* Page, const char* Titre, const Tarvel::Rangées& Avec) {
+    Pages_->setTabText(Pages_->indexOf(Page), Compté(Titre, Avec.size() - 1));
   };
-  Titrer(GrilleRefus_, QStringLiteral("&Refusés"), Refus_.Tous().size());
-  Titrer(GrilleNonLues_->parentWidget(), QStringLiteral("À lir&e"), NonLues_.Tous().size());
-  Remplir(*GrilleRefus_, std::move(Refusés));
-  Remplir(*GrilleNonLues_, std::move(Lues));
+  Titrer(Refusés_, "&Refusés", Veille_.Refusés());
+  Titrer(NonLues_, "À lir&e", Veille_.NonLus());
+  Refusés_->Montrer();
+  NonLues_->Montrer();
 }
 
 /// A database that can't be read leaves what is shown as it was, and says why.
 void FenêtrePrincipaleQt::Actualiser() {
   if (!Base_) return;
   ErreurEnAttente Erreur;
-  const bool Lue = Ignorer(Erreur, [this] {
+  QElapsedTimer Chrono;
+  Chrono.start();
+  QString Délai;
+  const bool Lue = Ignorer(Erreur, [&] {
     const auto Base = Exiger(Base_->BaseDAO());
-    Tarvel::Journée Jour =
-        Tarvel::LireJournée(*Base, Journée_->TousLesSites() ? "" : Exiger(Base_->KVSynchro())->CodeSiteCourant());
-    if (!Jour.Chargements.empty()) {
-      const Tarvel::ChargementDuJour& Un = Jour.Chargements.front();
-      Dernier_->setText(QStringLiteral("Dernier : n° %1, %2 kg, %3")
-                            .arg(Texte(Un.Numéro))
-                            .arg(Un.Masse, 0, 'f', 0)
-                            .arg(Texte(Un.Heure)));
-    }
-    Journée_->Montrer(std::move(Jour));
-    Remplir(*GrilleArchive_, Tarvel::TableauArchive(*Base, Formes_));
+    const std::string Site = Exiger(Base_->KVSynchro())->CodeSiteCourant();
+    if (Sujet_.EstSurServeur) Délai = QStringLiteral(", %1 ms").arg(Chrono.elapsed());
+    Lire(*Base, Journée_->TousLesSites() ? "" : Site);
   });
-  ÉtatBase_->setToolTip(Lue ? QString() : Texte(Erreur.Texte()).toHtmlEscaped());
-  ÉtatBase_->setStyleSheet(Lue ? QString() : QStringLiteral("color: #b00020"));
-  if (!Lue) État_->setText(QStringLiteral("La base ne répond pas : ") + SurUneLigne(Erreur.Texte()));
+  const QString Nom = QString::fromUtf8(Sujet_.EstSurServeur ? "Base sur serveur : " : "Base locale : ");
+  Bandeau_->DireBase(Nom + Texte(Sujet_.Base) + Délai, Lue ? QString() : Texte(Erreur.Texte()));
+  if (!Lue) État_->Dire(QStringLiteral("La base ne répond pas : ") + SurUneLigne(Erreur.Texte()));
+}
+
+void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
+  Tarvel::Journée Jour = Tarvel::LireJournée(Base, Site);
+  if (!Jour.Chargements.empty()) {
+    const Tarvel::ChargementDuJour& Un = Jour.Chargements.front();
+    Bandeau_->DireDernier(QStringLiteral("Dernier : n° %1, %2 kg, %3")
+                              .arg(Texte(Un.Numéro))
+                              .arg(Un.Masse, 0, 'f', 0)
+                              .arg(Texte(Un.Heure)));
+  }
+  Journée_->Montrer(std::move(Jour));
+  Remplir(*Archive_, Tarvel::TableauArchive(Base, Formes_));
 }
 
 void FenêtrePrincipaleQt::ActualiserBandeau() {
-  QString Phrase = Texte(Liaison_.Texte(QDateTime::currentSecsSinceEpoch()));
-  QString Signe;
-  QString Couleur;
-  for (const Enseigne& Une : Enseignes) {
-    if (Une.État != Liaison_.État()) continue;
-    Signe = QString::fromUtf8(Une.Signe);
-    Couleur = QString::fromUtf8(Une.Couleur);
-  }
-  if (SuspendueDepuis_) {
-    Signe = QString::fromUtf8(SigneSuspendu);
-    Phrase = QStringLiteral("Collecte suspendue depuis %1 : la fenêtre de transfert est ouverte")
-                 .arg(SuspendueDepuis_->toString(QStringLiteral("HH:mm")));
-    if (!Rappelée_ && SuspendueDepuis_->secsTo(QDateTime::currentDateTime()) >= RappelTransfert) {
-      Rappelée_ = true;
-      QApplication::beep();
-      QApplication::alert(this);
-    }
-  }
-  if (TexteLiaison_->text() == Phrase && Signe_->text() == Signe) return;
-  Signe_->setText(Signe);
-  Signe_->setStyleSheet(QStringLiteral("color: ") + Couleur);
-  TexteLiaison_->setText(Phrase);
-  TexteLiaison_->setToolTip(Phrase.toHtmlEscaped());
-  Signe_->setAccessibleName(Phrase);
+  Bandeau_->DireRelevé(SuspendueDepuis_ ? QStringLiteral("Aucun relevé d'ici là") : Texte(Veille_.TexteRelevé()));
+  if (!SuspendueDepuis_) return Bandeau_->MontrerLiaison(Veille_.État(), Texte(Veille_.TexteLiaison()));
+  Bandeau_->MontrerSuspension(QStringLiteral("Collecte suspendue depuis %1 : la fenêtre de transfert est ouverte")
+                                  .arg(SuspendueDepuis_->toString(QStringLiteral("HH:mm"))));
+  if (Rappelée_ || SuspendueDepuis_->secsTo(QDateTime::currentDateTime()) < RappelTransfert) return;
+  Rappelée_ = true;
+  QApplication::beep();
+  QApplication::alert(this);
 }
 
 void FenêtrePrincipaleQt::closeEvent(QCloseEvent* Événement) {

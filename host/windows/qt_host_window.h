@@ -4,11 +4,9 @@
 
 #include <QDateTime>
 #include <QIcon>
-#include <QLabel>
 #include <QMainWindow>
 #include <QPlainTextEdit>
 #include <QTabWidget>
-#include <QTextBrowser>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -17,8 +15,11 @@
 
 #include "contracts/host.h"
 #include "contracts/system.h"
-#include "host/watch.h"
+#include "host/overview.h"
 #include "host/windows/qt_day_page.h"
+#include "host/windows/qt_help.h"
+#include "host/windows/qt_list_pages.h"
+#include "host/windows/qt_status_strip.h"
 #include "platform/qt/qt_window.h"
 
 namespace Ombrey {
@@ -33,9 +34,14 @@ class FenêtrePrincipaleQt : public QMainWindow {
     std::function<void()> Configurer;
     std::function<void()> Quitter;
   };
+  /// Which database this station works on.
+  struct Sujet {
+    std::string Base;
+    bool EstSurServeur = false;
+  };
 
-  /// Sujet says which database this station works on; its place is kept in Réglages, which outlives it.
-  FenêtrePrincipaleQt(const ContexteQt& Contexte, const std::string& Sujet, IRéglages& Réglages,
+  /// Its place is kept in Réglages; all four outlive the window.
+  FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages, Tarvel::Veille& Veille,
                       const Régional& Formes = {});
   ~FenêtrePrincipaleQt() override;
 
@@ -46,46 +52,44 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void OffrirBouton(const QIcon& Icône, const std::string& Infobulle);
   /// "&" stands ahead of the mnemonic letter.
   void OffrirMenu(const std::string& Entrée);
-  /// What « À propos » says.
-  void Présenter(const std::string& ÀPropos) { ÀPropos_ = ÀPropos; }
+  /// What « À propos » says, and what makes the text of « Diagnostic ».
+  void Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic = {});
 
   /// The text stands in the status line until the next, and in the journal.
   void Dire(const std::string& Texte);
-  /// These look at what the plug-in says: a line of its lists, a box, a box that stepped aside unread.
-  void NoterLigne(const std::string& Ligne);
-  void NoterBoîte(const std::string& Titre, const std::string& Message);
-  void NoterRetrait(const std::string& Titre, const std::string& Message);
+  /// Another start of the station was asked for: this one comes to the front.
+  void SePrésenter();
 
  protected:
   void closeEvent(QCloseEvent* Événement) override;
 
  private:
   QMenu& MenuGreffons();
-  void CréerBandeau();
   void CréerPages();
+  void CréerJournal();
   void CréerAide();
-  void MontrerGuide();
+  void Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle);
   void ReprendrePlace();
   void SauverPlace();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;
-  [[nodiscard]] GrilleChargements* AjouterListe(const QString& Titre, const QString& Infobulle);
   void Transférer();
+  void Diagnostiquer();
   void Actualiser();
+  void Lire(IDatabase& Base, const std::string& Site);
   void ActualiserBandeau();
   void ActualiserFaits();
-  void NoterRefus(const std::string& Texte);
   [[nodiscard]] std::string DireReçu(const std::string& Numéro) const;
 
   const ContexteQt& Contexte_;
   Gestes Gestes_;
+  Sujet Sujet_;
   IRéglages& Réglages_;
+  Tarvel::Veille& Veille_;
   Régional Formes_;
   std::shared_ptr<IBaseDeD> Base_;
   std::string ÀPropos_;
-  std::unique_ptr<QTextBrowser> Guide_;  ///< once it was asked for
-  Tarvel::ÉtatLiaison Liaison_;
-  Tarvel::FaitsRépétés Refus_;
-  Tarvel::FaitsRépétés NonLues_;
+  std::function<std::string()> Diagnostic_;
+  AideQt Aide_;
   std::optional<QDateTime> SuspendueDepuis_;
   bool Rappelée_ = false;  ///< attention was called for to a transfer window left open
   QTimer Montre_;
@@ -93,17 +97,14 @@ class FenêtrePrincipaleQt : public QMainWindow {
 
   QToolBar* Barre_;
   QMenu* Greffons_ = nullptr;
-  QLabel* Signe_ = nullptr;
-  QLabel* TexteLiaison_ = nullptr;
-  QLabel* Dernier_ = nullptr;
-  QLabel* ÉtatBase_ = nullptr;
-  QTabWidget* Pages_ = nullptr;
-  PageJournéeQt* Journée_ = nullptr;
-  GrilleChargements* GrilleRefus_ = nullptr;
-  GrilleChargements* GrilleArchive_ = nullptr;
-  GrilleChargements* GrilleNonLues_ = nullptr;
-  QPlainTextEdit* Journal_ = nullptr;
-  QLabel* État_;
+  BandeauQt* Bandeau_;
+  QTabWidget* Pages_;
+  PageJournéeQt* Journée_;
+  PageRefusésQt* Refusés_;
+  ListeQt* Archive_;
+  PageNonLuesQt* NonLues_;
+  QPlainTextEdit* Journal_;
+  LigneÉlidée* État_;
 };
 
 }  // namespace Ombrey

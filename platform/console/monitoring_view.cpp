@@ -72,6 +72,7 @@ void VueSuiviConsole::InsérerLigne(Onglet Liste, std::size_t Rang, const std::s
   const auto Place = static_cast<std::ptrdiff_t>(std::min(Rang, Lignes.size()));
   Lignes.insert(Lignes.begin() + Place, LigneDeListe{Texte, Coché});
   Fenêtres_.Ligne((Liste == Onglet::Suivis ? "message " : "erreur ") + Marque(Liste, Coché) + Texte);
+  if (Liste == Onglet::Suivis && Fenêtres_.Témoins().Ligne) Fenêtres_.Témoins().Ligne(Texte);
 }
 
 void VueSuiviConsole::RetirerLigne(Onglet Liste, std::size_t Rang) {

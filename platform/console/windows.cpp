@@ -37,8 +37,12 @@ bool Offre(BoutonsBoîte Boutons, RéponseBoîte Réponse) {
 RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
   const bool Seul = Boutons == BoutonsBoîte::Ok;
   Ligne("boîte «" + Titre + "» (" + (Seul ? "OK" : "Recommencer, Annuler") + ") : " + Texte);
+  if (Témoins_.Boîte) Témoins_.Boîte(Titre, Texte);
   const RéponseBoîte Défaut = Seul ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
-  if (!OpérateurPrésent()) return Défaut;
+  if (!OpérateurPrésent()) {
+    if (Témoins_.Retirée) Témoins_.Retirée(Titre, Texte);
+    return Défaut;
+  }
   const auto Ouverte = std::make_shared<BoîteEnCours>(BoîteEnCours{Boutons, std::nullopt});
   Boîtes_.push_back(Ouverte);
   PomperTantQue([&] { return !Ouverte->Réponse && OpérateurPrésent(); });

@@ -11,6 +11,7 @@
 #include "contracts/toolkit.h"
 #include "platform/console/output.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/witnesses.h"
 
 namespace Ombrey {
 
@@ -87,6 +88,8 @@ class FenêtresConsole : public IFenêtres {
   void SurDisponibilité(std::function<void()> Dire) { DireDisponible_ = std::move(Dire); }
 
   void Ligne(const std::string& Texte) { Sortie_.Ligne(Texte); }
+  void Observer(TémoinsFenêtres Témoins) { Témoins_ = std::move(Témoins); }
+  [[nodiscard]] const TémoinsFenêtres& Témoins() const { return Témoins_; }
 
  private:
   struct BoîteEnCours {
@@ -106,6 +109,7 @@ class FenêtresConsole : public IFenêtres {
   VueSuiviConsole* VueSuivi_ = nullptr;
   VueChargntConsole* VueChargnt_ = nullptr;
   std::function<void()> DireDisponible_;
+  TémoinsFenêtres Témoins_;
 };
 
 }  // namespace Ombrey

@@ -8,6 +8,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/loop/witnesses.h"
 #include "platform/qt/qt_loop.h"
 
 namespace Ombrey {
@@ -51,12 +52,7 @@ struct ContexteQt {
   std::chrono::milliseconds Retrait = std::chrono::seconds(30);
   /// A new box takes no click or key for so long: what is typed elsewhere isn't meant for it.
   std::chrono::milliseconds Répit{500};
-  /// Who looks at what the plug-in says, as it says it. Each may be none.
-  struct Observateurs {
-    std::function<void(const std::string& Ligne)> Ligne;                                ///< into one of its lists
-    std::function<void(const std::string& Titre, const std::string& Message)> Boîte;    ///< shown now
-    std::function<void(const std::string& Titre, const std::string& Message)> Retirée;  ///< stepped aside unread
-  } Témoins = {};
+  TémoinsFenêtres Témoins = {};
   /// Told of a gesture that raised. Where nobody takes it, the failure leaves the pump.
   std::function<void(const std::string& Description)> SurÉchec = nullptr;
 };

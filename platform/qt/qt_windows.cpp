@@ -39,7 +39,10 @@ FenêtresQt::FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail)
 
 RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
   if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
-  if (RépondSeul_) return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  if (RépondSeul_) {
+    if (Contexte_.Témoins.Retirée) Contexte_.Témoins.Retirée(Titre, Texte);
+    return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  }
   const bool Sablier = Sablier_;
   FixerSablier(false);
   const RéponseBoîte Réponse = DemanderParBoîte(Contexte_, Texte, Titre, Boutons);

@@ -45,7 +45,7 @@ class FenêtresQt : public IFenêtres {
     Contexte_.Retrait = Retrait;
     Contexte_.Répit = Répit;
   }
-  void Observer(ContexteQt::Observateurs Témoins) { Contexte_.Témoins = std::move(Témoins); }
+  void Observer(TémoinsFenêtres Témoins) { Contexte_.Témoins = std::move(Témoins); }
   /// Told of what a gesture raised.
   void SurÉchec(std::function<void(const std::string&)> Dire) { Contexte_.SurÉchec = std::move(Dire); }
   [[nodiscard]] const ContexteQt& Contexte() const { return Contexte_; }

@@ -18,6 +18,7 @@ inline constexpr const char* Communique = "Communication établie avec le RG80."
 inline constexpr const char* PasPrêt = "Le RG80 n'est pas prêt (NACK).";
 // src/link/collection.cpp
 inline constexpr const char* RienÀRécupérer = "Aucun chargement à récupérer.";
+inline constexpr const char* ChargementAjouté = "ChargementAjouté:";
 inline constexpr const char* ImportEnÉchec = "Erreur d'importation des données issues du RG80.";
 // src/import/frame_processing.cpp
 inline constexpr const char* ChecksumFaux = "Erreur de check-sum";

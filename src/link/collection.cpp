@@ -6,6 +6,7 @@
 
 #include "base/ansi_text.h"
 #include "base/files.h"
+#include "base/kept_files.h"
 #include "base/regional_forms.h"
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
@@ -16,6 +17,7 @@ namespace Ombrey {
 namespace {
 
 constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
+constexpr std::size_t ImportsConservésAuPlus = 1000;
 constexpr const char* TexteLaissé =
     "Chargement laissé sans réponse : le RG80 répondait peut-être à une demande plus ancienne.";
 
@@ -149,18 +151,24 @@ void Collecte::Importer() {
   if (!EstRompu()) EnvoyerCumuls();
 }
 
-/// One name for the whole dialogue: a box may stand open between the moving and the line that tells of it.
+/// One name for the whole dialogue: a box may stand open between the moving and the line that tells of it. A load that
+/// comes again and again is kept once.
 const std::filesystem::path& Collecte::FichierConservé() {
-  if (FichierConservé_.empty())
-    FichierConservé_ = Système_.DossierImportsConservés() /
-                       Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt");
+  if (!FichierConservé_.empty()) return FichierConservé_;
+  const std::filesystem::path Dossier = Système_.DossierImportsConservés();
+  const auto Pareil = FichierDeContenu(Dossier, ContenuDe(FichierImport_));
+  FichierConservé_ =
+      Pareil.value_or(Dossier / Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt"));
   return FichierConservé_;
 }
 
 void Collecte::ConserverFichierImport() {
   const std::filesystem::path Vers = FichierConservé();
+  std::error_code Code;
+  if (std::filesystem::exists(Vers, Code) && ContenuDe(Vers) == ContenuDe(FichierImport_)) return;
   CréerDossier(Vers.parent_path());
   DéplacerFichier(FichierImport_, Vers);
+  LimiterFichiers(Vers.parent_path(), ImportsConservésAuPlus);
 }
 
 /// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
@@ -208,7 +216,7 @@ void Collecte::EnvoyerCumuls() {
   VérifierErreurEnAttente();
   Etape_ = EtapeAnnonce;
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.EventPlugin)->Signaler("ChargementAjouté:" + NoChargement_); });
+  Ignorer(Ignorée, [this] { Exiger(État_.EventPlugin)->Signaler(Phrase::ChargementAjouté + NoChargement_); });
   État_.Erreur.Effacer();
 }
 

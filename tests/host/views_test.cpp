@@ -1,8 +1,10 @@
 // What the operator is shown at a glance: the day, the link, what is refused and what nobody has read.
 #include <ranges>
 
-#include "host/day_view.h"
-#include "host/watch.h"
+#include "base/files.h"
+#include "contracts/line_protocol.h"
+#include "host/overview.h"
+#include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Tarvel {
@@ -77,20 +79,41 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
   }
 }
 
-TEST(FaitsRépétés, AreOneRowEachWithTheirCountTheLatestOnTop) {
-  FaitsRépétés Faits;
-  const char* const Degré = "TraiterDonnéesReçues : Incompatibilité de type : degré « 1x5 » du chargement n° 12";
-  for (int Minute = 0; const char* Texte : {Degré, "Erreur de check-sum", "Aucune réponse du RG80.", Degré}) {
-    const Refus Lu = LireRefus(Texte);
-    if (!Lu.Sujet.empty()) Faits.Noter({2026, 9, 22, 8, Minute++, 0}, Lu.Sujet, Lu.Motif, Lu.ÀFaire);
-  }
-  std::string Dits;
-  for (const FaitRépété& Un : Faits.Tous())
-    Dits += Un.Sujet + " × " + std::to_string(Un.Fois) + (Un.ÀFaire.empty() ? "" : ", advice") + " " +
-            std::to_string(Un.Premier.Minute) + "-" + std::to_string(Un.Dernier.Minute) + "\n";
-  EXPECT_EQ(Dits, std::string("12 × 2, advice 0-2\n") + SansNuméro + " × 1, advice 1-1\n");
-  Faits.Retirer("12");
-  EXPECT_EQ(Faits.Tous().size(), 1U);
+TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
+  const DossierEssai Dossier;
+  Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
+  Veille Vue;
+  Vue.FixerDossierConservés(Dossier.Chemin());
+  const auto Offrir = [&Vue](std::size_t Taille = Ombrey::LongTrameChargement) {
+    const std::string Trame =
+        "\x02"
+        "001222092608050806000123000456001100000005011x510850007\x03"
+        "42";
+    Vue.NoterOctets(Ombrey::Octets(Trame.substr(0, 20)));
+    Vue.NoterOctets(Ombrey::Octets(Trame.substr(20, Taille - 20)));
+  };
+  const auto Résumé = [&Vue] {
+    std::string Tout;
+    const Rangées Toutes = Vue.Refusés();
+    for (std::size_t Rang = 1; Rang < Toutes.size(); ++Rang)
+      Tout += Toutes[Rang][0] + " " + Toutes[Rang][2] + " " + Toutes[Rang][4] + "|";
+    return Tout;
+  };
+  Offrir();
+  for (const char* Dit : {"Code exploitation introuvable : /12", "TraiterDonnéesReçues : degré du chargement n° 12",
+                          "Aucune réponse du RG80."})
+    Vue.NoterLigne(Dit);
+  EXPECT_EQ(Résumé(), "12 1 TraiterDonnéesReçues : degré du chargement n° 12|") << "one frame counts once";
+  Offrir();
+  Vue.NoterRefus({"La base est verrouillée.", "ligne", false});
+  EXPECT_EQ(Résumé(), "12 2 La base est verrouillée.|");
+  for (const char* Su : {"Récoltant : 000456", "Degré (dixièmes) : 1x5", "gardé"})
+    EXPECT_NE(Vue.Détail(0).find(Su), std::string::npos) << Vue.Détail(0);
+  Offrir(30);
+  Vue.NoterBoîte("RG80 Ombrey", "Données trop courtes");
+  EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
+  Vue.NoterReçu();
+  EXPECT_EQ(Résumé() + Vue.Détail(0), "");
 }
 
 }  // namespace Tarvel

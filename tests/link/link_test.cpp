@@ -7,6 +7,7 @@
 #include <numeric>
 
 #include "base/files.h"
+#include "base/kept_files.h"
 #include "base/regional_forms.h"
 #include "link/checksum.h"
 #include "link/daily_error_file.h"
@@ -412,6 +413,22 @@ TEST_F(Banc, ARefusalIsSaidAndNotedEvenWhenItsFileCannotBeKept) {
   EXPECT_EQ(Canal.Messages.at(0), std::pair(Etat.Erreur, true));
   EXPECT_GT(std::filesystem::file_size(FichierErreursDuJour(Système)), Etat.Erreur.size());
   EXPECT_EQ(Fenêtres.Dites().size(), 1U);
+}
+
+TEST_F(Banc, KeptFilesAreOneForEachContentAndNoMoreThanAThousand) {
+  CréerDossier(Système.DossierImportsConservés());
+  for (int Rang = 0; Rang < 1000; ++Rang)
+    EcrireFichier(Système.DossierImportsConservés() / std::to_string(Rang), std::to_string(Rang));
+  Etat.Importe = false;
+  for (const int Seconde : {1, 2}) {
+    Système.Mur.Seconde = Seconde;
+    Répondre({"^A" + Trame12});
+    UneInterrogation.Retard_FinTempo("");
+    EXPECT_EQ(Etat.Importés.size(), static_cast<std::size_t>(Seconde));
+  }
+  EXPECT_EQ(Fichiers(Système.DossierImportsConservés()), 1000);
+  EXPECT_FALSE(FichierDeContenu(Système.DossierImportsConservés(), "0")) << "the oldest goes";
+  EXPECT_TRUE(FichierDeContenu(Système.DossierImportsConservés(), "1")) << "and no other: one file was kept";
 }
 
 TEST_F(Banc, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFromTheEnd) {

@@ -40,10 +40,11 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
   QuestionnairePortQt Questionnaire(
       LesVraies.Contexte(), [] { return std::vector<PortTrouvé>(); }, ChoixUsuels());
   const auto Principale = [&](const Geste& Faire, int Page) {
-    FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), "cave.db", LesRéglages);
+    Tarvel::Veille Veille;
+    FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
     Fenêtre.Raccorder({[&] { Trace += "bouton"; }, {}, {}, {}});
     Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
-    Fenêtre.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+    Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
     Fenêtre.show();
     Le<QTabWidget>(Fenêtre).setCurrentIndex(Page);
     Vider();

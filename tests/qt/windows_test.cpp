@@ -205,7 +205,8 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
 }
 
 TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
-  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), "cave.db", LesRéglages);
+  Tarvel::Veille Veille;
+  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
   Fenêtre.OffrirMenu("&Charger");
@@ -232,7 +233,9 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
   const PetiteCoopérative Coopérative;
   const auto Hôte = std::make_shared<FausseBaseDeD>();
   Hôte->Base = Coopérative.Base;
-  auto Fenêtre = std::make_unique<FenêtrePrincipaleQt>(LesVraies.Contexte(), "cave.db", LesRéglages);
+  Tarvel::Veille Veille;
+  auto Fenêtre = std::make_unique<FenêtrePrincipaleQt>(LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"},
+                                                       LesRéglages, Veille);
   const auto Onglets = [&] {
     std::string Tous;
     const auto& Pages = Le<QTabWidget>(*Fenêtre);
@@ -247,20 +250,20 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
   Fenêtre->OffrirMenu("&Charger");
   Fenêtre->show();
   Fenêtre->Suivre(Hôte);
-  EXPECT_TRUE(Dit("Le RG80 n'a pas encore") && Dit("○") && Dit("Base : cave.db"));
+  EXPECT_TRUE(Dit("Le RG80 n'a pas encore") && Dit("○") && Dit("Base locale : cave.db"));
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Ligne|À lire|");
-  Fenêtre->NoterLigne("08:30:00 : Aucune réponse du RG80.");
+  Veille.NoterLigne("08:30:00 : Aucune réponse du RG80.");
   EXPECT_TRUE(Dit("Le RG80 est muet depuis 0 s") && Dit("▲"));
-  Fenêtre->NoterBoîte("Erreur du port", "Le port COM1: est absent.");
+  Veille.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
   EXPECT_TRUE(Dit("Le port COM1: est absent.") && Dit("■"));
   for (int Fois = 0; Fois < 2; ++Fois)
-    Fenêtre->NoterBoîte("RG80 Ombrey",
-                        "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
-  Fenêtre->NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+    Veille.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
+  Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   EXPECT_EQ(Onglets(), "La journée|Refusés (1)|Archive|Ligne|À lire (1)|");
   Coopérative.Connexion->ExécuterTout(
       "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement;"
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
+  Veille.NoterReçu();
   Fenêtre->Dire("ChargementAjouté:7");
   EXPECT_TRUE(Dit("Chargement n° 7 reçu, 1310 kg") && Dit("Dernier : n° 7, 1310 kg, 08:05"));
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Ligne|À lire (1)|");
@@ -278,7 +281,7 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
   Vider();
   const QRect Place = Fenêtre->geometry();
   Fenêtre = nullptr;
-  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), "cave.db", LesRéglages).geometry(), Place);
+  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille).geometry(), Place);
 }
 
 TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {

@@ -1,0 +1,189 @@
+// What the operator is told at a glance.
+#include "host/overview.h"
+
+#include <ctime>
+#include <utility>
+
+#include "base/ansi_text.h"
+#include "base/files.h"
+#include "base/kept_files.h"
+#include "base/regional_forms.h"
+#include "base/text_helpers.h"
+#include "base/visible_text.h"
+#include "contracts/line_protocol.h"
+#include "platform/system/machine_system.h"
+
+namespace Tarvel {
+namespace {
+
+using Ombrey::DateHeure;
+using Ombrey::HeureLocale;
+using Ombrey::Octets;
+using Ombrey::Position;
+using std::chrono::system_clock;
+namespace Place = Ombrey::PositionFixe;
+
+constexpr const char* TitreErreurPort = "Erreur du port";
+constexpr const char* RemèdeValeur = "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau.";
+constexpr const char* RemèdeBase =
+    "Voir si la base peut être écrite (autre programme, disque plein) : le chargement revient de lui-même.";
+
+/// A field of the load record as the operator knows it.
+struct ChampLisible {
+  const char* Nom;
+  Position Sien;
+};
+constexpr ChampLisible ChampsLisibles[] = {
+    {"Numéro", {1, 4}},
+    {"Jour, mois, année", {5, 6}},
+    {"Heure d'arrivée", {11, 4}},
+    {"Heure de sortie", {15, 4}},
+    {"Propriétaire", Place::Propriétaire},
+    {"Récoltant", Place::Récoltant},
+    {"Groupe", Place::Groupe},
+    {"Part (%, 4 décimales)", {34, 7}},
+    {"Appellation", {41, 2}},
+    {"Classe sanitaire", {43, 2}},
+    {"Degré (dixièmes)", {45, 3}},
+    {"Quai", {48, 1}},
+    {"Pesée (kg)", {49, 4}},
+    {"Cuve", {53, 3}},
+};
+
+Octets Enregistrement(const std::string& Trame) { return Octets(Trame.substr(1, Ombrey::LongEnregChargement)); }
+
+std::string Numéro(const std::string& Trame) {
+  if (Trame.empty()) return SansNuméro;
+  const std::string Lu = Trame.substr(1, 4);
+  const bool EstNombre = Lu.find_first_not_of("0123456789") == std::string::npos;
+  return EstNombre ? Ombrey::SupprZéroDébut(Lu) : SansNuméro;
+}
+
+std::string Champs(const std::string& Trame) {
+  std::string Texte;
+  if (Trame.empty()) return Texte;
+  for (const ChampLisible& Champ : ChampsLisibles)
+    Texte += std::string(Champ.Nom) + " : " +
+             Ombrey::TexteVisible(Ombrey::DepuisAnsi(Champ.Sien.Dans(Enregistrement(Trame)))) + "\n";
+  return Texte;
+}
+
+/// The time of day, and the day where it is another one.
+std::string Moment(const DateHeure& Quand) {
+  const DateHeure Ici = HeureLocale();
+  const bool Aujourdhui = Quand.Jour == Ici.Jour && Quand.Mois == Ici.Mois && Quand.Année == Ici.Année;
+  return TexteFormaté(Quand, Aujourdhui ? "hh:nn" : "jj/mm hh:nn");
+}
+
+}  // namespace
+
+Ombrey::TémoinsFenêtres Veille::Témoins() {
+  return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
+          [this](const std::string& Titre, const std::string& Message) { NoterBoîte(Titre, Message); },
+          [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); }};
+}
+
+void Veille::NoterLigne(const std::string& Ligne) {
+  Liaison_.Noter(std::time(nullptr), Ligne);
+  NoterTexte(Ligne);
+}
+
+void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
+  if (Titre == TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
+  NoterTexte(Message);
+}
+
+void Veille::NoterRetrait(const std::string& Titre, const std::string& Message) {
+  NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message});
+  Changer();
+}
+
+void Veille::NoterOctets(const Octets& Reçus) {
+  Tampon_ += Reçus.Bruts();
+  const std::size_t Début = Tampon_.rfind(Ombrey::STX);
+  if (Début == std::string::npos) return Tampon_.clear();
+  Tampon_.erase(0, Début);
+  if (Tampon_.size() < Ombrey::LongTrameChargement) return;
+  Trame_ = std::exchange(Tampon_, {}).substr(0, Ombrey::LongTrameChargement);
+  ++Passage_;
+}
+
+void Veille::NoterRelevé(std::optional<std::int32_t> Attente) {
+  Relevé_.reset();
+  if (Attente) Relevé_ = system_clock::now() + std::chrono::milliseconds(*Attente);
+}
+
+void Veille::NoterTexte(const std::string& Texte) {
+  Refus Lu = LireRefus(Texte);
+  if (!Lu.Sujet.empty()) Refuser(std::move(Lu), "");
+  Changer();
+}
+
+void Veille::NoterRefus(const ImportRefusé& Import) {
+  Refuser({SansNuméro, Import.Motif, Import.ParSaValeur ? RemèdeValeur : RemèdeBase}, Import.Contenu);
+  Changer();
+}
+
+void Veille::Refuser(Refus Lu, std::string Contenu) {
+  // A frame that was cut off stays in the buffer: the one before it says nothing of this load.
+  const std::string Trame = Tampon_.empty() ? Trame_ : "";
+  if (Lu.Sujet == SansNuméro) Lu.Sujet = Numéro(Trame);
+  Refus_.Noter(HeureLocale(), {.Sujet = std::move(Lu.Sujet),
+                               .Texte = std::move(Lu.Motif),
+                               .ÀFaire = std::move(Lu.ÀFaire),
+                               .Détail = Champs(Trame),
+                               .Contenu = std::move(Contenu),
+                               .Passage = Passage_});
+}
+
+void Veille::NoterReçu() {
+  Refus_.Vider();
+  Changer();
+}
+
+void Veille::ToutEstLu() {
+  NonLus_.Vider();
+  Changer();
+}
+
+void Veille::Changer() const {
+  if (Dire_) Dire_();
+}
+
+std::string Veille::TexteLiaison() const { return Liaison_.Texte(std::time(nullptr)); }
+
+std::string Veille::TexteRelevé() const {
+  if (!Relevé_) return "Relevé en cours";
+  const std::time_t Instant = system_clock::to_time_t(*Relevé_);
+  std::tm Locale{};
+  localtime_r(&Instant, &Locale);
+  return "Prochain relevé à " +
+         Ombrey::TexteHeure({.Heure = Locale.tm_hour, .Minute = Locale.tm_min, .Seconde = Locale.tm_sec});
+}
+
+Rangées Veille::Refusés() const {
+  Rangées Toutes{{"Chargement", "Depuis", "Fois", "Dernière fois", "Motif", "Que faire"}};
+  for (const FaitRépété& Un : Refus_.Tous())
+    Toutes.push_back({Un.Sujet, Moment(Un.Premier), std::to_string(Un.Fois), Moment(Un.Dernier), Un.Texte, Un.ÀFaire});
+  return Toutes;
+}
+
+Rangées Veille::NonLus() const {
+  Rangées Toutes{{"Titre", "Message", "Fois", "Première fois", "Dernière fois"}};
+  for (const FaitRépété& Un : NonLus_.Tous())
+    Toutes.push_back({Un.Sujet, Un.Texte, std::to_string(Un.Fois), Moment(Un.Premier), Moment(Un.Dernier)});
+  return Toutes;
+}
+
+std::string Veille::Détail(std::size_t Rang) const {
+  if (Rang >= Refus_.Tous().size()) return {};
+  const FaitRépété& Un = Refus_.Tous()[Rang];
+  std::string Texte = Un.Texte + "\n" + Un.ÀFaire + "\n\n";
+  Texte += Un.Détail.empty() ? "Le RG80 n'a envoyé aucun enregistrement entier.\n"
+                             : "Ce que le RG80 a envoyé :\n" + Un.Détail;
+  if (Un.Contenu.empty()) return Texte;
+  const auto Fichier = Ombrey::FichierDeContenu(DossierConservés_, Un.Contenu);
+  return Texte + "\nFichier conservé : " + (Fichier ? Ombrey::TexteChemin(*Fichier) : "aucun");
+}
+
+}  // namespace Tarvel

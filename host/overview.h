@@ -1,0 +1,66 @@
+// What the operator is told at a glance, in windows and on a console alike: link, next poll, refused loads, what nobody
+// has read.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "contracts/octets.h"
+#include "host/day_view.h"
+#include "host/watch.h"
+#include "platform/loop/witnesses.h"
+
+namespace Tarvel {
+
+/// Is told what happens, and words it. Times are those of the machine.
+class Veille {
+ public:
+  void NoterLigne(const std::string& Ligne);
+  void NoterBoîte(const std::string& Titre, const std::string& Message);
+  void NoterRetrait(const std::string& Titre, const std::string& Message);
+  /// Characters that came over the line.
+  void NoterOctets(const Ombrey::Octets& Reçus);
+  /// The next poll is due in Attente milliseconds; none: one is under way, or the collection stands still.
+  void NoterRelevé(std::optional<std::int32_t> Attente);
+  void NoterRefus(const ImportRefusé& Import);
+  /// A load has come in. The terminal offers the head of its queue alone: what it offered before is settled.
+  void NoterReçu();
+  void ToutEstLu();
+
+  /// Called behind whatever changes the tables, or the link's state.
+  void SurChangement(std::function<void()> Dire) { Dire_ = std::move(Dire); }
+  void FixerDossierConservés(std::filesystem::path Dossier) { DossierConservés_ = std::move(Dossier); }
+  /// These three, for an edition's windows.
+  [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
+
+  [[nodiscard]] Liaison État() const { return Liaison_.État(); }
+  [[nodiscard]] std::string TexteLiaison() const;
+  [[nodiscard]] std::string TexteRelevé() const;
+  /// Rows with their headings first, the latest on top.
+  [[nodiscard]] Rangées Refusés() const;
+  [[nodiscard]] Rangées NonLus() const;
+  /// What is known of the refused load in this row, several lines; empty where there is no such row.
+  [[nodiscard]] std::string Détail(std::size_t Rang) const;
+
+ private:
+  void NoterTexte(const std::string& Texte);
+  void Refuser(Refus Lu, std::string Contenu);
+  void Changer() const;
+
+  std::function<void()> Dire_;
+  std::filesystem::path DossierConservés_;
+  ÉtatLiaison Liaison_;
+  FaitsRépétés Refus_{Unicité::Sujet};
+  FaitsRépétés NonLus_{Unicité::SujetEtTexte};
+  std::optional<std::chrono::system_clock::time_point> Relevé_;
+  std::string Tampon_;       ///< what came over the line last
+  std::string Trame_;        ///< the last whole load record
+  std::size_t Passage_ = 0;  ///< counts them
+};
+
+}  // namespace Tarvel

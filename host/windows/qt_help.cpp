@@ -1,0 +1,88 @@
+// The operator's guide, and texts in windows of their own.
+#include "host/windows/qt_help.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFileInfo>
+#include <QKeyEvent>
+#include <QPlainTextEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QUrl>
+#include <QVBoxLayout>
+#include <QWindow>
+
+namespace Ombrey {
+
+namespace {
+constexpr int Colonnes = 100;  ///< of the guide and of a text, in letters
+constexpr int Rangées = 34;
+
+/// The operator's guide, where the program is installed or was built.
+QString Guide() {
+  const QString Ici = QCoreApplication::applicationDirPath();
+  for (const char* Chemin : {"/../share/doc/ombrey/docs/guide-operateur.md", "/../../../docs/guide-operateur.md"}) {
+    const QFileInfo Fichier(Ici + QString::fromUtf8(Chemin));
+    if (Fichier.exists()) return Fichier.canonicalFilePath();
+  }
+  return {};
+}
+
+void Dimensionner(QWidget& Fenêtre) {
+  const QFontMetrics Lettres = Fenêtre.fontMetrics();
+  const QSize Voulue(Lettres.averageCharWidth() * Colonnes, Lettres.lineSpacing() * Rangées);
+  Fenêtre.resize(Voulue.boundedTo(Fenêtre.screen()->availableSize() * 9 / 10));
+}
+}  // namespace
+
+AideQt::AideQt() { qApp->installEventFilter(this); }
+
+bool AideQt::eventFilter(QObject* /*Cible*/, QEvent* Événement) {
+  if (Événement->type() != QEvent::KeyPress) return false;
+  return static_cast<QKeyEvent*>(Événement)->key() == Qt::Key_F1 && Montrer();
+}
+
+bool AideQt::Montrer() {
+  const QString Fichier = Guide();
+  if (Fichier.isEmpty()) return false;
+  if (!Guide_) {
+    Guide_ = std::make_unique<QTextBrowser>();
+    Guide_->setAttribute(Qt::WA_QuitOnClose, false);
+    Guide_->setWindowTitle(QStringLiteral("Guide de l'opérateur"));
+    Guide_->setSource(QUrl::fromLocalFile(Fichier), QTextDocument::MarkdownResource);
+    Guide_->winId();  // gives it its window, which can stand above another's
+    Dimensionner(*Guide_);
+  }
+  const QWidget* const Modale = QApplication::activeModalWidget();
+  if (!Guide_->isVisible()) Guide_->windowHandle()->setTransientParent(Modale ? Modale->windowHandle() : nullptr);
+  Guide_->show();
+  Guide_->raise();
+  Guide_->activateWindow();
+  return true;
+}
+
+void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte) {
+  auto* const Fenêtre = new QDialog(Parent);
+  Fenêtre->setAttribute(Qt::WA_DeleteOnClose);
+  Fenêtre->setWindowTitle(Titre);
+  auto* const Zone = new QPlainTextEdit(Texte, Fenêtre);
+  Zone->setReadOnly(true);
+  Zone->setTabChangesFocus(true);
+  Zone->setAccessibleName(Titre);
+  auto* const Boutons = new QDialogButtonBox(Fenêtre);
+  auto* const Copier = Boutons->addButton(QStringLiteral("&Copier"), QDialogButtonBox::ActionRole);
+  Copier->setToolTip(QStringLiteral("Met tout le texte dans le presse-papiers, pour un courriel par exemple."));
+  QObject::connect(Copier, &QPushButton::clicked, Zone,
+                   [Zone] { QApplication::clipboard()->setText(Zone->toPlainText()); });
+  QObject::connect(Boutons->addButton(QStringLiteral("&Fermer"), QDialogButtonBox::RejectRole), &QPushButton::clicked,
+                   Fenêtre, &QDialog::close);
+  auto* const Plan = new QVBoxLayout(Fenêtre);
+  Plan->addWidget(Zone);
+  Plan->addWidget(Boutons);
+  Dimensionner(*Fenêtre);
+  Fenêtre->show();
+}
+
+}  // namespace Ombrey

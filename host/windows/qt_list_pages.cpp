@@ -1,0 +1,92 @@
+// The main window's lists beside the day.
+#include "host/windows/qt_list_pages.h"
+
+#include <QPushButton>
+#include <QSplitter>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <utility>
+
+#include "platform/qt/qt_measures.h"
+#include "platform/qt/qt_message_box.h"
+
+namespace Ombrey {
+
+namespace {
+/// What the operator reads and copies, and doesn't write.
+QPlainTextEdit* Lecture(QWidget* Parent, const QString& Nom) {
+  auto* const Zone = new QPlainTextEdit(Parent);
+  Zone->setReadOnly(true);
+  Zone->setTabChangesFocus(true);
+  Zone->setAccessibleName(Nom);
+  return Zone;
+}
+
+std::string RangéeEntière(const QAbstractItemModel& Modèle, int Rang) {
+  QStringList Textes;
+  for (int Colonne = 0; Colonne < Modèle.columnCount(); ++Colonne)
+    Textes << Modèle.headerData(Colonne, Qt::Horizontal).toString() + QStringLiteral(" : ") +
+                  Modèle.index(Rang, Colonne).data().toString();
+  return Textes.join(QLatin1Char('\n')).toStdString();
+}
+}  // namespace
+
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées) {
+  std::vector<std::string> Entêtes = std::move(Rangées.front());
+  Rangées.erase(Rangées.begin());
+  for (auto& Rangée : Rangées)
+    for (std::string& Texte : Rangée) Texte = SurUneLigne(Texte).toStdString();
+  Grille.Remplir(std::move(Entêtes), std::move(Rangées));
+}
+
+ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom) : GrilleChargements(Parent) {
+  setAccessibleName(Nom);
+  connect(this, &QTableView::activated, this, [this, &Contexte, Nom](const QModelIndex& Place) {
+    const std::string Entière = RangéeEntière(*model(), Place.row());
+    Contexte.Boucle.Poser(
+        [&Contexte, Nom, Entière] { DemanderParBoîte(Contexte, Entière, Nom.toStdString(), BoutonsBoîte::Ok); });
+  });
+}
+
+PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Veille& Veille)
+    : QWidget(Parent),
+      Veille_(Veille),
+      Liste_(new ListeQt(this, Contexte, QStringLiteral("Chargements refusés"))),
+      Détail_(Lecture(this, QStringLiteral("Le chargement refusé"))) {
+  auto* const Moitiés = new QSplitter(Qt::Vertical, this);
+  Moitiés->addWidget(Liste_);
+  Moitiés->addWidget(Détail_);
+  Moitiés->setChildrenCollapsible(false);
+  (new QVBoxLayout(this))->addWidget(Moitiés);
+  Montrer();
+  connect(Liste_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { MontrerDétail(); });
+}
+
+void PageRefusésQt::Montrer() {
+  Remplir(*Liste_, Veille_.Refusés());
+  MontrerDétail();
+}
+
+void PageRefusésQt::MontrerDétail() {
+  const int Rang = std::max(0, Liste_->currentIndex().row());
+  const QString Texte =
+      Ombrey::Texte(Liste_->model()->rowCount() == 0 ? "" : Veille_.Détail(static_cast<std::size_t>(Rang)));
+  if (Détail_->toPlainText() != Texte) Détail_->setPlainText(Texte);
+}
+
+PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Veille& Veille)
+    : QWidget(Parent),
+      Veille_(Veille),
+      Liste_(new ListeQt(this, Contexte, QStringLiteral("Messages que personne n'a lus"))) {
+  auto* const Lu = new QPushButton(QStringLiteral("&Tout est lu"), this);
+  Lu->setToolTip(QStringLiteral("Vide cette liste."));
+  connect(Lu, &QPushButton::clicked, this, [this] { Veille_.ToutEstLu(); });
+  auto* const Plan = new QVBoxLayout(this);
+  Plan->addWidget(Liste_);
+  Plan->addWidget(Lu, 0, Qt::AlignRight);
+  Montrer();
+}
+
+void PageNonLuesQt::Montrer() { Remplir(*Liste_, Veille_.NonLus()); }
+
+}  // namespace Ombrey

@@ -1,0 +1,47 @@
+// The main window's lists beside the day: what is refused, what nobody has read.
+#pragma once
+
+#include <QPlainTextEdit>
+#include <QWidget>
+#include <functional>
+
+#include "host/overview.h"
+#include "platform/qt/qt_load_grid.h"
+#include "platform/qt/qt_window.h"
+
+namespace Ombrey {
+
+/// Rows with their headings first, into a grid.
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées);
+
+/// A list whose rows can be read whole: Enter or a double click shows one in a box.
+class ListeQt : public GrilleChargements {
+ public:
+  ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom);
+};
+
+/// Refused loads, one a row, and below them what is known of the chosen one.
+class PageRefusésQt : public QWidget {
+ public:
+  PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Veille& Veille);
+  void Montrer();
+
+ private:
+  void MontrerDétail();
+
+  const Tarvel::Veille& Veille_;
+  ListeQt* Liste_;
+  QPlainTextEdit* Détail_;
+};
+
+class PageNonLuesQt : public QWidget {
+ public:
+  PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Veille& Veille);
+  void Montrer();
+
+ private:
+  Tarvel::Veille& Veille_;
+  ListeQt* Liste_;
+};
+
+}  // namespace Ombrey
