@@ -332,7 +332,7 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
     Tarvel::Options Voulues = Choisies(D, C.Plus);
     if (Voulues.Greffon.empty()) Voulues.Greffon = BIN_DIR "/PlgInOmbrey.so";
     auto Base = std::make_shared<FausseBaseDeD>();
-    Base->Etat->Dossier = D + "/";
+    Base->Dossier = D + "/";
     const Terminal T(C.Tapé);
     std::string Vu;
     try {
@@ -342,7 +342,7 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
       Vu = Erreur.what();
     }
     EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
-    EXPECT_EQ(Base->Etat->Écouteur, nullptr);
+    EXPECT_EQ(Base->Écouteur, nullptr);
     Vu += T.Vu();
     for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
     const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };

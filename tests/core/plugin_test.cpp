@@ -5,21 +5,20 @@
 
 #include "contracts/line_protocol.h"
 #include "link/daily_error_file.h"
-#include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 namespace {
 
-struct Hôte : testing::Test {
-  Hôte() {
+struct Vie : testing::Test, Monde {
+  Vie() {
     Système.Dossier = Dossier.Chemin();
     Ini = {{"Port", "COM2:"}, {"Bauds", "9600"}, {"Parité", "N"}, {"BitsStop", "1"}, {"TailleMots", "8"}};
-    Base->Etat->Dossier = Dossier.Chemin().string() + "/";
-    LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
+    Hôte->Dossier = Dossier.Chemin().string() + "/";
+    LePlugIn->IPlugInTarvel_FixerBaseDeD(Hôte);
   }
-  ~Hôte() override {
+  ~Vie() override {
     if (LePlugIn) LePlugIn->IPlugInTarvel_Terminer();
   }
   std::string Initialiser() { return LePlugIn->IPlugInTarvel_Initialiser(Événements); }
@@ -44,27 +43,21 @@ struct Hôte : testing::Test {
   }
 
   DossierEssai Dossier;
-  FaussePlateforme Plateforme;
-  FauxSystème& Système = Plateforme.LeSystème;
-  FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
   std::map<std::string, std::string>& Ini = Plateforme.Ini;
-  std::shared_ptr<PortScripté> Port = Plateforme.Port;
-  std::shared_ptr<FausseBaseDeD> Base = std::make_shared<FausseBaseDeD>();
-  std::shared_ptr<FauxÉvénements> Événements = std::make_shared<FauxÉvénements>();
   std::shared_ptr<PlugIn> LePlugIn = PlugIn::Créer(Plateforme);
   std::int16_t Style = 7;
   std::string Texte;
 };
 
-TEST_F(Hôte, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
+TEST_F(Vie, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
   Lancer();
   EXPECT_EQ(Port->Appels, (Mots{"NomPort COM2:", "Bauds 9600", "Parité N", "BitsStop 1", "TailleMots 8", "Mode 0",
                                 "Activer 1", "DossierB c:\\temp", "DossierA c:\\temp", "Ouvrir ", "Activer 1"}));
-  EXPECT_EQ(Base->Activations, 1);
+  EXPECT_EQ(Hôte->Activations, 1);
   const auto Suivante = std::make_shared<FausseBaseDeD>();
   LePlugIn->IPlugInTarvel_FixerBaseDeD(Suivante);
-  EXPECT_TRUE(!Base->Etat->Écouteur && !Base->Etat->Synchro->Écouteur);
-  EXPECT_TRUE(Suivante->Etat->Écouteur && Suivante->Etat->Synchro->Écouteur);
+  EXPECT_TRUE(!Hôte->Écouteur && !Hôte->ÉcouteurSynchro);
+  EXPECT_TRUE(Suivante->Écouteur && Suivante->ÉcouteurSynchro);
   EXPECT_FALSE(Vue().Visible);
   Laisser(9999);
   EXPECT_TRUE(Port->Ecrits.empty());
@@ -79,27 +72,27 @@ TEST_F(Hôte, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
 
 struct Début {
   const char* Nom;
-  void (*Préparer)(Hôte&);
+  void (*Préparer)(Vie&);
   std::string Résultat;  ///< "!" ahead of a raised failure
   std::ptrdiff_t Ouvertures;
   const char* Période;
 };
 // clang-format off
 const Début Débuts[] = {
-    {"busy port", [](Hôte& H) { H.Port->Ouvrable = false; }, "", 1, "2000"},
-    {"no setting", [](Hôte& H) { H.Ini.erase("Port"); }, "Erreur de configuration du port de communication", 0, "2000"},
-    {"operator fills in the settings", [](Hôte& H) {
+    {"busy port", [](Vie& H) { H.Port->Ouvrable = false; }, "", 1, "2000"},
+    {"no setting", [](Vie& H) { H.Ini.erase("Port"); }, "Erreur de configuration du port de communication", 0, "2000"},
+    {"operator fills in the settings", [](Vie& H) {
        H.Ini.erase("Port");
        H.Port->SurConfigurer = [&H] { return !(H.Ini["Port"] = "COM3:").empty(); };
      }, "", 1, "2000"},
-    {"unknown port", [](Hôte& H) { H.Plateforme.PortDisponible = false; },
+    {"unknown port", [](Vie& H) { H.Plateforme.PortDisponible = false; },
      "Impossible d'initialiser le port de communication.\rport inconnu", 0, "2000"},
-    {"speed is no number", [](Hôte& H) { H.Ini["Bauds"] = "vite"; },
+    {"speed is no number", [](Vie& H) { H.Ini["Bauds"] = "vite"; },
      "!Incompatibilité de type : réglage Bauds = « vite »", 0, ""},
-    {"period kept", [](Hôte& H) { H.Ini["Période interrogation"] = "10000"; }, "", 1, "10000"},
-    {"period no number", [](Hôte& H) { H.Ini["Période interrogation"] = "abc"; }, "", 1, "2000"}};
+    {"period kept", [](Vie& H) { H.Ini["Période interrogation"] = "10000"; }, "", 1, "10000"},
+    {"period no number", [](Vie& H) { H.Ini["Période interrogation"] = "abc"; }, "", 1, "2000"}};
 // clang-format on
-struct Démarrage : Hôte, testing::WithParamInterface<Début> {};
+struct Démarrage : Vie, testing::WithParamInterface<Début> {};
 INSTANTIATE_TEST_SUITE_P(Table, Démarrage, testing::ValuesIn(Débuts));
 
 TEST_P(Démarrage, EndsAsTold) {
@@ -122,7 +115,7 @@ TEST_P(Démarrage, EndsAsTold) {
   EXPECT_EQ(Port->Ecrits.empty(), SansPort);
 }
 
-TEST_F(Hôte, KeepsTheFirstNumbersThatItIsOffered) {
+TEST_F(Vie, KeepsTheFirstNumbersThatItIsOffered) {
   LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(0, "");  // not yet offered
   LePlugIn->IPlugInTarvel_MenuAppelé(0, "");
   for (const auto& [Offert, Pris] : {std::pair{0, false}, {3, true}, {4, false}, {3, true}}) {
@@ -139,7 +132,7 @@ TEST_F(Hôte, KeepsTheFirstNumbersThatItIsOffered) {
   EXPECT_EQ(Fenêtres.PressePapiers[0].Pixels[0], 0U) << "nothing is drawn in its corner";
 }
 
-TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
+TEST_F(Vie, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
   Lancer();
   Dans(10500, [this] {
     for (int Fois = 0; Fois < 2; ++Fois) LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
@@ -164,13 +157,13 @@ TEST_F(Hôte, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
   EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
 }
 
-TEST_F(Hôte, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
+TEST_F(Vie, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
   for (const char* Période : {"0", "-5", "0,4", "1"}) {
     SCOPED_TRACE(Période);
     Ini["Période interrogation"] = Période;
     LePlugIn->IPlugInTarvel_Terminer();
     LePlugIn = PlugIn::Créer(Plateforme);
-    LePlugIn->IPlugInTarvel_FixerBaseDeD(Base);
+    LePlugIn->IPlugInTarvel_FixerBaseDeD(Hôte);
     Lancer();
     TerminalVide();
     Mots Venus;
@@ -194,17 +187,17 @@ TEST_F(Hôte, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
   }
 }
 
-TEST_F(Hôte, LeavesTheListenerThatHasTakenItsPlace) {
+TEST_F(Vie, LeavesTheListenerThatHasTakenItsPlace) {
   struct : IÉcouteurEtatBdD {
     void EtatBdD_EnregistrementImporté(Mot, IRecordset&) override {}
     void EtatBdD_EnregistrementMisAJour(Mot, IRecordset&) override {}
   } Autre;
-  Base->Etat->Connecter(&Autre);
+  Hôte->Connecter(&Autre);
   LePlugIn->IPlugInTarvel_Terminer();
-  EXPECT_EQ(Base->Etat->Écouteur, &Autre);
+  EXPECT_EQ(Hôte->Écouteur, &Autre);
 }
 
-TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
+TEST_F(Vie, EndCleansFilesAndReleasesEverything) {
   Lancer();
   const std::map<std::string, bool> Fichiers = {{"RG80 a.txt", false}, {"RG80 b.txt", false}, {"autre.txt", true}};
   for (const auto& [Nom, Reste] : Fichiers) std::ofstream(Dossier.Chemin() / Nom) << "\r\n";
@@ -215,8 +208,8 @@ TEST_F(Hôte, EndCleansFilesAndReleasesEverything) {
   EXPECT_FALSE(std::filesystem::exists(FichierErreursDuJour(Système)));
   for (const auto& [Nom, Reste] : Fichiers) EXPECT_EQ(std::filesystem::exists(Dossier.Chemin() / Nom), Reste) << Nom;
   EXPECT_EQ(Port->Appels.back(), "Fermer ");
-  EXPECT_EQ(Base.use_count() + Événements.use_count() + LePlugIn.use_count(), 3);
-  EXPECT_EQ(Base->Etat->Écouteur, nullptr);
+  EXPECT_EQ(Hôte.use_count() + Événements.use_count() + LePlugIn.use_count(), 3);
+  EXPECT_EQ(Hôte->Écouteur, nullptr);
   LePlugIn->IPlugInTarvel_ChargementAjouté("1", "12");
   EXPECT_EQ(Fenêtres.VueSuivi, nullptr) << "no window comes back";
 }
@@ -225,47 +218,47 @@ using Geste = std::function<void()>;
 /// A call in which the end comes, and how it is brought about there.
 struct Fin {
   const char* Où;
-  void (*Préparer)(Hôte&, const Geste& Finir);
+  void (*Préparer)(Vie&, const Geste& Finir);
   bool EstLancé = true;
 };
 /// A poll lasts from 10 to 12 seconds; one that is put off in it, two more.
 // clang-format off
 const Fin Fins[] = {
-    {"start", [](Hôte&, const Geste& Finir) { Finir(); }, false},
-    {"first question", [](Hôte& H, const Geste& Finir) {
+    {"start", [](Vie&, const Geste& Finir) { Finir(); }, false},
+    {"first question", [](Vie& H, const Geste& Finir) {
        H.Ini.erase("Port");
        H.Port->SurConfigurer = [Finir] { return Finir(), false; };
        EXPECT_EQ(H.Initialiser(), ""); }, false},
-    {"question", [](Hôte& H, const Geste& Finir) {
+    {"question", [](Vie& H, const Geste& Finir) {
        H.Port->SurConfigurer = [Finir] { return Finir(), false; };
        H.LePlugIn->IPlugInTarvel_Configurer(); }},
-    {"question put off", [](Hôte& H, const Geste& Finir) {
+    {"question put off", [](Vie& H, const Geste& Finir) {
        H.Port->SurConfigurer = [] { return ADD_FAILURE() << "asked behind the end", true; };
        H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
        H.Dans(10600, Finir); }},
-    {"poll", [](Hôte& H, const Geste& Finir) { H.Dans(10100, Finir); }},
-    {"poll with another put off", [](Hôte& H, const Geste& Finir) {
+    {"poll", [](Vie& H, const Geste& Finir) { H.Dans(10100, Finir); }},
+    {"poll with another put off", [](Vie& H, const Geste& Finir) {
        H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
        H.Dans(11000, Finir); }},
-    {"poll that was put off", [](Hôte& H, const Geste& Finir) {
+    {"poll that was put off", [](Vie& H, const Geste& Finir) {
        H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
        H.Dans(13000, Finir); }},
-    {"writing", [](Hôte& H, const Geste& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }},
-    {"box of a poll", [](Hôte& H, const Geste& Finir) {
+    {"writing", [](Vie& H, const Geste& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }},
+    {"box of a poll", [](Vie& H, const Geste& Finir) {
        H.Port->EcritureRefusée = true;
        H.Fenêtres.PendantBoîte = Finir; }},
-    {"box of a line", [](Hôte& H, const Geste& Finir) {
+    {"box of a line", [](Vie& H, const Geste& Finir) {
        H.Fenêtres.PendantBoîte = Finir;
        H.Vue().Gestes.ListeMessages_DblClick(Onglet::Suivis); }},
-    {"figures", [](Hôte& H, const Geste& Finir) {
+    {"figures", [](Vie& H, const Geste& Finir) {
        H.Dans(1000, Finir);
        H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }},
-    {"link test", [](Hôte& H, const Geste& Finir) { H.Dans(1000, Finir), H.Bouton(); }},
-    {"monitoring window", [](Hôte& H, const Geste& Finir) { H.Dans(3000, Finir), H.Bouton(); }},
-    {"link test of the menu", [](Hôte& H, const Geste& Finir) { H.Dans(1000, Finir), H.Menu(); }},
-    {"box of the menu", [](Hôte& H, const Geste& Finir) { H.Fenêtres.PendantBoîte = Finir, H.Menu(); }},
-    {"transfer window", [](Hôte& H, const Geste& Finir) { H.TerminalVide(), H.Dans(3000, Finir), H.Menu(); }},
-    {"transfer", [](Hôte& H, const Geste& Finir) {
+    {"link test", [](Vie& H, const Geste& Finir) { H.Dans(1000, Finir), H.Bouton(); }},
+    {"monitoring window", [](Vie& H, const Geste& Finir) { H.Dans(3000, Finir), H.Bouton(); }},
+    {"link test of the menu", [](Vie& H, const Geste& Finir) { H.Dans(1000, Finir), H.Menu(); }},
+    {"box of the menu", [](Vie& H, const Geste& Finir) { H.Fenêtres.PendantBoîte = Finir, H.Menu(); }},
+    {"transfer window", [](Vie& H, const Geste& Finir) { H.TerminalVide(), H.Dans(3000, Finir), H.Menu(); }},
+    {"transfer", [](Vie& H, const Geste& Finir) {
        H.TerminalVide();
        H.Fenêtres.SurVueChargntDonnées = [&](auto& Fenêtre) {
          H.Dans(100, Finir);
@@ -274,7 +267,7 @@ const Fin Fins[] = {
        H.Menu(); }},
 };
 // clang-format on
-struct Finit : Hôte, testing::WithParamInterface<Fin> {};
+struct Finit : Vie, testing::WithParamInterface<Fin> {};
 INSTANTIATE_TEST_SUITE_P(Table, Finit, testing::ValuesIn(Fins));
 
 TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {

@@ -1,9 +1,11 @@
-// The collection dialogue with the poll around it. The input is what the terminal sends, cut by "~" and a letter: what
-// happens on the machine meanwhile, as Jouer and Gestes have it.
+// The collection dialogue with the poll around it and the frame's processing in it. The input is what the terminal
+// sends, cut by "~" and a letter: what happens on the machine meanwhile, as Jouer and Gestes have it.
 #include "base/text_helpers.h"
+#include "import/frame_processing.h"
 #include "link/polling.h"
+#include "link/transmission.h"
 #include "tests/fuzz/input.h"
-#include "tests/fuzz/station.h"
+#include "tests/fuzz/sample.h"
 
 namespace Ombrey::Essais {
 namespace {
@@ -11,16 +13,51 @@ namespace {
 const Octets DemandeChargement{std::string{ENQ, 'A'}};
 const Octets DemandeChiffres{std::string{ENQ, '8'}};
 const std::string Oui{ACK, 'A'};
-const std::string Record = "0012190908083009150001230004560071000000050112521234007";
+const std::string BonneRéponse = Oui +
+                                 "\x02"
+                                 "0012190908083009150001230004560071000000050112521234007\x03<;";
 const std::string LigneImport = "1;12;19/09/08 08:30;19/09/08 09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r\n";
 
-struct Banc : Station, FauxEtatBdD, ITraitementChargement {
+/// STX, 55 bytes of record, ETX, two checksum characters.
+constexpr std::size_t LongueurTrame = 59;
+
+/// True when a whole frame of a load with its true checksum stands at the front of the text.
+bool CommenceParTrame(std::string_view Texte) {
+  if (Texte.size() < LongueurTrame || Texte[0] != STX) return false;
+  unsigned Somme = static_cast<unsigned char>(ETX);
+  for (const char C : Texte.substr(0, LongueurTrame - 3)) Somme += static_cast<unsigned char>(C);
+  return Texte[LongueurTrame - 2] == static_cast<char>('0' + (Somme >> 4U & 15U)) &&
+         Texte[LongueurTrame - 1] == static_cast<char>('0' + (Somme & 15U));
+}
+
+/// Puts the true checksum where "##" stands behind an ETX: chance alone would find it once in 256 frames. Works it out
+/// by itself, byte by byte.
+class Sceau {
+ public:
+  char Passer(char C) {
+    const int Rang = Rang_++;
+    if (Rang < 2 && C == '#') return static_cast<char>('0' + (Rang == 0 ? (Somme_ >> 4U) & 15U : Somme_ & 15U));
+    if (C == STX) Somme_ = 0;
+    Somme_ += static_cast<unsigned char>(C);
+    Rang_ = C == ETX ? 0 : 2;
+    return C;
+  }
+
+ private:
+  unsigned Somme_ = 0;
+  int Rang_ = 2;  ///< characters since the last ETX, 2 for many
+};
+
+struct Banc : Salles, ITraitementChargement {
   explicit Banc(Entrée LEntrée) : E(LEntrée) {
     Système.Dossier = DossierDuBanc.Chemin();
-    FauxEtatBdD::Dossier = (Système.Dossier / "").string();
-    État.EtatBdD = {std::shared_ptr<void>(), this};
+    Hôte->Dossier = (Système.Dossier / "").string();
+    Hôte->Base = std::make_shared<BaseLue>(Coopérative());
+    Hôte->Cépages = "Syrah";
+    Hôte->PendantImport = [this] { Importer(); };
+    État.EtatBdD = Hôte;
+    État.EventPlugin = Événements;
     UnÉchange.FixerPort(Port);
-    État.EventPlugin = std::make_shared<FauxÉvénements>();
     Plateforme.PendantRetard = [this](const auto& Faire) { Interroger(Faire); };
     UneInterrogation.FixerPériode(100'000);
     UneInterrogation.Commencer();
@@ -37,6 +74,11 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     if (État.Liaison.EstPrise()) return;  // the button, put off by a poll that holds the line
     Exiger(!std::filesystem::exists(Système.Dossier / "RG80 import.txt"), "no import file is left behind");
   }
+
+  void Interroger() {
+    Interroger([this] { UneInterrogation.Retard_FinTempo(""); });
+  }
+  void Finir() { Terminer(UnÉchange); }
 
   /// What goes on the line is judged, and the terminal's next move follows.
   void Ecrit(const Octets& Texte) {
@@ -96,28 +138,28 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Livrer(true);
   }
 
-  void Interroger() {
-    Interroger([this] { UneInterrogation.Retard_FinTempo(""); });
-  }
-  void Terminer() { Achever(État, UnÉchange, *Port); }
-
-  bool TableImporter(Mot Titre, Mot Fichier, bool& Drapeau) override {
-    Lève = Import == 'x';
-    Importe = Import != 'f';
-    Erreur = Import == 'e' ? "Colonne Masse : valeur illisible" : "";
-    Système.Mur.Minute = static_cast<int>(Importés.size()) / 60 % 60;
-    Système.Mur.Seconde = static_cast<int>(Importés.size()) % 60;
-    Gardés += !Importe || !Erreur.empty() ? 1 : 0;
+  /// The import file has been read; what becomes of it is the input's choice.
+  void Importer() {
+    Hôte->Lève = Import == 'x';
+    Hôte->Importe = Import != 'f';
+    Hôte->Erreur = Import == 'e' ? "Colonne Masse : valeur illisible" : "";
+    Système.Mur.Minute = static_cast<int>(Hôte->Importés.size()) / 60 % 60;
+    Système.Mur.Seconde = static_cast<int>(Hôte->Importés.size()) % 60;
+    Gardés += Import == 'f' || Import == 'e' ? 1 : 0;
+    Accordé = Import == 't' || Import == 'q';
     Exiger(!Répondu && !État.Abandon && CommenceParTrame(Trame()), "what is imported came in a whole frame");
-    const bool Fait = FauxEtatBdD::TableImporter(Titre, Fichier, Drapeau);
     const std::string Début = "1;" + SupprZéroDébut(std::string(Trame().substr(1, 4))) + ";";
-    Exiger(Importés.back().starts_with(Début) && Importés.back().ends_with("\r\n"), "the import file is the frame's");
-    Accordé = Fait && Erreur.empty();
-    if (Import == 'q') Terminer();
-    return Fait;
+    const std::string& Fichier = Hôte->Importés.back();
+    Exiger(Fichier.starts_with(Début) && Fichier.ends_with("\r\n"), "the import file is the frame's");
+    if (Import == 'q') Finir();
   }
   std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& No) override {
-    return Traitement.TraiterDonnéesReçues(Tampon, Réponse, No);
+    const bool ATrame = Tampon.Chercher(Octets(1, STX)) != Octets::Introuvable;
+    const std::size_t Dits = Fenêtres.Boîtes.size() + Canal.Erreurs.size();
+    const std::string Ligne = Traitement.TraiterDonnéesReçues(Tampon, Réponse, No);
+    const bool EstDit = Fenêtres.Boîtes.size() + Canal.Erreurs.size() > Dits;
+    Exiger(!ATrame || !Ligne.empty() || EstDit || État.Abandon, "the operator is told why nothing comes in");
+    return Ligne;
   }
   void MettreAJourCumuls(std::string&) override {
     std::vector<Octets> Lignes{Octets(24, '0')};
@@ -132,11 +174,11 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
     Port->ParLire.Vider();
     Fenêtres.PendantBoîte = [] {};
     Import = 't';
-    Importés.clear();
+    Hôte->Importés.clear();
     const int Avant = Acquittés;
     const milliseconds Tour = milliseconds(UneInterrogation.Période()) + milliseconds(10'000);
     for (int Essai = 0; Essai < 3 && Acquittés == Avant; ++Essai) Système.Laisser(Tour);
-    Exiger(Acquittés == Avant + 1 && Importés == Mots{LigneImport}, "the next poll brings the next load in");
+    Exiger(Acquittés == Avant + 1 && Hôte->Importés == Mots{LigneImport}, "the next poll brings the next load in");
     Exiger(!État.Liaison.EstPrise() && !État.Erreur.EstPrésente(), "the line is free, nothing is pending");
   }
   void JouerTout() {
@@ -150,7 +192,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
   }
 
   const std::map<char, std::function<void()>> Gestes{
-      {'a', [this] { Terminer(); }},
+      {'a', [this] { Finir(); }},
       {'b', [this] { Interroger(); }},
       {'w', [this] { Port->EcritureRefusée = !Port->EcritureRefusée; }},
       {'p', [this] { Fenêtres.PendantBoîte = [this] { Système.Laisser(milliseconds(500)); }; }}};
@@ -158,8 +200,9 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
   Entrée E;
   Sceau LeSceau;
   DossierEssai DossierDuBanc;
-  const std::string BonneRéponse = Oui + Sceau().PasserTout("\x02" + Record + "\x03##");
-  std::shared_ptr<PortScripté> Port = Plateforme.Port;
+  VérificationExploitation Exploitations{État};
+  MiseEnFormeImport MiseEnForme{État};
+  TraitementTrame Traitement{État, Exploitations, MiseEnForme};
   Échange UnÉchange{État};
   Interrogation UneInterrogation{État, UnÉchange, *this};
   std::string Reçu;   ///< since the request
@@ -170,10 +213,7 @@ struct Banc : Station, FauxEtatBdD, ITraitementChargement {
 };
 
 }  // namespace
-}  // namespace Ombrey::Essais
 
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* Données, std::size_t Taille) {
-  using namespace Ombrey::Essais;
-  Banc(Entrée(Données, Taille)).JouerTout();
-  return 0;
-}
+void Essayer(Entrée E) { Banc(E).JouerTout(); }
+
+}  // namespace Ombrey::Essais

@@ -172,12 +172,12 @@ TEST_F(Import, TheLayoutAloneOrdersTheLine) {
   // clang-format on
   const Mots Données = {"12", "d", "s", "5001", "05", "  ", "12,5", "2", "1234", "7", "  "};
   Hôte->Cépages = "Pinot\tgris\rAligoté";
-  Hôte->Etat->Synchro->Site = "S'2";
+  Hôte->Site = "S'2";
   for (const auto& [LongChps, Format, Ligne] : Table) {
     Coopérative.Connexion->Exécuter("UPDATE MSysEtats SET LongChps = ?1, Format = ?2", {LongChps, Format});
     EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), Ligne) << LongChps;
   }
-  Hôte->Etat->Synchro->Site.clear();
+  Hôte->Site.clear();
   Exécuter("UPDATE MSysEtats SET LongChps = 'CodeSite' || char(13) || 'Masse', Format = NULL");
   EXPECT_EQ(MiseEnForme.MiseEnFormePourImport(Données), "11234");
   Exécuter("UPDATE MSysEtats SET Exportation = -1");

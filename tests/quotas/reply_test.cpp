@@ -39,11 +39,11 @@ TEST_F(Réponse, TheLastLoadStandsInAndAnUnknownOneIsPassedOver) {
   for (const char* Inconnu : {"", "99", "13"}) MettreAJour(Inconnu);  // no load yet, none, its holding is gone
   EXPECT_TRUE(Canal.Messages.empty());
   État.DernierNoChargement = "12";
-  Hôte->Etat->Synchro->Site = "S'2";
+  Hôte->Site = "S'2";
   EXPECT_THROW(MettreAJour(""), ErreurExécution);  // the load of this site has no group
   for (const char* Faux : {"1x", "12 OR 1=1", "-1", " 12", "1'"}) EXPECT_THROW(MettreAJour(Faux), ErreurExécution);
   EXPECT_TRUE(Services.Transmis.empty());
-  Hôte->Etat->Synchro->Site = "1";
+  Hôte->Site = "1";
   MettreAJour("");
   EXPECT_EQ(Services.Transmis.size(), 1U);
 }

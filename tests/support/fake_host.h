@@ -32,44 +32,12 @@ struct FauxCanal : ICanalOpérateur {
   void Afficher() override {}
 };
 
-struct FauxKVSynchro : IKVSynchro {
-  std::string Site = "1";
-  IÉcouteurKVSynchro* Écouteur = nullptr;
-  std::string CodeSiteCourant() override { return Site; }
-  void Connecter(IÉcouteurKVSynchro* LÉcouteur) override { Écouteur = LÉcouteur; }
-  void Déconnecter(const IÉcouteurKVSynchro* Sien) override { Écouteur = Écouteur == Sien ? nullptr : Écouteur; }
-};
-
-struct FauxEtatBdD : IEtatBdD {
-  std::shared_ptr<FauxKVSynchro> Synchro = std::make_shared<FauxKVSynchro>();
-  IÉcouteurEtatBdD* Écouteur = nullptr;
-  std::string Dossier;
-  std::string Erreur;
-  bool Importe = true;
-  bool Lève = false;
-  std::function<void()> PendantImport = [] {};
-  Mots Importés;  ///< contents of the imported files
-
-  std::shared_ptr<IKVSynchro> KVSynchro() override { return Synchro; }
-  std::string DernièreErreur() override { return Erreur; }
-  bool TableImporter(Mot, Mot Fichier, bool&) override {
-    std::ifstream Flux(Fichier, std::ios::binary);
-    Importés.emplace_back(std::istreambuf_iterator<char>(Flux), std::istreambuf_iterator<char>());
-    PendantImport();
-    if (Lève) throw ErreurExécution("la base ne répond pas");
-    return Importe;
-  }
-  std::string ObtenirFichierImport(std::string& LeDossier, std::string& Nom) override {
-    LeDossier = Dossier;
-    return Nom = "import.txt";
-  }
-  void Connecter(IÉcouteurEtatBdD* LÉcouteur) override { Écouteur = LÉcouteur; }
-  void Déconnecter(const IÉcouteurEtatBdD* Sien) override { Écouteur = Écouteur == Sien ? nullptr : Écouteur; }
-};
-
-struct FausseBaseDeD : IBaseDeD {
-  std::shared_ptr<FauxEtatBdD> Etat = std::make_shared<FauxEtatBdD>();
+/// The host's three objects in one. Nobody holds the second and the third beyond the first.
+struct FausseBaseDeD : IBaseDeD, IEtatBdD, IKVSynchro {
   std::shared_ptr<IDatabase> Base;
+  std::string Site = "1";
+  IÉcouteurKVSynchro* ÉcouteurSynchro = nullptr;
+  IÉcouteurEtatBdD* Écouteur = nullptr;
   int Activations = 0;
   int Actualisations = 0;
   std::string Cépages = "Chardonnay\rAligoté";
@@ -80,8 +48,16 @@ struct FausseBaseDeD : IBaseDeD {
   std::array<std::optional<std::int32_t>, 3> Chiffres;
   double JourDemandé = 0;
 
-  std::shared_ptr<IEtatBdD> EtatBdD() override { return Etat; }
-  std::shared_ptr<IKVSynchro> KVSynchro() override { return Etat->Synchro; }
+  // The import.
+  std::string Dossier;
+  std::string Erreur;
+  bool Importe = true;
+  bool Lève = false;
+  std::function<void()> PendantImport = [] {};
+  Mots Importés;  ///< contents of the imported files
+
+  std::shared_ptr<IEtatBdD> EtatBdD() override { return {std::shared_ptr<void>(), this}; }
+  std::shared_ptr<IKVSynchro> KVSynchro() override { return {std::shared_ptr<void>(), this}; }
   std::shared_ptr<IDatabase> BaseDAO() override { return Base; }
   void ActiverBase(bool&) override { ++Activations; }
   void Actualiser() override { ++Actualisations; }
@@ -96,7 +72,7 @@ struct FausseBaseDeD : IBaseDeD {
     Code = "77";
     return RésultatAjout;
   }
-  std::string TexteErreurBase(std::int16_t Erreur) override { return "erreur " + std::to_string(Erreur); }
+  std::string TexteErreurBase(std::int16_t LErreur) override { return "erreur " + std::to_string(LErreur); }
   std::int32_t CalculerRestantExploit(std::string&, std::string&, std::string&, std::string&, std::optional<double>,
                                       std::optional<double>) override {
     return Chiffres[0].value();
@@ -109,6 +85,26 @@ struct FausseBaseDeD : IBaseDeD {
     JourDemandé = Jour.value_or(0);
     return Chiffres[2].value();
   }
+
+  std::string DernièreErreur() override { return Erreur; }
+  bool TableImporter(Mot, Mot Fichier, bool&) override {
+    std::ifstream Flux(Fichier, std::ios::binary);
+    Importés.emplace_back(std::istreambuf_iterator<char>(Flux), std::istreambuf_iterator<char>());
+    PendantImport();
+    if (Lève) throw ErreurExécution("la base ne répond pas");
+    return Importe;
+  }
+  std::string ObtenirFichierImport(std::string& LeDossier, std::string& Nom) override {
+    LeDossier = Dossier;
+    return Nom = "import.txt";
+  }
+  void Connecter(IÉcouteurEtatBdD* LÉcouteur) override { Écouteur = LÉcouteur; }
+  void Connecter(IÉcouteurKVSynchro* LÉcouteur) override { ÉcouteurSynchro = LÉcouteur; }
+  void Déconnecter(const IÉcouteurEtatBdD* Sien) override { Écouteur = Écouteur == Sien ? nullptr : Écouteur; }
+  void Déconnecter(const IÉcouteurKVSynchro* Sien) override {
+    ÉcouteurSynchro = ÉcouteurSynchro == Sien ? nullptr : ÉcouteurSynchro;
+  }
+  std::string CodeSiteCourant() override { return Site; }
 };
 
 struct FauxÉvénements : IEventPlugin {

@@ -3,6 +3,7 @@
 
 #include "common/context.h"
 #include "link/exchange.h"
+#include "tests/support/fake_host.h"
 #include "tests/support/fake_windows.h"
 
 namespace Ombrey::Essais {
@@ -151,13 +152,31 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
   std::string ErreurServeur() const override { return "port inconnu"; }
 };
 
-/// The end of the plug-in as a wait sees it.
-inline void Achever(ÉtatPartagé& État, Échange& LÉchange, PortScripté& Port) {
-  État.Abandon = Port.EcritureRefusée = true;
-  État.Liaison.Terminer();
-  LÉchange.FixerPort(nullptr);
-  État.BaseDeD.reset();
-  État.EtatBdD.reset();
-}
+/// The machine, and a host.
+struct Monde {
+  FaussePlateforme Plateforme;
+  FauxSystème& Système = Plateforme.LeSystème;
+  FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
+  std::shared_ptr<PortScripté> Port = Plateforme.Port;
+  std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
+  std::shared_ptr<FauxÉvénements> Événements = std::make_shared<FauxÉvénements>();
+};
+
+/// What the plug-in's rooms share, in such a world.
+struct Salles : Monde {
+  FauxCanal Canal;
+  FauxServices Services;
+  ÉtatPartagé État{Plateforme, Canal};
+
+  Salles() { État.BaseDeD = Hôte; }
+  /// The end of the plug-in as a wait sees it.
+  void Terminer(Échange& LÉchange) {
+    État.Abandon = Port->EcritureRefusée = true;
+    État.Liaison.Terminer();
+    LÉchange.FixerPort(nullptr);
+    État.BaseDeD.reset();
+    État.EtatBdD.reset();
+  }
+};
 
 }  // namespace Ombrey::Essais

@@ -3,10 +3,8 @@
 
 #include <gtest/gtest.h>
 
-#include "common/context.h"
 #include "platform/database/recordsets.h"
 #include "platform/database/sqlite/sqlite_connection.h"
-#include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
@@ -30,22 +28,12 @@ struct PetiteCoopérative {
   std::shared_ptr<IDatabase> Base = std::make_shared<BaseLue>(Connexion);
 };
 
-/// A plug-in's state on such a database.
-struct AvecCoopérative : testing::Test {
-  AvecCoopérative() {
-    Hôte->Base = Coopérative.Base;
-    État.BaseDeD = Hôte;
-  }
+/// A plug-in's rooms on such a database.
+struct AvecCoopérative : testing::Test, Salles {
+  AvecCoopérative() { Hôte->Base = Coopérative.Base; }
   void Exécuter(Mot Script) { Coopérative.Connexion->ExécuterTout(Script); }
 
   PetiteCoopérative Coopérative;
-  FaussePlateforme Plateforme;
-  FaussesFenêtres& Fenêtres = Plateforme.LesFenêtres;
-  FauxSystème& Système = Plateforme.LeSystème;
-  FauxCanal Canal;
-  FauxServices Services;
-  std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
-  ÉtatPartagé État{Plateforme, Canal};
 };
 
 }  // namespace Ombrey::Essais
