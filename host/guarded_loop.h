@@ -21,7 +21,7 @@ class BoucleGardée final : public Ombrey::IBoucle {
 
   [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
-  bool Pomper(std::chrono::milliseconds AttenteMax) override { return Boucle_.Pomper(AttenteMax); }
+  bool Pomper(std::chrono::nanoseconds AttenteMax) override { return Boucle_.Pomper(AttenteMax); }
 
  private:
   [[nodiscard]] Action Garder(Action Faire) const;

@@ -24,7 +24,7 @@ class IBoucle {
   [[nodiscard]] virtual Jeton Après(std::chrono::milliseconds Délai, Action Faire) = 0;
   /// Lets one event run, or waits until one comes or AttenteMax is over; costs no processor time meanwhile.
   /// True when an event ran. A negative AttenteMax counts as zero.
-  virtual bool Pomper(std::chrono::milliseconds AttenteMax) = 0;
+  virtual bool Pomper(std::chrono::nanoseconds AttenteMax) = 0;
   /// For whoever waits without pumping: windows paint themselves, and nothing else happens.
   virtual void Peindre() {}
 };

@@ -1,4 +1,4 @@
-// The event loop on poll(2).
+// The event loop on ppoll(2).
 #include "platform/loop/poll_loop.h"
 
 #include <algorithm>
@@ -42,8 +42,8 @@ IBoucle::Jeton BouclePoll::Après(std::chrono::milliseconds Délai, Action Faire
   return Inscrire(Délais_, std::move(Nouvelle));
 }
 
-bool BouclePoll::Pomper(std::chrono::milliseconds AttenteMax) {
-  const auto Fin = Horloge::now() + std::clamp(AttenteMax, 0ms, AttentePlafond);
+bool BouclePoll::Pomper(std::chrono::nanoseconds AttenteMax) {
+  const auto Fin = Horloge::now() + std::clamp<std::chrono::nanoseconds>(AttenteMax, 0ns, AttentePlafond);
   for (;;) {
     const auto Morte = [](const std::shared_ptr<Entrée>& E) { return !E->Faire; };
     std::erase_if(Délais_, Morte);
@@ -62,9 +62,11 @@ bool BouclePoll::Pomper(std::chrono::milliseconds AttenteMax) {
 void BouclePoll::Sonder(Horloge::time_point Limite) {
   Sondes_.clear();
   for (const auto& Veille : Veilles_) Sondes_.push_back({Veille->Descripteur, Veille->Événements, 0});
-  const auto Reste = std::chrono::ceil<std::chrono::milliseconds>(Limite - Horloge::now());
-  const int Millisecondes = static_cast<int>(std::max(Reste, 0ms).count());
-  if (poll(Sondes_.data(), Sondes_.size(), Millisecondes) >= 0) return;
+  // To the nanosecond: a character takes one millisecond, and a wait rounded up behind each writing would cost as much.
+  const std::chrono::nanoseconds Reste = std::max<std::chrono::nanoseconds>(Limite - Horloge::now(), 0ns);
+  const auto Secondes = std::chrono::floor<std::chrono::seconds>(Reste);
+  const timespec Durée{Secondes.count(), (Reste - Secondes).count()};
+  if (ppoll(Sondes_.data(), Sondes_.size(), &Durée, nullptr) >= 0) return;
   const int Numéro = errno;
   for (auto& Sonde : Sondes_) Sonde.revents = 0;
   if (Numéro != EINTR) throw ErreurExécution("Attente impossible : " + TexteErreurSystème(Numéro));

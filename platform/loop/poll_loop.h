@@ -1,4 +1,4 @@
-// The event loop on poll(2): for a station without windows, and for every test.
+// The event loop on ppoll(2): for a station without windows, and for every test.
 #pragma once
 
 #include <poll.h>
@@ -16,7 +16,7 @@ class BouclePoll final : public IBoucle {
  public:
   [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
-  bool Pomper(std::chrono::milliseconds AttenteMax) override;
+  bool Pomper(std::chrono::nanoseconds AttenteMax) override;
 
  private:
   using Horloge = std::chrono::steady_clock;

@@ -85,8 +85,9 @@ void BoucleQt::Peindre() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
-bool BoucleQt::Pomper(std::chrono::milliseconds AttenteMax) {
-  const auto Échéance = Horloge::now() + std::clamp(AttenteMax, std::chrono::milliseconds::zero(), AttenteLaPlusLongue);
+bool BoucleQt::Pomper(std::chrono::nanoseconds AttenteMax) {
+  const auto Échéance = Horloge::now() + std::clamp<std::chrono::nanoseconds>(
+                                             AttenteMax, std::chrono::nanoseconds::zero(), AttenteLaPlusLongue);
   for (;;) {
     const auto Reste = std::chrono::ceil<std::chrono::milliseconds>(Échéance - Horloge::now());
     const bool Servi = LaisserQt(RienEnFile() ? std::max(Reste, std::chrono::milliseconds::zero())

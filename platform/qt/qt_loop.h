@@ -15,7 +15,7 @@ class BoucleQt : public IBoucle {
  public:
   [[nodiscard]] Jeton Surveiller(int Descripteur, Sens Quoi, Action Faire) override;
   [[nodiscard]] Jeton Après(std::chrono::milliseconds Délai, Action Faire) override;
-  bool Pomper(std::chrono::milliseconds AttenteMax) override;
+  bool Pomper(std::chrono::nanoseconds AttenteMax) override;
   void Peindre() override;
 
   /// Has Faire run once by a coming Pomper, ahead of descriptors and delays: what the operator did counts first.

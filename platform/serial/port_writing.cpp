@@ -70,9 +70,9 @@ bool PortSérie::Envoyer(Envoi& Travail) {
 /// Pumps once: while bytes are left for the time of a pause, then no longer than is left of the line's time. False when
 /// the port isn't the same any more.
 bool PortSérie::Céder(const Envoi& Travail) {
-  const auto Ligne = std::chrono::ceil<std::chrono::milliseconds>(FinDeLigne_ - Horloge::now());
-  Contexte_.Boucle.Pomper(Travail.Reste.empty() ? std::clamp<std::chrono::milliseconds>(Ligne, 1ms, PauseMax)
-                                                : PauseMax);
+  const std::chrono::nanoseconds Ligne = FinDeLigne_ - Horloge::now();
+  const auto EnRoute = Ligne > 0ns ? std::min<std::chrono::nanoseconds>(Ligne, PauseMax) : 1ms;
+  Contexte_.Boucle.Pomper(Travail.Reste.empty() ? EnRoute : PauseMax);
   if (Session_ == Travail.Session) return true;
   if (Erreur_.empty()) Échouer("Le port " + Nom_ + " a été fermé pendant l'envoi.");
   return false;

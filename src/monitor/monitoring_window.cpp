@@ -110,6 +110,16 @@ void FSuiviChargnt::OffrirCumuls() {
 
 void FSuiviChargnt::Rafraîchir() {
   OffrirCumuls();
+  if (!État_.Liaison.EstPrise()) return RelireListe();
+  ErreurEnAttente Ignorée;
+  Ignorer(Ignorée, [this] {
+    if (!Relecture_) Relecture_ = État_.Plateforme.CréerRetard([this](const std::string&) { RelireListe(); });
+    if (!std::exchange(ÀRelire_, true)) Relecture_->Démarrer(0, "");
+  });
+}
+
+void FSuiviChargnt::RelireListe() {
+  ÀRelire_ = false;
   // A pending error here would be told to the operator as one of the dialogue that asked for the list.
   ErreurEnAttente Ignorée;
   Ignorer(Ignorée, [this] { RemplirGrille(); });

@@ -30,7 +30,8 @@ class FSuiviChargnt final : public IGestesSuivi {
   /// A time-stamped line on top of the error list, which comes into view, and the same in the message list.
   void AjouterErreur(const std::string& Texte);
   /// Reads today's loads again and applies the saved column widths. Raises nothing and leaves no error pending: a
-  /// grid that can't be read stays as it was.
+  /// grid that can't be read stays as it was. While the line is in use the list is read a moment later, once for all
+  /// who asked: a terminal that waits for its ACK doesn't wait for a long day's list.
   void Rafraîchir();
   /// Shows the window and comes back when it is hidden or destroyed.
   void Afficher();
@@ -54,6 +55,7 @@ class FSuiviChargnt final : public IGestesSuivi {
   void OffrirCumuls();
   void MontrerLigne(const std::string& Texte);
   [[nodiscard]] bool BoîtePermise(DemandeLiaison Demande, std::function<void()> Reprise);
+  void RelireListe();
   void RemplirGrille();
   [[nodiscard]] std::string Horodatage() const;
 
@@ -62,6 +64,8 @@ class FSuiviChargnt final : public IGestesSuivi {
   std::deque<std::string> Messages_;  ///< newest line first
   std::deque<std::string> Erreurs_;   ///< newest line first
   bool GrilleRemplie_ = false;
+  bool ÀRelire_ = false;
+  std::shared_ptr<IRetard> Relecture_;
   std::optional<Rectangle> PlaceDEmprunt_;  ///< where the window stands because its own place is off the screens
   std::shared_ptr<const void> Vie_;         ///< expires with the window; what waits across the loop looks at it
   std::unique_ptr<IVueSuiviChargnt> Vue_;

@@ -94,6 +94,12 @@ TEST_F(Suivi, ListsTodaysLoadsAndStaysAsItWasWhenTheDatabaseIsGone) {
   Fenêtre->Rafraîchir();
   EXPECT_EQ(Vue().Grille, Attendues);
   EXPECT_FALSE(État.Erreur.EstPrésente());
+  Exécuter("ALTER TABLE Autre RENAME TO Qualité; DELETE FROM Chargement;");
+  const auto Ligne = État.Liaison.PrendreOuReporter(DemandeLiaison::Bouton, {});
+  for (int Fois = 0; Fois < 2; ++Fois) Fenêtre->Rafraîchir();
+  EXPECT_EQ(Vue().Grille, Attendues) << "whoever waits for an ACK doesn't wait for the list";
+  EXPECT_TRUE(Système.Pomper({}) && !Système.Pomper({})) << "once for both";
+  EXPECT_EQ(Vue().Grille.size(), 1U);
 }
 
 TEST_F(Suivi, LaysItsControlsOutByTheMargins) {

@@ -29,17 +29,6 @@ bool EstMémoirePartagée(int CodeÉtendu) {
          CodeÉtendu == SQLITE_IOERR_SHMSIZE || CodeÉtendu == SQLITE_IOERR_SHMLOCK;
 }
 
-struct Lieur {
-  sqlite3_stmt* Brute;
-  int Rang;
-  int operator()(std::monostate /*Null*/) const { return sqlite3_bind_null(Brute, Rang); }
-  int operator()(std::int64_t Valeur) const { return sqlite3_bind_int64(Brute, Rang, Valeur); }
-  int operator()(double Valeur) const { return sqlite3_bind_double(Brute, Rang, Valeur); }
-  int operator()(const std::string& Valeur) const {
-    return sqlite3_bind_text64(Brute, Rang, Valeur.data(), Valeur.size(), SQLITE_TRANSIENT, SQLITE_UTF8);
-  }
-};
-
 /// Waits by the clock. The engine's own count takes each of its sleeps for as long as it asked for, and on a busy
 /// machine eight of its seconds are more than the terminal waits.
 int PatienterVerrou(void* Patience, int Essais) {
@@ -55,63 +44,6 @@ int PatienterVerrou(void* Patience, int Essais) {
 }
 
 }  // namespace
-
-void InstructionSqlite::Libération::operator()(sqlite3_stmt* Brute) const { sqlite3_finalize(Brute); }
-
-InstructionSqlite::InstructionSqlite(sqlite3* Base, std::string_view Sql, std::string_view* Reste) {
-  sqlite3_stmt* Brute = nullptr;
-  const char* Suite = nullptr;
-  const int Code = sqlite3_prepare_v2(Base, Sql.data(), static_cast<int>(Sql.size()), &Brute, &Suite);
-  Brute_.reset(Brute);
-  if (Code != SQLITE_OK) LeverÉchec(Base);
-  if (!Brute) throw ErreurExécution("L'instruction est vide");
-  const std::string_view Derrière = Sql.substr(static_cast<std::size_t>(Suite - Sql.data()));
-  if (Reste)
-    *Reste = Derrière;
-  else if (!EstRemplissage(Derrière))
-    throw ErreurExécution("Une seule instruction est acceptée à la fois");
-}
-
-void InstructionSqlite::Lier(const std::vector<ValeurChamp>& Valeurs) {
-  sqlite3_reset(Brute_.get());
-  int Rang = 0;
-  for (const ValeurChamp& Valeur : Valeurs)
-    if (std::visit(Lieur{Brute_.get(), ++Rang}, Valeur) != SQLITE_OK) LeverÉchec(sqlite3_db_handle(Brute_.get()));
-}
-
-bool InstructionSqlite::Avancer() {
-  const int Code = sqlite3_step(Brute_.get());
-  if (Code == SQLITE_ROW) return true;
-  if (Code != SQLITE_DONE) LeverÉchec(sqlite3_db_handle(Brute_.get()));
-  return false;
-}
-
-ValeurChamp InstructionSqlite::Valeur(std::size_t Rang) const {
-  const int Colonne = static_cast<int>(Rang);
-  switch (sqlite3_column_type(Brute_.get(), Colonne)) {
-    case SQLITE_NULL:
-      return std::monostate{};
-    case SQLITE_INTEGER:
-      return std::int64_t{sqlite3_column_int64(Brute_.get(), Colonne)};
-    case SQLITE_FLOAT:
-      return sqlite3_column_double(Brute_.get(), Colonne);
-    default: {
-      const auto* Texte = reinterpret_cast<const char*>(sqlite3_column_text(Brute_.get(), Colonne));
-      return std::string(Texte ? Texte : "", static_cast<std::size_t>(sqlite3_column_bytes(Brute_.get(), Colonne)));
-    }
-  }
-}
-
-std::vector<std::string> InstructionSqlite::Colonnes() {
-  std::vector<std::string> Noms;
-  for (int Colonne = 0; Colonne < sqlite3_column_count(Brute_.get()); ++Colonne) {
-    const char* Nom = sqlite3_column_name(Brute_.get(), Colonne);
-    Noms.emplace_back(Nom ? Nom : "");
-  }
-  return Noms;
-}
-
-bool InstructionSqlite::NeFaitQueLire() const { return sqlite3_stmt_readonly(Brute_.get()) != 0; }
 
 void ConnexionSqlite::Fermer::operator()(sqlite3* Base) const { sqlite3_close_v2(Base); }
 
@@ -140,12 +72,19 @@ ConnexionSqlite::~ConnexionSqlite() {
   if (Base_) sqlite3_busy_handler(Base_.get(), nullptr, nullptr);
 }
 
+void ConnexionSqlite::Quitter() {
+  Réserve_.reset();
+  Base_.reset();
+}
+
 void ConnexionSqlite::Brancher() {
+  Quitter();
   sqlite3* Base = nullptr;
   const int Code = sqlite3_open_v2(Fichier_.c_str(), &Base, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   Base_.reset(Base);
   if (!Base) throw ErreurExécution(TexteÉchec(SQLITE_NOMEM, "sqlite3_open_v2"));
   if (Code != SQLITE_OK) LeverÉchec(Base);
+  Réserve_ = std::make_shared<RéserveSqlite>();
   sqlite3_busy_handler(Base, &PatienterVerrou, &Patience_);
   InscrireFonctions(Base, Maintenant_);
 }
@@ -201,20 +140,20 @@ std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Créer(const std::filesystem::
 bool ConnexionSqlite::EstEnLectureSeule() const { return sqlite3_db_readonly(Base_.get(), "main") == 1; }
 
 Instruction ConnexionSqlite::Préparer(std::string_view Sql) {
-  return Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Sql));
+  return Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Sql, Réserve_));
 }
 
 Instruction ConnexionSqlite::PréparerLecture(std::string_view Sql) {
   const std::string Traduite = TraduireEnSqlite(Sql);
   std::string_view Reste;
-  auto Requête = std::make_unique<InstructionSqlite>(Base_.get(), Traduite, &Reste);
+  auto Requête = std::make_unique<InstructionSqlite>(Base_.get(), Traduite, Reste);
   if (!EstRemplissage(Reste) || !Requête->NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
   return Instruction(std::move(Requête));
 }
 
 void ConnexionSqlite::ExécuterTout(std::string_view Script) {
   while (!EstRemplissage(Script))
-    Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Script, &Script)).Exécuter();
+    Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Script, Script)).Exécuter();
 }
 
 std::vector<ColonneDeTable> ConnexionSqlite::ColonnesDe(const std::string& Table) {
@@ -284,11 +223,11 @@ void ConnexionSqlite::Sauvegarder(const std::filesystem::path& Copie) {
     if (Transport == nullptr) LeverÉchec(Vers->Base_.get());
     sqlite3_backup_step(Transport, -1);
     if (sqlite3_backup_finish(Transport) != SQLITE_OK) LeverÉchec(Vers->Base_.get());
-    Vers->Base_.reset();
+    Vers->Quitter();
     if (Ouvrir(Copie)->Lire("PRAGMA integrity_check") != ValeurChamp{"ok"})
       throw ErreurExécution("La copie « " + Copie.string() + " » est endommagée, comme l'est peut-être la base");
   } catch (const ErreurExécution&) {
-    Vers->Base_.reset();
+    Vers->Quitter();
     SupprimerBase(Copie);
     throw;
   }

@@ -13,35 +13,14 @@
 #include <vector>
 
 #include "platform/database/connection.h"
+#include "platform/database/sqlite/sqlite_statement.h"
 #include "platform/system/folder_lock.h"
-
-struct sqlite3;
-struct sqlite3_stmt;
 
 namespace Ombrey {
 
 /// How long a statement waits for a database that another program has locked. Shorter than a terminal waits for the
 /// answer to its load, so that a refusal reaches it.
 inline constexpr std::chrono::milliseconds AttenteVerrou{8'000};
-
-/// One statement, in SQLite's own language.
-class InstructionSqlite final : public IInstruction {
- public:
-  /// Prepares the first statement of Sql. What stands behind it goes to Reste; without Reste, it is a failure.
-  InstructionSqlite(sqlite3* Base, std::string_view Sql, std::string_view* Reste = nullptr);
-
-  void Lier(const std::vector<ValeurChamp>& Valeurs) override;
-  bool Avancer() override;
-  [[nodiscard]] ValeurChamp Valeur(std::size_t Rang) const override;
-  [[nodiscard]] std::vector<std::string> Colonnes() override;
-  [[nodiscard]] bool NeFaitQueLire() const;
-
- private:
-  struct Libération {
-    void operator()(sqlite3_stmt* Brute) const;
-  };
-  std::unique_ptr<sqlite3_stmt, Libération> Brute_;
-};
 
 /// An open database file: with a write-ahead log, or with the ordinary journal where the drive can't carry one, which
 /// stderr then says.
@@ -102,6 +81,7 @@ class ConnexionSqlite final : public IConnexion {
                                                               Journal Voulu);
   ConnexionSqlite(const std::filesystem::path& Fichier, Horloge Maintenant, Journal Voulu);
   void Brancher();
+  void Quitter();
   void SePasserDeJournalAnticipé();
 
   std::filesystem::path Fichier_;
@@ -111,6 +91,7 @@ class ConnexionSqlite final : public IConnexion {
   ValeurChamp Compteur_;      ///< of the changes that other connections have made
   std::int64_t Rangées_ = 0;  ///< rows changed by this connection that stand in the file itself
   std::unique_ptr<sqlite3, Fermer> Base_;
+  std::shared_ptr<RéserveSqlite> Réserve_;  ///< behind the base: an open statement would keep that open
 };
 
 /// Removes a database file that nobody has open, with what the engine put beside it.
