@@ -24,7 +24,7 @@
 #include "host/schema_upgrade.h"
 #include "host/station.h"
 #include "host/windows_module.h"
-#include "platform/database/connection.h"
+#include "platform/database/recordsets.h"
 #include "platform/system/service_notice.h"
 
 namespace {
@@ -119,6 +119,11 @@ int Accomplir(const Tarvel::Options& Choisies) {
     case Tarvel::Tâche::CopierBase:
       std::puts(Tarvel::CopierBase(Choisies.Base, Choisies.Vers).c_str());
       break;
+    case Tarvel::Tâche::Exporter: {
+      Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
+      std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
+      break;
+    }
     case Tarvel::Tâche::Station:
       Travailler(Choisies);
       break;

@@ -29,6 +29,11 @@ std::chrono::seconds LireDurée(const std::string& Texte, const std::string& Quo
   return std::chrono::seconds(Secondes);
 }
 
+int LireJourDonné(const std::string& Texte) {
+  if (const auto Jour = LireJour(Texte)) return *Jour;
+  throw ErreurOptions("« " + Texte + " » n'est pas un jour : il s'écrit jj/mm/aaaa ou aaaa-mm-jj");
+}
+
 constexpr Tâche operator|(Tâche Une, Tâche Autre) {
   return static_cast<Tâche>(static_cast<unsigned>(Une) | static_cast<unsigned>(Autre));
 }
@@ -37,7 +42,7 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
 }
 
 constexpr Tâche UneStation = Tâche::Station | Tâche::Diagnostic;
-constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer;
+constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::Exporter;
 
 /// A task, how it is called, and what it can't do without.
 struct TâcheConnue {
@@ -56,6 +61,7 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::Sauvegarder, "--base B --sauvegarder F", false, true},
     {Tâche::Restaurer, "--base B --restaurer F", false, true},
     {Tâche::CopierBase, "--copier-base DE VERS", false, true},
+    {Tâche::Exporter, "--base B --exporter-csv F [--du D] [--au D]", false, true},
     {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
@@ -105,6 +111,12 @@ constexpr Option Connues[] = {
      Tâche::Sauvegarder, Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--restaurer", "F", "met une copie à la place de la base, qui est gardée sous un autre nom", Tâche::Restaurer,
      Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--exporter-csv", "F", "écrit les chargements en CSV, pour un tableur", Tâche::Exporter, Demande,
+     [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--du", "D", "premier jour de l'export : jj/mm/aaaa ou aaaa-mm-jj", Tâche::Exporter, Précise,
+     [](Options& O, Mots V) { O.Jours.Du = LireJourDonné(V[0]); }},
+    {"--au", "D", "dernier jour de l'export", Tâche::Exporter, Précise,
+     [](Options& O, Mots V) { O.Jours.Au = LireJourDonné(V[0]); }},
     {"--diagnostic", "", "regarde tout ce qu'il faut à la station : bon, à voir ou mauvais, et ce qu'il faut faire",
      Tâche::Diagnostic, Demande, [](Options&, Mots) {}},
     {"--copier-base", "DE VERS",
@@ -240,6 +252,8 @@ Options LireOptions(std::span<const std::string> Arguments) {
   if (Sienne.VeutBase && Lues.Base.empty())
     throw ErreurOptions("il manque --base, ou la clé Base dans la section [Tarvel] de " +
                         Ombrey::TexteChemin(Lues.Ini));
+  if (Lues.Jours.Du && Lues.Jours.Au && *Lues.Jours.Au < *Lues.Jours.Du)
+    throw ErreurOptions("le jour de --au est avant celui de --du");
   PréciserChemins(Lues);
   return Lues;
 }

@@ -10,6 +10,7 @@
 #include <string_view>
 
 #include "host/engine.h"
+#include "host/load_report.h"
 
 namespace Tarvel {
 
@@ -28,7 +29,8 @@ enum class Tâche : unsigned {
   Sauvegarder = 16,
   Restaurer = 32,
   Diagnostic = 64,
-  CopierBase = 128
+  CopierBase = 128,
+  Exporter = 256
 };
 
 struct Options {
@@ -37,7 +39,8 @@ struct Options {
   std::string Base;
   std::string CodeSite;           ///< the station's site code; empty: the one that the database names
   std::string Vers;               ///< the database that takes a copy: as Base
-  std::filesystem::path Copie;    ///< a copy of the database, to make or to put back
+  std::filesystem::path Copie;    ///< a copy of the database, to make or to put back; an export
+  Période Jours;                  ///< of the loads to export
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program
