@@ -35,6 +35,8 @@ class ÉditionConsole final : public IÉdition {
   void OffrirMenu(const std::string& Texte) override;
   void Dire(const std::string& Texte) override { Sortie_.Ligne("hôte : " + Texte); }
   void Finir() override { Fenêtres_.Finir(); }
+  [[nodiscard]] bool Avancer(const Ombrey::Avancement& Où) override { return Fenêtres_.Avancer(Où); }
+  void SePrésenter() override { Dire("Un second démarrage de cette station a été refusé."); }
 
  private:
   void MontrerLigne(const Ombrey::JournalLiaison& Journal);

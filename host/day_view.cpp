@@ -35,10 +35,15 @@ constexpr const char* SqlQuotas =
     " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection ORDER BY Sélection.Désignation";
 
 constexpr const char* SqlArchive =
-    "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], Format([DateCh],'dd/mm/yyyy hh:nn') AS [Date]"
+    "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], DateCh AS [Date]"
     ", Masse AS [Pesée], Degré AS [%Vol], Sélection, Qualité, Métayage FROM ChargementArchive ORDER BY DateCh DESC";
 
 const Ombrey::Régional FormesFrançaises{};
+
+/// Days since 1899-12-30 that can be the date of a load.
+constexpr double PremierAn = 1;
+constexpr double DernierAn = 200000;
+constexpr std::size_t ColonneJour = 2;  ///< of the archive
 
 std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, FormesFrançaises); }
 
@@ -48,6 +53,13 @@ std::optional<double> NombreDe(const ValeurChamp& Valeur) {
   std::string Texte = SansEspaces(TexteDe(Valeur));
   if (Texte.empty() || !Ombrey::NormaliserNombre(Texte, FormesFrançaises)) return std::nullopt;
   return EnRéel(Texte, FormesFrançaises);
+}
+
+/// Whatever the office has written there is shown: one date that is none must not hide the others.
+std::string TexteJour(const ValeurChamp& Valeur) {
+  const auto* const Jours = std::get_if<double>(&Valeur);
+  const bool EstJour = Jours != nullptr && *Jours > PremierAn && *Jours < DernierAn;
+  return EstJour ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteDe(Valeur);
 }
 
 std::string SansBlancs(const std::string& Texte) {
@@ -176,7 +188,8 @@ Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     auto& Rangée = Tableau.emplace_back();
     for (std::size_t Rang = 0; Rang < Tableau.front().size(); ++Rang)
-      Rangée.push_back(TexteOuVide(Lignes->Fields(Rang), Formes));
+      Rangée.push_back(Rang == ColonneJour ? TexteJour(Lignes->Fields(Rang))
+                                           : TexteOuVide(Lignes->Fields(Rang), Formes));
   }
   return Tableau;
 }

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cmath>
+#include <ctime>
 #include <set>
 
 #include "base/failures.h"
@@ -35,6 +37,8 @@ constexpr std::uintmax_t DisqueÀVoir = 500 * Mio;
 constexpr int AnnéePlausible = 2026;
 /// A terminal's clock may be ahead of ours, but not by a day.
 constexpr double AvancePermise = 1;
+/// Seconds between this clock and a server's.
+constexpr double ÉcartPermis = 60;
 
 std::string NomCompte(uid_t Numéro) {
   const passwd* const Compte = getpwuid(Numéro);
@@ -99,6 +103,23 @@ bool EstRégléeParRéseau() {
   return adjtimex(&État) != TIME_ERROR && (État.status & STA_UNSYNC) == 0;
 }
 
+/// The server's clock stamps what other stations see as new.
+void ExaminerHorlogeServeur(const Options& Choisies, Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
+  if (!Choisies.EstSurServeur()) return;
+  const auto Lue = Connexion.Lire("SELECT CAST(EXTRACT(EPOCH FROM now()) AS DOUBLE PRECISION)");
+  const auto* const Secondes = std::get_if<double>(&Lue);
+  if (Secondes == nullptr) return;
+  const double Écart = static_cast<double>(std::time(nullptr)) - *Secondes;
+  const std::string Texte =
+      "ce poste et le serveur diffèrent de " + std::to_string(std::lround(std::abs(Écart))) + " s";
+  if (std::abs(Écart) <= ÉcartPermis)
+    Constats.push_back({Jugement::Bon, "horloge du serveur", Texte + ".", ""});
+  else
+    Constats.push_back({Jugement::ÀVoir, "horloge du serveur",
+                        Texte + (Écart > 0 ? ", le serveur retarde." : ", le serveur avance."),
+                        "sudo timedatectl set-ntp true, ici et sur le serveur"});
+}
+
 Constat ExaminerHorloge(double AvanceDesChargements) {
   const Ombrey::DateHeure Maintenant = Ombrey::HeureLocale();
   const std::string Texte = "il est " + Ombrey::TexteDateHeure(Maintenant) + " sur cette machine";
@@ -130,6 +151,7 @@ double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
     else
       Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre, ""});
     ExaminerSchéma(*Connexion, Constats);
+    ExaminerHorlogeServeur(Choisies, *Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
   } catch (const Ombrey::ErreurExécution& Erreur) {
     std::error_code Code;

@@ -44,6 +44,10 @@ class IÉdition {
   virtual void SuivreLiaison(const Ombrey::JournalLiaison& /*Journal*/) {}
   /// The work couldn't begin; there is no station behind the edition. Shows why and waits until it was read.
   virtual void Échouer(const std::string& /*Raison*/) {}
+  /// How far a long sending is; false stops it.
+  [[nodiscard]] virtual bool Avancer(const Ombrey::Avancement& Où) = 0;
+  /// The same station was started once more: this one shows itself.
+  virtual void SePrésenter() = 0;
   /// The plug-in took the toolbar button: its picture stands on the clipboard.
   virtual void OffrirBouton(const std::string& Infobulle) = 0;
   /// The plug-in took the menu entry; "&" stands ahead of the mnemonic letter.

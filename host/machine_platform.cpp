@@ -51,7 +51,7 @@ PlateformeMachine::PlateformeMachine(IBoucle& Boucle, IFenêtres& Fenêtres, IQu
       Témoins_(std::move(Témoins)) {}
 
 ContextePort PlateformeMachine::Contexte() const {
-  return {Boucle_, [] { return std::make_unique<LecteurIniFichier>(); }, Questionnaire_};
+  return {Boucle_, [] { return std::make_unique<LecteurIniFichier>(); }, Questionnaire_, {}, Témoins_.Envoi};
 }
 
 std::unique_ptr<ILecteurIni> PlateformeMachine::CréerLecteurIni() { return std::make_unique<LecteurIniFichier>(); }

@@ -19,6 +19,7 @@ namespace Ombrey {
 struct TémoinsMachine {
   std::function<void(const Octets&)> Reçus;                  ///< characters, ahead of the plug-in
   std::function<void(std::optional<std::int32_t>)> Attente;  ///< a timer was started for so many milliseconds, stopped
+  TémoinEnvoi Envoi;
 };
 
 class PlateformeMachine final : public IPlateforme {

@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
 #include <exception>
@@ -24,8 +25,11 @@
 #include "host/schema_upgrade.h"
 #include "host/station.h"
 #include "host/windows_module.h"
+#include "platform/database/connection.h"
 #include "platform/database/recordsets.h"
+#include "platform/system/folder_lock.h"
 #include "platform/system/service_notice.h"
+#include "platform/system/summons.h"
 
 namespace {
 
@@ -86,9 +90,20 @@ void Travailler(const Tarvel::Options& Choisies) {
       if (Connexion->ADuNouveau()) Base->Actualiser();
     });
   } catch (const std::exception& Erreur) {
-    Édition->Échouer(Erreur.what());
+    const bool Double = Ombrey::OccupantDossier(Choisies.Dossier) && Ombrey::AppelerStation(Choisies.Dossier);
+    Édition->Échouer(Erreur.what() + std::string(Double ? "\n\nElle se montre maintenant." : ""));
     throw;
   }
+}
+
+/// Who started the station by its icon sees no stream: he gets a box where there is a screen.
+void MontrerÉchec(const std::vector<std::string>& Arguments, const std::string& Raison) {
+  constexpr std::array DeLIcône = {"--ini", "--base", "--site", "--dossier"};
+  const bool ParIcône = std::ranges::all_of(Arguments, [&](const std::string& Un) {
+    return !Un.starts_with("--") || std::ranges::find(DeLIcône, Un) != DeLIcône.end();
+  });
+  if (!ParIcône || isatty(STDERR_FILENO) || !Tarvel::ÉcranNommé() || !Tarvel::FenêtresInstallées()) return;
+  Tarvel::CréerÉditionFenêtrée(Tarvel::Options())->Échouer(Raison);
 }
 
 /// True when nothing is bad.
@@ -97,6 +112,15 @@ bool DireConstats(const Tarvel::Options& Choisies) {
   for (const Tarvel::Constat& Un : Constats) std::puts(Tarvel::TexteConstat(Un).c_str());
   return std::ranges::none_of(Constats,
                               [](const Tarvel::Constat& Un) { return Un.Verdict == Tarvel::Jugement::Mauvais; });
+}
+
+Tarvel::Options LireOptions(const std::vector<std::string>& Arguments) {
+  try {
+    return Tarvel::LireOptions(Arguments);
+  } catch (const std::exception& Erreur) {
+    MontrerÉchec(Arguments, Erreur.what());
+    throw;
+  }
 }
 
 int Accomplir(const Tarvel::Options& Choisies) {
@@ -139,8 +163,7 @@ int main(int Nombre, char** Textes) {
   OccuperFluxStandard();
   std::signal(SIGPIPE, SIG_IGN);
   try {
-    const std::vector<std::string> Arguments(Textes + 1, Textes + Nombre);
-    return Accomplir(Tarvel::LireOptions(Arguments));
+    return Accomplir(LireOptions(std::vector<std::string>(Textes + 1, Textes + Nombre)));
   } catch (const Tarvel::ErreurOptions& Erreur) {
     SePlaindre(Erreur.what() + std::string("\nL'aide : tarvel --help"));
     return MauvaisesOptions;

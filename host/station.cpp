@@ -12,6 +12,7 @@
 #include "host/machine_platform.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
+#include "platform/system/summons.h"
 
 namespace Tarvel {
 namespace {
@@ -50,7 +51,9 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& A
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
                                        &Journal_,
                                        {[this](const Ombrey::Octets& Reçus) { Édition_.LaVeille().NoterOctets(Reçus); },
-                                        [this](auto Attente) { Édition_.LaVeille().NoterRelevé(Attente); }});
+                                        [this](auto Attente) { Édition_.LaVeille().NoterRelevé(Attente); },
+                                        [this](const Ombrey::Avancement& Où) { return Édition_.Avancer(Où); }});
+  const Ombrey::ÉcouteAppels Appels(Boucle_, Options_.Dossier, [this] { Édition_.SePrésenter(); });
   Plateforme_ = &Plateforme;
   Édition_.LaVeille().FixerDossierConservés(Plateforme.Système().DossierImportsConservés());
   if (!Options_.Trace.empty())

@@ -29,9 +29,10 @@ bool FenêtresInstallées() {
   return std::filesystem::exists(ModuleInstallé(Module), Erreur);
 }
 
+bool ÉcranNommé() { return std::ranges::any_of(VariablesAffichage, EstDonnée); }
+
 std::unique_ptr<IÉdition> CréerÉditionFenêtrée(const Options& Choisies) {
-  if (std::ranges::none_of(VariablesAffichage, EstDonnée))
-    throw ErreurOptions("aucun écran ici (DISPLAY n'est pas défini) ; l'option --console s'en passe");
+  if (!ÉcranNommé()) throw ErreurOptions("aucun écran ici (DISPLAY n'est pas défini) ; l'option --console s'en passe");
   const auto Fabrique = reinterpret_cast<FabriqueFenêtres>(SymboleDuModule(
       Module, NomFabriqueFenêtres, "Les fenêtres ne se chargent pas", " ; l'option --console s'en passe."));
   std::unique_ptr<IÉdition> Édition;

@@ -15,6 +15,9 @@ using FabriqueFenêtres = void (*)(const Options& Choisies, std::unique_ptr<IÉd
 /// True when the module stands beside the program: an edition without windows lacks it.
 [[nodiscard]] bool FenêtresInstallées();
 
+/// True when the environment names a screen.
+[[nodiscard]] bool ÉcranNommé();
+
 /// Raises ErreurOptions when no display is named, ErreurExécution when the module can't be loaded.
 [[nodiscard]] std::unique_ptr<IÉdition> CréerÉditionFenêtrée(const Options& Choisies);
 

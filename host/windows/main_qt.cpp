@@ -90,6 +90,8 @@ class ÉditionFenêtrée final : public IÉdition {
   void OffrirMenu(const std::string& Texte) override { Principale_.OffrirMenu(Texte); }
   void Dire(const std::string& Texte) override { Principale_.Dire(Texte); }
   void Finir() override { Fenêtres_.Finir(); }
+  bool Avancer(const Ombrey::Avancement& Où) override { return Fenêtres_.Avancer(Où); }
+  void SePrésenter() override { Principale_.SePrésenter(); }
 
  private:
   ApplicationQt Application_;

@@ -68,7 +68,7 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
     : QWidget(Parent),
       Formes_(Formes),
       Filtre_(new QLineEdit(this)),
-      Tous_(new QCheckBox(QStringLiteral("Tous les &sites"), this)),
+      Tous_(new QCheckBox(QStringLiteral("Tous les si&tes"), this)),
       Total_(new QLabel(this)),
       Chargements_(new ListeQt(this, Contexte, QStringLiteral("Chargements du jour"))),
       Sommes_(new ListeQt(this, Contexte, QStringLiteral("Sommes par appellation et classe"))),

@@ -50,6 +50,10 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
       Réglages_(Réglages),
       Veille_(Veille),
       Formes_(Formes),
+      Fermeture_(*this, Différé([this] {
+        Dire("Fermez d'abord la fenêtre qui est devant : la station ne se ferme pas derrière elle.");
+        VenirDevant();
+      })),
       Barre_(addToolBar(QStringLiteral("Greffons"))),
       Bandeau_(new BandeauQt(this)),
       Pages_(new QTabWidget(this)),
@@ -103,7 +107,7 @@ void FenêtrePrincipaleQt::CréerPages() {
   Ajouter(Refusés_, QStringLiteral("&Refusés"),
           QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand la file du RG80 "
                          "avance."));
-  Ajouter(Archive_, QStringLiteral("&Archive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
+  Ajouter(Archive_, QStringLiteral("Ar&chive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
   CréerJournal();
   Ajouter(NonLues_, QStringLiteral("À lir&e"), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
@@ -186,11 +190,17 @@ void FenêtrePrincipaleQt::Diagnostiquer() {
 void FenêtrePrincipaleQt::SePrésenter() {
   Dire("Cette station est déjà ouverte : un second démarrage la ramène devant.");
   setWindowState(windowState() & ~Qt::WindowMinimized);
+  raise();
+  VenirDevant();
+}
+
+/// The window itself, or what holds it up.
+void FenêtrePrincipaleQt::VenirDevant() {
   QWidget* const Modale = QApplication::activeModalWidget();
   QWidget* const Devant = Modale != nullptr ? Modale : this;
-  raise();
   Devant->raise();
   Devant->activateWindow();
+  QApplication::beep();
   QApplication::alert(Devant);
 }
 

@@ -16,6 +16,7 @@
 #include "contracts/host.h"
 #include "contracts/system.h"
 #include "host/overview.h"
+#include "host/windows/qt_close_watch.h"
 #include "host/windows/qt_day_page.h"
 #include "host/windows/qt_help.h"
 #include "host/windows/qt_list_pages.h"
@@ -73,6 +74,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void SauverPlace();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;
   void Transférer();
+  void VenirDevant();
   void Diagnostiquer();
   void Actualiser();
   void Lire(IDatabase& Base, const std::string& Site);
@@ -90,6 +92,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   std::string ÀPropos_;
   std::function<std::string()> Diagnostic_;
   AideQt Aide_;
+  VeilleFermeture Fermeture_;
   std::optional<QDateTime> SuspendueDepuis_;
   bool Rappelée_ = false;  ///< attention was called for to a transfer window left open
   QTimer Montre_;

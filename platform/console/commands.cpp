@@ -127,6 +127,8 @@ void CommandesConsole::AjouterTransfert() {
   AjouterCase("decocher", "décoche une case de la fenêtre de transfert", false);
   Ajouter({"transferer", "", "transfère les données cochées", Moment::EnTransfert,
            [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnTransférer_Click(); }});
+  Ajouter({"arreter", "", "arrête l'envoi en cours", Moment::Toujours,
+           [this](const std::string&) { Fenêtres_.ArrêterEnvoi(); }});
   Ajouter({"fermer", "", "ferme la fenêtre de transfert", Moment::EnTransfert,
            [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnFermer_Click(); }});
 }

@@ -14,6 +14,7 @@ namespace {
 
 /// An end of the wait that nothing announces is noticed at this pace at the latest.
 constexpr std::chrono::hours PatienceParPompe(1);
+constexpr std::chrono::seconds EntrePoints(5);
 
 /// Puts a value back when the scope ends, however it ends.
 class Rétablir {
@@ -48,6 +49,16 @@ RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::str
   PomperTantQue([&] { return !Ouverte->Réponse && OpérateurPrésent(); });
   std::erase(Boîtes_, Ouverte);
   return Ouverte->Réponse.value_or(Défaut);
+}
+
+bool FenêtresConsole::Avancer(const Avancement& Où) {
+  const auto Maintenant = std::chrono::steady_clock::now();
+  if (Maintenant - DernierPoint_ >= EntrePoints) {
+    DernierPoint_ = Maintenant;
+    Ligne("envoi : il reste " + std::to_string(Où.Restants) + " octets sur " + std::to_string(Où.Total) + ", " +
+          std::to_string(Où.Durée.count()) + " s (« arreter » l'arrête)");
+  }
+  return !std::exchange(Arrêt_, false);
 }
 
 bool FenêtresConsole::Répondre(RéponseBoîte Réponse) {

@@ -1,6 +1,7 @@
 // The windowing toolkit on a console: boxes and windows as lines, answered and worked by commands.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
@@ -90,6 +91,9 @@ class FenêtresConsole : public IFenêtres {
   void Ligne(const std::string& Texte) { Sortie_.Ligne(Texte); }
   void Observer(TémoinsFenêtres Témoins) { Témoins_ = std::move(Témoins); }
   [[nodiscard]] const TémoinsFenêtres& Témoins() const { return Témoins_; }
+  /// A line now and then; false once the operator has asked for the end of it.
+  [[nodiscard]] bool Avancer(const Avancement& Où);
+  void ArrêterEnvoi() { Arrêt_ = true; }
 
  private:
   struct BoîteEnCours {
@@ -110,6 +114,8 @@ class FenêtresConsole : public IFenêtres {
   VueChargntConsole* VueChargnt_ = nullptr;
   std::function<void()> DireDisponible_;
   TémoinsFenêtres Témoins_;
+  bool Arrêt_ = false;
+  std::chrono::steady_clock::time_point DernierPoint_{};
 };
 
 }  // namespace Ombrey

@@ -1,6 +1,8 @@
-// Who looks at what the plug-in says, in windows or on a console.
+// Who looks at what the plug-in says and sends, in windows or on a console.
 #pragma once
 
+#include <chrono>
+#include <cstddef>
 #include <functional>
 #include <string>
 
@@ -12,5 +14,14 @@ struct TémoinsFenêtres {
   std::function<void(const std::string& Titre, const std::string& Message)> Boîte;    ///< shown now
   std::function<void(const std::string& Titre, const std::string& Message)> Retirée;  ///< went unread
 };
+
+/// How far a long sending is.
+struct Avancement {
+  std::size_t Restants;        ///< bytes that haven't left the machine
+  std::size_t Total;           ///< of this text
+  std::chrono::seconds Durée;  ///< that they still take at the line's speed
+};
+/// False: the operator wants it stopped.
+using TémoinEnvoi = std::function<bool(const Avancement&)>;
 
 }  // namespace Ombrey

@@ -41,7 +41,8 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
                                          std::span<const DessinContrôle> Dessin)
     : Gestes_(Gestes),
       Fenêtre_(Contexte, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
-                             Qt::WindowCloseButtonHint) {
+                             Qt::WindowCloseButtonHint),
+      Progression_(std::make_shared<ProgressionQt>(&*Fenêtre_)) {
   const int Résolution = Fenêtre_->logicalDpiX();
   Fenêtre_->setWindowTitle(Texte(Titre));
   Fenêtre_->setFixedSize(EnPixels(Intérieur, Résolution).size());
@@ -78,6 +79,7 @@ QWidget* VueChargntDonnéesQt::Créer(const DessinContrôle& Dessin) {
     Bouton = new QCheckBox(Texte(Dessin.Texte), Parent);
     Bouton->setChecked(true);
     Cases_[Dessin.Nom] = Bouton;
+    OrdreCases_.push_back(Dessin.Nom);
   } else {
     auto* const Poussoir = new BoutonQt(Texte(Dessin.Texte), Parent);
     Poussoir->setAutoDefault(true);
@@ -104,6 +106,7 @@ void VueChargntDonnéesQt::MontrerModale() {
 
 void VueChargntDonnéesQt::FixerTitre(const std::string& Titre) {
   Titre_ = Texte(Titre);
+  if (!EnCours_.empty()) Progression_->Dire(NomDe(EnCours_), Titre_);
   const bool AttendLaPompe = !TitrePosé_;
   TitrePosé_ = false;
   if (Fenêtre_->isEnabled() || !DepuisTitre_.isValid() ||
@@ -128,6 +131,10 @@ void VueChargntDonnéesQt::Repeindre() {
 void VueChargntDonnéesQt::Activer(bool Active) {
   if (Fenêtre_->isEnabled()) Foyer_ = Fenêtre_->focusWidget();  // a window that is disabled drops it
   Fenêtre_->setEnabled(Active);
+  QStringList ÀEnvoyer;
+  for (const std::string& Nom : OrdreCases_)
+    if (!Active && EstCochée(Nom)) ÀEnvoyer << NomDe(Nom);
+  Progression_->Commencer(ÀEnvoyer);
   if (Active && Consigne_ != nullptr) Consigne_->setText(TexteConsigne_);
   if (Active && Foyer_ != nullptr) Foyer_->setFocus();
 }
@@ -138,6 +145,9 @@ bool VueChargntDonnéesQt::EstCochée(const std::string& Case) const { return La
 void VueChargntDonnéesQt::Cocher(const std::string& Case, bool Cochée) {
   QAbstractButton& LaSienne = LaCase(Case);
   LaSienne.setChecked(Cochée);
+  if (!Cochée && Case == EnCours_)
+    Progression_->Dire(NomDe(Case),
+                       QStringLiteral("envoyé à ") + QTime::currentTime().toString(QStringLiteral("HH:mm")));
   if (!Cochée && !Fenêtre_->isEnabled())
     LaSienne.setText(LaSienne.text().section(EnvoyéÀ, 0, 0) + EnvoyéÀ +
                      QTime::currentTime().toString(QStringLiteral("HH:mm")));
@@ -145,7 +155,12 @@ void VueChargntDonnéesQt::Cocher(const std::string& Case, bool Cochée) {
 
 void VueChargntDonnéesQt::MettreEnGras(const std::string& Case, bool EnGras) {
   LaCase(Case).setFont(Gras(LaCase(Case).font(), EnGras));
+  EnCours_ = EnGras ? Case : "";
+  Progression_->Entamer(EnGras ? NomDe(Case) : QString());
 }
+
+/// The data set's name as the box shows it, without the time at which it went.
+QString VueChargntDonnéesQt::NomDe(const std::string& Case) const { return LaCase(Case).text().section(EnvoyéÀ, 0, 0); }
 
 QAbstractButton& VueChargntDonnéesQt::LaCase(const std::string& Nom) const {
   const auto Trouvée = Cases_.find(Nom);

@@ -5,10 +5,13 @@
 #include <QElapsedTimer>
 #include <QLabel>
 #include <map>
+#include <memory>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "contracts/toolkit.h"
+#include "platform/qt/qt_progress.h"
 #include "platform/qt/qt_window.h"
 
 namespace Ombrey {
@@ -29,15 +32,20 @@ class VueChargntDonnéesQt : public IVueChargntDonnées {
   [[nodiscard]] bool EstCochée(const std::string& Case) const override;
   void Cocher(const std::string& Case, bool Cochée) override;
   void MettreEnGras(const std::string& Case, bool Gras) override;
+  [[nodiscard]] std::shared_ptr<ProgressionQt> Progression() const { return Progression_; }
 
  private:
   [[nodiscard]] QWidget* Créer(const DessinContrôle& Dessin);
   void PoserTitre();
+  [[nodiscard]] QString NomDe(const std::string& Case) const;
   [[nodiscard]] QAbstractButton& LaCase(const std::string& Nom) const;
 
   IGestesChargntDonnées& Gestes_;
   TenueFenêtre Fenêtre_;
+  std::shared_ptr<ProgressionQt> Progression_;
+  std::string EnCours_;  ///< name of the box whose data set goes
   std::map<std::string, QAbstractButton*> Cases_;
+  std::vector<std::string> OrdreCases_;
   QLabel* Consigne_ = nullptr;  ///< what the operator has to do first; the progress, once he has
   QString TexteConsigne_;
   QString Titre_;

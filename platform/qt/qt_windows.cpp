@@ -13,6 +13,7 @@
 #include "platform/qt/qt_message_box.h"
 #include "platform/qt/qt_monitoring_view.h"
 #include "platform/qt/qt_printer.h"
+#include "platform/qt/qt_progress.h"
 #include "platform/qt/qt_transfer_view.h"
 
 namespace Ombrey {
@@ -38,16 +39,28 @@ FenêtresQt::FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail)
     : Contexte_{Boucle}, DossierTravail_(std::move(DossierTravail)) {}
 
 RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
-  if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
   if (RépondSeul_) {
+    if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
     if (Contexte_.Témoins.Retirée) Contexte_.Témoins.Retirée(Titre, Texte);
     return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   }
+  // Who stopped the sending has had his say.
+  if (const auto Sienne = Progression_.lock(); Sienne && Sienne->EstArrêtée()) {
+    if (Boutons == BoutonsBoîte::RecommencerAnnuler && Contexte_.SurÉchec)
+      Contexte_.SurÉchec("L'envoi a été arrêté : ce qui reste coché n'est pas au RG80.");
+    return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  }
+  if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
   const bool Sablier = Sablier_;
   FixerSablier(false);
   const RéponseBoîte Réponse = DemanderParBoîte(Contexte_, Texte, Titre, Boutons);
   if (Sablier) FixerSablier(true);
   return Réponse;
+}
+
+bool FenêtresQt::Avancer(const Avancement& Où) {
+  const auto Sienne = Progression_.lock();
+  return !Sienne || Sienne->Avancer(Où);
 }
 
 void FenêtresQt::FixerSablier(bool Sablier) {
@@ -92,7 +105,9 @@ std::unique_ptr<IVueChargntDonnées> FenêtresQt::CréerVueChargntDonnées(IGest
                                                                        const std::string& Titre,
                                                                        const Rectangle& Intérieur,
                                                                        std::span<const DessinContrôle> Dessin) {
-  return std::make_unique<VueChargntDonnéesQt>(Contexte_, Gestes, Titre, Intérieur, Dessin);
+  auto Vue = std::make_unique<VueChargntDonnéesQt>(Contexte_, Gestes, Titre, Intérieur, Dessin);
+  Progression_ = Vue->Progression();
+  return Vue;
 }
 
 }  // namespace Ombrey

@@ -15,6 +15,8 @@
 
 namespace Ombrey {
 
+class ProgressionQt;
+
 /// Made after the QApplication. Outlives the views that it makes.
 class FenêtresQt : public IFenêtres {
  public:
@@ -45,6 +47,8 @@ class FenêtresQt : public IFenêtres {
     Contexte_.Retrait = Retrait;
     Contexte_.Répit = Répit;
   }
+  /// How far the transfer window's sending is; false once the operator has stopped it.
+  [[nodiscard]] bool Avancer(const Avancement& Où);
   void Observer(TémoinsFenêtres Témoins) { Contexte_.Témoins = std::move(Témoins); }
   /// Told of what a gesture raised.
   void SurÉchec(std::function<void(const std::string&)> Dire) { Contexte_.SurÉchec = std::move(Dire); }
@@ -57,6 +61,7 @@ class FenêtresQt : public IFenêtres {
   std::filesystem::path DossierTravail_;
   bool RépondSeul_ = false;
   bool Sablier_ = false;
+  std::weak_ptr<ProgressionQt> Progression_;  ///< of the transfer window that lives
   QIcon Image_;
 };
 

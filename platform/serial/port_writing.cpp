@@ -19,6 +19,8 @@ constexpr std::chrono::nanoseconds AvanceMin = 100ms;
 constexpr int CaractèresAvance = 2;
 /// A far side that has taken nothing for this long takes nothing any more.
 constexpr std::chrono::seconds AttenteProgrès = 5s;
+/// A shorter text is gone before anybody could read how far it is.
+constexpr std::size_t TexteLong = 256;
 
 }  // namespace
 
@@ -28,6 +30,7 @@ struct PortSérie::Envoi {
   std::uint64_t Session;
   Horloge::time_point Progrès;  ///< when the last of what the device took should have left, or one of them did
   std::size_t EnAttente = 0;    ///< in the driver, as seen last
+  std::size_t Total = Reste.size();
 };
 
 bool PortSérie::Ecrire(const Octets& Texte) {
@@ -63,8 +66,19 @@ bool PortSérie::Envoyer(Envoi& Travail) {
       Appareil_->JeterEnvoi();
       return Échouer("Le port " + Nom_ + " n'envoie plus : l'appareil au bout de la ligne ne prend rien.");
     }
+    if (EstArrêté(Travail)) {
+      Appareil_->JeterEnvoi();
+      return Échouer("L'envoi a été arrêté par l'opérateur.");
+    }
     if (!Céder(Travail)) return false;
   }
+}
+
+bool PortSérie::EstArrêté(const Envoi& Travail) const {
+  if (!Contexte_.Envoi || Travail.Total < TexteLong) return false;
+  const std::size_t Restants = Travail.Reste.size() + Travail.EnAttente;
+  const auto Durée = TempsCaractère_ * static_cast<std::int64_t>(Restants);
+  return !Contexte_.Envoi({Restants, Travail.Total, std::chrono::ceil<std::chrono::seconds>(Durée)});
 }
 
 /// Pumps once: while bytes are left for the time of a pause, then no longer than is left of the line's time. False when

@@ -11,6 +11,7 @@
 #include "contracts/port.h"
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/witnesses.h"
 #include "platform/serial/burst.h"
 #include "platform/serial/line_device.h"
 #include "platform/serial/port_settings.h"
@@ -23,6 +24,7 @@ struct ContextePort {
   std::function<std::unique_ptr<ILecteurIni>()> CréerLecteurIni;
   IQuestionnairePort* Questionnaire = nullptr;  ///< none: the settings can't be changed by Configurer
   RacinesSystème Racines{};
+  TémoinEnvoi Envoi{};  ///< asked again and again while a long text leaves; may be none
 };
 
 /// Made by ServeurPortComm. Received characters reach Client within a pump; Lire therefore never has any. Anything can
@@ -69,6 +71,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Envoyer(Envoi& Travail);
   bool Céder(const Envoi& Travail);
   void Remettre(Envoi& Travail);
+  [[nodiscard]] bool EstArrêté(const Envoi& Travail) const;
 
   ContextePort Contexte_;
   std::string Nom_;

@@ -21,7 +21,9 @@ struct Vues : AvecCoopérative {
         "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1),"
         " ('3', 2, 46287 + 845 / 1440.0, '10', '05', '9', NULL, 520, -1),"
         " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1), ('3', 3, 46286, '10', '05', '9', 1, 1, -1);"
-        "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3");
+        "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3;"
+        "INSERT INTO ChargementArchive"
+        " SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0 FROM ChargementArchive");
   }
   /// The rows below the headings.
   static std::string Dire(const Rangées& Tableau) {
@@ -56,7 +58,7 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
     EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2000|5500|\n") << "the quotas are those of all sites";
     EXPECT_EQ(Jour.MasseParHeure[14], Cas.Après14h);
   }
-  EXPECT_EQ(Dire(TableauArchive(Base, {})), "3|3|21/09/2026 00:00|1|1|05|9|10|\n");
+  EXPECT_EQ(Dire(TableauArchive(Base, {})), "5|9|hier|1|1|05|9|10|\n3|3|21/09/2026 00:00|1|1|05|9|10|\n");
 }
 
 TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
