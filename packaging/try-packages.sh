@@ -24,7 +24,7 @@ build_this_release() {
   copy_tree "$work/one"
   build_packages "$work/one"
   copy_tree "$work/another/folder"
-  (umask 027 && TZ=Pacific/Kiritimati LC_ALL=fr_FR.UTF-8 HOME=/nowhere build_packages "$work/another/folder")
+  (umask 027 && TZ=Pacific/Kiritimati LC_ALL=C HOME=/nowhere build_packages "$work/another/folder")
   local deb
   for deb in "$work"/one/*.deb; do
     cmp "$deb" "$work/another/folder/${deb##*/}" || fail "not the same bytes twice: ${deb##*/}"
@@ -89,7 +89,7 @@ files_of_root() {
 
 make_root() {
   say "A clean root"
-  [ -f "$work/../root.tar" ] || mmdebstrap --quiet --variant=minbase "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$work/../root.tar"
+  [ -f "$work/../root.tar" ] || mmdebstrap --quiet --variant=minbase --include=systemd-sysv,dbus,procps "$(. /etc/os-release && echo "$VERSION_CODENAME")" "$work/../root.tar"
   mkdir "$root" && tar x -C "$root" -f "$work/../root.tar"
   mount -t proc proc "$root/proc"
   mount --rbind /dev "$root/dev"
@@ -213,6 +213,33 @@ leave() {
   comm -23 "$work/files.before" "$work/files.after" | grep . && fail "purging took what it hadn't brought" || true
 }
 
+# The packages once more, for a systemd that runs.
+prepare_service() {
+  install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
+  rm -r "$root/var/lib/ombrey"
+  make_site
+  in_root sed -i 's,^Port=.*,Port=/dev/ombrey-chai,' /etc/ombrey/chai.ini
+  rm "$root/usr/sbin/policy-rc.d"
+  cp packaging/try-service.sh "$root/tmp/loads" "$root/debs/"
+}
+
+under_systemd() {
+  say "Under a running systemd"
+  SYSTEMD_NSPAWN_UNIFIED_HIERARCHY=1 timeout 600 systemd-nspawn --quiet -D "$root" --boot --register=no --keep-unit \
+    --console=pipe </dev/null >"$work/systemd.log" 2>&1 &
+  local container=$! manager=
+  for _ in $(seq 300); do
+    manager=$(pgrep -P "$(pgrep -P $container -x systemd-nspawn || echo 1)" -x systemd || true)
+    [ -z "$manager" ] || break
+    sleep 0.2
+  done
+  [ -n "$manager" ] || fail "no systemd can be run here: $(cat "$work/systemd.log")"
+  nsenter -t "$manager" -a env PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 sh -c '
+    systemctl --wait is-system-running >/dev/null || true
+    sh /debs/try-service.sh 8 /debs/ombrey_3*.deb; code=$?; systemctl poweroff; exit $code' || fail "the service isn't sound"
+  wait $container || true
+}
+
 if [ "${1:-}" != --inside ]; then
   [ "$(id -u)" = 0 ] || fail "root has to run this"
   rm -rf --one-file-system "$work"
@@ -222,9 +249,11 @@ if [ "${1:-}" != --inside ]; then
   look_at_packages
   # The mounts go with the name space.
   unshare --mount-proc --pid --fork --kill-child "$0" --inside
+  under_systemd
   say "The packages are sound"
 else
   make_root
   live
   leave
+  prepare_service
 fi

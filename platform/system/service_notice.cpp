@@ -11,6 +11,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "contracts/phrases.h"
 #include "platform/loop/descriptor.h"
 
 namespace Ombrey {
@@ -33,10 +34,17 @@ long long NombreOuZéro(std::string_view Texte) {
 
 struct Niveau {
   std::string_view Début;
+  std::string_view Fin;
   std::string_view Marque;
 };
 
-constexpr Niveau Niveaux[] = {{"erreur ", "<3>"}, {"boîte ", "<4>"}, {"hôte ", "<5>"}, {"", "<6>"}};
+/// A poll that finds nothing is the journal's lowest level: at one every two seconds it would fill the journal by
+/// itself.
+constexpr Niveau Niveaux[] = {{"erreur ", "", "<3>"},
+                              {"boîte ", "", "<4>"},
+                              {"hôte ", "", "<5>"},
+                              {"message [ ] ", Phrase::RienÀRécupérer, "<7>"},
+                              {"", "", "<6>"}};
 
 }  // namespace
 
@@ -83,8 +91,8 @@ bool MèneAuJournal(int Descripteur) {
 }
 
 std::string_view NiveauJournal(std::string_view Ligne) {
-  for (const auto& [Début, Marque] : Niveaux)
-    if (Ligne.starts_with(Début)) return Marque;
+  for (const auto& [Début, Fin, Marque] : Niveaux)
+    if (Ligne.starts_with(Début) && Ligne.ends_with(Fin)) return Marque;
   return "";
 }
 

@@ -84,6 +84,8 @@ TEST(Service, KnowsTheJournalAndTheLevelsOfItsLines) {
   const std::pair<const char*, const char*> Lignes[] = {{"erreur 08:00:00 : x", "<3>"},
                                                         {"boîte «Ombrey» (OK) : x", "<4>"},
                                                         {"hôte : x", "<5>"},
+                                                        {"message [ ] 08:00:00 : Aucune réponse du RG80.", "<6>"},
+                                                        {"message [ ] 08:00:00 : Aucun chargement à récupérer.", "<7>"},
                                                         {"message [x] 08:00:00 : erreur x", "<6>"}};
   for (const auto& [Ligne, Niveau] : Lignes) EXPECT_EQ(NiveauJournal(Ligne), Niveau) << Ligne;
 }
