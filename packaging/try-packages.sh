@@ -227,17 +227,19 @@ under_systemd() {
   say "Under a running systemd"
   SYSTEMD_NSPAWN_UNIFIED_HIERARCHY=1 timeout 600 systemd-nspawn --quiet -D "$root" --boot --register=no --keep-unit \
     --console=pipe </dev/null >"$work/systemd.log" 2>&1 &
-  local container=$! manager=
+  local container=$! manager= code
   for _ in $(seq 300); do
     manager=$(pgrep -P "$(pgrep -P $container -x systemd-nspawn || echo 1)" -x systemd || true)
     [ -z "$manager" ] || break
     sleep 0.2
   done
   [ -n "$manager" ] || fail "no systemd can be run here: $(cat "$work/systemd.log")"
-  nsenter -t "$manager" -a env PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 sh -c '
-    systemctl --wait is-system-running >/dev/null || true
-    sh /debs/try-service.sh 8 /debs/ombrey_3*.deb; code=$?; systemctl poweroff; exit $code' || fail "the service isn't sound"
+  nsenter -t "$manager" -a env PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 timeout 300 sh -c '
+    until systemctl is-active --quiet basic.target 2>/dev/null; do sleep 0.2; done
+    sh /debs/try-service.sh 8 /debs/ombrey_3*.deb' && code=0 || code=$?
+  kill "$container"
   wait $container || true
+  [ $code = 0 ] || fail "the service isn't sound"
 }
 
 if [ "${1:-}" != --inside ]; then
