@@ -35,11 +35,11 @@ constexpr const char* CoopérateurParCode =
 constexpr const char* ExploitationParPaire =
     "SELECT IdMétayage FROM Métayage WHERE CAST(Propriétaire AS INTEGER) = CAST(?1 AS INTEGER)"
     " AND CAST(Récoltant AS INTEGER) = CAST(?2 AS INTEGER) ORDER BY CAST(IdMétayage AS INTEGER) LIMIT 1";
-/// The lowest code that no holding bears, and no load of one that was deleted.
+/// The lowest code that no holding bears, and no load of one that was deleted. Each holding that a load bears or has
+/// borne stands in the table of sums.
 constexpr const char* PremierCodeLibre =
     "SELECT MIN(Code) + 1 FROM (SELECT 0 AS Code UNION SELECT CAST(IdMétayage AS INTEGER) FROM Métayage"
-    " UNION SELECT CAST(Métayage AS INTEGER) FROM Chargement"
-    " UNION SELECT CAST(Métayage AS INTEGER) FROM ChargementArchive) AS Pris WHERE Code >= 0"
+    " UNION SELECT CAST(Métayage AS INTEGER) FROM CumulSaison) AS Pris WHERE Code >= 0"
     " AND NOT EXISTS (SELECT 1 FROM Métayage WHERE CAST(IdMétayage AS INTEGER) = Code + 1)"
     " AND NOT EXISTS (SELECT 1 FROM Chargement WHERE Métayage = CAST(Code + 1 AS TEXT))"
     " AND NOT EXISTS (SELECT 1 FROM ChargementArchive WHERE Métayage = CAST(Code + 1 AS TEXT))";

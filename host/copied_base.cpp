@@ -39,13 +39,16 @@ struct Table {
   }
 };
 
-/// The kind that both engines know best.
-std::string GenreNeutre(const std::string& Type) {
+/// The kind that both engines know best. A server's dates are read as numbers of days, an embedded base keeps what it
+/// was given.
+std::string GenreNeutre(const std::string& Type, bool DUnServeur) {
   const auto Contient = [&](const char* Mot) {
     return std::search(Type.begin(), Type.end(), Mot, Mot + std::char_traits<char>::length(Mot),
                        [](char A, char B) { return std::toupper(static_cast<unsigned char>(A)) == B; }) != Type.end();
   };
-  if (Contient("INT")) return "INTEGER";
+  if (DUnServeur && (Contient("TIMESTAMP") || Type == "date")) return "REAL";
+  if (DUnServeur && (Contient("INTERVAL") || Contient("POINT"))) return "TEXT";
+  if (Contient("INT") || Contient("BOOL")) return "INTEGER";
   if (Contient("REAL") || Contient("DOUB") || Contient("FLOA")) return "REAL";
   if (Contient("NUM") || Contient("DEC")) return "NUMERIC";
   return "TEXT";
@@ -55,7 +58,8 @@ Table PréparerTable(IConnexion& Source, IConnexion& Cible, const std::string& N
   const auto Siennes = Cible.ColonnesDe(Nom);
   for (const auto& Une : Source.ColonnesDe(Nom)) {
     const bool EstLà = std::ranges::any_of(Siennes, [&](const auto& C) { return Cible.EstMêmeNom(C.Nom, Une.Nom); });
-    if (!EstLà) Cible.ExécuterTout("ALTER TABLE " + Nom + " ADD COLUMN [" + Une.Nom + "] " + GenreNeutre(Une.Type));
+    const std::string Genre = GenreNeutre(Une.Type, !Source.SonFichier());
+    if (!EstLà) Cible.ExécuterTout("ALTER TABLE " + Nom + " ADD COLUMN [" + Une.Nom + "] " + Genre);
   }
   Table Sienne{Nom, {}};
   for (const auto& Une : Cible.ColonnesDe(Nom)) {
@@ -63,13 +67,18 @@ Table PréparerTable(IConnexion& Source, IConnexion& Cible, const std::string& N
     if (std::ranges::any_of(Chez, [&](const auto& C) { return Source.EstMêmeNom(C.Nom, Une.Nom); }))
       Sienne.Colonnes.push_back(Une);
   }
+  if (Sienne.Colonnes.size() != Source.ColonnesDe(Nom).size())
+    throw ErreurExécution("Table " + Nom + " : deux colonnes ont le même nom pour la base neuve");
   return Sienne;
 }
 
-/// An embedded base keeps "8,5" in a column of numbers as it was typed; a server keeps numbers there.
+/// An embedded base keeps "8,5" in a column of numbers as it was typed, a server keeps numbers there; each writes a
+/// number in a column of texts in a manner of its own.
 ValeurChamp Convertie(const ValeurChamp& Valeur, const Ombrey::ColonneDeTable& Colonne) {
   const auto* const Texte = std::get_if<std::string>(&Valeur);
-  if (Texte == nullptr || GenreNeutre(Colonne.Type) == "TEXT") return Valeur;
+  const bool EstDeTextes = GenreNeutre(Colonne.Type, false) == "TEXT";
+  if (EstDeTextes && !Texte && !Ombrey::EstNull(Valeur)) return TexteOuVide(Valeur, Ombrey::Régional{'.'});
+  if (!Texte || EstDeTextes) return Valeur;
   std::string Nombre = *Texte;
   std::erase(Nombre, ' ');
   if (Nombre.empty()) return {};
@@ -124,6 +133,7 @@ std::string CopierBase(const std::string& De, const std::string& Vers) {
   if (NuméroSchémaDe(*Source) != NuméroSchéma)
     throw ErreurExécution("La base « " + De +
                           " » est d'une autre version : une station de cette version l'ouvre d'abord");
+  const Ombrey::SansHâte Patiente(*Source);
   std::optional<Ombrey::Transaction> PersonneNEcrit;
   if (!Source->EstEnLectureSeule()) PersonneNEcrit.emplace(*Source);
   std::string Fait = "La base « " + De + " » est copiée dans « " + Vers + " » :";

@@ -45,21 +45,31 @@ double Figures::Masse(const FiltreChargements& Filtre) const {
   const auto SiDonné = [&](const char* Début, const std::string& Valeur, const char* Fin = "") {
     if (!Valeur.empty()) Choix.Et(Début, Valeur, Fin);
   };
+  const auto Sommer = [&](const std::string& Calcul, const char* Table) {
+    const ValeurChamp Somme = Connexion_.Lire(Calcul + Table + " AS C" + Choix.Sql(), Choix.Valeurs());
+    const auto* const Une = std::get_if<double>(&Somme);
+    return Une ? *Une : 0;
+  };
   SiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(", Filtre.Groupe,
           " AS INTEGER))");
   SiDonné("C.Métayage = ", Filtre.Métayage);
   SiDonné("C.Sélection = ", Filtre.Sélection);
+  // The loads of a season are many; their sum stands in the base, as long as nothing else narrows the choice.
+  if (Filtre.Saison && Filtre.Cépage.empty() && Filtre.Qualité.empty() && ACumuls()) {
+    Choix.Et("C.Année = ", std::int64_t{*Filtre.Saison});
+    return Sommer("SELECT CAST(SUM(C.Masse) AS DOUBLE PRECISION) FROM ", TableCumuls);
+  }
   SiDonné("C.Cépage = ", Filtre.Cépage);
   SiDonné("C.Qualité = ", Filtre.Qualité);
   if (Filtre.Du) Choix.Et("C.DateCh >= ", std::floor(*Filtre.Du));
   if (Filtre.Au) Choix.Et("C.DateCh < ", std::floor(*Filtre.Au) + 1);
-  double Total = 0;
-  for (const char* Table : {TableChargements, TableArchive}) {
-    const ValeurChamp Somme =
-        Connexion_.Lire(SommeDesMasses + std::string(Table) + " AS C" + Choix.Sql(), Choix.Valeurs());
-    if (const auto* Une = std::get_if<double>(&Somme)) Total += *Une;
-  }
-  return Total;
+  return Sommer(SommeDesMasses, TableChargements) + Sommer(SommeDesMasses, TableArchive);
+}
+
+/// A former base that may only be read has none.
+bool Figures::ACumuls() const {
+  if (!ACumuls_) ACumuls_ = !Connexion_.ColonnesDe(TableCumuls).empty();
+  return *ACumuls_;
 }
 
 std::optional<double> Figures::Nombre(const char* Colonne, const char* Sql,
@@ -78,6 +88,7 @@ std::optional<double> Figures::Nombre(const char* Colonne, const char* Sql,
 
 void Figures::BornerALaSaison(FiltreChargements& Filtre) const {
   const int Année = Système_.Maintenant().Année;
+  if (!Filtre.Du && !Filtre.Au) Filtre.Saison = Année;
   if (!Filtre.Du) Filtre.Du = NuméroDeJour(DateHeure{Année, 1, 1, 0, 0, 0});
   if (!Filtre.Au) Filtre.Au = NuméroDeJour(DateHeure{Année, 12, 31, 0, 0, 0});
 }

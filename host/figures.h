@@ -29,6 +29,8 @@ struct FiltreChargements {
   std::string Qualité{};
   std::optional<double> Du{};
   std::optional<double> Au{};
+  /// The season when it is all that narrows the period: its year, else none.
+  std::optional<int> Saison{};
 };
 
 /// Figures in kilograms, rounded to whole numbers and kept within 32 bits. All sites count, and loads whose number
@@ -53,11 +55,13 @@ class Figures {
   [[nodiscard]] std::optional<double> Nombre(const char* Colonne, const char* Sql,
                                              const std::vector<Ombrey::ValeurChamp>& Valeurs) const;
   [[nodiscard]] double Masse(const FiltreChargements& Filtre) const;
+  [[nodiscard]] bool ACumuls() const;
   void BornerALaSaison(FiltreChargements& Filtre) const;
 
   Ombrey::IConnexion& Connexion_;
   const Ombrey::ISystème& Système_;
   Avis Avis_;
+  mutable std::optional<bool> ACumuls_;
 };
 
 }  // namespace Tarvel

@@ -50,6 +50,7 @@ std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre,
   for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
     Chargements.push_back(LireLigne(Définition, Ligne, Système_));
 
+  const auto Ensemble = Connexion_.DélaiCommun();
   try {
     return EcrireTout(Définition, Chargements);
   } catch (const Ombrey::ÉchecPassager&) {

@@ -10,6 +10,9 @@ namespace Tarvel {
 inline constexpr const char* TableChargements = "Chargement";
 inline constexpr const char* TableArchive = "ChargementArchive";
 
+/// The weights of both by holding, appellation and year, which the engine itself keeps.
+inline constexpr const char* TableCumuls = "CumulSaison";
+
 /// What stands for a holding that couldn't be had when the load came in.
 inline constexpr const char* ExploitationInconnue = "0";
 

@@ -47,6 +47,14 @@ std::string Arrivée(const ValeurChamp& Date) {
 
 }  // namespace
 
+void CompléterArchive(Ombrey::IConnexion& Connexion) {
+  const std::vector<ColonneDeTable> LesSiennes = Connexion.ColonnesDe(TableArchive);
+  for (const ColonneDeTable& Une : Connexion.ColonnesDe(TableChargements)) {
+    const auto EstElle = [&](const ColonneDeTable& C) { return Connexion.EstMêmeNom(C.Nom, Une.Nom); };
+    if (std::ranges::none_of(LesSiennes, EstElle)) Connexion.AjouterColonne(TableArchive, Une);
+  }
+}
+
 ChargementImporté TableDesChargements::Ecrire(const LigneImport& Ligne) {
   if (const auto Connu = Chercher(TableChargements, Ligne)) {
     CompléterExploitation(*Connu, Ligne);
@@ -80,7 +88,7 @@ void TableDesChargements::CompléterExploitation(std::int64_t Id, const LigneImp
 }
 
 ChargementImporté TableDesChargements::Reprendre(std::int64_t IdArchivé, const LigneImport& Ligne) {
-  CompléterArchive();
+  CompléterArchive(Connexion_);
   // The office may have given it another number since.
   const auto Ancien =
       LireRangée("SELECT CodeSite, NoChargement FROM ChargementArchive WHERE IdChargement = ?1", {IdArchivé});
@@ -122,7 +130,7 @@ std::string TableDesChargements::Archiver(const ValeurChamp& Site, const ValeurC
       " WHERE CodeSite = ?1 AND NoChargement = ?2",
       {Site, Numéro});
   if (Porteur.empty()) return {};
-  CompléterArchive();
+  CompléterArchive(Connexion_);
   const std::string Noms = Colonnes("");
   Connexion_.Exécuter(
       "INSERT INTO ChargementArchive (" + Noms + ") SELECT " + Noms + " FROM Chargement WHERE IdChargement = ?1",
@@ -142,19 +150,6 @@ std::vector<ValeurChamp> TableDesChargements::LireRangée(const char* Sql,
   if (!Requête.Lier(Valeurs).Avancer()) return Rangée;
   for (std::size_t Rang = 0; Rang < Requête.Colonnes().size(); ++Rang) Rangée.push_back(Requête.Valeur(Rang));
   return Rangée;
-}
-
-/// A column that the cooperative has added to its loads goes into the archive with them. Loads that are there already
-/// get the value that those in the table got.
-void TableDesChargements::CompléterArchive() {
-  const std::vector<ColonneDeTable> LesSiennes = Connexion_.ColonnesDe(TableArchive);
-  const auto EstLà = [&](const ColonneDeTable& Une) {
-    return std::ranges::any_of(LesSiennes, [&](const auto& C) { return Connexion_.EstMêmeNom(C.Nom, Une.Nom); });
-  };
-  for (const ColonneDeTable& Une : Connexion_.ColonnesDe(TableChargements)) {
-    if (EstLà(Une)) continue;
-    Connexion_.AjouterColonne(TableArchive, Une);
-  }
 }
 
 /// All columns of the table of loads but one.

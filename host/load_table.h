@@ -18,6 +18,10 @@ struct ChargementImporté {
   std::string Archivé;  ///< what the operator is told about the load that had to give up its number; mostly empty
 };
 
+/// A column that the cooperative has added to its loads goes into the archive with them. Loads that are there already
+/// get the value that those in the table got.
+void CompléterArchive(Ombrey::IConnexion& Connexion);
+
 /// A load is known by what the terminal sent, which stands in the columns "Reçu…" of its row: the same again, at the
 /// same site, is the same load. A date that is none says nothing about it.
 class TableDesChargements {
@@ -37,7 +41,6 @@ class TableDesChargements {
   ChargementImporté Reprendre(std::int64_t IdArchivé, const LigneImport& Ligne);
   std::int64_t Insérer(const LigneImport& Ligne);
   std::string Archiver(const Ombrey::ValeurChamp& Site, const Ombrey::ValeurChamp& Numéro);
-  void CompléterArchive();
   [[nodiscard]] std::string Colonnes(const char* Sauf) const;
   /// The first row; empty when there is none.
   [[nodiscard]] std::vector<Ombrey::ValeurChamp> LireRangée(const char* Sql,

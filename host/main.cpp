@@ -18,6 +18,7 @@
 #include "host/cooperative_database.h"
 #include "host/copied_base.h"
 #include "host/diagnostic.h"
+#include "host/load_table.h"
 #include "host/onlooker.h"
 #include "host/options.h"
 #include "host/saved_base.h"
@@ -64,8 +65,14 @@ std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, 
   auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base, [&Système] { return NuméroDeJour(Système.Maintenant()); });
   Tarvel::MettreAJourSchéma(*Connexion);
   Tarvel::VérifierDroits(*Connexion);
-  if (Connexion->EstEnLectureSeule())
+  if (Connexion->EstEnLectureSeule()) {
     Édition.Dire("La base « " + Choisies.Base + " » est en lecture seule : rien n'y sera enregistré.");
+    return Connexion;
+  }
+  Ombrey::ErreurEnAttente SansDroit;
+  if (!Ignorer(SansDroit, [&] { Tarvel::CompléterArchive(*Connexion); }))
+    Édition.Dire("ChargementArchive n'a pas toutes les colonnes de Chargement ; son propriétaire doit les ajouter. " +
+                 SansDroit.Texte());
   return Connexion;
 }
 

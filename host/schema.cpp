@@ -111,6 +111,7 @@ std::span<const char* const> TablesCoopérative() { return Tables; }
 void CréerBase(const std::string& Base, const std::function<void(IConnexion&)>& Remplir) {
   auto Connexion = CréerMoteur(Base);
   try {
+    const Ombrey::SansHâte Patiente(*Connexion);
     Transaction Tout(*Connexion);
     for (const char* Table : Tables)
       if (!Connexion->ColonnesDe(Table).empty())
@@ -138,8 +139,9 @@ std::shared_ptr<IConnexion> OuvrirCoopérative(const std::string& Base, Ombrey::
 void VérifierDroits(IConnexion& Connexion) {
   if (Connexion.EstEnLectureSeule()) return;
   std::string Manquants;
-  for (const char* Table : Tables) {
-    const std::string Nom = Table;
+  std::vector<std::string> Toutes(Tables.begin(), Tables.end());
+  Toutes.emplace_back(TableCumuls);
+  for (const std::string& Nom : Toutes) {
     std::vector<std::string> Droits = {"SELECT"};
     if (Nom == "Coopérateur" || Nom == "Métayage") Droits.emplace_back("INSERT");
     if (Nom == TableChargements || Nom == TableArchive) Droits = {"SELECT", "INSERT", "UPDATE", "DELETE"};

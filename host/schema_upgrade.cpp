@@ -63,15 +63,28 @@ void De1Vers2(IConnexion& Connexion) {
   Connexion.ExécuterTout(VueLisible(Connexion));
 }
 
-/// The step from each number to the next, from the first on.
-constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2}};
+void De2Vers3(IConnexion& Connexion) {
+  Connexion.TenirSommes({.Table = TableCumuls,
+                         .Sources = {TableChargements, TableArchive},
+                         .Identité = "IdChargement",
+                         .SansDouble = {"CodeSite", "NoChargement"}});
+}
 
-/// Whole and on the disk, beside the base, under a name that nothing bears yet.
+/// The step from each number to the next, from the first on.
+constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2, De2Vers3}};
+
+/// Whole and on the disk, beside the base, under a name that nothing bears yet; another station may take one meanwhile.
 void GarderUneCopie(const std::string& Base, int Numéro) {
   const std::string Début = Base + ".schéma-" + std::to_string(Numéro);
   std::string Copie = Début;
-  for (int Rang = 2; std::filesystem::exists(Copie); ++Rang) Copie = Début + "-" + std::to_string(Rang);
-  CopierFichier(Base, Copie);
+  for (int Rang = 2;; Copie = Début + "-" + std::to_string(Rang++)) {
+    if (std::filesystem::exists(Copie)) continue;
+    try {
+      return CopierFichier(Base, Copie);
+    } catch (const ErreurExécution&) {
+      if (!std::filesystem::exists(Copie)) throw;
+    }
+  }
 }
 
 }  // namespace
@@ -96,6 +109,7 @@ void MettreAJourSchéma(IConnexion& Connexion) {
                           ", et cette version connaît le n° " + std::to_string(NuméroSchéma) +
                           ") : installez-la sur ce poste");
   if (Ancien == NuméroSchéma || Connexion.EstEnLectureSeule()) return;
+  const Ombrey::SansHâte Patiente(Connexion);
   // A server does the whole change or nothing of it; a file may also be copied in its midst.
   if (const auto Fichier = Connexion.SonFichier()) GarderUneCopie(Fichier->string(), Ancien);
   Ombrey::Transaction Tout(Connexion);

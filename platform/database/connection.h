@@ -13,6 +13,7 @@
 
 #include "base/failures.h"
 #include "contracts/database.h"
+#include "platform/database/kept_sums.h"
 
 namespace Ombrey {
 
@@ -115,6 +116,11 @@ class IConnexion {
   /// Patience is called over and over while the engine makes its caller wait; it may paint, and nothing else.
   virtual void FixerPatience(std::function<void()> Patience) = 0;
 
+  /// As long as the result lives, all that is asked of the engine must be over together within its time.
+  [[nodiscard]] virtual std::shared_ptr<void> DélaiCommun() { return nullptr; }
+  /// Whether a question that takes long is ended for it, as it is from the start.
+  virtual void LimiterLeTemps(bool /*EstPressé*/) noexcept {}
+
   /// True when a table can't have both as columns.
   [[nodiscard]] virtual bool EstMêmeNom(const std::string& Un, const std::string& Autre) const { return Un == Autre; }
   /// How a table declares a whole number that the engine gives to each row by itself, and that is the row's key. With
@@ -122,6 +128,8 @@ class IConnexion {
   [[nodiscard]] virtual std::string CléNumérotée(bool JamaisReprise) const = 0;
   /// Rows with keys of their own have come into the table: the engine goes on behind the highest.
   virtual void ReprendreNumérotation(const std::string& /*Table*/, const std::string& /*Colonne*/) {}
+  /// Makes a table of sums, fills it, and has the engine keep it.
+  virtual void TenirSommes(const SommesTenues& Sommes) = 0;
   /// The condition that a text has neither semicolon nor control character.
   [[nodiscard]] virtual std::string SansCoupure(const std::string& Colonne) const = 0;
   /// A date as day, month, year, hour and minute, by what the engine itself can do.
@@ -155,6 +163,18 @@ class Transaction {
  private:
   IConnexion& Connexion_;
   bool Ouverte_ = true;
+};
+
+/// For work that may take its time, since no terminal waits for it.
+class SansHâte {
+ public:
+  explicit SansHâte(IConnexion& Connexion) : Connexion_(Connexion) { Connexion.LimiterLeTemps(false); }
+  ~SansHâte() { Connexion_.LimiterLeTemps(true); }
+  SansHâte(const SansHâte&) = delete;
+  SansHâte& operator=(const SansHâte&) = delete;
+
+ private:
+  IConnexion& Connexion_;
 };
 
 }  // namespace Ombrey

@@ -13,6 +13,7 @@
 #include "base/regional_forms.h"
 #include "platform/database/dialect.h"
 #include "platform/database/postgresql/postgresql_dialect.h"
+#include "platform/database/postgresql/postgresql_sums.h"
 
 namespace Ombrey {
 namespace {
@@ -20,6 +21,7 @@ namespace {
 /// Locks of one database that nobody else has a reason to take: the first number is ours, the second is 0 for writers,
 /// else it stands for a site.
 constexpr const char* Nôtre = "1330463315";
+constexpr auto PatienceDeSite = std::chrono::seconds(2);
 constexpr const char* Canal = "tarvel_chargements";
 
 /// The same for the same code in every release.
@@ -140,6 +142,7 @@ void ConnexionPostgresql::Relier() {
 
 Résultat ConnexionPostgresql::Demander(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
                                        bool EstRépétable) {
+  const LienServeur::Délai Ensemble(Lien_);
   if (!Lien_.EstOuvert()) {
     if (DansTransaction_) throw ErreurExécution("La liaison avec le serveur de la base est perdue");
     Relier();
@@ -204,6 +207,12 @@ void ConnexionPostgresql::ReprendreNumérotation(const std::string& Table, const
                              {Table, Colonne}, false));
 }
 
+void ConnexionPostgresql::TenirSommes(const SommesTenues& Sommes) {
+  const Résultat Lu = Demander("SELECT current_schema()", {}, true);
+  for (const std::string& Étape : SommesPostgresql(Sommes, PQgetvalue(Lu.get(), 0, 0)))
+    static_cast<void>(Demander(Étape, {}, false));
+}
+
 std::string ConnexionPostgresql::SansCoupure(const std::string& Colonne) const {
   return Colonne + " !~ '[;\\x01-\\x1F\\x7F]'";
 }
@@ -222,6 +231,7 @@ std::string ConnexionPostgresql::DroitsManquants(const std::string& Table, const
 }
 
 void ConnexionPostgresql::PrendreSite(const std::string& Code) {
+  const LienServeur::Délai Ensemble(Lien_);
   Site_ = Code;
   if (Lien_.EstOuvert())
     VerrouillerSite();
@@ -230,7 +240,6 @@ void ConnexionPostgresql::PrendreSite(const std::string& Code) {
 }
 
 void ConnexionPostgresql::VerrouillerSite() {
-  const std::string Verrou = std::string(Nôtre) + ", " + std::to_string(NuméroDeSite(*Site_));
   // A link of our own that the server hasn't missed yet would keep us out.
   if (AncienProcessus_ != 0 && AncienProcessus_ != Lien_.Processus())
     static_cast<void>(Lien_.Demander(
@@ -239,14 +248,21 @@ void ConnexionPostgresql::VerrouillerSite() {
         " AND objsubid = 2 AND database = (SELECT oid FROM pg_database WHERE datname = current_database())"
         " AND pid = " +
         std::to_string(AncienProcessus_)));
-  try {
-    static_cast<void>(Lien_.DemanderTout("SET lock_timeout = 2000; SELECT pg_advisory_lock(" + Verrou +
-                                         "); SET lock_timeout = 7000; LISTEN " + Canal));
-  } catch (const LienPerdu&) {
-    throw;
-  } catch (const ErreurExécution& Erreur) {
+  if (!PrendreVerrou())
     throw ErreurExécution("Une autre station travaille sous le code de site « " + *Site_ +
-                          " » sur cette base ; --site en donne un autre. " + Erreur.what());
+                          " » sur cette base ; --site en donne un autre.");
+  static_cast<void>(Lien_.DemanderTout(std::string("LISTEN ") + Canal));
+}
+
+/// A former link's end takes its moment.
+bool ConnexionPostgresql::PrendreVerrou() {
+  const std::string Essai =
+      "SELECT pg_try_advisory_lock(" + std::string(Nôtre) + ", " + std::to_string(NuméroDeSite(*Site_)) + ")";
+  for (const auto Fin = std::chrono::steady_clock::now() + PatienceDeSite;;) {
+    const Résultat Lu = Lien_.Demander(Essai);
+    if (*PQgetvalue(Lu.get(), 0, 0) == 't') return true;
+    if (std::chrono::steady_clock::now() > Fin) return false;
+    static_cast<void>(Lien_.Demander("SELECT pg_sleep(0.1)"));
   }
 }
 
@@ -255,6 +271,7 @@ bool ConnexionPostgresql::ADuNouveau() {
   if (!Lien_.EstOuvert() && std::chrono::steady_clock::now() > ProchainEssai_) {
     ProchainEssai_ = std::chrono::steady_clock::now() + EntreDeuxEssais;
     try {
+      const LienServeur::Délai Ensemble(Lien_);
       Relier();
     } catch (const ErreurExécution&) {
       if (!std::exchange(EstCoupé_, true)) throw;
@@ -263,10 +280,20 @@ bool ConnexionPostgresql::ADuNouveau() {
   return Lien_.EstAverti() || std::exchange(ADesNouvelles_, false);
 }
 
-void ConnexionPostgresql::Commencer() {
-  static_cast<void>(Demander("BEGIN ISOLATION LEVEL READ COMMITTED", {}, true));
-  DansTransaction_ = true;
+void ConnexionPostgresql::LimiterLeTemps(bool EstPressé) noexcept {
   try {
+    Lien_.Limiter(EstPressé);
+  } catch (const std::exception&) {
+    Lien_.Fermer();  // the next one has the right limits from its start
+  }
+}
+
+void ConnexionPostgresql::Commencer() {
+  if (DansTransaction_) throw ErreurExécution("Une autre écriture est en cours dans la base");
+  DélaiDeTransaction_.emplace(Lien_);
+  try {
+    static_cast<void>(Demander("BEGIN ISOLATION LEVEL READ COMMITTED", {}, true));
+    DansTransaction_ = true;
     const Résultat Lus = Lien_.Demander("SELECT current_setting('synchronous_commit'), pg_advisory_xact_lock(" +
                                         std::string(Nôtre) + ", 0)");
     const std::string Mode = PQgetvalue(Lus.get(), 0, 0);
@@ -276,7 +303,8 @@ void ConnexionPostgresql::Commencer() {
           "(synchronous_commit = " +
           Mode + ") : rien n'y est enregistré");
   } catch (const ErreurExécution&) {
-    Annuler();
+    if (DansTransaction_) Annuler();
+    DélaiDeTransaction_.reset();
     throw;
   }
 }
@@ -286,6 +314,10 @@ void ConnexionPostgresql::Valider() {
   DansTransaction_ = false;
   if (!Fin || std::string_view(PQcmdStatus(Fin.get())) != "COMMIT")
     throw ErreurExécution("Le serveur de la base a annulé l'enregistrement");
+  DélaiDeTransaction_.reset();
+  // A standby that should have had it, and hasn't: a failover would lose it.
+  if (!Lien_.Avertissement().empty())
+    throw ErreurExécution("Le serveur de la base n'a pas enregistré avec certitude (" + Lien_.Avertissement() + ")");
 }
 
 void ConnexionPostgresql::Annuler() noexcept {
@@ -295,6 +327,7 @@ void ConnexionPostgresql::Annuler() noexcept {
   } catch (const std::exception&) {
     Lien_.Fermer();  // the server undoes what it hasn't been told to keep
   }
+  DélaiDeTransaction_.reset();
 }
 
 }  // namespace Ombrey

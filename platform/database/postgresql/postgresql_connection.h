@@ -30,12 +30,15 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
   void ReprendreNumérotation(const std::string& Table, const std::string& Colonne) override;
+  void TenirSommes(const SommesTenues& Sommes) override;
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
   [[nodiscard]] std::string DroitsManquants(const std::string& Table, const std::vector<std::string>& Droits) override;
   void PrendreSite(const std::string& Code) override;
   [[nodiscard]] bool ADuNouveau() override;
   void RangerJournal() override {}
+  void LimiterLeTemps(bool EstPressé) noexcept override;
+  [[nodiscard]] std::shared_ptr<void> DélaiCommun() override { return std::make_shared<LienServeur::Délai>(Lien_); }
   void FixerPatience(std::function<void()> Patience) override { Lien_.FixerPatience(std::move(Patience)); }
 
  protected:
@@ -49,11 +52,13 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   [[nodiscard]] Résultat Demander(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs, bool EstRépétable);
   void Relier();
   void VerrouillerSite();
+  [[nodiscard]] bool PrendreVerrou();
 
   LienServeur Lien_;
   Horloge Maintenant_;
   bool EstEnLectureSeule_ = false;
   bool DansTransaction_ = false;
+  std::optional<LienServeur::Délai> DélaiDeTransaction_;
   bool ADesNouvelles_ = false;
   int AncienProcessus_ = 0;
   bool EstCoupé_ = false;  ///< the operator knows

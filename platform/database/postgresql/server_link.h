@@ -5,11 +5,13 @@
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "base/failures.h"
 #include "contracts/database.h"
+#include "platform/database/postgresql/server_search.h"
 
 struct pg_conn;
 struct pg_result;
@@ -32,19 +34,37 @@ struct LibérerRésultat {
 };
 using Résultat = std::unique_ptr<pg_result, LibérerRésultat>;
 
+/// A question of what is called meanwhile (Patience) is refused: one at a time.
 class LienServeur {
  public:
   explicit LienServeur(std::string Adresse) : Adresse_(std::move(Adresse)) {}
 
+  /// All questions within are over together within AttenteServeur, whatever they are.
+  class Délai {
+   public:
+    explicit Délai(LienServeur& Lien);
+    Délai(const Délai&) = delete;
+    Délai& operator=(const Délai&) = delete;
+    ~Délai();
+
+   private:
+    LienServeur& Lien_;
+    bool EstLePremier_;
+  };
+
   [[nodiscard]] const std::string& Adresse() const { return Adresse_; }
   [[nodiscard]] bool EstOuvert() const { return Lien_ != nullptr; }
-  /// Raises ErreurExécution when the server can't be had.
+  /// Raises ErreurExécution when none of the address's servers can be had.
   void Ouvrir();
   void Fermer() { Lien_.reset(); }
+  /// With false, neither side ends a question that takes its time, until the next true.
+  void Limiter(bool EstPressé);
   /// One statement, its values bound. Raises ErreurExécution; the link is closed when the server doesn't answer.
   [[nodiscard]] Résultat Demander(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs = {});
   /// Several statements at once; the last one's result.
   [[nodiscard]] Résultat DemanderTout(const std::string& Sql);
+  /// What the server warned of during the last question; mostly empty.
+  [[nodiscard]] const std::string& Avertissement() const { return Avertissement_; }
   /// True when another connection has notified what this one listens to. False too when the link is broken, which is
   /// closed then.
   [[nodiscard]] bool EstAverti();
@@ -57,14 +77,25 @@ class LienServeur {
   struct Finir {
     void operator()(pg_conn* Lien) const;
   };
+  class Occupation;
+  /// Empty when the server took the link, else why it didn't.
+  [[nodiscard]] std::string Joindre(const ServeurÀEssayer& Lui, std::chrono::steady_clock::time_point Échéance);
+  [[nodiscard]] Résultat EnvoyerTout(const std::string& Sql);
   [[nodiscard]] Résultat Attendre();
-  void AttendreSocket(short Quoi, std::chrono::steady_clock::time_point Échéance);
-  [[noreturn]] void Perdre(const std::string& Raison);
+  /// False when the time is up.
+  [[nodiscard]] bool AttendreSocket(short Quoi, std::chrono::steady_clock::time_point Échéance);
+  [[nodiscard]] std::chrono::steady_clock::time_point Échéance() const;
+  [[noreturn]] void Perdre();
+  [[noreturn]] void Renoncer(const std::string& Raison);
 
   std::string Adresse_;
   std::unique_ptr<pg_conn, Finir> Lien_;
+  bool EstPressé_ = true;
+  bool EstOccupé_ = false;
+  std::optional<std::chrono::steady_clock::time_point> Échéance_;
   std::chrono::steady_clock::time_point PasAvant_{};
   std::string DernièrePerte_;
+  std::string Avertissement_;
   std::function<void()> Patience_;
 };
 

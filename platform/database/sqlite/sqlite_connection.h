@@ -14,6 +14,7 @@
 
 #include "platform/database/connection.h"
 #include "platform/database/sqlite/sqlite_statement.h"
+#include "platform/database/sqlite/sqlite_sums.h"
 #include "platform/system/folder_lock.h"
 
 namespace Ombrey {
@@ -53,6 +54,7 @@ class ConnexionSqlite final : public IConnexion {
   [[nodiscard]] bool ADuNouveau() override;
   [[nodiscard]] bool EstMêmeNom(const std::string& Un, const std::string& Autre) const override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
+  void TenirSommes(const SommesTenues& Sommes) override { ExécuterTout(SommesSqlite(Sommes)); }
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
 

@@ -1,0 +1,97 @@
+// Sums that SQLite keeps by itself.
+#include "platform/database/sqlite/sqlite_sums.h"
+
+#include <utility>
+
+namespace Ombrey {
+namespace {
+
+constexpr const char* Métayage = "coalesce(§.Métayage, '')";
+constexpr const char* Sélection = "coalesce(§.Sélection, '')";
+constexpr const char* Année =
+    "CASE WHEN typeof(§.DateCh) <> 'text' AND §.DateCh >= 1 AND §.DateCh < 2958466"
+    " THEN CAST(strftime('%Y', CAST(§.DateCh AS INTEGER) + 2415018.5) AS INTEGER) ELSE 0 END";
+/// A weight that was typed with a comma or with blanks is a text.
+constexpr const char* Masse =
+    "coalesce((SELECT CASE WHEN M > -1e15 AND M < 1e15 THEN M END FROM (SELECT CASE typeof(§.Masse) WHEN 'text'"
+    " THEN CAST(replace(replace(§.Masse, ' ', ''), ',', '.') AS REAL) ELSE §.Masse END AS M)), 0)";
+
+std::string Termes() { return std::string(Métayage) + " AS M, " + Sélection + " AS S, " + Année + " AS A"; }
+
+/// The script's statements for one source.
+class Déclencheurs {
+ public:
+  Déclencheurs(const SommesTenues& Sommes, std::string Source)
+      : Sommes_(Sommes), Source_(std::move(Source)), Remplacés_(Sommes.Table + "Remplacé") {}
+
+  [[nodiscard]] std::string Script() const {
+    return Un("AvantAjout", "BEFORE INSERT", NoterRemplacés("")) +
+           Un("Ajout", "AFTER INSERT", RetirerRemplacés() + Compter("NEW")) +
+           Un("AvantChange", "BEFORE UPDATE",
+              NoterRemplacés(" AND L." + Sommes_.Identité + " <> OLD." + Sommes_.Identité)) +
+           Un("Change", "AFTER UPDATE", RetirerRemplacés() + Changer("OLD", "-") + Compter("NEW")) +
+           Un("Retrait", "AFTER DELETE",
+              Changer("OLD", "-") + "DELETE FROM " + Remplacés_ + " WHERE Id = OLD." + Sommes_.Identité + ";");
+  }
+
+ private:
+  [[nodiscard]] std::string Un(const char* Nom, const char* Quand, const std::string& Quoi) const {
+    return "CREATE TRIGGER " + Sommes_.Table + Nom + Source_ + " " + Quand + " ON " + Source_ + " BEGIN " + Quoi +
+           " END;";
+  }
+  [[nodiscard]] static std::string ÀSaPlace(const std::string& Rangée) {
+    return PourRangée(Rangée, std::string(" WHERE Métayage = ") + Métayage + " AND Sélection = " + Sélection +
+                                  " AND Année = " + Année);
+  }
+  /// Without a conflict: how those are dealt with, the statement that fires a trigger says for all that it does.
+  [[nodiscard]] std::string Compter(const std::string& Rangée) const {
+    return "INSERT INTO " + Sommes_.Table + " SELECT " + PourRangée(Rangée, Termes()) +
+           ", 0 WHERE NOT EXISTS (SELECT 1 FROM " + Sommes_.Table + ÀSaPlace(Rangée) + ");" + Changer(Rangée, "+");
+  }
+  [[nodiscard]] std::string Changer(const std::string& Rangée, const char* Signe) const {
+    return "UPDATE " + Sommes_.Table + " SET Masse = Masse " + Signe + PourRangée(Rangée, Masse) + ÀSaPlace(Rangée) +
+           ";";
+  }
+  /// A row that gives way to another one (REPLACE) isn't deleted in a trigger's sight.
+  [[nodiscard]] std::string NoterRemplacés(const std::string& Sauf) const {
+    std::string Double;
+    for (const std::string& Colonne : Sommes_.SansDouble)
+      Double += (Double.empty() ? "L." : " AND L.") + Colonne + " = NEW." + Colonne;
+    return "DELETE FROM " + Remplacés_ + "; INSERT INTO " + Remplacés_ + " SELECT L." + Sommes_.Identité + ", " +
+           PourRangée("L", Termes() + ", " + Masse) + " FROM " + Source_ + " AS L WHERE (L." + Sommes_.Identité +
+           " = NEW." + Sommes_.Identité + " OR (" + Double + "))" + Sauf + ";";
+  }
+  [[nodiscard]] std::string RetirerRemplacés() const {
+    const auto Même = [](const std::string& Table) {
+      return PourRangée(Table, "R.Métayage = §.Métayage AND R.Sélection = §.Sélection AND R.Année = §.Année");
+    };
+    return "UPDATE " + Sommes_.Table + " SET Masse = Masse - (SELECT coalesce(sum(R.Masse), 0) FROM " + Remplacés_ +
+           " AS R WHERE " + Même(Sommes_.Table) + " AND (R.Id = NEW." + Sommes_.Identité +
+           " OR NOT EXISTS (SELECT 1 FROM " + Source_ + " AS L WHERE L." + Sommes_.Identité +
+           " = R.Id))) WHERE rowid IN (SELECT T.rowid FROM " + Remplacés_ + " AS R JOIN " + Sommes_.Table +
+           " AS T ON " + Même("T") + "); DELETE FROM " + Remplacés_ + ";";
+  }
+
+  const SommesTenues& Sommes_;
+  std::string Source_;
+  std::string Remplacés_;
+};
+
+}  // namespace
+
+std::string SommesSqlite(const SommesTenues& Sommes) {
+  const std::string Colonnes =
+      "Métayage TEXT NOT NULL, Sélection TEXT NOT NULL, Année INTEGER NOT NULL, Masse REAL NOT NULL";
+  std::string Script = "CREATE TABLE " + Sommes.Table + " (" + Colonnes +
+                       ", PRIMARY KEY (Métayage, Sélection, Année));" + "CREATE TABLE " + Sommes.Table +
+                       "Remplacé (Id INTEGER NOT NULL, " + Colonnes + ");";
+  std::string Toutes;
+  for (const std::string& Source : Sommes.Sources) {
+    Toutes += (Toutes.empty() ? "SELECT " : " UNION ALL SELECT ") + PourRangée("L", Termes()) + ", " +
+              PourRangée("L", Masse) + " AS X FROM " + Source + " AS L";
+    Script += Déclencheurs(Sommes, Source).Script();
+  }
+  return Script + "INSERT INTO " + Sommes.Table + " SELECT M, S, A, sum(X) FROM (" + Toutes + ") GROUP BY M, S, A;";
+}
+
+}  // namespace Ombrey
