@@ -10,6 +10,7 @@
 
 #include "bench/cooperative.h"
 #include "bench/memory_meter.h"
+#include "platform/database/sqlite/sqlite_connection.h"
 #include "platform/database/sqlite/sqlite_dialect.h"
 #include "transfer/data_sets.h"
 
@@ -106,8 +107,9 @@ void Dépouiller(benchmark::State& État, const JeuDeDonnées& Jeu) {
   static_cast<void>(ConstruireFichier(
       Jeu.Fichier, {Base, {}}, [](const std::string&) {}, Lignes));
   for (std::string& Sql : Base.Requêtes) Sql = TraduireEnSqlite(Sql);
+  const auto Nue = ConnexionSqlite::Ouvrir(*Cave.Connexion->SonFichier());
   for ([[maybe_unused]] auto Tour : État) {
-    for (const std::string& Sql : Base.Requêtes) Parcourir(Cave.Connexion->Brute(), Sql);
+    for (const std::string& Sql : Base.Requêtes) Parcourir(Nue->Brute(), Sql);
   }
   Compter(État, Jeu);
 }

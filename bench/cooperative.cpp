@@ -2,12 +2,15 @@
 #include "bench/cooperative.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
-#include <chrono>
+#include <cstdlib>
 #include <fstream>
 #include <iterator>
 
+#include "base/files.h"
 #include "base/regional_forms.h"
+#include "host/engine.h"
 #include "host/schema.h"
 
 namespace Ombrey::Mesures {
@@ -25,22 +28,25 @@ std::string Machine::Lignes() const {
   return {std::istreambuf_iterator<char>(Fichier), {}};
 }
 
-bool EtatChronométré::TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) {
-  const auto Début = std::chrono::steady_clock::now();
-  const bool Résultat = EtatBdDTarvel::TableImporter(Titre, Fichier, Drapeau);
-  Durée_ += std::chrono::steady_clock::now() - Début;
-  return Résultat;
+bool AServeurDesMesures() { return std::getenv("OMBREY_BENCH_SERVER") != nullptr; }
+
+std::string Coopérative::NouvelleBase(bool SurServeur) const {
+  if (!SurServeur) return TexteChemin(Poste.Dossier() / "base.db");
+  static int Rang = 0;
+  const std::string Nom = "mesure" + std::to_string(getpid()) + "_" + std::to_string(++Rang);
+  const auto Adresse = [](const std::string& Sienne) {
+    return "postgresql://tarvel@/" + Sienne + "?host=" + std::getenv("OMBREY_BENCH_SERVER");
+  };
+  Tarvel::OuvrirMoteur(Adresse("postgres"))->ExécuterTout("CREATE DATABASE " + Nom);
+  return Adresse(Nom);
 }
 
-BaseChronométrée::BaseChronométrée(const std::shared_ptr<ConnexionSqlite>& Connexion, ISystème& Système)
-    : BaseDeDTarvel(Connexion, Système), Etat_(std::make_shared<EtatChronométré>(Connexion, Système, KVSynchro())) {}
-
-Coopérative::Coopérative(bool AvecExemple) {
-  const auto Fichier = Poste.Dossier() / "base.db";
-  Tarvel::CréerBase(Fichier, AvecExemple);
-  Connexion =
-      ConnexionSqlite::Ouvrir(Fichier, [this] { return NuméroDeJour(Poste.Plateforme().Système().Maintenant()); });
-  Base = std::make_shared<BaseChronométrée>(Connexion, Poste.Plateforme().Système());
+Coopérative::Coopérative(bool AvecExemple, bool SurServeur) {
+  const std::string Adresse = NouvelleBase(SurServeur);
+  Tarvel::CréerBase(Adresse, AvecExemple);
+  Connexion = std::make_shared<ConnexionChronométrée>(
+      Tarvel::OuvrirMoteur(Adresse, [this] { return NuméroDeJour(Poste.Plateforme().Système().Maintenant()); }));
+  Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Poste.Plateforme().Système());
 }
 
 void Coopérative::Remplir(const char* Sql, std::int64_t Nombre) {

@@ -7,11 +7,11 @@
 #include <string>
 
 #include "bench/temporary_folder.h"
+#include "bench/timed_connection.h"
 #include "host/cooperative_database.h"
 #include "host/machine_platform.h"
 #include "platform/console/output.h"
 #include "platform/console/windows.h"
-#include "platform/database/sqlite/sqlite_connection.h"
 #include "platform/loop/descriptor.h"
 #include "platform/loop/poll_loop.h"
 
@@ -37,33 +37,14 @@ class Machine {
   PlateformeMachine Plateforme_;
 };
 
-/// The host's import engine, with a watch beside it.
-class EtatChronométré final : public Tarvel::EtatBdDTarvel {
- public:
-  using EtatBdDTarvel::EtatBdDTarvel;
-  bool TableImporter(const std::string& Titre, const std::string& Fichier, bool& Drapeau) override;
-  /// Of all imports so far.
-  [[nodiscard]] std::chrono::duration<double> DuréeImports() const { return Durée_; }
-
- private:
-  std::chrono::duration<double> Durée_{};
-};
-
-class BaseChronométrée final : public Tarvel::BaseDeDTarvel {
- public:
-  BaseChronométrée(const std::shared_ptr<ConnexionSqlite>& Connexion, ISystème& Système);
-  [[nodiscard]] std::shared_ptr<IEtatBdD> EtatBdD() override { return Etat_; }
-  [[nodiscard]] std::chrono::duration<double> DuréeImports() const { return Etat_->DuréeImports(); }
-
- private:
-  std::shared_ptr<EtatChronométré> Etat_;
-};
+/// True when bench/server.sh has started one; OMBREY_BENCH_SERVER is the folder of its socket.
+[[nodiscard]] bool AServeurDesMesures();
 
 /// A machine with a cooperative's database.
 class Coopérative {
  public:
-  /// The sample cooperative, or empty tables.
-  explicit Coopérative(bool AvecExemple);
+  /// The sample cooperative, or empty tables; in a file, or in a new database of the server (ServeurDesMesures).
+  explicit Coopérative(bool AvecExemple, bool SurServeur = false);
   /// Runs a statement for the numbers 1 to Nombre, bound as ?1, in one transaction.
   void Remplir(const char* Sql, std::int64_t Nombre);
   /// Members numbered from 1, each with one holding, and one appellation of one variety.
@@ -71,8 +52,11 @@ class Coopérative {
   [[nodiscard]] std::int64_t Compter(const std::string& Table);
 
   Machine Poste;
-  std::shared_ptr<ConnexionSqlite> Connexion;
-  std::shared_ptr<BaseChronométrée> Base;
+  std::shared_ptr<ConnexionChronométrée> Connexion;
+  std::shared_ptr<Tarvel::BaseDeDTarvel> Base;
+
+ private:
+  [[nodiscard]] std::string NouvelleBase(bool SurServeur) const;
 };
 
 }  // namespace Ombrey::Mesures

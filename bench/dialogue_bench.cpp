@@ -6,12 +6,15 @@
 #include <sys/wait.h>
 
 #include <chrono>
+#include <cstdlib>
 #include <fstream>
+#include <iomanip>
 #include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
+#include "base/regional_forms.h"
 #include "bench/cooperative.h"
 #include "core/plugin.h"
 
@@ -62,9 +65,45 @@ void EcrireRéglages(const std::filesystem::path& Fichier, const std::string& Po
                          << "\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=3600000\n";
 }
 
-void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string>& OptionsTerminal) {
-  Coopérative Cave(true);
-  std::vector<std::string> Options = {"--hasard", std::to_string(État.max_iterations + DialoguesDAvance)};
+/// A season of a thousand loads for each site, all of the appellation that is delivered below.
+void RemplirSaison(Coopérative& Cave, std::int64_t Sites) {
+  if (Sites == 0) return;
+  const int Année = Cave.Poste.Plateforme().Système().Maintenant().Année;
+  const std::string Colonnes = "NoChargement, ReçuNoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)";
+  Cave.Remplir(("INSERT INTO Chargement (CodeSite, " + Colonnes + " VALUES ('S1', ?1, ?1, " +
+                TexteNombre(NuméroDeJour(DateHeure{Année, 1, 1, 0, 0, 0}), {'.'}) +
+                " + ?1 * 0.3, 1 + ?1 * 7 % 15, '05', '01', 12.5, 1000 + ?1 % 900)")
+                   .c_str(),
+               1'000);
+  for (std::int64_t Site = 2; Site <= Sites; ++Site)
+    Cave.Connexion->Exécuter(
+        "INSERT INTO Chargement (CodeSite, " + Colonnes + " SELECT 'S" + std::to_string(Site) +
+        "', NoChargement, NoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse FROM Chargement WHERE"
+        " CodeSite = 'S1'");
+  // As a server does by itself within minutes.
+  if (!Cave.Connexion->SonFichier() &&
+      std::system(("psql -q '" + Cave.Connexion->Nom() + "' -c 'VACUUM ANALYZE'").c_str()) != 0)
+    throw std::runtime_error("no VACUUM");
+}
+
+/// Loads of one holding of a group, of the same appellation.
+std::filesystem::path EcrireChargements(Machine& Poste, std::int64_t Nombre) {
+  const auto Fichier = Poste.Dossier() / "chargements.txt";
+  const std::string Jour = TexteFormaté(Poste.Plateforme().Système().Maintenant(), "jjmmaaaa").erase(4, 2);
+  std::ofstream Sortie(Fichier);
+  for (std::int64_t Rang = 1; Rang <= Nombre; ++Rang)
+    Sortie << std::setfill('0') << std::setw(4) << Rang << Jour << "08000830000123000456007100000005011252"
+           << std::setw(4) << 1000 + Rang % 900 << "007\n";
+  return Fichier;
+}
+
+void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string>& OptionsTerminal,
+               bool SurServeur = false, std::int64_t MilliersDeLaSaison = 0) {
+  if (SurServeur && !AServeurDesMesures()) return État.SkipWithError("bench/server.sh measures this");
+  Coopérative Cave(true, SurServeur);
+  RemplirSaison(Cave, MilliersDeLaSaison);
+  std::vector<std::string> Options = {"--chargements",
+                                      EcrireChargements(Cave.Poste, État.max_iterations + DialoguesDAvance).string()};
   Options.insert(Options.end(), OptionsTerminal.begin(), OptionsTerminal.end());
   const TerminalEnfant Rg80(Cave.Poste.Dossier(), Options);
   const auto Ini = Cave.Poste.Dossier() / "tarvel.ini";
@@ -81,7 +120,7 @@ void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string
     Greffon->Retard_FinTempo("");
     std::this_thread::sleep_for(Rang == 0 ? DélaiRéponse + 100ms : 0ms);
   }
-  const auto AvantImports = Cave.Base->DuréeImports();
+  const auto Avant = Cave.Connexion->Passée();
   const auto Début = Horloge::now();
   for ([[maybe_unused]] auto Tour : État) Greffon->Retard_FinTempo("");
   const std::chrono::duration<double> Durée = Horloge::now() - Début;
@@ -91,8 +130,8 @@ void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string
   const double Fil = static_cast<double>(OctetsDuDialogue * BitsParOctet) / Bauds;
   État.counters["wire_ms"] = Fil * 1e3;
   État.counters["of_wire"] = Durée.count() / Nombre / Fil;
-  État.counters["import_ms"] = (Cave.Base->DuréeImports() - AvantImports).count() / Nombre * 1e3;
-  if (Cave.Compter("Chargement") != État.iterations() + DialoguesDAvance)
+  État.counters["base_ms"] = (Cave.Connexion->Passée() - Avant).count() / Nombre * 1e3;
+  if (Cave.Compter("Chargement") != État.iterations() + DialoguesDAvance + 1'000 * MilliersDeLaSaison)
     État.SkipWithError("not every dialogue brought its load in");
   if (Cave.Poste.Lignes().find("boîte «") != std::string::npos) État.SkipWithError("a box came up");
 }
@@ -103,6 +142,16 @@ void WholeDialogueAtLinePace(benchmark::State& État) {
   Dialogues(État, Bauds, {"--cadence", std::to_string(Bauds)});
 }
 
+void DialogueInASeason(benchmark::State& État) {
+  Dialogues(État, 9'600, {"--cadence", "9600"}, État.range(0) != 0, État.range(1));
+}
+
+BENCHMARK(DialogueInASeason)
+    ->Name("dialogue, on a server and with a season of thousands of loads")
+    ->ArgsProduct({{0, 1}, {0, 300}})
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond)
+    ->UseRealTime();
 BENCHMARK(WholeDialogueAtFullSpeed)
     ->Name("whole dialogue, terminal at full speed, port at")
     ->Arg(9600)

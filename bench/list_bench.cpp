@@ -25,7 +25,7 @@ constexpr std::int64_t Chargements = 2'000;
 
 /// A cooperative with a long day behind it.
 struct Journée : Coopérative {
-  Journée() : Coopérative(false) {
+  explicit Journée(bool SurServeur = false) : Coopérative(false, SurServeur) {
     AjouterMembres(Membres);
     Connexion->ExécuterTout(
         "INSERT INTO Qualité VALUES ('01', 'Saine');"
@@ -40,13 +40,19 @@ struct Journée : Coopérative {
 };
 
 void ListRead(benchmark::State& État) {
-  Journée Cave;
+  if (État.range(0) != 0 && !AServeurDesMesures()) return État.SkipWithError("bench/server.sh measures this");
+  Journée Cave(État.range(0) != 0);
   for ([[maybe_unused]] auto Tour : État) {
     const auto Tableau = LireChargementsDuJour(*Cave.Base->BaseDAO(), Régional{});
     if (Tableau.Rangées.size() != Chargements) État.SkipWithError("not every load is in the list");
   }
 }
-BENCHMARK(ListRead)->Name("list of 2,000 loads, read")->Iterations(50)->Unit(benchmark::kMillisecond);
+BENCHMARK(ListRead)
+    ->Name("list of 2,000 loads, read, on a server")
+    ->Arg(0)
+    ->Arg(1)
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond);
 
 #ifdef AVEC_FENETRES
 class CanalMuet final : public ICanalOpérateur {

@@ -62,11 +62,67 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
-  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 3");
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 4");
   EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
             "La base « " + Fichier_.string() +
-                " » est celle d'une version plus récente de tarvel (schéma n° 3, et cette version connaît le n° 2) : "
+                " » est celle d'une version plus récente de tarvel (schéma n° 4, et cette version connaît le n° 3) : "
                 "installez-la sur ce poste");
+}
+
+/// The sums that the engine keeps, and those of the rows.
+TEST_P(SurChaqueMoteur, TheSeasonsSumsFollowTheRowsWhoeverChangesThem) {
+  const bool EstUnFichier = Moteur_ == Ombrey::Essais::Moteur::Sqlite;
+  const auto Vérifier = [&](const std::string& Derrière) {
+    EXPECT_EQ(
+        Lire("SELECT Métayage, Sélection, Année, CAST(Masse AS INTEGER) FROM CumulSaison WHERE Masse <> 0 ORDER BY 1, "
+             "2, 3"),
+        Lire("SELECT Métayage, S, A, CAST(SUM(M) AS INTEGER) FROM (SELECT Métayage, coalesce(Sélection, '') AS S, CASE"
+             " WHEN DateCh < 46023 THEN 2025 ELSE 2026 END AS A, coalesce(Masse, 0) AS M FROM Chargement UNION ALL"
+             " SELECT Métayage, coalesce(Sélection, ''), 2026, coalesce(Masse, 0) FROM ChargementArchive) AS T"
+             " GROUP BY 1, 2, 3 HAVING SUM(M) <> 0 ORDER BY 1, 2, 3"))
+        << Derrière;
+  };
+  // A base of the release before this one.
+  if (EstUnFichier)
+    for (std::string Nom; !(Nom = Lire("SELECT min(name) FROM sqlite_master WHERE type = 'trigger'")).empty();)
+      Connexion_->ExécuterTout("DROP TRIGGER " + Nom);
+  else
+    Ombrey::Essais::ServeurDEssai::Faire(Adresse_, "DROP FUNCTION \\\"TenirCumulSaison\\\" CASCADE");
+  Connexion_->ExécuterTout("DROP TABLE CumulSaison; UPDATE Schéma SET Numéro = 2");
+  if (EstUnFichier) Connexion_->ExécuterTout("DROP TABLE CumulSaisonRemplacé");
+  for (const char* Numéro : {"11", "12", "13", "14"})
+    Connexion_->ExécuterTout(
+        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Masse)"
+        " VALUES ('1', " +
+        std::string(Numéro) + ", 46287.25, '4', '05', 10" + Numéro + ")");
+  MettreAJourSchéma(*Connexion_);
+  Vérifier("the upgrade");
+  EXPECT_EQ(CumulsDuRouge().substr(0, 5), "4050 ");
+
+  const std::string Neuf =
+      "INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Masse) VALUES (1, '1', 12, 46287, '5', "
+      "77)";
+  std::vector<std::string> Changements = {
+      "UPDATE Chargement SET Masse = 1.5 WHERE NoChargement = 11",
+      "UPDATE Chargement SET Masse = NULL WHERE NoChargement = 12",
+      "UPDATE Chargement SET Métayage = '5', Sélection = NULL WHERE NoChargement = 13",
+      "UPDATE Chargement SET DateCh = 46022.99 WHERE NoChargement = 14",
+      "UPDATE Chargement SET Masse = Masse + 1",
+      "INSERT INTO ChargementArchive (CodeSite, NoChargement, DateCh, Métayage, Masse) SELECT CodeSite, NoChargement, "
+      "DateCh,"
+      " Métayage, Masse FROM Chargement WHERE NoChargement = 11",
+      "DELETE FROM Chargement WHERE NoChargement = 11"};
+  if (EstUnFichier)
+    Changements.insert(Changements.end(), {"INSERT OR IGNORE " + Neuf, "INSERT OR REPLACE " + Neuf, "REPLACE " + Neuf,
+                                           "UPDATE OR REPLACE Chargement SET NoChargement = 12 WHERE NoChargement = 13",
+                                           "PRAGMA recursive_triggers = ON", "REPLACE " + Neuf});
+  Changements.emplace_back("DELETE FROM Chargement");
+  for (const std::string& Un : Changements) {
+    Connexion_->ExécuterTout(Un);
+    Vérifier(Un);
+  }
+  if (!EstUnFichier) Ombrey::Essais::ServeurDEssai::Faire(Adresse_, "TRUNCATE \\\"ChargementArchive\\\"");
+  Vérifier("TRUNCATE");
 }
 
 TEST_F(Coopérative, ASavedBaseGoesBackAndTheFormerOneIsKept) {

@@ -1,7 +1,12 @@
 // A base on a server: what the server, the network and the other stations may do to a load.
+#include <netinet/in.h>
+#include <sys/socket.h>
+
 #include <chrono>
+#include <thread>
 
 #include "host/copied_base.h"
+#include "platform/loop/descriptor.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
@@ -60,6 +65,61 @@ TEST_F(Serveur, AServerThatIsFrozenOrGoneHoldsNobodyUpForLong) {
   }
 }
 
+/// The office holds one load and wants the other; the station the other way round. The server gives up the station.
+TEST_F(Serveur, ALoadThatADeadlockThrewOutComesInAtTheSecondTry) {
+  ASSERT_EQ(Importer(Ligne("12") + Ligne("13")), "");
+  std::thread Bureau([&] {
+    ServeurDEssai::Faire(
+        Adresse_,
+        "SET deadlock_timeout = '1min'; UPDATE \\\"Chargement\\\" SET \\\"Cuve\\\" = '9' WHERE"
+        " \\\"NoChargement\\\" = 13; DO 'BEGIN LOOP EXIT WHEN EXISTS (SELECT FROM pg_locks WHERE NOT"
+        " granted); PERFORM pg_sleep(0.02); END LOOP; END'; UPDATE \\\"Chargement\\\" SET \\\"Cuve\\\" = '9'"
+        " WHERE \\\"NoChargement\\\" = 12");
+  });
+  while (Autre_->Lire("SELECT count(*) FROM pg_locks WHERE locktype = 'transactionid'") ==
+         Ombrey::ValeurChamp{std::int64_t{0}})
+    std::this_thread::sleep_for(10ms);
+  EXPECT_EQ(Importer(Ligne("12", "23/09/26 08:30") + Ligne("13", "23/09/26 08:30")), "");
+  Bureau.join();
+  EXPECT_EQ(Lire("SELECT NoChargement, Cuve FROM Chargement ORDER BY 1") + " " +
+                Lire("SELECT NoChargement, Cuve FROM ChargementArchive ORDER BY 1"),
+            "12 7,13 7 12 9,13 9");
+  for (const auto Limite = Temps::now() + 30s; Temps::now() < Limite;)
+    if (Autre_->Lire("SELECT deadlocks FROM pg_stat_database WHERE datname = current_database()") ==
+        Ombrey::ValeurChamp{std::int64_t{1}})
+      return;
+  ADD_FAILURE() << "there was no deadlock";
+}
+
+/// A server that takes the link and says nothing, ahead of the one that works.
+TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePainted) {
+  const Ombrey::Descripteur Muet(socket(AF_INET, SOCK_STREAM, 0));
+  sockaddr_in Place{.sin_family = AF_INET, .sin_port = 0, .sin_addr = {htonl(INADDR_LOOPBACK)}, .sin_zero = {}};
+  socklen_t Taille = sizeof Place;
+  auto* const Sienne = reinterpret_cast<sockaddr*>(&Place);
+  ASSERT_EQ(
+      bind(Muet.Numéro(), Sienne, Taille) + listen(Muet.Numéro(), 9) + getsockname(Muet.Numéro(), Sienne, &Taille), 0);
+  const std::string Port = std::to_string(ntohs(Place.sin_port));
+  std::string Deux = Adresse_ + "&target_session_attrs=read-write&port=" + Port + ",5432";
+  Deux.insert(Deux.find("host=") + 5, "localhost,");
+  const auto Début = Temps::now();
+  const auto Connexion = OuvrirMoteur(Deux);
+  EXPECT_LT(Temps::now() - Début, 15s);
+  int Peints = 0;
+  std::string Dit;
+  Connexion->FixerPatience([&] {
+    ++Peints;
+    Dit = Refus([&] { Connexion->Exécuter("DELETE FROM Métayage"); });
+  });
+  Connexion->Exécuter("SELECT pg_sleep(0.3)");
+  EXPECT_TRUE(Dit.find("une autre question") != Dit.npos && Peints > 2) << Dit;
+  EXPECT_EQ(Connexion->Lire("SELECT count(*) FROM Métayage"), Ombrey::ValeurChamp{std::int64_t{15}});
+  Autre_->Exécuter("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE pid <> pg_backend_pid()");
+  Peints = 0;
+  EXPECT_EQ(Connexion->Lire("SELECT 1"), Ombrey::ValeurChamp{std::int64_t{1}});
+  EXPECT_GT(Peints, 20) << "the silent server was waited for with the windows alive";
+}
+
 TEST_F(Serveur, ARoleIsToldWhichRightsItLacks) {
   ServeurDEssai::Faire(Adresse_,
                        "CREATE ROLE poste2 LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO poste2;"
@@ -83,6 +143,8 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
       "INSERT INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Degré, [N° de ticket])"
       " VALUES (7, '1', 12, 46287.5, '4', 12.5, 'l''été')");
   EXPECT_NE(CopierBase(Fichier, Autre).find("\n  Métayage : 15"), std::string::npos);
+  OuvrirMoteur(Autre)->ExécuterTout(
+      "ALTER TABLE Chargement ADD COLUMN [Vu le] TIMESTAMP; UPDATE Chargement SET [Vu le] = '2026-09-22 12:00:00'");
   EXPECT_NE(CopierBase(Autre, Retour).find("\n  Chargement : 1"), std::string::npos);
   for (const std::string& Base : {Autre, Retour}) {
     const auto Copie = OuvrirCoopérative(Base);
@@ -93,6 +155,8 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
         " RETURNING IdChargement");
     EXPECT_EQ(Suivant, Ombrey::ValeurChamp{std::int64_t{8}});
   }
+  EXPECT_EQ(OuvrirMoteur(Retour)->Lire("SELECT [Vu le] FROM Chargement WHERE NoChargement = 12"),
+            Ombrey::ValeurChamp{46287.5});
   Départ->Exécuter("UPDATE Métayage SET Surface = '8 ha'");
   const std::string Neuve = NouvelleBase(Moteur_, Gardé_);
   for (const auto& [Vers, Raison] : {std::pair(Autre, "a déjà une table"), {Neuve, "« 8 ha »"}})

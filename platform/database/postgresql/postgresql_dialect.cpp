@@ -45,19 +45,26 @@ std::string EnNombre(const std::string& Valeur) {
          ", 1)) AS bigint)";
 }
 
-/// The pattern of a date as the server writes them; letters that mean nothing stand in quotes.
+/// The pattern of a date as the server writes them; all that means nothing stands in quotes.
 std::string Modèle(std::string_view Dialecte) {
   std::string Texte;
+  bool EstCité = false;
+  const auto Citer = [&](bool Voulu) {
+    if (std::exchange(EstCité, Voulu) != Voulu) Texte += '"';
+  };
   while (!Dialecte.empty()) {
     const auto* const Lettre =
         std::ranges::find_if(Lettres, [&](const auto& L) { return Dialecte.starts_with(L.first); });
     const bool EstConnue = Lettre != Lettres.end();
-    const auto Octet = static_cast<unsigned char>(Dialecte.front());
-    const bool EstLettre = Octet >= 'A';
-    Texte += EstConnue ? std::string(Lettre->second) : (EstLettre ? "\"" : "") + std::string(1, Dialecte.front());
-    if (!EstConnue && EstLettre) Texte += '"';
+    const char Octet = Dialecte.front();
+    Citer(!EstConnue);
+    if (EstConnue)
+      Texte += Lettre->second;
+    else
+      Texte.append(Octet == '"' || Octet == '\\' ? "\\" : "").push_back(Octet);
     Dialecte.remove_prefix(EstConnue ? Lettre->first.size() : 1);
   }
+  Citer(false);
   return Texte;
 }
 

@@ -59,7 +59,8 @@ std::string NomCité(std::string_view Mots) {
 
 std::string SurUneLigne(std::string_view Mots) {
   std::string Texte(Mots.substr(0, Mots.find_last_not_of(" \n") + 1));
-  std::ranges::replace(Texte, '\n', ' ');
+  std::ranges::replace_if(
+      Texte, [](char C) { return C == '\n' || C == '\t'; }, ' ');
   return Texte;
 }
 
