@@ -24,7 +24,7 @@ std::uint32_t Atome(xcb_connection_t* Lien, std::string_view Nom) {
 VeilleFermeture::VeilleFermeture(QWidget& Fenêtre, std::function<void()> Dire)
     : Fenêtre_(Fenêtre), Dire_(std::move(Dire)) {
   const auto* const X11 = qApp->nativeInterface<QNativeInterface::QX11Application>();
-  if (X11 == nullptr) return;
+  if (X11 == nullptr || X11->connection() == nullptr) return;  // another window system, or none at all
   Protocoles_ = Atome(X11->connection(), "WM_PROTOCOLS");
   Fermer_ = Atome(X11->connection(), "WM_DELETE_WINDOW");
   qApp->installNativeEventFilter(this);
