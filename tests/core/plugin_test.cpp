@@ -70,49 +70,20 @@ TEST_F(Vie, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
   }
 }
 
-struct Début {
-  const char* Nom;
-  void (*Préparer)(Vie&);
-  std::string Résultat;  ///< "!" ahead of a raised failure
-  std::ptrdiff_t Ouvertures;
-  const char* Période;
-};
-// clang-format off
-const Début Débuts[] = {
-    {"busy port", [](Vie& H) { H.Port->Ouvrable = false; }, "", 1, "2000"},
-    {"no setting", [](Vie& H) { H.Ini.erase("Port"); }, "Erreur de configuration du port de communication", 0, "2000"},
-    {"operator fills in the settings", [](Vie& H) {
-       H.Ini.erase("Port");
-       H.Port->SurConfigurer = [&H] { return !(H.Ini["Port"] = "COM3:").empty(); };
-     }, "", 1, "2000"},
-    {"unknown port", [](Vie& H) { H.Plateforme.PortDisponible = false; },
-     "Impossible d'initialiser le port de communication.\rport inconnu", 0, "2000"},
-    {"speed is no number", [](Vie& H) { H.Ini["Bauds"] = "vite"; },
-     "!Incompatibilité de type : réglage Bauds = « vite »", 0, ""},
-    {"period kept", [](Vie& H) { H.Ini["Période interrogation"] = "10000"; }, "", 1, "10000"},
-    {"period no number", [](Vie& H) { H.Ini["Période interrogation"] = "abc"; }, "", 1, "2000"}};
-// clang-format on
-struct Démarrage : Vie, testing::WithParamInterface<Début> {};
-INSTANTIATE_TEST_SUITE_P(Table, Démarrage, testing::ValuesIn(Débuts));
-
-TEST_P(Démarrage, EndsAsTold) {
-  const Début& Cas = GetParam();
-  Cas.Préparer(*this);
-  std::string Résultat;
-  ErreurEnAttente Levée;
-  if (!Ignorer(Levée, [&] { Résultat = Initialiser(); })) Résultat = "!" + Levée.Texte();
-  EXPECT_EQ(Résultat, Cas.Résultat) << Cas.Nom;
-  if (!Levée.EstPrésente()) {
-    EXPECT_EQ(Message(), Résultat.empty() ? "Module initialisé." : "Echec d'initialisation : " + Résultat);
-  }
-  EXPECT_EQ(std::count(Port->Appels.begin(), Port->Appels.end(), "Ouvrir "), Cas.Ouvertures);
-  EXPECT_EQ(Ini["Période interrogation"], Cas.Période);
-  const bool SansPort = !Résultat.empty() && !Levée.EstPrésente();
-  // Whatever went wrong, polling starts, and each poll says what is missing.
+TEST_F(Vie, StartsWithWhatTheOperatorFillsInThoughThePortIsBusyOrSaysWhatIsMissing) {
+  Ini.erase("Port");
+  Ini["Période interrogation"] = "abc";
+  EXPECT_EQ(Initialiser(), "Erreur de configuration du port de communication");
+  EXPECT_EQ(Message(), "Echec d'initialisation : Erreur de configuration du port de communication");
+  EXPECT_EQ(Ini["Période interrogation"], "2000");
   LePlugIn->IPlugInTarvel_Afficher();
   Laisser(10000);
-  EXPECT_TRUE(Message().starts_with("Vérification de nouveaux chargements sur le RG80. ")) << Message();
-  EXPECT_EQ(Port->Ecrits.empty(), SansPort);
+  EXPECT_EQ(Port->Ecrits.size(), 0U) << "the port that was only asked for its settings is no port";
+  Port->SurConfigurer = [this] { return !(Ini["Port"] = "COM3:").empty(); };
+  Port->Ouvrable = false;
+  EXPECT_EQ(Initialiser(), "");
+  EXPECT_EQ(Message(), "Module initialisé.");
+  EXPECT_EQ(std::count(Port->Appels.begin(), Port->Appels.end(), "Ouvrir "), 1);
 }
 
 TEST_F(Vie, KeepsTheFirstNumbersThatItIsOffered) {
@@ -132,33 +103,8 @@ TEST_F(Vie, KeepsTheFirstNumbersThatItIsOffered) {
   EXPECT_EQ(Fenêtres.PressePapiers[0].Pixels[0], 0U) << "nothing is drawn in its corner";
 }
 
-TEST_F(Vie, MenuDuringAPollWaitsForItsEndAndRunsOnce) {
-  Lancer();
-  Dans(10500, [this] {
-    for (int Fois = 0; Fois < 2; ++Fois) LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
-    TerminalVide();
-  });
-  int Ouvertures = 0;
-  Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
-    ++Ouvertures;
-    // Polling is suspended: a poll asked for while the window is open comes behind its closing.
-    Vue().Gestes.BtnInterroger_Click();
-    LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
-    Dans(60000, [&] {
-      EXPECT_EQ(Port->Ecrits.size(), 2U) << "poll first, then the window's link test";
-      Fenêtre.Gestes.BtnFermer_Click();
-    });
-  };
-  Laisser(80000);
-  EXPECT_EQ(Ouvertures, 1);
-  EXPECT_GT(Port->Ecrits.size(), 3U) << "polling goes on";
-  Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });
-  Bouton();
-  EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
-}
-
-TEST_F(Vie, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
-  for (const char* Période : {"0", "-5", "0,4", "1"}) {
+TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
+  for (const char* Période : {"0", "-5", "0,4", "1", "2000"}) {
     SCOPED_TRACE(Période);
     Ini["Période interrogation"] = Période;
     LePlugIn->IPlugInTarvel_Terminer();
@@ -167,24 +113,29 @@ TEST_F(Vie, WhatWaitsForTheLineRunsAheadOfTheNextPollWhateverThePeriod) {
     Lancer();
     TerminalVide();
     Mots Venus;
-    Port->SurConfigurer = [&] {
+    const auto Tenir = [&](const char* Quoi) {
       Port->Ecrits.clear();
+      Vue().Gestes.BtnInterroger_Click();
       Laisser(5000);
-      EXPECT_TRUE(Port->Ecrits.empty()) << "a poll while the operator is asked";
-      return !Venus.emplace_back("configuration").empty();
+      EXPECT_TRUE(Port->Ecrits.empty()) << "a poll in the midst of the " << Quoi;
+      Venus.emplace_back(Quoi);
     };
+    Port->SurConfigurer = [&] { return Tenir("question"), true; };
     Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
-      Venus.emplace_back("menu");
+      Menu();
+      Tenir("transfer window");
       Fenêtre.Gestes.BtnFermer_Click();
     };
     Dans(10002, [&] {
-      LePlugIn->IPlugInTarvel_Configurer();
-      LePlugIn->IPlugInTarvel_MenuAppelé(3, "");
+      for (int Fois = 0; Fois < 2; ++Fois) LePlugIn->IPlugInTarvel_Configurer(), Menu();
     });
-    Laisser(16000);
-    EXPECT_EQ(Venus, (Mots{"menu", "configuration"}));
-    EXPECT_GT(Port->Ecrits.size(), 20U) << "polling goes on";
+    Laisser(30000);
+    EXPECT_EQ(Venus, (Mots{"transfer window", "question"}));
+    EXPECT_GT(Port->Ecrits.size(), 2U) << "polling goes on";
   }
+  Dans(1000, [this] { Vue().Gestes.BtnMasquer_Click(); });
+  Bouton();
+  EXPECT_EQ(Message(), "Connexion établie avec le RG80.");
 }
 
 TEST_F(Vie, LeavesTheListenerThatHasTakenItsPlace) {

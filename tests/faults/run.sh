@@ -17,7 +17,7 @@ fits=
 [ "${1:-}" = --fits ] && { fits=yes; shift; work=$(mktemp -d); tree=$work/tree; trap 'rm -rf "$work"' EXIT; }
 pattern=${1:-.}
 # Cheap ones first.
-programs="base link import quotas monitor transfer core rooms loop system database host terminal serial console qt road"
+programs="base link import quotas monitor transfer core loop system database host terminal serial console qt road"
 
 die() { echo "$*" >&2; exit 2; }
 # Puts fault number $1 into the tree; the old text must stand in its file exactly once.

@@ -1,5 +1,7 @@
 // The collection dialogue with the poll around it and the frame's processing in it. The input is what the terminal
 // sends, cut by "~" and a letter: what happens on the machine meanwhile, as Jouer and Gestes have it.
+#include <set>
+
 #include "base/text_helpers.h"
 #include "import/frame_processing.h"
 #include "link/polling.h"
@@ -145,12 +147,12 @@ struct Banc : Salles, ITraitementChargement {
     Hôte->Erreur = Import == 'e' ? "Colonne Masse : valeur illisible" : "";
     Système.Mur.Minute = static_cast<int>(Hôte->Importés.size()) / 60 % 60;
     Système.Mur.Seconde = static_cast<int>(Hôte->Importés.size()) % 60;
-    Gardés += Import == 'f' || Import == 'e' ? 1 : 0;
     Accordé = Import == 't' || Import == 'q';
     Exiger(!Répondu && !État.Abandon && CommenceParTrame(Trame()), "what is imported came in a whole frame");
     const std::string Début = "1;" + SupprZéroDébut(std::string(Trame().substr(1, 4))) + ";";
     const std::string& Fichier = Hôte->Importés.back();
     Exiger(Fichier.starts_with(Début) && Fichier.ends_with("\r\n"), "the import file is the frame's");
+    if (Import == 'f' || Import == 'e') Refusés.insert(Fichier);
     if (Import == 'q') Finir();
   }
   std::string TraiterDonnéesReçues(Octets& Tampon, Octets& Réponse, std::string& No) override {
@@ -186,7 +188,7 @@ struct Banc : Salles, ITraitementChargement {
     Système.Laisser(milliseconds(90'000));
     std::error_code Sans;
     const std::filesystem::directory_iterator Conservés(Système.DossierImportsConservés(), Sans);
-    Exiger(std::distance(Conservés, {}) == Gardés, "every refused import is kept for the operator");
+    Exiger(std::distance(Conservés, {}) == std::ssize(Refusés), "every refused import is kept for the operator, once");
     if (!État.Abandon) Guérir();
     Système.Laisser(milliseconds(200));
   }
@@ -209,7 +211,7 @@ struct Banc : Salles, ITraitementChargement {
   char Import = 't';  ///< how the next imports end: true, false, with an error text, raising, the plug-in ending
   bool Répondu = false, Accordé = false, Guéri = false;
   int Acquittés = 0;
-  std::ptrdiff_t Gardés = 0;
+  std::set<std::string> Refusés;
 };
 
 }  // namespace

@@ -12,7 +12,7 @@
 #include "base/regional_forms.h"
 #include "host/schema.h"
 #include "platform/database/sqlite/sqlite_connection.h"
-#include "tests/road/program.h"
+#include "tests/support/program.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {

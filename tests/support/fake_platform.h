@@ -126,7 +126,6 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
   FauxRéglages LesRéglages;
   std::map<std::string, std::string> Ini;  ///< keys of the plug-in's section
   std::shared_ptr<PortScripté> Port = std::make_shared<PortScripté>(LeSystème);
-  bool PortDisponible = true;
   /// Around each event of a timer.
   std::function<void(const std::function<void()>&)> PendantRetard = [](const auto& Faire) { Faire(); };
 
@@ -147,7 +146,7 @@ struct FaussePlateforme : IPlateforme, IServeurPortComm {
 
   std::shared_ptr<IPortComm> ObtenirPort(Mot, std::shared_ptr<IClientPortComm> Client) override {
     Port->Client = std::move(Client);
-    return PortDisponible ? Port : nullptr;
+    return Port;
   }
   std::string ErreurServeur() const override { return "port inconnu"; }
 };

@@ -8,7 +8,7 @@
 #include <sstream>
 #include <utility>
 
-#include "terminal/frame.h"
+#include "tests/terminal/bytes.h"
 
 namespace Rg80 {
 namespace {
@@ -20,16 +20,6 @@ const std::string Load12 = "0012190908083009150001230004560071000000050112521234
 const std::string Load13 = "0013190908083009150001230004560071000000050112521234007";
 const std::string Frame12 = "<STX>" + Load12 + "<ETX><;";
 const std::string ReplyFrame = "<STX>000000000123000456000789<ETX>;2";
-
-std::string Bytes(std::string Text) {
-  for (const NomDeContrôle& Named : NomsDeContrôle) {
-    const std::string Name = "<" + std::string(Named.Nom) + ">";
-    for (auto At = Text.find(Name); At != std::string::npos; At = Text.find(Name)) {
-      Text.replace(At, Name.size(), 1, Named.Code);
-    }
-  }
-  return Text;
-}
 
 struct Bench : ISuite {
   explicit Bench(const std::string& Lines, bool Files = false, const TauxDePannes& Rates = {}, unsigned Seed = 1)

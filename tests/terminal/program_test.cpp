@@ -1,15 +1,11 @@
 // The program itself on a pseudo-terminal: one whole dialogue at line pace, its files, its ways to end.
-#include "tests/road/program.h"
+#include "tests/support/program.h"
 
-#include <fcntl.h>
 #include <gtest/gtest.h>
-#include <poll.h>
 #include <sys/times.h>
 
 #include <fstream>
-#include <optional>
 
-#include "platform/loop/descriptor.h"
 #include "terminal/frame.h"
 #include "tests/support/test_folder.h"
 
@@ -25,20 +21,9 @@ std::clock_t Work() {
 }
 
 struct ProgramTest : testing::Test {
-  void Start(const std::string& Arguments) { Program.emplace("cd " + In("") + "; exec " BIN_DIR "/rg80 " + Arguments); }
-  void Connect() {
-    ASSERT_TRUE(Program->Attendre("ligne : "));
-    Reconnect();
-  }
-  void Reconnect() { Peer = Ombrey::Descripteur(open(In("line").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC)); }
-  // Sends the bytes, gives as many as come back up to Length.
-  [[nodiscard]] std::string Ask(const std::string& Bytes, std::size_t Length) const {
-    EXPECT_EQ(write(Peer.Numéro(), Bytes.data(), Bytes.size()), static_cast<ssize_t>(Bytes.size()));
-    std::string Came;
-    pollfd Readable{Peer.Numéro(), POLLIN, 0};
-    char Next = 0;
-    while (Came.size() < Length && poll(&Readable, 1, 5000) > 0 && read(Readable.fd, &Next, 1) == 1) Came += Next;
-    return Rg80::Lisible(Came);
+  // A command line of the shell, in the folder.
+  [[nodiscard]] Ombrey::Essais::Programme Start(const std::string& Command) const {
+    return Ombrey::Essais::Programme("cd " + In("") + "; " + Command);
   }
   [[nodiscard]] std::string In(const std::string& Name) const { return (Folder.Chemin() / Name).string(); }
   [[nodiscard]] std::string Text(const std::string& Name) const {
@@ -47,8 +32,6 @@ struct ProgramTest : testing::Test {
   }
 
   Ombrey::Essais::DossierEssai Folder;
-  std::optional<Ombrey::Essais::Programme> Program;
-  Ombrey::Descripteur Peer;
 };
 
 TEST_F(ProgramTest, RunsOneDialogueAtLinePaceIdlesWithoutAPeerAndEndsByItself) {
@@ -56,22 +39,25 @@ TEST_F(ProgramTest, RunsOneDialogueAtLinePaceIdlesWithoutAPeerAndEndsByItself) {
   std::ofstream(In("loads")) << Load << '\n';
   std::filesystem::create_symlink("/dev/pts/no-such", In("line"));  // what a killed run leaves
   const std::clock_t Before = Work();
-  Start("--lien line --jusqu-a-vide --cadence 9600 --chargements loads --sortie kept --journal journal");
-  Connect();
-  Peer.Fermer();
-  std::this_thread::sleep_for(1s);  // what it works in that time is measured
-  Reconnect();
+  auto Program =
+      Start("exec " BIN_DIR
+            "/rg80 --lien line --jusqu-a-vide --cadence 9600 --chargements loads --sortie kept --journal journal");
+  ASSERT_TRUE(Program.Attendre("ligne : "));
+  EXPECT_EQ(Start(": <>line; sleep 1").Fin(), 0);  // what the program works in that time is measured
   const auto Begin = std::chrono::steady_clock::now();
-  EXPECT_EQ(Ask("\5A", 61), "<ACK>A<STX>" + Load + "<ETX><;");
+  auto Peer = Start(
+      "exec 3<>line; printf '\\5A' >&3; head -c 61 <&3; printf '\\6\\0058' >&3; head -c 2 <&3;"
+      " printf '\\002000000000123000456000789\\3;2' >&3; head -c 1 <&3; printf '\\4' >&3");
+  EXPECT_TRUE(Peer.Attendre("<;"));
   const auto Taken = std::chrono::steady_clock::now() - Begin;
-  EXPECT_TRUE(Taken >= 63 * 1041us && Taken < 300ms) << "2 bytes there and 61 back, 10 bits each";
-  EXPECT_EQ(Ask("\6\58", 2), "<ACK>8");
-  EXPECT_EQ(Ask("\002000000000123000456000789\3;2", 1), "<ACK>");
-  EXPECT_EQ(Ask("\4", 0), "");
-  EXPECT_EQ(Program->Fin(), 0);
+  EXPECT_GE(Taken, 63 * 1041us) << "2 bytes there and 61 back, 10 bits each";
+  EXPECT_LT(Taken, 500ms);
+  EXPECT_EQ(Peer.Fin(), 0);
+  EXPECT_EQ(Rg80::Lisible(Peer.Dit()), "<ACK>A<STX>" + Load + "<ETX><;<ACK>8<ACK>");
+  EXPECT_EQ(Program.Fin(), 0);
   EXPECT_LT(Work() - Before, sysconf(_SC_CLK_TCK) / 5);
   EXPECT_EQ(Text("kept/reponses.txt"), "000000000123000456000789\n");
-  EXPECT_TRUE(Program->Dit().ends_with(
+  EXPECT_TRUE(Program.Dit().ends_with(
       "bilan : envoyés 1, acquittés 1, refusés 0, sans réponse 0, réponses reçues 1, fichiers reçus 0\n"));
   EXPECT_NE(Text("journal").find("émis <ACK>A<STX>" + Load + "<ETX><;\n"), std::string::npos);
   EXPECT_FALSE(std::filesystem::is_symlink(In("line")));
@@ -84,9 +70,9 @@ TEST_F(ProgramTest, RefusesWhatItCannotServeWithCode2) {
        {"--lien file", "--lien no/such/folder", "--port /dev/null", "--port absent", "--port /dev/null --cadence 9601",
         "--lien line --chargements short", "--lien line --chargements absent", "--lien line --journal no/journal",
         "--lien line --sortie file"}) {
-    Start(Arguments);
-    EXPECT_EQ(Program->Fin(), 2) << Arguments;
-    EXPECT_TRUE(Program->Dit().starts_with("rg80 : ")) << Program->Dit();
+    auto Program = Start("exec " BIN_DIR "/rg80 " + Arguments);
+    EXPECT_EQ(Program.Fin(), 2) << Arguments;
+    EXPECT_TRUE(Program.Dit().starts_with("rg80 : ")) << Program.Dit();
   }
   EXPECT_EQ(Text("file"), "not a link");
 }

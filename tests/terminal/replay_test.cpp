@@ -5,8 +5,8 @@
 
 #include <sstream>
 
-#include "terminal/frame.h"
 #include "terminal/loads.h"
+#include "tests/terminal/bytes.h"
 
 namespace Rg80 {
 namespace {
@@ -49,100 +49,47 @@ struct Heard : ISuite {
 };
 
 TEST(Replay, AnswersAtTheSameDistanceAndTellsWhereTheStationSaysOtherwise) {
-  // One poll in vain, a load with its reply, a file that the operator sends, a last poll.
-  const std::vector<std::string> Recorded = {"00 s\5A",
-                                             "01 r\x15"
-                                             "A",
-                                             "20 s\5A",
-                                             "21 r\6A",
-                                             "23 r\x02"
-                                             "L\3xx",
-                                             "24 s\6",
-                                             "25 s\5"
-                                             "8",
-                                             "26 r\6"
-                                             "8",
-                                             "27 s\x02"
-                                             "F\3yy",
-                                             "28 r\6",
-                                             "29 s\4",
-                                             "30 s\5A",
-                                             "31 r\x15"
-                                             "A",
-                                             "40 s\5"
-                                             "4",
-                                             "45 r\x15"
-                                             "4",
-                                             "60 s\5A"};
-  const std::string Poll = "\5A", Load = "\6",
-                    Reply =
-                        "\5"
-                        "8",
-                    Figures =
-                        "\x02"
-                        "F\3yy";
+  // One poll in vain, a load with its reply, a file that the operator sends, a last poll; with their milliseconds.
+  const std::string Recorded =
+      "00 s<ENQ>A 01 r<NAK>A 20 s<ENQ>A 21 r<ACK>A 23 r<STX>L<ETX>xx 24 s<ACK> 25 s<ENQ>8 26 r<ACK>8 27 s<STX>F<ETX>yy"
+      " 28 r<ACK> 29 s<EOT> 30 s<ENQ>A 31 r<NAK>A 40 s<ENQ>4 45 r<NAK>4 60 s<ENQ>A";
   struct Row {
-    std::vector<std::string> Station;
-    std::string Said, Told;  ///< what the terminal says when, and the announcements' ends
+    std::string Station, Said, Told;  ///< what the terminal says when, and the announcements' ends
   };
+  // clang-format off
   const Row Rows[] = {
-      {{Poll, Poll, Load, Reply, Figures, "\4", Poll,
-        "\5"
-        "4",
-        Poll},
+      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>4 <ENQ>A",
        "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>4@705 ",
        "messages de la station 9, différences 0"},
       // Polls more and fewer, a message in pieces.
-      {{Poll, Poll, Load, "\5", "8", Figures, "\4",
-        "\5"
-        "4",
-        Poll},
+      {"<ENQ>A <ENQ>A <ACK> <ENQ> 8 <STX>F<ETX>yy <EOT> <ENQ>4 <ENQ>A",
        "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@401 <ACK>@501 <NAK>4@705 ",
        "messages de la station 8, différences 0"},
-      {{Poll, Poll, Load, Reply, Figures, "\4", Poll, Poll, Poll,
-        "\5"
-        "4",
-        Poll},
+      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>A <ENQ>A <ENQ>4 <ENQ>A",
        "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>A@700 <NAK>A@800 <NAK>4@905 ",
        "messages de la station 11, différences 0"},
       // Refused then, other figures then, a link test that wasn't.
-      {{Poll, Poll, "\x15", Poll,
-        "\5"
-        "4",
-        Poll},
-       "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <NAK>A@301 <NAK>4@405 ",
+      {"<ENQ>A <ENQ>A <NAK> <ENQ>A <ENQ>4 <ENQ>A", "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <NAK>A@301 <NAK>4@405 ",
        "messages de la station 6, différences 2"},
-      {{Poll, Poll, Load, Reply,
-        "\x02"
-        "G\3zz",
-        "\4",
-        "\5"
-        "1",
-        "\x02"
-        "X\3xx",
-        "\4",
-        "\5"
-        "4",
-        Poll},
+      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>1 <STX>X<ETX>xx <EOT> <ENQ>4 <ENQ>A",
        "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <ACK>1@600 <ACK>@700 <NAK>4@905 ",
        "« <STX>G<ETX>zz » au lieu de « <STX>F<ETX>yy ».|« <ENQ>1 » au lieu de « <ENQ>A ».|station 11, différences 2"},
-      {{Poll}, "<NAK>A@1 ", "(ligne 2 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
+      {"<ENQ>A", "<NAK>A@1 ", "(ligne 2 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
   };
+  // clang-format on
   for (const Row& Row : Rows) {
     std::vector<MessageTracé> Messages;
-    for (const std::string& One : Recorded) {
-      const std::chrono::milliseconds When(std::stoi(One));
-      Messages.push_back({One[3] == 's', One.substr(4), When, "h", Messages.size()});
-    }
+    std::istringstream Lines(Recorded), Turns(Row.Station);
+    for (std::string When, Text; Lines >> When >> Text;)
+      Messages.push_back({Text[0] == 's', Bytes(Text.substr(1)), std::stoi(When) * 1ms, "h", Messages.size()});
     Heard Heard;
     Rejeu Replay(Messages, Heard);
     const Instant Begin{};
     // The station speaks every 100 ms, then no more.
-    for (long Ms = 0; Ms < 200000 && !Replay.MomentDeFin(); ++Ms) {
-      Heard.Now = Ms;
-      const auto Turn = static_cast<std::size_t>(Ms / 100);
-      if (Ms % 100 == 0 && Turn < Row.Station.size()) Replay.Recevoir(Row.Station[Turn], Begin + Ms * 1ms);
-      Replay.Avancer(Begin + Ms * 1ms);
+    for (std::string Turn; Heard.Now < 200000 && !Replay.MomentDeFin(); ++Heard.Now) {
+      const Instant Moment = Begin + Heard.Now * 1ms;
+      if (Heard.Now % 100 == 0 && Turns >> Turn) Replay.Recevoir(Bytes(Turn), Moment);
+      Replay.Avancer(Moment);
     }
     EXPECT_EQ(Replay.Terminer(), Row.Told.ends_with("différences 0"));
     EXPECT_EQ(Heard.Said, Row.Said);
