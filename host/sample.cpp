@@ -33,6 +33,8 @@ void InsérerCoopérateurs(IConnexion& Connexion) {
            {"511", "Pagès", "Hélène"},
            {"624", "Rouquié", "Clément"},
            {"730", "Héritiers de Saint-Cœur", ""}});
+  Insérer(Connexion, "INSERT INTO Paramètre (Nom, Valeur) VALUES (?1, ?2)",
+          {{"Coopérative", "Cave coopérative d'Oriel"}});
   Insérer(Connexion, "INSERT INTO Groupement (IdGrp, Nom) VALUES (?1, ?2)",
           {{"1", "Côteau"}, {"2", "Plaine"}, {"5", "Vallée"}, {"7", "Garrigue"}});
 }

@@ -15,6 +15,8 @@
 
 #include "base/failures.h"
 #include "contracts/phrases.h"
+#include "host/windows/qt_line_page.h"
+#include "host/windows/qt_papers.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 
@@ -119,7 +121,13 @@ void FenêtrePrincipaleQt::CréerJournal() {
   Journal_->setTabChangesFocus(true);
   Journal_->setPlaceholderText(QStringLiteral("Ce que le greffon signale s'inscrit ici."));
   Journal_->setAccessibleName(QStringLiteral("Journal"));
-  Ajouter(Journal_, QStringLiteral("&Ligne"), QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
+  Ajouter(Journal_, QStringLiteral("Jo&urnal"), QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
+}
+
+void FenêtrePrincipaleQt::SuivreLiaison(const JournalLiaison& Journal) {
+  auto* const Page = new PageLigneQt(this, Contexte_, Journal);
+  const int Place = Pages_->insertTab(Pages_->indexOf(Journal_), Page, QStringLiteral("&Ligne"));
+  Pages_->setTabToolTip(Place, QStringLiteral("Ce qui passe sur la ligne, le plus récent en bas."));
 }
 
 void FenêtrePrincipaleQt::Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle) {
@@ -155,6 +163,8 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
   if (Diagnostic_)
     connect(Station->addAction(QStringLiteral("&Diagnostic…")), &QAction::triggered, this,
             Différé([this] { Diagnostiquer(); }));
+  Station->addSeparator();
+  OffrirPapiers(*Station, this, Contexte_, [this] { return Base_ ? Base_->BaseDAO() : nullptr; });
   Station->addSeparator();
   QAction* const Quitter = Station->addAction(QStringLiteral("&Quitter"));
   Quitter->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));

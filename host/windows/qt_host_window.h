@@ -22,6 +22,7 @@
 #include "host/windows/qt_list_pages.h"
 #include "host/windows/qt_status_strip.h"
 #include "platform/qt/qt_window.h"
+#include "platform/serial/line_journal.h"
 
 namespace Ombrey {
 
@@ -50,6 +51,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void Raccorder(Gestes LesGestes);
   /// The database whose loads are shown, from now on.
   void Suivre(std::shared_ptr<IBaseDeD> Base);
+  /// What passes on the line is shown as well; Journal outlives the window.
+  void SuivreLiaison(const JournalLiaison& Journal);
   void OffrirBouton(const QIcon& Icône, const std::string& Infobulle);
   /// "&" stands ahead of the mnemonic letter.
   void OffrirMenu(const std::string& Entrée);

@@ -1,0 +1,154 @@
+// The day on paper.
+#include "host/day_slip.h"
+
+#include <cmath>
+#include <cstdlib>
+#include <map>
+#include <span>
+#include <utility>
+
+#include "base/regional_forms.h"
+#include "base/visible_text.h"
+
+namespace Tarvel {
+namespace {
+
+const Ombrey::Régional FormesFrançaises{};
+
+std::string Protégé(const std::string& Texte) {
+  std::string Sûr;
+  for (const char Un : Ombrey::TexteVisible(Texte)) {
+    if (Un == '&')
+      Sûr += "&amp;";
+    else if (Un == '<')
+      Sûr += "&lt;";
+    else
+      Sûr += Un;
+  }
+  return Sûr;
+}
+
+/// "05 Côteaux rouges"; a code without a name stands alone.
+std::string Dire(const Nommé& Un) { return Un.Code.empty() && Un.Nom.empty() ? "–" : Un.Code + " " + Un.Nom; }
+
+std::string DireExploitation(const ChargementRelaté& Un) {
+  std::string Dite = Un.Exploitation + " " + Un.Propriétaire.Nom;
+  if (Un.Récoltant.Code != Un.Propriétaire.Code) Dite += " / " + Un.Récoltant.Nom;
+  return Dite;
+}
+
+std::string Kg(double Kilos) {
+  std::string Texte = std::to_string(std::llround(Kilos));
+  for (std::size_t Place = Texte.size(); Place > 3 && Texte[Place - 4] != '-';) Texte.insert(Place -= 3, " ");
+  return Texte;
+}
+
+/// A column: its heading, and "right" for figures.
+struct Colonne {
+  const char* Titre;
+  const char* Côté;
+};
+
+std::string Rangée(std::span<const Colonne> Colonnes, const std::vector<std::string>& Textes, const char* Balise) {
+  std::string Html = "<tr>";
+  for (std::size_t Rang = 0; Rang < Colonnes.size(); ++Rang)
+    Html += std::string("<") + Balise + " align=\"" + Colonnes[Rang].Côté + "\">" + Protégé(Textes[Rang]) + "</" +
+            Balise + ">";
+  return Html + "</tr>\n";
+}
+
+/// Its headings stand on each page again.
+std::string Tableau(std::span<const Colonne> Colonnes, const std::vector<std::vector<std::string>>& Rangées) {
+  std::vector<std::string> Titres;
+  for (const Colonne& Une : Colonnes) Titres.emplace_back(Une.Titre);
+  std::string Html = "<table width=\"100%\" cellspacing=\"0\" cellpadding=\"2\" border=\"0\"><thead>" +
+                     Rangée(Colonnes, Titres, "th") + "</thead>\n";
+  for (const auto& Une : Rangées) Html += Rangée(Colonnes, Une, "td");
+  return Html + "</table>\n";
+}
+
+struct Somme {
+  std::size_t Nombre = 0;
+  double Kilos = 0;
+  void Ajouter(const ChargementRelaté& Un) {
+    ++Nombre;
+    Kilos += Un.Kilos();
+  }
+};
+
+/// Codes stand at the head: 2 comes before 10.
+struct ParCode {
+  bool operator()(const std::string& Un, const std::string& Autre) const {
+    return std::pair(std::atol(Un.c_str()), Un) < std::pair(std::atol(Autre.c_str()), Autre);
+  }
+};
+
+template <class Clé>
+std::string Sommes(const std::vector<ChargementRelaté>& Chargements, const char* Titre, Clé DeQui) {
+  std::map<std::string, Somme, ParCode> Toutes;
+  for (const ChargementRelaté& Un : Chargements) Toutes[DeQui(Un)].Ajouter(Un);
+  std::vector<std::vector<std::string>> Rangées;
+  for (const auto& [Nom, Une] : Toutes) Rangées.push_back({Nom, std::to_string(Une.Nombre), Kg(Une.Kilos)});
+  const Colonne Colonnes[] = {{Titre, "left"}, {"Chargements", "right"}, {"kg", "right"}};
+  return "<br>" + Tableau(Colonnes, Rangées);
+}
+
+std::string Tête(const std::string& Coopérative, const std::string& Titre) {
+  const std::string Nom = Coopérative.empty() ? "" : "<p><b>" + Protégé(Coopérative) + "</b></p>";
+  return "<html><body>" + Nom + "<h2>" + Protégé(Titre) + "</h2>\n";
+}
+
+}  // namespace
+
+std::string NomCoopérative(Ombrey::IDatabase& Base) {
+  const auto Nom =
+      Base.OpenRecordset("SELECT Valeur FROM Paramètre WHERE Nom = 'Coopérative'", Ombrey::TypeRecordset::VersLAvant);
+  return Nom->Eof() ? "" : TexteOuVide(Nom->Fields(0), FormesFrançaises);
+}
+
+std::string TexteBordereau(const std::vector<ChargementRelaté>& Chargements, const std::string& Coopérative, int Jour) {
+  constexpr Colonne Colonnes[] = {{"N°", "left"},           {"Site", "left"},   {"Heure", "left"},
+                                  {"Exploitation", "left"}, {"Groupe", "left"}, {"Appellation", "left"},
+                                  {"Classe", "left"},       {"% vol", "right"}, {"kg", "right"}};
+  std::vector<std::vector<std::string>> Rangées;
+  Somme Total;
+  bool Repris = false;
+  for (const ChargementRelaté& Un : Chargements) {
+    Total.Ajouter(Un);
+    Repris = Repris || Un.EstArchivé;
+    Rangées.push_back({Un.Numéro + (Un.EstArchivé ? "*" : ""), Un.Site, TexteMoment(Un.Arrivée).substr(11),
+                       DireExploitation(Un), Dire(Un.Groupe), Dire(Un.Appellation), Dire(Un.Classe), Un.Degré,
+                       Un.Masse});
+  }
+  return Tête(Coopérative, "Bordereau de la journée du " + TexteJour(Jour)) + Tableau(Colonnes, Rangées) + "<p><b>" +
+         std::to_string(Total.Nombre) + " chargements, " + Kg(Total.Kilos) + " kg</b></p>" +
+         (Repris ? "<p>* Un autre chargement a repris ce numéro.</p>" : "") +
+         Sommes(Chargements, "Appellation", [](const ChargementRelaté& Un) { return Dire(Un.Appellation); }) +
+         Sommes(Chargements, "Exploitation", DireExploitation) +
+         Sommes(Chargements, "Groupe", [](const ChargementRelaté& Un) { return Dire(Un.Groupe); }) + "</body></html>";
+}
+
+std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopérative) {
+  const std::pair<const char*, std::string> Lignes[] = {
+      {"Site", Un.Site},
+      {"Arrivée", TexteMoment(Un.Arrivée)},
+      {"Sortie", Un.Sortie ? TexteMoment(*Un.Sortie) : ""},
+      {"Exploitation", Un.Exploitation},
+      {"Propriétaire", Dire(Un.Propriétaire)},
+      {"Récoltant", Dire(Un.Récoltant)},
+      {"Groupe", Dire(Un.Groupe)},
+      {"Appellation", Dire(Un.Appellation)},
+      {"Cépage", Un.Cépage},
+      {"Classe", Dire(Un.Classe)},
+      {"Degré", Un.Degré.empty() ? "" : Un.Degré + " % vol"},
+      {"Quai", Un.Quai},
+      {"Cuve", Un.Cuve},
+  };
+  std::string Html = Tête(Coopérative, "Chargement n° " + Un.Numéro) + "<table cellpadding=\"2\">";
+  for (const auto& [Quoi, Texte] : Lignes)
+    if (!Texte.empty())
+      Html += std::string("<tr><td>") + Quoi + "&nbsp;&nbsp;</td><td><b>" + Protégé(Texte) + "</b></td></tr>\n";
+  return Html + "</table><h2>" + Protégé(Un.Masse) + " kg</h2></body></html>";
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,21 @@
+// The day on paper: the slip of a day's loads with their sums, and the ticket of one load.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "host/load_report.h"
+
+namespace Tarvel {
+
+/// The cooperative's name as the base has it (the parameter « Coopérative »); empty when it has none.
+[[nodiscard]] std::string NomCoopérative(Ombrey::IDatabase& Base);
+
+/// The loads in their order, then sums by appellation, holding and group, as a page of HTML. Jour counts from
+/// 1899-12-30.
+[[nodiscard]] std::string TexteBordereau(const std::vector<ChargementRelaté>& Chargements,
+                                         const std::string& Coopérative, int Jour);
+
+[[nodiscard]] std::string TexteTicket(const ChargementRelaté& Chargement, const std::string& Coopérative);
+
+}  // namespace Tarvel

@@ -1,0 +1,80 @@
+// A text on pages.
+#include "host/windows/qt_paper.h"
+
+#include <QAbstractTextDocumentLayout>
+#include <QPainter>
+#include <QPrinter>
+#include <QPrinterInfo>
+#include <QTextDocument>
+#include <system_error>
+
+#include "base/failures.h"
+#include "base/files.h"
+#include "platform/qt/qt_measures.h"
+
+namespace Ombrey {
+
+namespace {
+constexpr int Points = 9;
+
+/// Lines of text, the last of them for the page's number.
+void Dessiner(QPrinter& Imprimante, const std::string& Html) {
+  QPainter Peintre;
+  if (!Peintre.begin(&Imprimante)) throw ErreurExécution("L'impression n'a pas pu commencer.");
+  QFont Police;
+  Police.setPointSize(Points);
+  const QRectF Page(QPointF(0, 0), Imprimante.pageRect(QPrinter::DevicePixel).size());
+  const double Pied = QFontMetricsF(Police, &Imprimante).height() * 2;
+  const QRectF Corps = Page.adjusted(0, 0, 0, -Pied);
+  QTextDocument Document;
+  Document.documentLayout()->setPaintDevice(&Imprimante);
+  Document.setDefaultFont(Police);
+  Document.setDocumentMargin(0);
+  Document.setDefaultStyleSheet(QStringLiteral("td, th { border-bottom: 1px solid #b0b0b0; }"));
+  Document.setHtml(Texte(Html));
+  Document.setPageSize(Corps.size());
+  QAbstractTextDocumentLayout::PaintContext Encre;
+  Encre.palette.setColor(QPalette::Text, Qt::black);  // whatever the screen's colours are
+  for (int Rang = 0; Rang < Document.pageCount(); ++Rang) {
+    if (Rang > 0 && !Imprimante.newPage()) throw ErreurExécution("L'impression s'est arrêtée : page refusée.");
+    Peintre.save();
+    Peintre.translate(0, -Rang * Corps.height());
+    Encre.clip = Corps.translated(0, Rang * Corps.height());
+    Peintre.setClipRect(Encre.clip);
+    Document.documentLayout()->draw(&Peintre, Encre);
+    Peintre.restore();
+    Peintre.setFont(Police);
+    Peintre.drawText(Page, Qt::AlignRight | Qt::AlignBottom,
+                     QStringLiteral("Page %1 / %2").arg(Rang + 1).arg(Document.pageCount()));
+  }
+  if (!Peintre.end() || Imprimante.printerState() == QPrinter::Error)
+    throw ErreurExécution("L'impression n'a pas abouti.");
+}
+}  // namespace
+
+void ÉcrirePdf(const std::string& Html, QPageSize::PageSizeId Papier, const std::filesystem::path& Fichier) {
+  std::filesystem::path Ébauche = Fichier;
+  Ébauche += ".partiel";
+  QPrinter Imprimante(QPrinter::HighResolution);
+  Imprimante.setOutputFormat(QPrinter::PdfFormat);
+  Imprimante.setOutputFileName(Texte(TexteChemin(Ébauche)));
+  Imprimante.setPageSize(QPageSize(Papier));
+  Imprimante.setCreator(QStringLiteral("Tarvel"));
+  ErreurEnAttente Échec;
+  std::error_code Erreur;
+  if (Ignorer(Échec, [&] { Dessiner(Imprimante, Html); })) std::filesystem::rename(Ébauche, Fichier, Erreur);
+  if (!Échec.EstPrésente() && !Erreur) return;
+  std::filesystem::remove(Ébauche, Erreur);
+  throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
+}
+
+std::string ImprimerSurPapier(const std::string& Html, const std::string& Titre) {
+  const QPrinterInfo Défaut = QPrinterInfo::defaultPrinter();
+  if (Défaut.isNull()) throw ErreurExécution("Aucune imprimante n'est installée : enregistrez le document en PDF.");
+  QPrinter Imprimante(Défaut, QPrinter::HighResolution);
+  Imprimante.setDocName(Texte(Titre));
+  Dessiner(Imprimante, Html);
+  return Défaut.printerName().toStdString();
+}
+
+}  // namespace Ombrey

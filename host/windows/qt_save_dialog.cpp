@@ -1,0 +1,49 @@
+// A file to be written, named by the operator.
+#include "host/windows/qt_save_dialog.h"
+
+#include <QDateTime>
+#include <QFileDialog>
+#include <system_error>
+#include <utility>
+
+#include "base/failures.h"
+#include "base/files.h"
+#include "platform/qt/qt_message_box.h"
+
+namespace Ombrey {
+
+namespace {
+std::string Accomplir(const std::filesystem::path& Fichier,
+                      const std::function<std::string(const std::filesystem::path&)>& Écrire) {
+  std::error_code Erreur;
+  if (std::filesystem::exists(Fichier, Erreur))
+    return "Le fichier " + TexteChemin(Fichier) + " existe déjà : donnez un autre nom.";
+  std::string Dit;
+  ErreurEnAttente Échec;
+  return Ignorer(Échec, [&] { Dit = Écrire(Fichier); }) ? Dit : Échec.Texte();
+}
+}  // namespace
+
+void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierDemandé& Quoi,
+                     std::function<std::string(const std::filesystem::path&)> Écrire) {
+  auto* const Dialogue = new QFileDialog(Parent, Quoi.Titre);
+  Dialogue->setAttribute(Qt::WA_DeleteOnClose);
+  // Qt's own confirmation would wait in a loop of Qt's own, and the line with it.
+  Dialogue->setOptions(QFileDialog::DontConfirmOverwrite | QFileDialog::DontUseNativeDialog);
+  Dialogue->setAcceptMode(QFileDialog::AcceptSave);
+  Dialogue->setFileMode(QFileDialog::AnyFile);
+  Dialogue->setDefaultSuffix(Quoi.Suffixe);
+  Dialogue->setNameFilter(QStringLiteral("*.") + Quoi.Suffixe);
+  Dialogue->selectFile(Quoi.Nom + QDateTime::currentDateTime().toString(QStringLiteral("-yyyy-MM-dd-HHmmss.")) +
+                       Quoi.Suffixe);
+  const std::string Titre = Quoi.Titre.toStdString();
+  QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
+                   [&Contexte, Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
+                     Contexte.Boucle.Poser([&Contexte, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
+                       DemanderParBoîte(Contexte, Accomplir(Fichier, Écrire), Titre, BoutonsBoîte::Ok);
+                     });
+                   });
+  Dialogue->show();
+}
+
+}  // namespace Ombrey

@@ -1,0 +1,100 @@
+// The day as PDF, read back by another program, and the page that shows the line.
+#include <QCheckBox>
+#include <QDir>
+#include <QFileDialog>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QTableView>
+
+#include "host/day_slip.h"
+#include "host/windows/qt_line_page.h"
+#include "host/windows/qt_paper.h"
+#include "tests/qt/qt_fixture.h"
+
+namespace Ombrey::Essais {
+
+static QString PagesDe(const std::filesystem::path& Fichier) {
+  QProcess Lecteur;
+  Lecteur.start("pdftotext", {"-layout", QString::fromStdString(Fichier), "-"});
+  Lecteur.waitForFinished();
+  return QString::fromUtf8(Lecteur.readAllStandardOutput());
+}
+
+TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
+  if (QStandardPaths::findExecutable("pdftotext").isEmpty()) GTEST_SKIP() << "pdftotext isn't installed";
+  std::vector<Tarvel::ChargementRelaté> Tous;
+  for (int Rang = 0; Rang < 120; ++Rang)
+    Tous.push_back({"1",
+                    std::to_string(1000 + Rang),
+                    46287 + Rang / 150.0,
+                    46288,
+                    Rang % 2 ? "4" : "6",
+                    {"123", "Delmas & <Fils>"},
+                    {"456", "Maurin"},
+                    {"7", "Garrigue"},
+                    Rang % 3 ? Tarvel::Nommé{"05", "Côteaux rouges"} : Tarvel::Nommé{"99", ""},
+                    "Syrah",
+                    {"01", "Saine"},
+                    "12,5",
+                    "2",
+                    "1000",
+                    "7",
+                    Rang == 3});
+  ÉcrirePdf(Tarvel::TexteBordereau(Tous, "Cave d'Oriel", 46287), QPageSize::A4, Dossier.Chemin() / "jour.pdf");
+  const QString Texte = PagesDe(Dossier.Chemin() / "jour.pdf").simplified();
+  const QStringList Pages = PagesDe(Dossier.Chemin() / "jour.pdf").split('\f', Qt::SkipEmptyParts);
+  for (int Rang = 0; Rang < 120; ++Rang)
+    EXPECT_EQ(Texte.count(QString::number(1000 + Rang) + (Rang == 3 ? "* 1 " : " 1 ")), 1);
+  for (const char* Attendu : {"Cave d'Oriel Bordereau de la journée du 22/09/2026", "120 chargements, 120 000 kg",
+                              "05 Côteaux rouges 80 80 000", "99 40 40 000", "4 Delmas & <Fils> / Maurin 60 60 000",
+                              "7 Garrigue 120 120 000", "* Un autre chargement"})
+    EXPECT_TRUE(Texte.contains(Attendu)) << Attendu << Texte.toStdString();
+  ASSERT_GT(Pages.size(), 2);
+  for (int Rang = 0; Rang < Pages.size(); ++Rang)
+    EXPECT_TRUE(Pages[Rang].contains(QString("Page %1 / %2").arg(Rang + 1).arg(Pages.size())));
+  EXPECT_TRUE(Pages[1].contains("Exploitation")) << "the headings stand on each page";
+
+  ÉcrirePdf(Tarvel::TexteTicket(Tous[5], ""), QPageSize::A6, Dossier.Chemin() / "ticket.pdf");
+  const QString Ticket = PagesDe(Dossier.Chemin() / "ticket.pdf").simplified();
+  EXPECT_TRUE(Ticket.contains("Chargement n° 1005") && Ticket.contains("1000 kg") && Ticket.contains("Page 1 / 1"));
+  EXPECT_THROW(ÉcrirePdf("x", QPageSize::A4, Dossier.Chemin() / "absent/x.pdf"), ErreurExécution);
+}
+
+TEST_F(Bureau, TheLineIsShownARowAMessageFaultsMarkedAndSavedAsATrace) {
+  JournalLiaison Journal;
+  const auto Dire = [&](const char* Octets_, bool Faute) {
+    Journal.Ajouter(
+        {InstantLiaison::Présent(), MessageLiaison::Source::Terminal, Octets(std::string_view(Octets_)), "dit", Faute});
+  };
+  Dire("\6A", false);
+  PageLigneQt Page(nullptr, LesVraies.Contexte(), Journal);
+  Page.show();
+  auto& Liste = *Page.findChild<QTableView*>();
+  for (int Rang = 0; Rang < 20000; ++Rang)
+    Dire(Rang % 4 ? "\x15"
+                    "A"
+                  : "\6A",
+         Rang % 4 == 0);
+  Laisser(600ms);
+  EXPECT_EQ(Liste.model()->rowCount(), static_cast<int>(Journal.Messages().size()));
+  EXPECT_EQ(Liste.model()->index(1, 3).data().toString(), "<NAK>A");
+  EXPECT_EQ(Liste.model()->index(0, 2).data().toString(), "⚠ dit");
+  Page.findChild<QCheckBox*>()->click();
+  EXPECT_EQ(Liste.model()->rowCount(), static_cast<int>(Journal.Messages().size() / 4));
+  Page.findChild<QPushButton*>()->click();
+  auto* const Choix = Page.findChild<QFileDialog*>();
+  ASSERT_NE(Choix, nullptr);
+  const QString Fichier = QDir(QString::fromStdString(Dossier.Chemin())).filePath("essai.trace");
+  for (int Fois = 0; Fois < 2; ++Fois) {
+    Dès("Enregistrer la trace", [&](QWidget& Boîte) {
+      Trace = Boîte.findChild<QTextEdit*>()->toPlainText().toStdString();
+      Boîte.close();
+    });
+    Q_EMIT Choix->fileSelected(Fichier);
+    Laisser(300ms);
+  }
+  EXPECT_NE(Trace.find("existe déjà"), std::string::npos) << Trace;
+  EXPECT_GT(std::filesystem::file_size(Fichier.toStdString()), 15000U * 20);
+}
+
+}  // namespace Ombrey::Essais
