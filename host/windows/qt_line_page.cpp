@@ -21,7 +21,7 @@ constexpr int Rythme = 500;  ///< ms between two looks
 /// Of a file that was sent, more than the eye can take in.
 constexpr std::size_t OctetsMontrés = 120;
 constexpr std::array<const char*, 4> Entêtes = {"Heure", "Qui", "Ce que ça veut dire", "Octets"};
-constexpr std::array<int, 3> Caractères = {14, 9, 60};  ///< widths of all but the last
+constexpr std::array<int, 3> Caractères = {18, 10, 70};  ///< widths of all but the last
 constexpr const char* CouleurFaute = "#b00020";
 
 QString Case(const MessageLiaison& Un, int Colonne) {

@@ -52,7 +52,7 @@ Lecture Juger(const Octets& Trame, Lecture Dit) {
   const std::string Attendue = Somme(Trame.Bruts().substr(0, Trame.Taille() - 2));
   const std::string_view Reçue = Trame.Bruts().substr(Trame.Taille() - 2);
   if (Reçue == Attendue) return {Dit.Texte + " ; somme juste", Dit.Faute};
-  return {Dit.Texte + " ; somme fausse : « " + TexteBrut(Octets(Reçue)) + " » au lieu de « " + Attendue + " »", true};
+  return {"somme fausse, « " + TexteBrut(Octets(Reçue)) + " » au lieu de « " + Attendue + " » : " + Dit.Texte, true};
 }
 
 /// Several fields in words: the texts between them, and the places.
