@@ -26,13 +26,10 @@ struct Reconnaissance {
 const Reconnaissance Reconnaissances[] = {
     {"noise ahead", "zz^A", Chargement(2), Motif3, "^A", "^A"},
     {"yes before no, whatever their order", "!A^A", Chargement(2), Motif3, "^A", "^A"},
-    {"too short", "^A<0012", Chargement(59), Silence, "-", "^A<0012"},
     {"dropped noise stays dropped", "zz^A<0012", Chargement(7), Motif3, "^A<0012", "^A<0012"},
     {"too short once the noise is gone", "zz^A", Chargement(4), Silence, "-", "^A"},
-    {"other code", "^B", Chargement(2), Silence, "-", "^B"},
     {"not told to look anywhere", "^A", Chargement(2, false), Silence, "-", "^A"},
     {"frame refused, more behind", "!x", Trame(), Motif2, "!x", "x"},
-    {"stray character ahead", "x^", Trame(), Silence, "-", "x^"},
     {"not consumed", "^", Trame(false), Motif1, "^", "^"}};
 // clang-format on
 

@@ -23,7 +23,7 @@ struct Issue {
   std::ptrdiff_t Gardés, Importés;  ///< files kept for the operator, calls of the import engine
 };
 const std::string Titre = "RG80 Ombrey | ", Echec = "Echec de lecture de données du RG80 : ";
-const std::string Bloqué = "Impossible d'écrire le fichier /nonexistent/RG80 import.txt : introuvable - ";
+const std::string Bloqué = "Impossible d'écrire le fichier /proc/absent/RG80 import.txt : introuvable - ";
 const std::string Rien = "Aucun chargement importé";
 const std::string Refus = Titre + "Erreur d'importation des données issues du RG80.";
 const std::string Changée = "La base de données a été changée pendant le dialogue.";
@@ -46,7 +46,7 @@ const Issue Issues[] = {
     {"engine leaves an error text", [](Banc& d) { d.Hôte->Erreur = "Masse : « x »"; }, "?A!", "", {}, 1, 1},
     {"engine raises", [](Banc& d) { d.Hôte->Lève = true; }, "?A", "Erreur la base ne répond pas - ",
      {Titre + "LireDonnéesDeRG80 : " + Echec + "la base ne répond pas - Etape 4 - 12"}, 0, 1},
-    {"import file can't be written", [](Banc& d) { d.Hôte->Dossier = "/nonexistent/"; }, "?A",
+    {"import file can't be written", [](Banc& d) { d.Hôte->Dossier = "/proc/absent/"; }, "?A",
      "Erreur " + Bloqué, {Titre + "LireDonnéesDeRG80 : " + Echec + Bloqué + "Etape 2 - 12"}, 0, 0},
     {"failure left behind by the figures", [](Banc& d) { d.PendantCumuls = d.Panne; }, "?A^",
      "", {"Erreur etape 206 | panne", "Erreur etape 207 | panne"}, 0, 1},
