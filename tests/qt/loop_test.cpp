@@ -13,7 +13,7 @@ __lsan_default_suppressions() {  // NOLINT(bugprone-reserved-identifier): the ch
 /// Without a screen unless the environment names one.
 int main(int Nombre, char** Arguments) {
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
-  setenv("HOME", "/nonexistent", 1);  // no documents folder: what is printed stays in the test's own
+  setenv("HOME", "/proc/absent", 1);  // no folder for documents: what is printed stays in the test's own
   const QApplication Application(Nombre, Arguments);
   testing::InitGoogleTest(&Nombre, Arguments);
   return RUN_ALL_TESTS();
