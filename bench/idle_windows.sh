@@ -7,22 +7,7 @@
 seconds=${2:-60}
 max_permille=10 # of one core
 max_start=1500  # milliseconds
-for tool in Xvfb xdotool; do
-  command -v "$tool" >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
-done
-[ -e "$bin/tarvel-qt.so" ] || { echo "not run: built without windows"; exit 77; }
-
-window() { xdotool search --onlyvisible --name "$1" | grep .; }
-
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
-unset WAYLAND_DISPLAY QT_QPA_PLATFORM
-mkdir -p "$HOME"
-exec 5>"$work/display"
-Xvfb -displayfd 5 -screen 0 1280x960x24 -noreset -nolisten tcp >/dev/null 2>&1 &
-screen=$!
-await test -s "$work/display"
-DISPLAY=:$(cat "$work/display")
-export DISPLAY
+need_screen xdotool
 
 "$bin/tarvel" --creer-base "$work/cave.db" --exemple
 settings 2000

@@ -64,3 +64,21 @@ base.commit()' "$work/cave.db" "$1"
 
 memory() { awk -v name="$1:" '$1 == name {print $2}' "/proc/$station/status"; }         # KiB
 spent() { awk '{sum += $1} END {print sum}' "/proc/$station/task/"*/schedstat; } # nanoseconds on a processor
+
+# A screen of its own, for the station in windows. Exit code 77 for want of that, or of one of these tools.
+need_screen() {
+  for tool in Xvfb "$@"; do
+    command -v "$tool" >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
+  done
+  [ -e "$bin/tarvel-qt.so" ] || { echo "not run: built without windows"; exit 77; }
+  export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
+  unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+  mkdir -p "$HOME"
+  exec 5>"$work/display"
+  Xvfb -displayfd 5 -screen 0 1280x960x24 -noreset -nolisten tcp >/dev/null 2>&1 &
+  screen=$!
+  await test -s "$work/display"
+  DISPLAY=:$(cat "$work/display")
+  export DISPLAY
+}
+window() { xdotool search --onlyvisible --name "$1" | grep .; }
