@@ -5,6 +5,18 @@
 
 namespace Ombrey::Essais {
 
+/// Plays the terminal's side, S standing for each byte of the station's, which go to Reçus; true when all of those
+/// came.
+static bool Jouer(const PseudoTerminal& Ligne, std::string_view Dialogue, std::string& Reçus) {
+  std::size_t Attendus = 0;
+  bool SontVenus = true;
+  for (const char C : Dialogue) {
+    C == 'S' ? void(++Attendus) : Ligne.Envoyer({&C, 1});
+    SontVenus = SontVenus && Bientôt([&] { return (Reçus += Ligne.Recevoir()).size() >= Attendus; }, 10s);
+  }
+  return SontVenus;
+}
+
 /// The dialogue up to so many bytes, then SIGTERM. False: this machine was so busy that the dialogue had ended by
 /// itself.
 static bool FinirAprès(std::size_t Nombre, const std::string& Dialogue) {
@@ -14,12 +26,7 @@ static bool FinirAprès(std::size_t Nombre, const std::string& Dialogue) {
   P.LancerStation("interroger", Nombre % 2 == 0 ? "--sans-operateur" : "");
   EXPECT_TRUE(P.Station->Attendre("commande « menu »", 60s));
   std::string Reçus;
-  std::size_t Attendus = 0;
-  bool SontVenus = true;
-  for (const char C : Dialogue.substr(0, Nombre)) {
-    C == 'S' ? void(++Attendus) : Ligne.Envoyer({&C, 1});
-    SontVenus = SontVenus && Bientôt([&] { return (Reçus += Ligne.Recevoir()).size() >= Attendus; }, 10s);
-  }
+  const bool SontVenus = Jouer(Ligne, Dialogue.substr(0, Nombre), Reçus);
   P.Station->Signaler(SIGTERM);
   EXPECT_EQ(P.Station->Fin(), 0) << P.Dit();
   EXPECT_TRUE(std::filesystem::is_empty(P.En("poste/import")));
@@ -34,15 +41,50 @@ static bool FinirAprès(std::size_t Nombre, const std::string& Dialogue) {
   return true;
 }
 
-TEST(Endings, TermAtEveryByteOfADialogueEndsProperlyAndAcknowledgesNothingThatIsNotIn) {
-  // Both directions together, S for each byte of the station's: request, accord, announcement, reply, end.
+/// Both directions together: request, accord, announcement, reply, end.
+static std::string DialogueEntier() {
   const Octets Trame = CalculerCheckSum(Octets("\x02" + Enregistrement() + "\x03"));
-  const std::string Dialogue = "SS\6A" + std::string(Trame.Bruts()) + "SSS\0068" + std::string(28, 'S') + "\6S";
+  return "SS\6A" + std::string(Trame.Bruts()) + "SSS\0068" + std::string(28, 'S') + "\6S";
+}
+
+TEST(Endings, TermAtEveryByteOfADialogueEndsProperlyAndAcknowledgesNothingThatIsNotIn) {
+  const std::string Dialogue = DialogueEntier();
   for (std::size_t Nombre = 0; Nombre <= Dialogue.size(); ++Nombre) {
     SCOPED_TRACE(Nombre);
     int Essais = 1;
     while (Essais < 6 && !FinirAprès(Nombre, Dialogue)) ++Essais;
     EXPECT_LT(Essais, 6) << "the dialogue always ends ahead of the signal";
+  }
+}
+
+TEST(Endings, APortThatIsLostAnywhereIsSaidAndTakesTheLoadOrTheFileOnceItIsBack) {
+  // Lost behind: the request, a part of the frame, the announcement, a part of the reply; a part of a file.
+  const std::string Fichier = "SS\0068SS\0064" + std::string(20, 'S');
+  const std::pair<const char*, std::string> Cas[] = {{"interroger", DialogueEntier().substr(0, 2)},
+                                                     {"interroger", DialogueEntier().substr(0, 30)},
+                                                     {"interroger", DialogueEntier().substr(0, 66)},
+                                                     {"interroger", DialogueEntier().substr(0, 80)},
+                                                     {"menu\ntransferer", Fichier}};
+  for (const auto& [Tapé, Dialogue] : Cas) {
+    SCOPED_TRACE(Dialogue.size());
+    Poste P;
+    P.Faire("$ sed -i s/=20/=200/ tarvel.ini");
+    const bool EstFichier = Tapé != std::string("interroger");
+    std::string Reçus;
+    {
+      const PseudoTerminal Ligne;
+      std::filesystem::create_symlink(Ligne.Nom(), P.En("ligne"));
+      P.LancerStation(Tapé, EstFichier ? "" : "--sans-operateur");
+      EXPECT_TRUE(Jouer(Ligne, Dialogue, Reçus)) << P.Dit();
+    }
+    EXPECT_TRUE(P.Station->Attendre("ligne a été perdu")) << P.Dit();
+    std::ofstream(P.En("offerts")) << Enregistrement() << '\n';
+    P.LancerTerminal(EstFichier ? "--f6" : "--chargements offerts --jusqu-a-vide");
+    int Essais = 0;
+    while (EstFichier && !P.Rg80->Attendre("(appellations) reçu", 5s) && ++Essais < 6)
+      P.Station->Taper("ok\nrecommencer");
+    if (EstFichier) P.Rg80->Signaler(SIGINT);
+    P.Finir(EstFichier ? "0 0 0" : "1 1 0");
   }
 }
 
