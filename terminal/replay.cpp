@@ -150,9 +150,12 @@ bool Rejeu::EstRelevéVain(std::size_t Rang) const {
          Rang + 1 < Messages_.size() && Messages_[Rang + 1].Octets == Paire(NAK, CodeChargement);
 }
 
-// A link test, or a file; the reply behind a load's ACK is the station's own.
+// A link test, or a file; the reply behind a load's ACK is the station's own, and so is another try behind a NAK.
 bool Rejeu::EstDeLOpérateur() const {
   const std::string& Attendu = Messages_[Rang_].Octets;
+  const bool EstReprise = Rang_ >= 2 && Messages_[Rang_ - 1].Octets == std::string(1, EOT) &&
+                          Messages_[Rang_ - 2].Octets == std::string(1, NAK);
+  if (EstReprise) return false;
   return EstDemande(Attendu) && Attendu[1] != CodeChargement &&
          (Attendu[1] != CodeRéponse || Dernier_ != std::string(1, ACK));
 }
