@@ -53,6 +53,14 @@ TEST_F(Import, AGoodFrameBecomesTheHostsLineWhateverStandsBehindItAndInPlaceOfIt
   }
 }
 
+TEST_F(Import, OneRightChecksumCharacterIsNotEnough) {
+  for (const char* Faux : {"<:", "=;"}) {
+    EXPECT_EQ(Traiter("\x02" + RecordModèle + "\x03" + Faux), "");
+    EXPECT_EQ(Réponse, Octets(1, NAK));
+    EXPECT_TRUE(Tampon.EstVide());
+  }
+}
+
 TEST_F(Import, AFieldIsReworkedOrRefusedOnItsOwn) {
   struct Cas {
     std::size_t Position;
