@@ -9,10 +9,12 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 #include <termios.h>
+#include <time.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <string_view>
 
 #include "base/failures.h"
@@ -105,6 +107,37 @@ Passage Résultat(ssize_t Nombre) {
   return {0, !PourInstant, PourInstant ? 0 : errno};
 }
 
+extern "C" void RienFaire(int) {}
+
+/// While it lives, the driver's waits are short: each tick of a timer ends the one that stands.
+class AttentesBrèves {
+ public:
+  AttentesBrèves() {
+    struct sigaction Action {};
+    Action.sa_handler = RienFaire;
+    sigaction(SIGALRM, &Action, &Ancienne_);
+    sigevent Coup{};
+    Coup.sigev_notify = SIGEV_THREAD_ID;  // a tick that another thread took would end nothing here
+    Coup.sigev_signo = SIGALRM;
+    Coup._sigev_un._tid = gettid();
+    constexpr timespec Pas{0, 10'000'000};
+    constexpr itimerspec Cadence{Pas, Pas};
+    EnMarche_ = timer_create(CLOCK_MONOTONIC, &Coup, &Minuterie_) == 0;
+    if (EnMarche_) timer_settime(Minuterie_, 0, &Cadence, nullptr);
+  }
+  AttentesBrèves(const AttentesBrèves&) = delete;
+  AttentesBrèves& operator=(const AttentesBrèves&) = delete;
+  ~AttentesBrèves() {
+    if (EnMarche_) timer_delete(Minuterie_);
+    sigaction(SIGALRM, &Ancienne_, nullptr);
+  }
+
+ private:
+  struct sigaction Ancienne_ {};
+  timer_t Minuterie_{};
+  bool EnMarche_ = false;
+};
+
 }  // namespace
 
 dev_t IdentitéAppareil(const std::string& Chemin) {
@@ -138,10 +171,13 @@ AppareilLiaison::AppareilLiaison(const AdressePort& Adresse, const RéglagesLiai
 }
 
 AppareilLiaison::~AppareilLiaison() {
-  // What a pseudo-terminal has taken is on its far side already; a real device would have close wait for it.
+  // What a pseudo-terminal has taken is on its far side already; a real device has close wait for it, half a minute
+  // where the driver drops nothing and the device takes nothing.
   if (PseudoTerminal_) return;
   JeterEnvoi();
   ioctl(Numéro(), TIOCNXCL);
+  const AttentesBrèves Brèves;
+  Descripteur_.Fermer();
 }
 
 /// The lock keeps out our own programs, the superuser's too; the exclusive mode keeps out those that know no lock. It
