@@ -2,9 +2,11 @@
 // machine, gives each of its lines the smallest buffer that the system knows, and takes one character from it each time
 // that a real line would have carried one.
 //   pacer NAME=LINK... -- COMMAND...   "{NAME}" in the command becomes the number of the line's descriptor
-// On standard input: "NAME BAUDS" sets a line's pace. The machine's standard input is the pipe FD 3 of the caller.
+// On standard input: "NAME BAUDS" sets a line's pace; with 0 bauds the terminal sends a break. The machine's standard
+// input is the pipe FD 3 of the caller.
 #include <fcntl.h>
 #include <poll.h>
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <termios.h>
@@ -13,6 +15,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <chrono>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
@@ -26,6 +29,9 @@ namespace {
 using Clock = std::chrono::steady_clock;
 constexpr int BitsOfACharacter = 10;
 constexpr int MachineInput = 3;
+/// Before a character that means something to the machine's multiplexer; doubled it is itself.
+constexpr char Escape = 1;
+constexpr char Break[] = {Escape, 'b', 0};
 
 struct Line {
   std::string Link;
@@ -73,7 +79,7 @@ void FromTerminal(Line& L) {
   char Place[64];
   if (L.Far >= 0 && L.Pending.empty()) {
     const ssize_t Count = read(L.Far, Place, sizeof Place);
-    if (Count > 0) L.Pending.assign(Place, static_cast<std::size_t>(Count));
+    for (ssize_t At = 0; At < Count; ++At) L.Pending.append(Place[At] == Escape ? 2 : 1, Place[At]);
     if (Count == 0 || (Count < 0 && errno == EIO)) CloseFar(L);
   }
   if (L.Pending.empty()) return;
@@ -96,8 +102,11 @@ void SetPace(std::map<std::string, Line>& Lines) {
   std::istringstream Words(std::string(Place, static_cast<std::size_t>(Count)));
   std::string Name;
   for (long Bauds = 0; Words >> Name >> Bauds;)
-    if (const auto Found = Lines.find(Name); Found != Lines.end() && Bauds > 0)
+    if (const auto Found = Lines.find(Name); Found != Lines.end() && Bauds > 0) {
       Found->second.Character = std::chrono::nanoseconds(std::chrono::seconds(BitsOfACharacter)) / Bauds;
+    } else if (Found != Lines.end()) {
+      Found->second.Pending += Break;
+    }
 }
 
 void Step(std::map<std::string, Line>& Lines) {
@@ -139,6 +148,7 @@ int main(int Count, char** Words) {
         Word.replace(Place, Name.size() + 2, std::to_string(Number));
   const pid_t Machine = fork();
   if (Machine == 0) {
+    prctl(PR_SET_PDEATHSIG, SIGTERM);
     dup2(MachineInput, STDIN_FILENO);
     std::vector<char*> Arguments;
     for (std::string& Word : Command) Arguments.push_back(Word.data());
