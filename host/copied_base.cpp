@@ -2,7 +2,6 @@
 #include "host/copied_base.h"
 
 #include <algorithm>
-#include <cctype>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -42,15 +41,13 @@ struct Table {
 /// The kind that both engines know best. A server's dates are read as numbers of days, an embedded base keeps what it
 /// was given.
 std::string GenreNeutre(const std::string& Type, bool DUnServeur) {
-  const auto Contient = [&](const char* Mot) {
-    return std::search(Type.begin(), Type.end(), Mot, Mot + std::char_traits<char>::length(Mot),
-                       [](char A, char B) { return std::toupper(static_cast<unsigned char>(A)) == B; }) != Type.end();
-  };
-  if (DUnServeur && (Contient("TIMESTAMP") || Type == "date")) return "REAL";
-  if (DUnServeur && (Contient("INTERVAL") || Contient("POINT"))) return "TEXT";
-  if (Contient("INT") || Contient("BOOL")) return "INTEGER";
-  if (Contient("REAL") || Contient("DOUB") || Contient("FLOA")) return "REAL";
-  if (Contient("NUM") || Contient("DEC")) return "NUMERIC";
+  const std::string Petites = Ombrey::MinusculesAscii(Type);
+  const auto Contient = [&](const char* Mot) { return Petites.find(Mot) != std::string::npos; };
+  if (DUnServeur && (Contient("timestamp") || Type == "date")) return "REAL";
+  if (DUnServeur && (Contient("interval") || Contient("point"))) return "TEXT";
+  if (Contient("int") || Contient("bool")) return "INTEGER";
+  if (Contient("real") || Contient("doub") || Contient("floa")) return "REAL";
+  if (Contient("num") || Contient("dec")) return "NUMERIC";
   return "TEXT";
 }
 

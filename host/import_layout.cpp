@@ -3,7 +3,6 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <optional>
 #include <utility>
 
@@ -38,11 +37,7 @@ auto Chercher(const Table& Choix, std::string_view Texte) -> std::optional<declt
 
 template <class Entier>
 std::optional<Entier> EntierSimple(std::string_view Texte) {
-  Entier Valeur = 0;
-  const char* const Fin = Texte.data() + Texte.size();
-  const auto Lu = std::from_chars(Texte.data(), Fin, Valeur);
-  if (Texte.starts_with('-') || Lu.ec != std::errc{} || Lu.ptr != Fin) return std::nullopt;
-  return Valeur;
+  return Texte.starts_with('-') ? std::nullopt : Ombrey::NombreLu<Entier>(Texte);
 }
 
 ColonneImport LireColonne(const std::string& Texte) {

@@ -2,13 +2,13 @@
 #include "host/options.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cstdlib>
 #include <set>
 #include <string_view>
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "base/text_helpers.h"
 #include "platform/system/settings_files.h"
 
 namespace Tarvel {
@@ -20,10 +20,8 @@ constexpr std::chrono::seconds DuréeMax = std::chrono::hours(24 * 365);
 constexpr const char* SectionTarvel = "Tarvel";
 
 std::chrono::seconds LireDurée(const std::string& Texte, const std::string& Quoi = "--duree") {
-  int Secondes = 0;
-  const char* Fin = Texte.data() + Texte.size();
-  const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Fin, Secondes);
-  if (Erreur != std::errc() || Arrêt != Fin || Secondes < 0 || std::chrono::seconds(Secondes) > DuréeMax) {
+  const int Secondes = Ombrey::NombreLu<int>(Texte).value_or(-1);
+  if (Secondes < 0 || std::chrono::seconds(Secondes) > DuréeMax) {
     throw ErreurOptions(Quoi + " veut un nombre entier de secondes, d'un an au plus, et non « " + Texte + " »");
   }
   return std::chrono::seconds(Secondes);

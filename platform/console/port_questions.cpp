@@ -1,9 +1,9 @@
 // The port's settings, asked of the operator line by line.
 #include "platform/console/port_questions.h"
 
-#include <charconv>
 #include <optional>
 
+#include "base/text_helpers.h"
 #include "platform/console/typed_text.h"
 
 namespace Ombrey {
@@ -13,11 +13,8 @@ std::string EntreCrochets(const std::string& Valeur) { return Valeur.empty() ? "
 
 /// The place, counted from 0, of the line that the operator chose by its number; none for any other answer.
 std::optional<std::size_t> Choisie(const std::string& Réponse, std::size_t Nombre) {
-  std::size_t Rang = 0;
-  const char* Fin = Réponse.data() + Réponse.size();
-  const auto [Arrêt, Erreur] = std::from_chars(Réponse.data(), Fin, Rang);
-  if (Erreur != std::errc() || Arrêt != Fin || Rang == 0 || Rang > Nombre) return std::nullopt;
-  return Rang - 1;
+  const auto Rang = NombreLu<std::size_t>(Réponse).value_or(0);
+  return Rang == 0 || Rang > Nombre ? std::nullopt : std::optional(Rang - 1);
 }
 
 }  // namespace

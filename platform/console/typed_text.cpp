@@ -2,6 +2,7 @@
 #include "platform/console/typed_text.h"
 
 #include "base/ansi_text.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 namespace {
@@ -19,10 +20,8 @@ std::string FormeComparable(std::string_view Texte) {
     const unsigned char Lettre = Lettres[Rang];
     if (Lettre >= PremièreCapitaleAccentuée) {
       Forme += SansAccent[Lettre - PremièreCapitaleAccentuée];
-    } else if (Lettre >= 'A' && Lettre <= 'Z') {
-      Forme += static_cast<char>(Lettre - 'A' + 'a');
     } else {
-      Forme += static_cast<char>(Lettre);
+      Forme += MinusculeAscii(static_cast<char>(Lettre));
     }
   }
   return Forme;

@@ -4,11 +4,11 @@
 #include <algorithm>
 #include <array>
 
+#include "base/text_helpers.h"
+
 namespace Ombrey {
 
 namespace {
-
-char Majuscule(char C) { return C >= 'a' && C <= 'z' ? static_cast<char>(C - 'a' + 'A') : C; }
 
 /// The engine reads no deeper, and refuses what is copied as it stands.
 constexpr int ProfondeurMax = 100;
@@ -69,7 +69,7 @@ Jeton Premier(std::string_view Reste) {
 
 bool EstMot(std::string_view Texte, std::string_view Mot) {
   return std::equal(Texte.begin(), Texte.end(), Mot.begin(), Mot.end(),
-                    [](char A, char B) { return Majuscule(A) == B; });
+                    [](char A, char B) { return MinusculeAscii(A) == MinusculeAscii(B); });
 }
 
 std::vector<Jeton> Découper(std::string_view Sql) {

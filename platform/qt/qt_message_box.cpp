@@ -66,6 +66,8 @@ QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
   return Zone;
 }
 
+/// Not a QMessageBox: that one can't be scrolled, has a long message run out of the screen, and takes a key that was
+/// meant for the window below.
 class BoîteQt : public QDialog {
  public:
   BoîteQt(QWidget* Parent, const QString& Message, BoutonsBoîte Boutons, std::chrono::milliseconds Répit)
@@ -122,7 +124,7 @@ class BoîteQt : public QDialog {
 
 RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
                               BoutonsBoîte Boutons) {
-  const RéponseBoîte Défaut = Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  const RéponseBoîte Défaut = RéponseSansOpérateur(Boutons);
   if (Contexte.EnFin) return Défaut;
   const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons, Contexte.Répit));
   Boîte->setWindowTitle(Texte(Titre));

@@ -2,7 +2,6 @@
 #include "platform/serial/line_settings.h"
 
 #include <algorithm>
-#include <charconv>
 #include <iterator>
 #include <string_view>
 
@@ -44,11 +43,8 @@ std::string CheminDuPort(const std::string& Nom) {
   if (Court.ends_with(':')) Court.pop_back();
   constexpr std::string_view Préfixe = "com";
   if (Court.starts_with(Préfixe) && Court.size() > Préfixe.size() && Court[Préfixe.size()] != '0') {
-    int Numéro = 0;
-    const char* Fin = Court.data() + Court.size();
-    const auto [Arrêt, Erreur] = std::from_chars(Court.data() + Préfixe.size(), Fin, Numéro);
-    if (Erreur == std::errc() && Arrêt == Fin && Numéro >= 1 && Numéro <= DernierCom)
-      return "/dev/ttyS" + std::to_string(Numéro - 1);
+    const int Numéro = NombreLu<int>(std::string_view(Court).substr(Préfixe.size())).value_or(0);
+    if (Numéro >= 1 && Numéro <= DernierCom) return "/dev/ttyS" + std::to_string(Numéro - 1);
   }
   throw ErreurExécution(
       "« " + Nom + " » n'est pas un port : il faut COM1: à COM16:, ou le chemin d'un appareil comme /dev/ttyUSB0.");

@@ -2,12 +2,12 @@
 #include "platform/serial/machine_ports.h"
 
 #include <algorithm>
-#include <charconv>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <tuple>
 
+#include "base/text_helpers.h"
 #include "platform/serial/device_tree.h"
 
 namespace Ombrey {
@@ -48,8 +48,9 @@ std::optional<Candidat> Examiner(const fs::path& Dev, const fs::path& Entrée) {
   const std::size_t Chiffres = Nom.find_last_not_of("0123456789") + 1;
   Candidat Trouvé;
   Trouvé.Préfixe = Nom.substr(0, Chiffres);
-  if (std::from_chars(Nom.data() + Chiffres, Nom.data() + Nom.size(), Trouvé.Numéro).ec != std::errc())
-    return std::nullopt;
+  const auto Numéro = NombreLu<int>(std::string_view(Nom).substr(Chiffres));
+  if (!Numéro) return std::nullopt;
+  Trouvé.Numéro = *Numéro;
   const std::string Appareil = (Dev / Nom).string();
   Trouvé.Port.Nom = Appareil;
   // The kernel lists the places of ports that a machine could have; those without a circuit are of type 0.

@@ -1,10 +1,10 @@
 // Asking the operator for a port's settings and keeping them in the settings file.
 #include "platform/serial/port_dialogue.h"
 
-#include <charconv>
 #include <chrono>
 
 #include "base/failures.h"
+#include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
 
 namespace Ombrey {
@@ -50,12 +50,10 @@ void ÉcrireRéglages(ILecteurIni& Lecteur, const RéglagesPort& Anciens, const 
 }
 
 std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, const std::string& Texte) {
-  std::int16_t Nombre = 0;
-  const char* Fin = Texte.data() + Texte.size();
-  const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Fin, Nombre);
-  if (Erreur != std::errc() || Arrêt != Fin)
+  const auto Nombre = NombreLu<std::int16_t>(Texte);
+  if (!Nombre)
     throw ErreurExécution("Port " + NomPort + " : " + Quoi + " « " + Texte + " » n'est pas un nombre possible.");
-  return Nombre;
+  return *Nombre;
 }
 
 RéglagesLiaison Vérifiés(const RéglagesPort& Réglages) {

@@ -6,11 +6,11 @@
 #include <sys/un.h>
 #include <unistd.h>
 
-#include <charconv>
-#include <cstddef>
+#include <algorithm>
 #include <cstdlib>
 #include <cstring>
 
+#include "base/text_helpers.h"
 #include "contracts/phrases.h"
 #include "platform/loop/descriptor.h"
 
@@ -26,11 +26,7 @@ std::string_view Variable(const char* Nom) {
 }
 
 /// 0 unless the whole text is a number above it.
-long long NombreOuZéro(std::string_view Texte) {
-  long long Nombre = 0;
-  const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Texte.data() + Texte.size(), Nombre);
-  return Erreur == std::errc() && Arrêt == Texte.data() + Texte.size() && Nombre > 0 ? Nombre : 0;
-}
+long long NombreOuZéro(std::string_view Texte) { return std::max(0LL, NombreLu<long long>(Texte).value_or(0)); }
 
 struct Niveau {
   std::string_view Début;

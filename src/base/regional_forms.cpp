@@ -7,7 +7,6 @@
 #include <chrono>
 #include <cmath>
 #include <limits>
-#include <system_error>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"
@@ -59,10 +58,7 @@ std::optional<double> LireNombre(std::string_view Texte, const Régional& Formes
   }
   if (!Reste.empty()) return std::nullopt;
 
-  double Nombre = 0;
-  const auto Lu = std::from_chars(Forme.data(), Forme.data() + Forme.size(), Nombre);
-  if (Lu.ec != std::errc{} || Lu.ptr != Forme.data() + Forme.size()) return std::nullopt;
-  return Nombre;
+  return NombreLu<double>(Forme);
 }
 
 template <class Entier>
@@ -76,11 +72,7 @@ Entier Arrondir(double Nombre) {
 
 /// Takes a group of one to Limite digits.
 std::optional<int> PrendreGroupe(std::string_view& Texte, std::size_t Limite) {
-  const std::string_view Chiffres = PrendreChiffres(Texte, Limite);
-  int Nombre = 0;
-  const auto Lu = std::from_chars(Chiffres.data(), Chiffres.data() + Chiffres.size(), Nombre);
-  if (Lu.ec != std::errc{}) return std::nullopt;
-  return Nombre;
+  return NombreLu<int>(PrendreChiffres(Texte, Limite));
 }
 
 /// The year that ends with these two digits and is the nearest to the present one, the past one of two as near.

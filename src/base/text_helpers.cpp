@@ -39,8 +39,7 @@ std::string_view SansBlancs(std::string_view Texte) {
 
 std::string MinusculesAscii(std::string_view Texte) {
   std::string Petites(Texte);
-  for (char& C : Petites)
-    if (C >= 'A' && C <= 'Z') C = static_cast<char>(C - 'A' + 'a');
+  std::ranges::transform(Petites, Petites.begin(), MinusculeAscii);
   return Petites;
 }
 

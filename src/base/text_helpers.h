@@ -1,8 +1,11 @@
 // Small helpers for texts, most of them numbers.
 #pragma once
 
+#include <charconv>
+#include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 #include "contracts/system.h"
 
@@ -16,7 +19,20 @@ inline constexpr std::string_view Blancs = " \t";
 /// Without the blanks and tabs at both ends.
 [[nodiscard]] std::string_view SansBlancs(std::string_view Texte);
 
+/// The number that all of Texte spells in the machine's own form; none when anything else stands in it or it doesn't
+/// fit.
+template <class Nombre>
+[[nodiscard]] std::optional<Nombre> NombreLu(std::string_view Texte) {
+  Nombre Lu{};
+  const char* const Fin = Texte.data() + Texte.size();
+  const auto [Arrêt, Erreur] = std::from_chars(Texte.data(), Fin, Lu);
+  return Erreur == std::errc() && Arrêt == Fin ? std::optional(Lu) : std::nullopt;
+}
+
 /// The letters A to Z made small; every other byte stays.
+[[nodiscard]] constexpr char MinusculeAscii(char C) {
+  return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C;
+}
 [[nodiscard]] std::string MinusculesAscii(std::string_view Texte);
 
 /// Drops all zeros at the front; a text of zeros gives the empty text.

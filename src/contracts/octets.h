@@ -62,4 +62,18 @@ class Octets {
   std::string Bruts_;
 };
 
+/// A run of bytes in a record; Début counts from 1.
+struct Position {
+  std::size_t Début;
+  std::size_t Longueur;
+  /// The run's bytes; fewer where the record ends sooner.
+  [[nodiscard]] Octets Dans(const Octets& Enregistrement) const { return Enregistrement.Extrait(Début - 1, Longueur); }
+};
+
+/// A field of the load record that goes into the import under this name.
+struct ChampChargement {
+  std::string_view Nom;
+  Position Place;
+};
+
 }  // namespace Ombrey

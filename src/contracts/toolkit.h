@@ -21,6 +21,10 @@ struct Rectangle {
 
 enum class BoutonsBoîte { Ok, RecommencerAnnuler };
 enum class RéponseBoîte { Ok, Recommencer, Annuler };
+/// What a box takes for its answer when nobody gives one.
+[[nodiscard]] constexpr RéponseBoîte RéponseSansOpérateur(BoutonsBoîte Boutons) {
+  return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+}
 
 /// A square picture: Côté × Côté pixels, row by row from the top, 0xAARRGGBB.
 struct Image {

@@ -10,8 +10,6 @@
 namespace Ombrey {
 namespace {
 
-constexpr double DixièmesParDegré = 10;
-
 /// Places, among the received values, of those that are reworked; the rest stay as cut.
 namespace Champ {
 constexpr std::size_t NoChargement = RangChamp("NoChargement");
@@ -121,7 +119,7 @@ void TraitementTrame::MettreAuPropre(std::vector<std::string>& DonnéesReçues) 
   const Régional Formes = État_.Formes();
   std::string& Degré = DonnéesReçues[Champ::Degré];
   Degré = AuSujetDe("degré « " + Degré + " » du " + Phrase::DuChargement + DonnéesReçues[Champ::NoChargement],
-                    [&] { return TexteNombre(EnEntier16(Degré, Formes) / DixièmesParDegré, Formes); });
+                    [&] { return TexteNombre(EnEntier16(Degré, Formes) / PartsParDegré, Formes); });
   for (const std::size_t Place : {Champ::NoQuai, Champ::Cuve}) {
     DonnéesReçues[Place] = SupprZéroDébut(DonnéesReçues[Place]);
   }

@@ -5,13 +5,11 @@
 #include <cstdint>
 #include <utility>
 
+#include "contracts/line_protocol.h"
 #include "contracts/octets.h"
 #include "contracts/system.h"
 
 namespace Ombrey {
-
-/// How long the terminal may take for an answer, counted from the end of the sending.
-inline constexpr std::chrono::milliseconds DélaiRéponse{2000};
 
 /// An ACK bears no number. A terminal that was busy serves the requests that waited, one answer each, and whoever takes
 /// the answer to an older request for the one to his own acknowledges a load that he hasn't got. So the line is

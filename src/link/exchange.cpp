@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <utility>
 
-#include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
 
 namespace Ombrey {

@@ -9,6 +9,7 @@
 #include <utility>
 
 #include "common/context.h"
+#include "contracts/line_protocol.h"
 #include "contracts/octets.h"
 #include "contracts/port.h"
 #include "link/doubt.h"
