@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
 #include <utility>
 
 #include "base/failures.h"
@@ -12,7 +13,7 @@
 
 namespace Tarvel {
 
-using Ombrey::Moment;
+using Ombrey::QuandPermise;
 
 ÉditionConsole::ÉditionConsole(const Options& Choisies, int Entrée, int Sortie)
     : Options_(Choisies),
@@ -34,19 +35,20 @@ std::filesystem::path ÉditionConsole::FichierRéglages() const {
 
 void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
   Gestes_ = &Gestes;
-  const auto Ajouter = [&](const char* Nom, const char* Aide, Moment Quand, void (IGestesStation::*Geste)()) {
+  const auto Ajouter = [&](const char* Nom, const char* Aide, QuandPermise Quand, void (IGestesStation::*Geste)()) {
     Commandes_.Ajouter({Nom, "", Aide, Quand, [&Gestes, Geste](const std::string&) { (Gestes.*Geste)(); }});
   };
-  Ajouter("bouton", "le bouton du greffon : essaie la liaison et montre les chargements", Moment::HorsDialogue,
+  Ajouter("bouton", "le bouton du greffon : essaie la liaison et montre les chargements", QuandPermise::HorsDialogue,
           &IGestesStation::Bouton);
-  Ajouter("menu", "l'entrée de menu du greffon : transfert des données", Moment::HorsDialogue, &IGestesStation::Menu);
-  Ajouter("configurer", "change les réglages du port", Moment::HorsDialogue, &IGestesStation::Configurer);
+  Ajouter("menu", "l'entrée de menu du greffon : transfert des données", QuandPermise::HorsDialogue,
+          &IGestesStation::Menu);
+  Ajouter("configurer", "change les réglages du port", QuandPermise::HorsDialogue, &IGestesStation::Configurer);
   AjouterVues();
-  Ajouter("fin", "arrête la station", Moment::Toujours, &IGestesStation::Finir);
+  Ajouter("fin", "arrête la station", QuandPermise::Toujours, &IGestesStation::Finir);
 }
 
 void ÉditionConsole::SuivreLiaison(const Ombrey::JournalLiaison& Journal) {
-  Commandes_.Ajouter({"ligne", "", "ce qui vient de passer sur la ligne", Moment::Toujours,
+  Commandes_.Ajouter({"ligne", "", "ce qui vient de passer sur la ligne", QuandPermise::Toujours,
                       [&](const std::string&) { MontrerLigne(Journal); }});
 }
 
@@ -65,7 +67,7 @@ void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal) {
 }
 
 void ÉditionConsole::AjouterTableau(const char* Nom, const char* Aide, std::function<Rangées()> Lire) {
-  Commandes_.Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Nom, Lire = std::move(Lire)](const std::string&) {
+  Commandes_.Ajouter({Nom, "", Aide, QuandPermise::EntreDeux, [this, Nom, Lire = std::move(Lire)](const std::string&) {
                         const Rangées Toutes = Lire();
                         Sortie_.Ligne(std::string(Nom) + " : " + std::to_string(Toutes.size() - 1));
                         for (const auto& Rangée : Toutes) {
@@ -82,7 +84,7 @@ void ÉditionConsole::AjouterVues() {
   const auto Jour = [this, Base] { return LireJournée(*Base(), Base_->KVSynchro()->CodeSiteCourant()); };
   const auto Dire = [this](const char* Nom, const char* Aide, const std::function<std::string()>& Texte) {
     Commandes_.Ajouter(
-        {Nom, "", Aide, Moment::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
+        {Nom, "", Aide, QuandPermise::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
   };
   Dire("etat", "la liaison et le prochain relevé",
        [this] { return "état : " + Veille_.TexteLiaison() + ". " + Veille_.TexteRelevé(); });
@@ -94,13 +96,13 @@ void ÉditionConsole::AjouterVues() {
                  [Base] { return TableauArchive(*Base(), {}); });
   AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Veille_.Refusés(); });
   Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
-                      Moment::EntreDeux, [this](const std::string& Rang) {
+                      QuandPermise::EntreDeux, [this](const std::string& Rang) {
                         Sortie_.Ligne(
                             Veille_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
                       }});
   AjouterTableau("alire", "les boîtes auxquelles personne n'a répondu", [this] { return Veille_.NonLus(); });
   Commandes_.Ajouter(
-      {"lu", "", "vide cette liste", Moment::EntreDeux, [this](const std::string&) { Veille_.ToutEstLu(); }});
+      {"lu", "", "vide cette liste", QuandPermise::EntreDeux, [this](const std::string&) { Veille_.ToutEstLu(); }});
 }
 
 void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }

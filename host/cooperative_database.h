@@ -6,12 +6,14 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "contracts/host.h"
 #include "contracts/system.h"
 #include "host/figures.h"
 #include "host/import_engine.h"
 #include "host/watch.h"
+#include "platform/database/connection.h"
 #include "platform/database/recordsets.h"
 
 namespace Tarvel {

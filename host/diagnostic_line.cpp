@@ -3,7 +3,12 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <filesystem>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
 #include "base/failures.h"
 #include "base/files.h"

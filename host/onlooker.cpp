@@ -7,6 +7,7 @@
 
 #include "base/regional_forms.h"
 #include "host/schema.h"
+#include "platform/loop/loop.h"
 #include "platform/loop/signals.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/machine_system.h"

@@ -8,6 +8,7 @@
 #include "host/guarded_loop.h"
 #include "host/options.h"
 #include "platform/database/connection.h"
+#include "platform/loop/loop.h"
 
 namespace Tarvel {
 

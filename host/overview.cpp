@@ -11,6 +11,8 @@
 #include "base/text_helpers.h"
 #include "base/visible_text.h"
 #include "contracts/line_protocol.h"
+#include "contracts/phrases.h"
+#include "contracts/system.h"
 #include "platform/system/machine_system.h"
 
 namespace Tarvel {
@@ -23,8 +25,6 @@ using Ombrey::Position;
 using std::chrono::system_clock;
 namespace Place = Ombrey::PositionFixe;
 
-constexpr const char* TitreErreurPort = "Erreur du port";
-constexpr const char* RemèdeValeur = "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau.";
 constexpr const char* RemèdeBase =
     "Voir si la base peut être écrite (autre programme, disque plein) : le chargement revient de lui-même.";
 
@@ -34,27 +34,27 @@ struct ChampLisible {
   Position Sien;
 };
 constexpr ChampLisible ChampsLisibles[] = {
-    {"Numéro", {1, 4}},
-    {"Jour, mois, année", {5, 6}},
-    {"Heure d'arrivée", {11, 4}},
-    {"Heure de sortie", {15, 4}},
+    {"Numéro", Ombrey::PlaceChamp("NoChargement")},
+    {"Jour, mois, année", Place::Date},
+    {"Heure d'arrivée", Place::Arrivée},
+    {"Heure de sortie", Place::Sortie},
     {"Propriétaire", Place::Propriétaire},
     {"Récoltant", Place::Récoltant},
     {"Groupe", Place::Groupe},
-    {"Part (%, 4 décimales)", {34, 7}},
-    {"Appellation", {41, 2}},
-    {"Classe sanitaire", {43, 2}},
-    {"Degré (dixièmes)", {45, 3}},
-    {"Quai", {48, 1}},
-    {"Pesée (kg)", {49, 4}},
-    {"Cuve", {53, 3}},
+    {"Part (%, 4 décimales)", Place::Part},
+    {"Appellation", Ombrey::PlaceChamp("Sélection")},
+    {"Classe sanitaire", Ombrey::PlaceChamp("Qualité")},
+    {"Degré (dixièmes)", Ombrey::PlaceChamp("Degré")},
+    {"Quai", Ombrey::PlaceChamp("NoQuai")},
+    {"Pesée (kg)", Ombrey::PlaceChamp("Masse")},
+    {"Cuve", Ombrey::PlaceChamp("Cuve")},
 };
 
 Octets Enregistrement(const std::string& Trame) { return Octets(Trame.substr(1, Ombrey::LongEnregChargement)); }
 
 std::string Numéro(const std::string& Trame) {
   if (Trame.empty()) return SansNuméro;
-  const std::string Lu = Trame.substr(1, 4);
+  const std::string Lu(Ombrey::PlaceChamp("NoChargement").Dans(Enregistrement(Trame)).Bruts());
   const bool EstNombre = Lu.find_first_not_of("0123456789") == std::string::npos;
   return EstNombre ? Ombrey::SupprZéroDébut(Lu) : SansNuméro;
 }
@@ -89,7 +89,7 @@ void Veille::NoterLigne(const std::string& Ligne) {
 }
 
 void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
-  if (Titre == TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
+  if (Titre == Ombrey::Phrase::TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
   NoterTexte(Message);
 }
 

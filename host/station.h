@@ -6,11 +6,13 @@
 #include <string>
 
 #include "contracts/host.h"
+#include "contracts/platform.h"
 #include "contracts/system.h"
 #include "host/edition.h"
 #include "host/guarded_loop.h"
 #include "host/options.h"
 #include "platform/serial/line_journal.h"
+#include "platform/serial/port_settings.h"
 #include "platform/system/service_notice.h"
 
 namespace Tarvel {

@@ -37,7 +37,7 @@ constexpr SigneRefus SignesRefus[] = {
     {Phrase::TropCourt, TrameAbîmée},
     {Phrase::ExploitationIntrouvable,
      "Vérifier au RG80 les codes du propriétaire et du récoltant, et les créer au bureau s'ils manquent."},
-    {Phrase::TrameEnÉchec, "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau."},
+    {Phrase::TrameEnÉchec, RemèdeValeur},
 };
 
 constexpr Secondes Minute = 60;

@@ -71,6 +71,9 @@ struct ImportRefusé {
   bool ParSaValeur;     ///< the load is at fault and not the database
 };
 
+/// What mends a load with a value that can't be taken.
+inline constexpr const char* RemèdeValeur =
+    "Corriger la valeur au RG80, ou y effacer ce chargement et le saisir à nouveau.";
 /// The subject of a load whose number is unknown: the one that the terminal offers.
 inline constexpr const char* SansNuméro = "En tête de file";
 

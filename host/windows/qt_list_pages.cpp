@@ -5,8 +5,11 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <string>
 #include <utility>
+#include <vector>
 
+#include "contracts/toolkit.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 

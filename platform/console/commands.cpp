@@ -34,14 +34,14 @@ CommandesConsole::CommandesConsole(FenêtresConsole& Fenêtres) : Fenêtres_(Fen
   AjouterRéponse("ok", "répond OK à la boîte ouverte", RéponseBoîte::Ok);
   AjouterRéponse("recommencer", "répond Recommencer à la boîte ouverte", RéponseBoîte::Recommencer);
   AjouterRéponse("annuler", "répond Annuler à la boîte ouverte", RéponseBoîte::Annuler);
-  Ajouter({"aide", "", "cette liste", Moment::Toujours, [this](const std::string&) { Aider(); }});
+  Ajouter({"aide", "", "cette liste", QuandPermise::Toujours, [this](const std::string&) { Aider(); }});
 }
 
 bool CommandesConsole::Exécuter(const std::string& Ligne) {
   const std::string Texte(SansBlancs(Ligne));
   const std::size_t FinMot = std::min(Texte.find_first_of(Blancs), Texte.size());
   const CommandeConsole* Commande = Trouver(FormeComparable(Texte.substr(0, FinMot)));
-  const bool Urgente = Commande != nullptr && Commande->Quand == Moment::Toujours;
+  const bool Urgente = Commande != nullptr && Commande->Quand == QuandPermise::Toujours;
   if (Fenêtres_.Occupée() && !Urgente) return false;
   if (Ligne.size() > EntréeConsole::LongueurMax) {
     Indiquer("ligne trop longue, ignorée.");
@@ -63,12 +63,12 @@ const CommandeConsole* CommandesConsole::Trouver(const std::string& Mot) const {
 
 std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::string& Argument) const {
   if (Argument.empty() != Commande.Argument.empty()) return "la commande s'écrit « " + Usage(Commande) + " ».";
-  if (Commande.Quand == Moment::Toujours || Commande.Quand == Moment::EntreDeux) return "";
+  if (Commande.Quand == QuandPermise::Toujours || Commande.Quand == QuandPermise::EntreDeux) return "";
   if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
-  if (Commande.Quand == Moment::HorsBoîte) return "";
+  if (Commande.Quand == QuandPermise::HorsBoîte) return "";
   const VueChargntConsole* Vue = Fenêtres_.VueChargnt();
   const bool Ouverte = Vue != nullptr && Vue->EstVisible();
-  if (Commande.Quand == Moment::HorsDialogue) return Ouverte ? "fermez d'abord la fenêtre de transfert." : "";
+  if (Commande.Quand == QuandPermise::HorsDialogue) return Ouverte ? "fermez d'abord la fenêtre de transfert." : "";
   if (!Ouverte) return "la fenêtre de transfert n'est pas ouverte ; « menu » l'ouvre.";
   return Vue->EstActive() ? "" : "un transfert est en cours.";
 }
@@ -99,7 +99,7 @@ std::optional<std::string> CommandesConsole::Questionner(const std::string& Ques
 }
 
 void CommandesConsole::AjouterRéponse(const char* Nom, const char* Aide, RéponseBoîte Réponse) {
-  Ajouter({Nom, "", Aide, Moment::EntreDeux, [this, Réponse](const std::string&) {
+  Ajouter({Nom, "", Aide, QuandPermise::EntreDeux, [this, Réponse](const std::string&) {
              const bool Ouverte = Fenêtres_.BoîteOuverte();
              if (Fenêtres_.Répondre(Réponse)) return;
              Indiquer(Ouverte ? "la boîte n'a pas ce bouton." : "aucune boîte n'attend de réponse.");
@@ -107,41 +107,44 @@ void CommandesConsole::AjouterRéponse(const char* Nom, const char* Aide, Répon
 }
 
 void CommandesConsole::AjouterSuivi() {
-  AjouterGeste("interroger", "interroge le RG80 maintenant", Moment::HorsDialogue, &IGestesSuivi::BtnInterroger_Click);
-  AjouterGeste("quotas", "renvoie au RG80 les quotas du dernier chargement", Moment::HorsDialogue,
+  AjouterGeste("interroger", "interroge le RG80 maintenant", QuandPermise::HorsDialogue,
+               &IGestesSuivi::BtnInterroger_Click);
+  AjouterGeste("quotas", "renvoie au RG80 les quotas du dernier chargement", QuandPermise::HorsDialogue,
                &IGestesSuivi::BtnForcerCumulsRG80_Click);
-  AjouterGeste("masquer", "masque la fenêtre des chargements", Moment::HorsBoîte, &IGestesSuivi::BtnMasquer_Click);
-  Ajouter({"liste", "", "les chargements du jour", Moment::EntreDeux, [this](const std::string&) { Lister(); }});
+  AjouterGeste("masquer", "masque la fenêtre des chargements", QuandPermise::HorsBoîte,
+               &IGestesSuivi::BtnMasquer_Click);
+  Ajouter({"liste", "", "les chargements du jour", QuandPermise::EntreDeux, [this](const std::string&) { Lister(); }});
   AjouterListe("messages", "la liste des messages", Onglet::Suivis, "aucun");
   AjouterListe("erreurs", "la liste des erreurs", Onglet::Erreurs, "aucune");
-  Ajouter({"imprimer", "FICHIER", "écrit la liste des erreurs, en pages, dans un fichier", Moment::HorsBoîte,
+  Ajouter({"imprimer", "FICHIER", "écrit la liste des erreurs, en pages, dans un fichier", QuandPermise::HorsBoîte,
            [this](const std::string& Fichier) { Imprimer(Fichier); }});
 }
 
-void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)()) {
+void CommandesConsole::AjouterGeste(const char* Nom, const char* Aide, QuandPermise Quand,
+                                    void (IGestesSuivi::*Geste)()) {
   Ajouter({Nom, "", Aide, Quand, [this, Geste](const std::string&) { (Suivi(Fenêtres_).Gestes().*Geste)(); }});
 }
 
 void CommandesConsole::AjouterTransfert() {
   AjouterCase("cocher", "coche une case de la fenêtre de transfert", true);
   AjouterCase("decocher", "décoche une case de la fenêtre de transfert", false);
-  Ajouter({"transferer", "", "transfère les données cochées", Moment::EnTransfert,
+  Ajouter({"transferer", "", "transfère les données cochées", QuandPermise::EnTransfert,
            [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnTransférer_Click(); }});
-  Ajouter({"arreter", "", "arrête l'envoi en cours", Moment::Toujours,
+  Ajouter({"arreter", "", "arrête l'envoi en cours", QuandPermise::Toujours,
            [this](const std::string&) { Fenêtres_.ArrêterEnvoi(); }});
-  Ajouter({"fermer", "", "ferme la fenêtre de transfert", Moment::EnTransfert,
+  Ajouter({"fermer", "", "ferme la fenêtre de transfert", QuandPermise::EnTransfert,
            [this](const std::string&) { Fenêtres_.VueChargnt()->Gestes().BtnFermer_Click(); }});
 }
 
 void CommandesConsole::AjouterCase(const char* Nom, const char* Aide, bool Cochée) {
-  Ajouter({Nom, "NOM", Aide, Moment::EnTransfert, [this, Cochée](const std::string& Case) {
+  Ajouter({Nom, "NOM", Aide, QuandPermise::EnTransfert, [this, Cochée](const std::string& Case) {
              if (!Fenêtres_.VueChargnt()->CocherParNom(Case, Cochée))
                Indiquer("il n'y a pas de case « " + Case + " ».");
            }});
 }
 
 void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Liste, const char* Aucune) {
-  Ajouter({Nom, "", Aide, Moment::EntreDeux,
+  Ajouter({Nom, "", Aide, QuandPermise::EntreDeux,
            [this, Nom, Liste, Aucune](const std::string&) { Montrer(Nom, Lignes(Liste), 0, Aucune); }});
 }
 

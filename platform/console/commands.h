@@ -4,15 +4,17 @@
 #include <functional>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "contracts/toolkit.h"
 #include "platform/console/windows.h"
 
 namespace Ombrey {
 
 /// When a command may run. One that isn't for every moment also waits until the one before it has ended or has come
 /// to wait for the operator: so a prepared list of commands can be piped in.
-enum class Moment {
+enum class QuandPermise {
   Toujours,      ///< even while another command is busy
   EntreDeux,     ///< also while a box is open
   HorsBoîte,     ///< an open box must be answered first
@@ -24,7 +26,7 @@ struct CommandeConsole {
   std::string Nom;       ///< small letters without accents
   std::string Argument;  ///< how the help calls it; empty: the command takes none
   std::string Aide;
-  Moment Quand;
+  QuandPermise Quand;
   std::function<void(const std::string& Argument)> Faire;
 };
 
@@ -52,7 +54,7 @@ class CommandesConsole {
   void AjouterRéponse(const char* Nom, const char* Aide, RéponseBoîte Réponse);
   void AjouterSuivi();
   void AjouterTransfert();
-  void AjouterGeste(const char* Nom, const char* Aide, Moment Quand, void (IGestesSuivi::*Geste)());
+  void AjouterGeste(const char* Nom, const char* Aide, QuandPermise Quand, void (IGestesSuivi::*Geste)());
   void AjouterCase(const char* Nom, const char* Aide, bool Cochée);
   void AjouterListe(const char* Nom, const char* Aide, Onglet Liste, const char* Aucune);
   void Lister();

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "base/ansi_text.h"
+#include "contracts/octets.h"
 
 namespace Ombrey {
 

@@ -45,7 +45,7 @@ void VueSuiviConsole::MontrerModale() {
   const std::shared_ptr<bool> Montrée = Montrée_;
   FenêtresConsole& Fenêtres = Fenêtres_;
   *Montrée = true;
-  Fenêtres.Ligne("fenêtre « " + Légende_ + " » ouverte");
+  Fenêtres.LigneFenêtre(Légende_, "ouverte");
   Gestes_.Form_Resize();
   if (*Montrée) Gestes_.Form_Activate();
   Fenêtres.PomperTantQue([&] { return *Montrée; });
@@ -54,7 +54,7 @@ void VueSuiviConsole::MontrerModale() {
 void VueSuiviConsole::Cacher() {
   if (!*Montrée_) return;
   *Montrée_ = false;
-  Fenêtres_.Ligne("fenêtre « " + Légende_ + " » masquée");
+  Fenêtres_.LigneFenêtre(Légende_, "masquée");
 }
 
 void VueSuiviConsole::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {

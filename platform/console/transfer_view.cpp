@@ -36,7 +36,7 @@ void VueChargntConsole::MontrerModale() {
   const std::shared_ptr<bool> Montrée = Montrée_;
   FenêtresConsole& Fenêtres = Fenêtres_;
   *Montrée = true;
-  Fenêtres.Ligne("fenêtre « " + Titre_ + " » ouverte");
+  Fenêtres.LigneFenêtre(Titre_, "ouverte");
   for (const std::string& Libellé : Libellés_) Fenêtres.Ligne("  " + Libellé);
   DireCases();
   // With nobody left to close it, the open window would keep the polling stopped.
@@ -47,7 +47,7 @@ void VueChargntConsole::MontrerModale() {
 void VueChargntConsole::Cacher() {
   if (!*Montrée_) return;
   *Montrée_ = false;
-  Fenêtres_.Ligne("fenêtre « " + Titre_ + " » fermée");
+  Fenêtres_.LigneFenêtre(Titre_, "fermée");
 }
 
 void VueChargntConsole::Activer(bool Active) {

@@ -3,6 +3,7 @@
 
 #include "base/ansi_text.h"
 #include "base/text_helpers.h"
+#include "contracts/octets.h"
 
 namespace Ombrey {
 namespace {

@@ -39,7 +39,7 @@ RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::str
   const bool Seul = Boutons == BoutonsBoîte::Ok;
   Ligne("boîte «" + Titre + "» (" + (Seul ? "OK" : "Recommencer, Annuler") + ") : " + Texte);
   if (Témoins_.Boîte) Témoins_.Boîte(Titre, Texte);
-  const RéponseBoîte Défaut = Seul ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+  const RéponseBoîte Défaut = RéponseSansOpérateur(Boutons);
   if (!OpérateurPrésent()) {
     if (Témoins_.Retirée) Témoins_.Retirée(Titre, Texte);
     return Défaut;

@@ -89,6 +89,8 @@ class FenêtresConsole : public IFenêtres {
   void SurDisponibilité(std::function<void()> Dire) { DireDisponible_ = std::move(Dire); }
 
   void Ligne(const std::string& Texte) { Sortie_.Ligne(Texte); }
+  /// Tells what became of a window.
+  void LigneFenêtre(const std::string& Titre, const char* Devenue) { Ligne("fenêtre « " + Titre + " » " + Devenue); }
   void Observer(TémoinsFenêtres Témoins) { Témoins_ = std::move(Témoins); }
   [[nodiscard]] const TémoinsFenêtres& Témoins() const { return Témoins_; }
   /// A line now and then; false once the operator has asked for the end of it.

@@ -1,6 +1,7 @@
 // The one-shot timer, on any loop.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <string>

@@ -15,6 +15,7 @@
 #include <cmath>
 #include <optional>
 
+#include "platform/loop/loop.h"
 #include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_measures.h"
 

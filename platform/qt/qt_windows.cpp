@@ -42,7 +42,7 @@ RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& 
   if (RépondSeul_) {
     if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
     if (Contexte_.Témoins.Retirée) Contexte_.Témoins.Retirée(Titre, Texte);
-    return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
+    return RéponseSansOpérateur(Boutons);
   }
   // Who stopped the sending has had his say.
   if (const auto Sienne = Progression_.lock(); Sienne && Sienne->EstArrêtée()) {

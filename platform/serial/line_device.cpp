@@ -19,6 +19,7 @@
 
 #include "base/failures.h"
 #include "base/system_error.h"
+#include "contracts/octets.h"
 #include "platform/serial/line_mode.h"
 
 namespace Ombrey {

@@ -7,6 +7,7 @@
 #include <string>
 #include <string_view>
 
+#include "contracts/octets.h"
 #include "platform/loop/descriptor.h"
 #include "platform/serial/device_tree.h"
 #include "platform/serial/line_settings.h"

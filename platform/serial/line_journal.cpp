@@ -1,6 +1,7 @@
 // The traffic of the last hours.
 #include "platform/serial/line_journal.h"
 
+#include <string>
 #include <utility>
 
 #include "base/files.h"

@@ -5,6 +5,7 @@
 #include <deque>
 #include <filesystem>
 #include <memory>
+#include <utility>
 
 #include "platform/serial/line_messages.h"
 #include "platform/serial/trace_file.h"

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "contracts/line_protocol.h"
 #include "platform/serial/message_text.h"

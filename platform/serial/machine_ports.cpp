@@ -5,7 +5,9 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <system_error>
 #include <tuple>
+#include <utility>
 
 #include "base/text_helpers.h"
 #include "platform/serial/device_tree.h"

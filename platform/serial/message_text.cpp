@@ -7,24 +7,13 @@
 #include <string_view>
 
 #include "base/ansi_text.h"
+#include "base/checksum.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "platform/system/safe_file.h"
 
 namespace Ombrey {
 namespace {
-
-struct FichierConnu {
-  char Code;
-  std::string_view Nom;
-  std::size_t LongueurEnregistrement;
-};
-constexpr auto FichiersConnus = std::to_array<FichierConnu>({
-    {'1', "coopérateurs", 41},
-    {'2', "groupements", 83},
-    {'4', "appellations", 31},
-    {'5', "badges", 28},
-    {'6', "observations", 22},
-});
 
 struct NomContrôle {
   char Code;
@@ -35,22 +24,13 @@ constexpr auto NomsContrôle = std::to_array<NomContrôle>(
 
 constexpr char CodeRéponse = '0' + FichierRéponse;
 
-const FichierConnu* Fichier(char Code) {
-  const auto* const Trouvé = std::ranges::find(FichiersConnus, Code, &FichierConnu::Code);
-  return Trouvé == FichiersConnus.end() ? nullptr : Trouvé;
-}
-
-/// The two characters of the checksum: the halves of the sum's low eight bits, each counted from "0".
-std::string Somme(std::string_view Octets) {
-  unsigned Total = 0;
-  for (const char Un : Octets) Total += static_cast<unsigned char>(Un);
-  return {static_cast<char>('0' + (Total >> 4U & 0x0FU)), static_cast<char>('0' + (Total & 0x0FU))};
-}
+const FichierTerminal* Fichier(char Code) { return FichierNuméro(Code - '0'); }
 
 /// Puts the verdict on the checksum behind what the frame says.
 Lecture Juger(const Octets& Trame, Lecture Dit) {
-  const std::string Attendue = Somme(Trame.Bruts().substr(0, Trame.Taille() - 2));
-  const std::string_view Reçue = Trame.Bruts().substr(Trame.Taille() - 2);
+  const std::size_t Fin = Trame.Taille() - 2;
+  const std::string Attendue(CalculerCheckSum(Trame.Extrait(0, Fin)).Bruts().substr(Fin));
+  const std::string_view Reçue = Trame.Bruts().substr(Fin);
   if (Reçue == Attendue) return {Dit.Texte + " ; somme juste", Dit.Faute};
   return {"somme fausse, « " + TexteBrut(Octets(Reçue)) + " » au lieu de « " + Attendue + " » : " + Dit.Texte, true};
 }
@@ -67,7 +47,7 @@ std::string Raconter(const Octets& Texte, std::span<const Bout> Bouts) {
 }
 
 constexpr auto BoutsChargement = std::to_array<Bout>({
-    {"chargement n° ", ChampsChargement[RangChamp("NoChargement")].Place},
+    {"chargement n° ", PlaceChamp("NoChargement")},
     {" du ", PositionFixe::Jour},
     {"/", PositionFixe::Mois},
     {"/", PositionFixe::Année},
@@ -80,12 +60,12 @@ constexpr auto BoutsChargement = std::to_array<Bout>({
     {", groupe ", PositionFixe::Groupe},
     {", part ", PositionFixe::PartEntière},
     {",", PositionFixe::PartDécimale},
-    {" %, appellation ", ChampsChargement[RangChamp("Sélection")].Place},
-    {", qualité ", ChampsChargement[RangChamp("Qualité")].Place},
-    {", degré en dixièmes ", ChampsChargement[RangChamp("Degré")].Place},
-    {", quai ", ChampsChargement[RangChamp("NoQuai")].Place},
-    {", masse ", ChampsChargement[RangChamp("Masse")].Place},
-    {", cuve ", ChampsChargement[RangChamp("Cuve")].Place},
+    {" %, appellation ", PlaceChamp("Sélection")},
+    {", qualité ", PlaceChamp("Qualité")},
+    {", degré en dixièmes ", PlaceChamp("Degré")},
+    {", quai ", PlaceChamp("NoQuai")},
+    {", masse ", PlaceChamp("Masse")},
+    {", cuve ", PlaceChamp("Cuve")},
 });
 
 constexpr auto BoutsRéponse = std::to_array<Bout>({
@@ -95,10 +75,10 @@ constexpr auto BoutsRéponse = std::to_array<Bout>({
     {", reste ", {1 + 3 * ChiffresParCumul, ChiffresParCumul}},
 });
 
-Lecture LireFichier(const FichierConnu& Lequel, std::size_t Longueur) {
-  const std::size_t Reste = Longueur % Lequel.LongueurEnregistrement;
-  std::string Texte = "fichier des " + std::string(Lequel.Nom) + ", " +
-                      std::to_string(Longueur / Lequel.LongueurEnregistrement) + " enregistrements";
+Lecture LireFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
+  const std::size_t Reste = Longueur % Lequel.LongEnreg;
+  std::string Texte = "fichier des " + std::string(Lequel.Nom) + ", " + std::to_string(Longueur / Lequel.LongEnreg) +
+                      " enregistrements";
   if (Reste > 0) Texte += " et " + std::to_string(Reste) + " octets de trop";
   return {Texte, Reste > 0};
 }
@@ -106,7 +86,7 @@ Lecture LireFichier(const FichierConnu& Lequel, std::size_t Longueur) {
 Lecture LireTrameStation(const Octets& Trame, char Code) {
   if (Trame.Taille() < EnrobageTrame) return {"trame sans fin", true};
   const Octets Texte = Trame.Extrait(1, Trame.Taille() - EnrobageTrame);
-  if (const FichierConnu* Connu = Fichier(Code)) return Juger(Trame, LireFichier(*Connu, Texte.Taille()));
+  if (const FichierTerminal* Connu = Fichier(Code)) return Juger(Trame, LireFichier(*Connu, Texte.Taille()));
   const bool EstCumul = Code == CodeRéponse && Texte.Taille() == 4 * ChiffresParCumul;
   return Juger(Trame, {EstCumul ? Raconter(Texte, BoutsRéponse)
                                 : "trame de " + std::to_string(Texte.Taille()) + " caractères sous le code " + Code,
@@ -116,7 +96,7 @@ Lecture LireTrameStation(const Octets& Trame, char Code) {
 std::string LireDemande(char Code) {
   if (Code == CodeDemande[0]) return "demande d'un chargement";
   if (Code == CodeRéponse) return "annonce des cumuls, ou essai de la liaison";
-  if (const FichierConnu* Connu = Fichier(Code)) return "annonce du fichier des " + std::string(Connu->Nom);
+  if (const FichierTerminal* Connu = Fichier(Code)) return "annonce du fichier des " + std::string(Connu->Nom);
   return "demande inconnue";
 }
 

@@ -6,6 +6,8 @@
 #include "base/failures.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "contracts/system.h"
+#include "platform/loop/loop.h"
 
 namespace Ombrey {
 

@@ -4,6 +4,7 @@
 #include <functional>
 #include <string>
 
+#include "contracts/system.h"
 #include "platform/serial/serial_port.h"
 
 namespace Ombrey {

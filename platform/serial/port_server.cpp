@@ -4,6 +4,8 @@
 #include <utility>
 
 #include "base/failures.h"
+#include "contracts/octets.h"
+#include "contracts/port.h"
 #include "platform/serial/port_dialogue.h"
 
 namespace Ombrey {

@@ -4,7 +4,10 @@
 #include <functional>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "contracts/octets.h"
+#include "contracts/port.h"
 #include "platform/serial/serial_port.h"
 
 namespace Ombrey {

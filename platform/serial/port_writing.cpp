@@ -88,7 +88,7 @@ bool PortSérie::Céder(const Envoi& Travail) {
   const auto EnRoute = Ligne > 0ns ? std::min<std::chrono::nanoseconds>(Ligne, PauseMax) : 1ms;
   Contexte_.Boucle.Pomper(Travail.Reste.empty() ? EnRoute : PauseMax);
   if (Session_ == Travail.Session) return true;
-  if (Erreur_.empty()) Échouer("Le port " + Nom_ + " a été fermé pendant l'envoi.");
+  if (Erreur_.empty()) ÉchouerFermé();
   return false;
 }
 

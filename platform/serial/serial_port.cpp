@@ -51,7 +51,7 @@ bool PortSérie::Rouvrir() {
   } catch (const ErreurExécution& Erreur) {
     return Échouer(Erreur.what());
   }
-  if (!Voulu_) return Échouer("Le port " + Nom_ + " a été fermé pendant l'envoi.");
+  if (!Voulu_) return ÉchouerFermé();
   return Appareil_ || Prendre();
 }
 

@@ -57,6 +57,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   struct Envoi;
 
   bool Échouer(const std::string& Texte);
+  bool ÉchouerFermé() { return Échouer("Le port " + Nom_ + " a été fermé pendant l'envoi."); }
   [[nodiscard]] AdressePort Adresse() const;
   bool Rouvrir();
   bool Prendre();

@@ -10,6 +10,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdio>
+#include <ctime>
+#include <string_view>
 #include <system_error>
 #include <utility>
 

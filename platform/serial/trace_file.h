@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <functional>
 #include <string>
+#include <string_view>
 
 #include "platform/loop/descriptor.h"
 #include "platform/serial/line_messages.h"

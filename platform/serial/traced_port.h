@@ -3,6 +3,7 @@
 
 #include <memory>
 #include <string>
+#include <utility>
 
 #include "contracts/port.h"
 #include "platform/serial/line_journal.h"

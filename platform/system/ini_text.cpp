@@ -7,6 +7,7 @@
 #include "base/ansi_text.h"
 #include "base/failures.h"
 #include "base/text_helpers.h"
+#include "contracts/octets.h"
 
 namespace Ombrey {
 

@@ -5,6 +5,7 @@
 #include <locale.h>  // NOLINT(modernize-deprecated-headers): newlocale is POSIX
 
 #include <array>
+#include <cstdint>
 #include <cstdlib>
 #include <ctime>
 #include <string_view>

@@ -11,6 +11,7 @@ inline constexpr const char* PortRefusé = "Impossible d'initialiser le port de 
 inline constexpr const char* PasDeConnexion = "Impossible d'établir la connexion avec le RG80.";
 // src/link/exchange.cpp
 inline constexpr const char* AucunPort = "Aucun port n'est réglé (Station > Configurer le port)";
+inline constexpr const char* TitreErreurPort = "Erreur du port";
 inline constexpr const char* PortEnErreur = "Erreur du port de communication au RG80.";
 inline constexpr const char* AucuneRéponse = "Aucune réponse du RG80.";
 inline constexpr const char* Communique = "Communication établie avec le RG80.";

@@ -63,6 +63,10 @@ inline constexpr auto ChampsChargement = std::to_array<ChampChargement>({
 
 /// What is read by its place and not as a field.
 namespace PositionFixe {
+inline constexpr Position Date{5, 6};
+inline constexpr Position Arrivée{11, 4};
+inline constexpr Position Sortie{15, 4};
+inline constexpr Position Part{34, 7};
 inline constexpr Position Jour{5, 2};
 inline constexpr Position Mois{7, 2};
 inline constexpr Position Année{9, 2};
@@ -79,5 +83,19 @@ inline constexpr Position Groupe{31, 3};
 inline constexpr Position PartEntière{34, 3};
 inline constexpr Position PartDécimale{37, 4};
 }  // namespace PositionFixe
+
+/// A file of reference data: one frame of records, cut by their length alone.
+struct FichierTerminal {
+  std::int32_t Numéro;  ///< announces it
+  std::string_view Nom;
+  std::size_t LongEnreg;
+};
+inline constexpr auto FichiersTerminal = std::to_array<FichierTerminal>({
+    {1, "coopérateurs", 41},
+    {2, "groupements", 83},
+    {4, "appellations", 31},
+    {5, "badges", 28},
+    {6, "observations", 22},
+});
 
 }  // namespace Ombrey

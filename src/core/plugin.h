@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "base/text_helpers.h"
 #include "common/context.h"
 #include "contracts/host.h"
 #include "core/operator_window.h"

@@ -2,10 +2,10 @@
 #include "import/frame_processing.h"
 
 #include "base/ansi_text.h"
+#include "base/checksum.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"
-#include "link/checksum.h"
 
 namespace Ombrey {
 namespace {

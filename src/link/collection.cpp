@@ -10,7 +10,6 @@
 #include "base/regional_forms.h"
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
-#include "link/checksum.h"
 #include "link/daily_error_file.h"
 
 namespace Ombrey {

@@ -48,7 +48,7 @@ bool Échange::Envoyer(const Octets& Texte) {
   const auto Port = PortRéglé();
   if (Port->Ecrire(Texte)) return true;
   // A port closed under the writing by the end of the plug-in is no failure of the port.
-  if (!État_.Abandon) État_.Avertir(Port->DernièreErreurPort(), "Erreur du port");
+  if (!État_.Abandon) État_.Avertir(Port->DernièreErreurPort(), Phrase::TitreErreurPort);
   return false;
 }
 

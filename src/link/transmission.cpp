@@ -2,9 +2,9 @@
 #include "link/transmission.h"
 
 #include "base/ansi_text.h"
+#include "base/checksum.h"
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
-#include "link/checksum.h"
 
 namespace Ombrey {
 

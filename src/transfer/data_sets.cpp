@@ -3,6 +3,7 @@
 
 #include <array>
 
+#include "contracts/line_protocol.h"
 #include "transfer/record_encoders.h"
 
 namespace Ombrey {
@@ -58,7 +59,7 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Pause = 0ms,
      .Fichier =
          {
-             .Longueur = 31,
+             .Longueur = FichierNuméro(4)->LongEnreg,
              .Champs = ChampsAppelations,
              .Sql = "SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection"
                     " WHERE IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
@@ -72,7 +73,7 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Pause = 1000ms,
      .Fichier =
          {
-             .Longueur = 41,
+             .Longueur = FichierNuméro(1)->LongEnreg,
              .Champs = ChampsCoopérateurs,
              .Sql = "SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
                     " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Propriétaire"
@@ -88,7 +89,7 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Pause = 1000ms,
      .Fichier =
          {
-             .Longueur = 28,
+             .Longueur = FichierNuméro(5)->LongEnreg,
              .Champs = ChampsBadges,
              .Sql = "SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge",
              .SqlComptage = "SELECT Count(IdMétayage) FROM Métayage",
@@ -101,7 +102,7 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Pause = 1000ms,
      .Fichier =
          {
-             .Longueur = 83,
+             .Longueur = FichierNuméro(2)->LongEnreg,
              .Champs = ChampsGroupements,
              .Sql = "SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp",
              .SqlComptage = nullptr,
@@ -115,7 +116,7 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Pause = 1000ms,
      .Fichier =
          {
-             .Longueur = 22,
+             .Longueur = FichierNuméro(6)->LongEnreg,
              .Champs = ChampsObservations,
              .Sql = "SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité",
              .SqlComptage = "SELECT Count(IdQualité) FROM Qualité",

@@ -1,8 +1,8 @@
 // From the reception text to the import text: the frame, its fields, the load's holding, the import line by the host's
 // layout, and what the host tells about loads. On a cooperative of one pair, one holding and one layout.
+#include "base/checksum.h"
 #include "import/frame_processing.h"
 #include "import/import_notifications.h"
-#include "link/checksum.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {

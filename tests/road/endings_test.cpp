@@ -1,5 +1,5 @@
 // The station ended in the middle of its work.
-#include "link/checksum.h"
+#include "base/checksum.h"
 #include "tests/road/post.h"
 #include "tests/serial/pseudo_terminal.h"
 

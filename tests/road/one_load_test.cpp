@@ -4,9 +4,9 @@
 
 #include <random>
 
+#include "base/checksum.h"
 #include "core/plugin.h"
 #include "host/cooperative_database.h"
-#include "link/checksum.h"
 #include "tests/road/post.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"

@@ -15,6 +15,7 @@
 #include "base/failures.h"
 #include "base/regional_forms.h"
 #include "base/system_error.h"
+#include "contracts/system.h"
 #include "platform/database/dialect.h"
 #include "platform/database/sqlite/sqlite_dialect.h"
 #include "platform/database/sqlite/sqlite_failures.h"

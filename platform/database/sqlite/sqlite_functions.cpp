@@ -12,6 +12,7 @@
 #include <utility>
 
 #include "base/regional_forms.h"
+#include "contracts/system.h"
 #include "platform/database/sqlite/sqlite_failures.h"
 
 namespace Ombrey {

@@ -1,5 +1,5 @@
 // The frame checksum.
-#include "link/checksum.h"
+#include "base/checksum.h"
 
 #include <cstddef>
 #include <cstdint>
