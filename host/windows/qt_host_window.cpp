@@ -83,6 +83,10 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
   État_->setTextFormat(Qt::PlainText);
   statusBar()->addWidget(État_, 1);
   ReprendrePlace();
+  SuivreLaVeille();
+}
+
+void FenêtrePrincipaleQt::SuivreLaVeille() {
   Veille_.SurChangement([this] {
     ActualiserBandeau();
     ActualiserFaits();

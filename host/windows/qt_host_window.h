@@ -70,6 +70,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
  private:
   QMenu& MenuGreffons();
   void CréerPages();
+  void SuivreLaVeille();
   void CréerJournal();
   void CréerAide();
   void Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle);

@@ -13,6 +13,7 @@
 #include "base/regional_forms.h"
 #include "platform/database/dialect.h"
 #include "platform/database/postgresql/postgresql_dialect.h"
+#include "platform/database/postgresql/postgresql_failures.h"
 #include "platform/database/postgresql/postgresql_sums.h"
 
 namespace Ombrey {
@@ -144,7 +145,7 @@ Résultat ConnexionPostgresql::Demander(const std::string& Sql, const std::vecto
                                        bool EstRépétable) {
   const LienServeur::Délai Ensemble(Lien_);
   if (!Lien_.EstOuvert()) {
-    if (DansTransaction_) throw ErreurExécution("La liaison avec le serveur de la base est perdue");
+    if (DansTransaction_) throw ErreurExécution(LiaisonPerdue);
     Relier();
     return Lien_.Demander(Sql, Valeurs);
   }

@@ -38,7 +38,7 @@ constexpr std::array<Traduction, 22> Traductions = {{
     {"23", RefusDeBase::ValeurRefusée},
     {"28", "Le serveur refuse l'accès"},
     {"3D000", "Le serveur n'a pas cette base"},
-    {"08", "La liaison avec le serveur de la base est perdue"},
+    {"08", LiaisonPerdue},
     {"58", "Erreur de lecture ou d'écriture du disque du serveur"},
 }};
 

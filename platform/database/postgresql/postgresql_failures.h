@@ -8,6 +8,8 @@
 
 namespace Ombrey {
 
+inline constexpr const char* LiaisonPerdue = "La liaison avec le serveur de la base est perdue";
+
 /// Raises the failure for the server's five-letter code and its own words. ÉchecPassager for what a second try may
 /// bring through.
 [[noreturn]] void LeverÉchecServeur(std::string_view Code, std::string_view Mots);

@@ -21,7 +21,6 @@ using std::chrono::milliseconds;
 
 /// Between two looks at the windows.
 constexpr milliseconds PasDAttente{50};
-constexpr const char* EstPerdue = "La liaison avec le serveur de la base est perdue";
 
 /// The rules of every connection. A station that has gone leaves its locks within a minute.
 constexpr const char* Réglages =
@@ -206,7 +205,7 @@ bool LienServeur::AttendreSocket(short Quoi, Temps::time_point Échéance) {
 void LienServeur::Perdre() {
   const std::string Mots = SurUneLigne(PQerrorMessage(Lien_.get()));
   Lien_.reset();
-  throw LienPerdu(std::string(EstPerdue) + " (" + Mots + ")");
+  throw LienPerdu(std::string(LiaisonPerdue) + " (" + Mots + ")");
 }
 
 /// For a while, questions fail at once.
