@@ -3,11 +3,8 @@
 #include <gtest/gtest.h>
 #include <sys/socket.h>
 
-#include <array>
 #include <csignal>
-#include <fstream>
 
-#include "base/failures.h"
 #include "host/console_station.h"
 #include "host/station.h"
 #include "platform/loop/descriptor.h"
@@ -42,11 +39,6 @@ class Terminal {
   Descripteur Console;  ///< the program's end
   Descripteur Opérateur;
 };
-
-std::string Contenu(const std::string& Fichier) {
-  std::ifstream Flux(Fichier);
-  return {std::istreambuf_iterator<char>(Flux), {}};
-}
 
 Tarvel::Options Choisies(const std::string& Dossier, Arguments Plus) {
   Plus.insert(Plus.end(), {"--base", Dossier + "/base.db", "--ini", Dossier + "/tarvel.ini"});

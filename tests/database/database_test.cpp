@@ -1,8 +1,6 @@
 // The dialect and the recordsets of the database on each engine; the file and its journal on SQLite.
-#include <gtest/gtest.h>
 #include <sqlite3.h>
 
-#include "base/failures.h"
 #include "base/regional_forms.h"
 #include "platform/database/recordsets.h"
 #include "platform/database/sqlite/sqlite_connection.h"

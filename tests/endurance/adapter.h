@@ -2,13 +2,11 @@
 #pragma once
 
 #include <poll.h>
-#include <sys/eventfd.h>
 #include <termios.h>
 
 #include <atomic>
 #include <filesystem>
 #include <optional>
-#include <string>
 #include <thread>
 
 #include "tests/serial/pseudo_terminal.h"
@@ -27,14 +25,11 @@ class Adaptateur {
   Adaptateur(const Adaptateur&) = delete;
   ~Adaptateur() {
     EnFin_ = true;
-    Brancher(false);
     Fil_.join();
+    Poser(false);
   }
 
-  void Brancher(bool Branché) {
-    Voulu_ = Branché;
-    eventfd_write(Réveil_.Numéro(), 1);
-  }
+  void Brancher(bool Branché) { Voulu_ = Branché; }
 
  private:
   /// Its near end is kept open, so that it outlives the stations, and passes every byte as it is.
@@ -51,23 +46,17 @@ class Adaptateur {
 
   void Poser(bool Branché) {
     if (Branché == Appareil_.has_value()) return;
-    if (Branché) {
-      std::filesystem::create_symlink(Appareil_.emplace().Ligne.Nom(), Lien_);
-    } else {
-      std::filesystem::remove(Lien_);
-      Appareil_.reset();
-    }
+    if (Branché) return std::filesystem::create_symlink(Appareil_.emplace().Ligne.Nom(), Lien_);
+    std::filesystem::remove(Lien_);
+    Appareil_.reset();
   }
-
   void Relayer() {
-    while (!EnFin_) {
+    for (; !EnFin_; Poser(Voulu_)) {
       const int Station = Appareil_ ? Appareil_->Ligne.Maître.Numéro() : -1;
-      pollfd Attendus[] = {{Réveil_.Numéro(), POLLIN, 0}, {Terminal_.Numéro(), POLLIN, 0}, {Station, POLLIN, 0}};
-      poll(Attendus, std::size(Attendus), -1);
-      if (Attendus[1].revents != 0 && !Passer(Terminal_.Numéro(), Station)) Terminal_.Fermer();
-      if ((Attendus[2].revents & POLLIN) != 0) Passer(Station, Terminal_.Numéro());
-      if (eventfd_t Fois = 0; Attendus[0].revents != 0) eventfd_read(Réveil_.Numéro(), &Fois);
-      Poser(Voulu_);
+      pollfd Attendus[] = {{Terminal_.Numéro(), POLLIN, 0}, {Station, POLLIN, 0}};
+      poll(Attendus, std::size(Attendus), 5);
+      if (Attendus[0].revents != 0 && !Passer(Terminal_.Numéro(), Station)) Terminal_.Fermer();
+      if ((Attendus[1].revents & POLLIN) != 0) Passer(Station, Terminal_.Numéro());
     }
   }
   /// False when there is nothing more to come from there.
@@ -77,7 +66,7 @@ class Adaptateur {
     return Lus > 0 && (Vers < 0 || write(Vers, Place, static_cast<std::size_t>(Lus)) >= 0 || errno == EAGAIN);
   }
 
-  Descripteur Terminal_, Réveil_{eventfd(0, EFD_CLOEXEC | EFD_NONBLOCK)};
+  Descripteur Terminal_;
   std::string Lien_;
   std::optional<Appareil> Appareil_;
   std::atomic<bool> Voulu_{true}, EnFin_{false};

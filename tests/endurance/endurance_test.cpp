@@ -1,18 +1,14 @@
 // The promise, put to the proof: each load once and only once, whatever befalls the line, the station and the database.
-#include <atomic>
 #include <cstdio>
 #include <deque>
 #include <regex>
-#include <set>
 #include <sstream>
 
-#include "base/failures.h"
 #include "tests/endurance/adapter.h"
 #include "tests/endurance/offered_loads.h"
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 /// What the station must wait out takes it two seconds.
 constexpr const char* TauxLongs =
@@ -40,31 +36,12 @@ std::vector<std::string> Lignes(const std::string& Texte) {
   return Toutes;
 }
 
-std::string Contenu(const std::filesystem::path& Fichier) {
-  std::ifstream Flux(Fichier, std::ios::binary);
-  return {std::istreambuf_iterator<char>(Flux), {}};
-}
-
 /// Every file of a folder that may be missing.
 std::vector<std::string> ContenusDe(const std::filesystem::path& Dossier) {
   std::vector<std::string> Tous;
   if (!std::filesystem::exists(Dossier)) return Tous;
   for (const auto& Fichier : std::filesystem::directory_iterator(Dossier)) Tous.push_back(Contenu(Fichier.path()));
   return Tous;
-}
-
-/// What stands around each line that holds Extrait.
-std::string Autour(const std::string& Texte, const std::string& Extrait) {
-  constexpr std::size_t Marge = 15;
-  const auto Toutes = Lignes(Texte);
-  std::set<std::size_t> Rangs;
-  for (std::size_t Rang = 0; Rang < Toutes.size(); ++Rang)
-    for (std::size_t Voisin = Rang - std::min(Rang, Marge);
-         Toutes[Rang].find(Extrait) != std::string::npos && Voisin < std::min(Rang + Marge, Toutes.size()); ++Voisin)
-      Rangs.insert(Voisin);
-  std::string Choisies;
-  for (const std::size_t Rang : Rangs) Choisies += std::to_string(Rang + 1) + ": " + Toutes[Rang] + "\n";
-  return Choisies;
 }
 
 /// A terminal with its queue, a station in a folder of its own, and what befalls them.
@@ -91,7 +68,7 @@ class Voie {
     const auto Limite = std::chrono::steady_clock::now() + Patience;
     Lancer();
     while (!EstVide() && std::chrono::steady_clock::now() < Limite) Malmener();
-    ASSERT_TRUE(EstVide()) << Extrait(Courant());
+    ASSERT_TRUE(EstVide()) << Tout();
     EXPECT_EQ(P_.Rg80->Fin(), 0);
     EXPECT_NE(P_.Rg80->Dit().find(", acquittés " + std::to_string(Offerts_.size()) + ","), std::string::npos);
     P_.Station->Taper("fin");
@@ -109,7 +86,6 @@ class Voie {
  private:
   void Malmener();
   void Tuer();
-  void VérifierChargements();
   void VérifierRéponses(const Suivi& Changements);
   void VérifierFichiers();
   void Lancer() { P_.LancerStation("interroger", "--sans-operateur --site " + Site_); }
@@ -142,11 +118,10 @@ class Voie {
     Attendre(Moments[Hasard_(Moments.size())], std::chrono::milliseconds(Hasard_(400)));
     Attendre("bilan : ", std::chrono::milliseconds(Hasard_(30)));
   }
-  /// For a failure: the terminal, the line and the station around a load.
-  [[nodiscard]] std::string Extrait(const std::string& Numéro) const {
-    return "\n--- terminal\n" + Autour(P_.Rg80->Dit(), Numéro) + "--- ligne\n" +
-           Autour(Contenu(P_.En("journal.txt")), "<STX>" + Numéro) + "--- station\n" +
-           Autour(Passé_ + P_.Station->Dit(), "n° " + std::to_string(std::stol("0" + Numéro)));
+  /// For a failure: all that the terminal, the line and the station have said.
+  [[nodiscard]] std::string Tout() const {
+    return "\n--- terminal\n" + P_.Rg80->Dit() + "--- ligne\n" + Contenu(P_.En("journal.txt")) + "--- station\n" +
+           Passé_ + P_.Station->Dit();
   }
 
   Dé Hasard_;
@@ -205,16 +180,10 @@ void Voie::Tuer() {
 
 void Voie::Vérifier(const Suivi& Changements) {
   Comptes["loads"] = Offerts_.size();
-  VérifierChargements();
+  EXPECT_EQ(ChargementsRentrés(*P_.Base(), Site_), Offerts_);
   VérifierRéponses(Changements);
   VérifierFichiers();
-}
-
-void Voie::VérifierChargements() {
-  const auto Rentrés = ChargementsRentrés(*P_.Base(), Site_);
-  EXPECT_EQ(Rentrés.size(), Offerts_.size()) << Extrait(Courant());
-  for (std::size_t Rang = 0; Rang < std::min(Rentrés.size(), Offerts_.size()); ++Rang)
-    ASSERT_EQ(Rentrés[Rang], Offerts_[Rang]) << Extrait(Offerts_[Rang].substr(0, 4));
+  EXPECT_FALSE(testing::Test::HasFailure()) << Site_ << Tout();
 }
 
 void Voie::VérifierRéponses(const Suivi& Changements) {
@@ -231,8 +200,7 @@ void Voie::VérifierRéponses(const Suivi& Changements) {
       ++Comptes["replies"];
       Servis.insert(Numéro);
       const std::string Reçue = Ligne.substr(Réponse.size());
-      EXPECT_TRUE(Changements.Permet(Site_, std::stol(Numéro), Reçue, JourCourt() != Jour_))
-          << Reçue << Extrait(Numéro);
+      EXPECT_TRUE(Changements.Permet(Site_, std::stol(Numéro), Reçue, JourCourt() != Jour_)) << Numéro << Reçue;
     }
     if (const std::size_t Place = Ligne.find(Panne); Place != std::string::npos) {
       std::istringstream Noms(Ligne.substr(Place + Panne.size(), Ligne.size() - Place - Panne.size() - 1));
@@ -247,7 +215,7 @@ void Voie::VérifierRéponses(const Suivi& Changements) {
     if (Ligne.starts_with(Ajouté) || Ligne == MotDeMort) EstDit = false;
   }
   for (const std::string& Un : Offerts_)
-    EXPECT_TRUE(Servis.contains(Un.substr(0, 4))) << "no reply, and nobody said so" << Extrait(Un.substr(0, 4));
+    EXPECT_TRUE(Servis.contains(Un.substr(0, 4))) << "no reply, and nobody said so" << Un;
 }
 
 void Voie::VérifierFichiers() {
@@ -279,7 +247,7 @@ class Cave {
     Une_.Lieu().Faire(Suivi::Tables);
   }
   void Tenir(std::chrono::seconds Patience);
-  Décompte Vérifier();
+  void Vérifier(Décompte& Somme);
 
  private:
   void Corriger(ConnexionSqlite& Base);
@@ -321,11 +289,15 @@ void Cave::Corriger(ConnexionSqlite& Base) {
   ++Corrections_;
 }
 
-Décompte Cave::Vérifier() {
+void Cave::Vérifier(Décompte& Somme) {
   const Poste& P = Une_.Lieu();
   EXPECT_EQ(P.Valeur("PRAGMA integrity_check"), "ok");
   const Suivi Changements(P.Base());
-  for (Voie* Voie : {&Une_, &Autre_}) Voie->Vérifier(Changements);
+  for (Voie* Voie : {&Une_, &Autre_}) {
+    Voie->Vérifier(Changements);
+    for (const auto& [Nom, Combien] : Voie->Comptes) Somme[Nom] += Combien;
+  }
+  Somme["corrections"] += Corrections_;
   // What the office has written stays, and all the rest is as it came; nothing archived; what was created, created
   // once.
   EXPECT_EQ(P.Valeur("SELECT group_concat(CodeSite || '/' || NoChargement) FROM Chargement AS C"
@@ -345,10 +317,6 @@ Décompte Cave::Vérifier() {
   const int Première = Offerte("000801000802"), Seconde = Offerte("000101000803");
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM Métayage"), std::to_string(15 + Première + Seconde));
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM Coopérateur"), std::to_string(12 + 2 * Première + Seconde));
-  Décompte Somme = Une_.Comptes;
-  for (const auto& [Nom, Combien] : Autre_.Comptes) Somme[Nom] += Combien;
-  Somme["corrections"] = Corrections_;
-  return Somme;
 }
 
 /// The environment can make it long (loads in all) and repeat another seed.
@@ -368,13 +336,11 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   for (std::thread& Fil : Fils) Fil.join();
   Décompte Somme;
   if (HasFailure()) return;
-  for (Cave& Une : Caves)
-    for (const auto& [Nom, Combien] : Une.Vérifier()) Somme[Nom] += Combien;
+  for (Cave& Une : Caves) Une.Vérifier(Somme);
   const auto Durée = std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - Début);
   std::printf("endurance: seed %u, %lld s, bases %u", Graine, static_cast<long long>(Durée.count()), NombreCaves);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
   std::puts("");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

@@ -8,8 +8,6 @@
 #include <map>
 #include <random>
 #include <set>
-#include <string>
-#include <vector>
 
 #include "base/regional_forms.h"
 #include "platform/database/sqlite/sqlite_connection.h"

@@ -1,10 +1,6 @@
 // A sample cooperative in a folder of its own, with a clock that stands still.
 #pragma once
 
-#include <gtest/gtest.h>
-
-#include <fstream>
-
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"
 #include "host/cooperative_database.h"
@@ -12,7 +8,6 @@
 #include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/each_engine.h"
 #include "tests/support/fake_platform.h"
-#include "tests/support/test_folder.h"
 
 namespace Tarvel {
 

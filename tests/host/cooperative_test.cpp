@@ -1,5 +1,4 @@
 // The tables, the queries of the plug-in on the sample, creations and figures.
-#include <thread>
 
 #include "contracts/line_protocol.h"
 #include "platform/database/sqlite/sqlite_dialect.h"

@@ -1,6 +1,4 @@
 // Bases that were left behind: those of former and of later programs, met at opening, and a copy that goes back.
-#include <algorithm>
-#include <iterator>
 #include <sstream>
 
 #include "host/saved_base.h"

@@ -1,6 +1,5 @@
 // The error list as the PDF printer leaves it: its pages read back, letter by letter.
 #include <QPrinter>
-#include <fstream>
 
 #include "monitor/error_printout.h"
 #include "tests/qt/qt_fixture.h"
@@ -16,8 +15,7 @@ struct PdfLu {
 };
 
 PdfLu LirePdf(const std::filesystem::path& Fichier, const QRectF& Papier) {
-  std::ifstream Flux(Fichier, std::ios::binary);
-  const auto Tout = QByteArray::fromStdString({std::istreambuf_iterator<char>(Flux), {}});
+  const auto Tout = QByteArray::fromStdString(Contenu(Fichier));
   const auto Latin = QString::fromLatin1(Tout);
   QStringList Lettres;
   for (const auto& Police : QRegularExpression("\\[((<\\w{4}> ?)+)\\]\\s+endbfrange").globalMatch(Latin))

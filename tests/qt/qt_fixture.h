@@ -6,7 +6,6 @@
 #include <QtTest>
 #include <QtWidgets>
 
-#include "common/context.h"
 #include "platform/qt/qt_windows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"

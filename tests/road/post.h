@@ -4,11 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <fstream>
-#include <iterator>
-#include <memory>
-
 #include "base/regional_forms.h"
 #include "host/schema.h"
 #include "platform/database/sqlite/sqlite_connection.h"

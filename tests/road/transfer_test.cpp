@@ -49,8 +49,7 @@ TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBackAndIsRightToTheByt
     std::string Attendu;
     for (const char C : Enregistrements)
       Attendu += C == '/' ? std::string(Longueur - Attendu.size() % Longueur, ' ') : std::string(1, C);
-    std::ifstream Flux(P.En(Nom), std::ios::binary);
-    EXPECT_EQ(std::string(std::istreambuf_iterator<char>(Flux), {}), Attendu) << Nom;
+    EXPECT_EQ(Contenu(P.En(Nom)), Attendu) << Nom;
   }
   P.Rg80->Signaler(SIGINT);
   P.Station->Taper("fermer");

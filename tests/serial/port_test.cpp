@@ -1,11 +1,8 @@
 // The port on a pseudo-terminal: receiving, writing at line pace, loss and return.
 #include <termios.h>
 
-#include <algorithm>
-#include <filesystem>
 #include <thread>
 #include <tuple>
-#include <vector>
 
 #include "platform/loop/poll_loop.h"
 #include "platform/serial/port_server.h"

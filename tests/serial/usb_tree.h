@@ -4,9 +4,7 @@
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
 
-#include <filesystem>
 #include <fstream>
-#include <string>
 
 #include "platform/serial/device_tree.h"
 

@@ -3,6 +3,8 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 namespace Ombrey::Essais {
@@ -25,5 +27,11 @@ struct DossierEssai {
   }
   std::filesystem::path Chemin_ = Nouveau();
 };
+
+/// All the bytes of a file; none where there is no such file.
+inline std::string Contenu(const std::filesystem::path& Fichier) {
+  std::ifstream Flux(Fichier, std::ios::binary);
+  return {std::istreambuf_iterator<char>(Flux), {}};
+}
 
 }  // namespace Ombrey::Essais

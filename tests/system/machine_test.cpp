@@ -1,21 +1,24 @@
-// The machine's platform: settings on disk to the byte, folders, forms of numbers, configuring a port.
+// The machine's platform: settings on disk to the byte, folders, forms of numbers, configuring a port; and what a
+// service tells its manager, heard at the manager's end of the socket.
 #include <sys/resource.h>
+#include <sys/socket.h>
 #include <sys/stat.h>
+#include <sys/un.h>
 
 #include <csignal>
+#include <cstring>
 
-#include "base/failures.h"
 #include "base/regional_forms.h"
 #include "host/machine_platform.h"
 #include "platform/loop/poll_loop.h"
 #include "platform/system/ini_text.h"
 #include "platform/system/safe_file.h"
+#include "platform/system/service_notice.h"
 #include "tests/serial/pseudo_terminal.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
-namespace Ombrey {
-namespace {
+namespace Ombrey::Essais {
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -77,10 +80,10 @@ class Machine : public testing::Test, public IQuestionnairePort {
   bool Demander(RéglagesPort& Réglages, const Essai& Essayer) override { return Opérateur_(Réglages, Essayer); }
 
   std::function<bool(RéglagesPort&, const Essai&)> Opérateur_;
-  Essais::DossierEssai Dossier_;
+  DossierEssai Dossier_;
   fs::path D_ = Dossier_.Chemin();
   fs::path Ini_ = D_ / "tarvel.ini";
-  Essais::FaussePlateforme Fausse_;
+  FaussePlateforme Fausse_;
   BouclePoll Boucle_;
   PlateformeMachine Machine_{Boucle_, Fausse_.LesFenêtres, this, D_ / "a" / "b", D_ / "config" / "reglages.ini"};
   PseudoTerminal Loin_;
@@ -210,28 +213,92 @@ TEST_F(Machine, ATrialAsksTheTerminalAndLeavesThePortToItsOwner) {
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
     const uid_t Moi = geteuid();
     EXPECT_EQ(seteuid(Moi == 0 ? 65534 : Moi), 0);
-    for (const auto& [Réglages, Mots] : Cas) {
+    for (const auto& [Réglages, Dit] : Cas) {
       const std::string Texte = Essayer(Réglages);
-      EXPECT_TRUE(Texte.empty() == Mots.empty() && Texte.find(Mots) != std::string::npos) << Mots << ": " << Texte;
+      EXPECT_NE(Texte.find(Dit), std::string::npos) << Dit << ": " << Texte;
     }
     EXPECT_EQ(seteuid(Moi), 0);
     return false;
   };
   EXPECT_FALSE(Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"));
   Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
-    const auto Réponse = Boucle_.Après(500ms, [&] {
-      Loin_.Envoyer(
-          "\x06"
-          "8");
-    });
+    const auto Réponse = Boucle_.Après(500ms, [&] { Loin_.Envoyer("\0068"); });
     return Essayer({Loin_.Nom(), "4800", "N", "1", "8"}).empty();
   };
   EXPECT_TRUE(Port->Configurer(Ini_, "S")) << "who holds the port may try it";
-  EXPECT_EQ(Loin_.Recevoir(),
-            "\x05"
-            "8");
+  EXPECT_EQ(Loin_.Recevoir(), "\0058");
   EXPECT_TRUE(Port->Ecrire(Octets("x")));
 }
 
-}  // namespace
-}  // namespace Ombrey
+/// The manager's socket; '@' ahead of its name stands for the zero byte.
+Descripteur Écouter(std::string Nom) {
+  if (Nom.front() == '@') Nom.front() = '\0';
+  sockaddr_un Adresse{};
+  Adresse.sun_family = AF_UNIX;
+  std::memcpy(Adresse.sun_path, Nom.data(), Nom.size());
+  Descripteur Prise(socket(AF_UNIX, SOCK_DGRAM | SOCK_NONBLOCK, 0));
+  const auto Longueur = static_cast<socklen_t>(offsetof(sockaddr_un, sun_path) + Nom.size());
+  EXPECT_EQ(bind(Prise.Numéro(), reinterpret_cast<const sockaddr*>(&Adresse), Longueur), 0);
+  return Prise;
+}
+
+std::string Entendu(const Descripteur& Prise) {
+  std::string Tout;
+  char Place[256];
+  for (ssize_t Lus = 0; (Lus = recv(Prise.Numéro(), Place, sizeof Place, 0)) >= 0; Tout += "|")
+    Tout.append(Place, static_cast<std::size_t>(Lus));
+  return Tout;
+}
+
+TEST(Service, TellsTheManagerOfItsLifeAndFeedsTheWatchdogFromTheLoop) {
+  const DossierEssai Dossier;
+  const std::string Chemin = (Dossier.Chemin() / "avis").string();
+  const std::string Autre = std::to_string(getpid() + 1);
+  const std::array<std::string, 4> Cas[] = {
+      {Chemin, "3000", "", "WATCHDOG=1|WATCHDOG=1|"},
+      {"@ombrey-essai-" + std::to_string(getpid()), "3000", std::to_string(getpid()), "WATCHDOG=1|WATCHDOG=1|"},
+      {Chemin, "3000", Autre, ""},
+      {Chemin, "3s", "", ""},
+      {Chemin, "", "", ""}};
+  for (const auto& [Adresse, Délai, Pour, Nourriture] : Cas) {
+    SCOPED_TRACE(Adresse + " " + Délai + " " + Pour);
+    unlink(Chemin.c_str());
+    const Descripteur Gérant = Écouter(Adresse);
+    setenv("NOTIFY_SOCKET", Adresse.c_str(), 1);
+    setenv("WATCHDOG_USEC", Délai.c_str(), 1);
+    setenv("WATCHDOG_PID", Pour.c_str(), 1);
+    BouclePoll Boucle;
+    AvisService Service(Boucle);
+    Service.Prêt("au travail");
+    EXPECT_EQ(Boucle.Pomper(Nourriture.empty() ? 10ms : 10s), !Nourriture.empty());
+    Service.Arrêt();
+    EXPECT_EQ(Entendu(Gérant), "READY=1\nSTATUS=au travail|" + Nourriture + "STOPPING=1|");
+    EXPECT_FALSE(Boucle.Pomper(10ms)) << "what ends isn't fed";
+  }
+  for (const std::string& Sourd : {std::string(), Chemin + "x", std::string(200, 'x')}) {
+    setenv("NOTIFY_SOCKET", Sourd.c_str(), 1);
+    BouclePoll Boucle;
+    EXPECT_NO_THROW(AvisService(Boucle).Prêt("")) << Sourd;
+  }
+  unsetenv("NOTIFY_SOCKET");
+}
+
+TEST(Service, KnowsTheJournalAndTheLevelsOfItsLines) {
+  struct stat État {};
+  ASSERT_EQ(fstat(STDIN_FILENO, &État), 0);
+  const std::string Ici = std::to_string(État.st_dev) + ":" + std::to_string(État.st_ino);
+  for (const auto& [Variable, Attendu] : {std::pair(Ici, true), {"", false}, {Ici + "0", false}}) {
+    setenv("JOURNAL_STREAM", Variable.c_str(), 1);
+    EXPECT_EQ(MèneAuJournal(STDIN_FILENO), Attendu) << Variable;
+  }
+  unsetenv("JOURNAL_STREAM");
+  const std::pair<const char*, const char*> Lignes[] = {{"erreur 08:00:00 : x", "<3>"},
+                                                        {"boîte «Ombrey» (OK) : x", "<4>"},
+                                                        {"hôte : x", "<5>"},
+                                                        {"message [ ] 08:00:00 : Aucune réponse du RG80.", "<6>"},
+                                                        {"message [ ] 08:00:00 : Aucun chargement à récupérer.", "<7>"},
+                                                        {"message [x] 08:00:00 : erreur x", "<6>"}};
+  for (const auto& [Ligne, Niveau] : Lignes) EXPECT_EQ(NiveauJournal(Ligne), Niveau) << Ligne;
+}
+
+}  // namespace Ombrey::Essais
