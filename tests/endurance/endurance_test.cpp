@@ -1,7 +1,6 @@
 // The promise, put to the proof: each load once and only once, whatever befalls the line, the station and the database.
 #include <cstdio>
 #include <deque>
-#include <regex>
 #include <sstream>
 
 #include "tests/endurance/adapter.h"
@@ -34,14 +33,6 @@ std::vector<std::string> Lignes(const std::string& Texte) {
   std::istringstream Flux(Texte);
   for (std::string Une; std::getline(Flux, Une);) Toutes.push_back(Une);
   return Toutes;
-}
-
-/// Every file of a folder that may be missing.
-std::vector<std::string> ContenusDe(const std::filesystem::path& Dossier) {
-  std::vector<std::string> Tous;
-  if (!std::filesystem::exists(Dossier)) return Tous;
-  for (const auto& Fichier : std::filesystem::directory_iterator(Dossier)) Tous.push_back(Contenu(Fichier.path()));
-  return Tous;
 }
 
 /// A terminal with its queue, a station in a folder of its own, and what befalls them.
@@ -87,7 +78,6 @@ class Voie {
   void Malmener();
   void Tuer();
   void VérifierRéponses(const Suivi& Changements);
-  void VérifierFichiers();
   void Lancer() { P_.LancerStation("interroger", "--sans-operateur --site " + Site_); }
 
   [[nodiscard]] bool EstVide() const {
@@ -182,7 +172,7 @@ void Voie::Vérifier(const Suivi& Changements) {
   Comptes["loads"] = Offerts_.size();
   EXPECT_EQ(ChargementsRentrés(*P_.Base(), Site_), Offerts_);
   VérifierRéponses(Changements);
-  VérifierFichiers();
+  EXPECT_TRUE(std::filesystem::is_empty(P_.En("poste/import")));
   EXPECT_FALSE(testing::Test::HasFailure()) << Site_ << Tout();
 }
 
@@ -216,24 +206,6 @@ void Voie::VérifierRéponses(const Suivi& Changements) {
   }
   for (const std::string& Un : Offerts_)
     EXPECT_TRUE(Servis.contains(Un.substr(0, 4))) << "no reply, and nobody said so" << Un;
-}
-
-void Voie::VérifierFichiers() {
-  EXPECT_EQ(ContenusDe(P_.En("poste/import")), std::vector<std::string>());
-  // A station killed between the two has put the file away without naming it.
-  std::size_t Nommés = 0;
-  for (const std::string& Fichier : ContenusDe(P_.En("poste/données")))
-    for (const std::string& Ligne : Lignes(Fichier)) {
-      static const std::regex Refus("[0-9:]{8} : TableImporter = TRUE : .+ - voir .+/ImportRG80 [0-9 ]{14}\\.txt\r");
-      EXPECT_TRUE(Ligne == "\r" || std::regex_match(Ligne, Refus)) << Ligne;
-      Nommés += Ligne == "\r" ? 0 : 1;
-    }
-  const auto Gardés = ContenusDe(P_.En("poste/imports-refusés"));
-  for (const std::string& Fichier : Gardés)
-    EXPECT_TRUE(std::regex_match(Fichier, std::regex(Site_ + ";[0-9]+;[^\r\n]+;\r\n"))) << Fichier;
-  EXPECT_LE(Nommés, Gardés.size());
-  EXPECT_LE(Gardés.size(), Nommés + Comptes["kills"]);
-  Comptes["refused imports"] = Gardés.size();
 }
 
 /// Two stations on one base, whose terminals give the same numbers and meet the same unknown holdings, and the office,
