@@ -12,7 +12,6 @@
 #include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 using namespace std::chrono_literals;
 using Arguments = std::vector<std::string>;
@@ -22,8 +21,8 @@ class Terminal {
  public:
   /// Types it all and ends the input.
   explicit Terminal(const std::string& Tapé) {
-    std::array<int, 2> Bouts{};
-    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Bouts.data()), 0);
+    int Bouts[2] = {-1, -1};
+    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Bouts), 0);
     Console = Descripteur(Bouts[0]);
     Opérateur = Descripteur(Bouts[1]);
     EXPECT_EQ(send(Bouts[1], Tapé.data(), Tapé.size(), 0), static_cast<ssize_t>(Tapé.size()));
@@ -287,11 +286,11 @@ TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
 constexpr const char* Absent = REGLAGES("/dev/absent");
 constexpr const char* SansPort = "[PlugInOmbrey]\nPériode interrogation=2000\n";
 
+/// The settings, what is typed and seen, the settings afterwards, more options.
 struct CasVie {
-  const char* Réglages;
-  const char* Tapé;
+  const char *Réglages, *Tapé;
   Arguments Vus;
-  const char* Gardés;  ///< the settings afterwards
+  const char* Gardés;
   Arguments Plus = {};
 };
 
@@ -343,5 +342,4 @@ TEST(Station, LivesWithThePlugInAndLetsItGo) {
   }
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

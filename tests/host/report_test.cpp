@@ -4,7 +4,6 @@
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
-namespace {
 
 struct Rapport : SurChaqueMoteur {
   /// Three loads of 22 September and, under a number taken over, one of the day before.
@@ -27,18 +26,14 @@ struct Rapport : SurChaqueMoteur {
 TEST_P(Rapport, OpensInAFrenchSpreadsheetAndHoldsNoFormula) {
   const std::string Entête = Csv("01/01/2020", "2020-01-02");
   EXPECT_TRUE(Entête.starts_with("\xEF\xBB\xBFSite;N° de chargement;Arrivée;")) << Entête;
-  const std::string Douze =
-      ";4;123;Delmas François;456;'@Maurin Solène;7;Garrigue;05;Côteaux rouges;Syrah;01;Saine;12,5;2;1234;7;";
+  // clang-format off
+  const std::string Douze = ";4;123;Delmas François;456;'@Maurin Solène;7;Garrigue;05;Côteaux rouges;Syrah;01;Saine;12,5;2;1234;7;";
   const std::string Veille = "1;12;21/09/2026 23:59;22/09/2026 09:15" + Douze + "oui\r\n";
   const std::string Jour =
-      "1;13;22/09/2026 00:00;22/09/2026 09:15;15;456;'@Maurin Solène;456;'@Maurin Solène;7;Garrigue;20;Côteaux "
-      "blancs;'=1+1;01;Saine;"
-      "12,5;2;1234;\"a \"\"b\"\"; c\";\r\n"
-      "1;12;22/09/2026 08:30;22/09/2026 09:15" +
-      Douze +
-      "\r\n"
-      "1;14;22/09/2026 18:05;22/09/2026 09:15;6;210;Estève Anaïs;305;Fabrègues Jérôme;2;Plaine;05;Côteaux "
-      "rouges;Syrah;01;Saine;12,5;2;1234;7;\r\n";
+      "1;13;22/09/2026 00:00;22/09/2026 09:15;15;456;'@Maurin Solène;456;'@Maurin Solène;7;Garrigue;20;Côteaux blancs;'=1+1;01;Saine;12,5;2;1234;\"a \"\"b\"\"; c\";\r\n"
+      "1;12;22/09/2026 08:30;22/09/2026 09:15" + Douze + "\r\n"
+      "1;14;22/09/2026 18:05;22/09/2026 09:15;6;210;Estève Anaïs;305;Fabrègues Jérôme;2;Plaine;05;Côteaux rouges;Syrah;01;Saine;12,5;2;1234;7;\r\n";
+  // clang-format on
   EXPECT_EQ(Csv("", ""), Entête + Veille + Jour);
   EXPECT_EQ(Csv("21/09/2026", "2026-09-21"), Entête + Veille);
   EXPECT_EQ(Csv("22/09/2026", ""), Entête + Jour);
@@ -58,5 +53,4 @@ TEST(Export, ReplacesAFormerOneAndNothingElse) {
     EXPECT_EQ(LireJour(Texte), std::nullopt) << Texte;
 }
 
-}  // namespace
 }  // namespace Tarvel

@@ -62,22 +62,23 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
 }
 
 TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
-  const struct {
-    const char *Ligne, *Port, *Dite;
-  } Table[] = {{"Module initialisé.", "", "Le RG80 n'a pas encore été interrogé"},
-               {"08:30:00 : Aucun chargement à récupérer.", "", "Le RG80 répond"},
-               {"Echec de lecture de données du RG80 : Aucune réponse du RG80.", "", "Le RG80 est muet depuis 12 min"},
-               {"Erreur du port de communication au RG80.", "", "Le port est en panne (depuis 12 min)"},
-               {"Erreur du port de communication au RG80.", "Le port COM1: est occupé par minicom.",
-                "Le port COM1: est occupé par minicom. (depuis 12 min)"},
-               {"Mise à jour des cumuls : Exploitation : 12", "Le port COM1: est absent.", "Le RG80 répond"},
-               {"Vérification. Erreur Aucun port n'est réglé (Station > Configurer le port)", "",
-                "Aucun port n'est réglé (Station > Configurer le port)"}};
-  for (const auto& Cas : Table) {
-    ÉtatLiaison Liaison;
-    if (*Cas.Port) Liaison.NoterPort(1000, Cas.Port);
-    for (const Secondes Quand : {1000, 1700}) Liaison.Noter(Quand, Cas.Ligne);
-    EXPECT_EQ(Liaison.Texte(1000 + 725), Cas.Dite);
+  // What the plug-in says, the port's own word, and what is made of it.
+  // clang-format off
+  const std::string Panne = "Erreur du port de communication au RG80.", Occupé = "Le port COM1: est occupé par minicom.";
+  const std::string SansPort = "Aucun port n'est réglé (Station > Configurer le port)";
+  const std::array<std::string, 3> Table[] = {
+      {"Module initialisé.", "", "Le RG80 n'a pas encore été interrogé"},
+      {"08:30:00 : Aucun chargement à récupérer.", "", "Le RG80 répond"},
+      {"Echec de lecture de données du RG80 : Aucune réponse du RG80.", "", "Le RG80 est muet depuis 12 min"},
+      {Panne, "", "Le port est en panne (depuis 12 min)"}, {Panne, Occupé, Occupé + " (depuis 12 min)"},
+      {"Mise à jour des cumuls : Exploitation : 12", "Le port COM1: est absent.", "Le RG80 répond"},
+      {"Vérification. Erreur " + SansPort, "", SansPort}};
+  // clang-format on
+  for (const auto& [Dit, Port, Phrase] : Table) {
+    ÉtatLiaison Vue;
+    if (!Port.empty()) Vue.NoterPort(1000, Port);
+    for (const Secondes Quand : {1000, 1700}) Vue.Noter(Quand, Dit);
+    EXPECT_EQ(Vue.Texte(1000 + 725), Phrase);
   }
 }
 
@@ -87,18 +88,13 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Veille Vue;
   Vue.FixerDossierConservés(Dossier.Chemin());
   const auto Offrir = [&Vue](std::size_t Taille = Ombrey::LongTrameChargement) {
-    const std::string Trame =
-        "\x02"
-        "001222092608050806000123000456001100000005011x510850007\x03"
-        "42";
+    const std::string Trame = "\002001222092608050806000123000456001100000005011x510850007\00342";
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(0, 20)));
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(20, Taille - 20)));
   };
   const auto Résumé = [&Vue] {
     std::string Tout;
-    const Rangées Toutes = Vue.Refusés();
-    for (std::size_t Rang = 1; Rang < Toutes.size(); ++Rang)
-      Tout += Toutes[Rang][0] + " " + Toutes[Rang][2] + " " + Toutes[Rang][4] + "|";
+    for (const auto& Une : Vue.Refusés() | std::views::drop(1)) Tout += Une[0] + " " + Une[2] + " " + Une[4] + "|";
     return Tout;
   };
   Offrir();

@@ -1,7 +1,5 @@
 // One load on its way through the plug-in into a real database, over a line that takes no time: whatever comes and
 // whatever fails, a load is acknowledged only when it is in, and comes in once the fault is mended.
-#include <sys/resource.h>
-
 #include <random>
 
 #include "base/checksum.h"
@@ -158,7 +156,6 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
       {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
       // clang-format on
   };
-  std::signal(SIGXFSZ, SIG_IGN);
   Relever(Octets("\x15\x41"));
   Plateforme.LeSystème.Laisser(std::chrono::seconds(3));  // the line is nobody else's any more
   Relever(Octets("\x15\x41"));
@@ -166,10 +163,9 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
     SCOPED_TRACE(Casser + std::to_string(Disque));
     Relever(Octets("\x15\x41"));
     Faire(Casser);
-    const rlimit Plein{Disque, RLIM_INFINITY}, Sain{RLIM_INFINITY, RLIM_INFINITY};
-    setrlimit(RLIMIT_FSIZE, &Plein);
+    LimiterFichiers(Disque);
     const std::string Issue = Relever(Offre(Enregistrement()));
-    setrlimit(RLIMIT_FSIZE, &Sain);
+    LimiterFichiers(RLIM_INFINITY);
     EXPECT_TRUE(Boîte.empty() ? Issue.empty() : Issue.starts_with(Boîte)) << Issue;
     EXPECT_TRUE(Boîte == Refusé ? Issue.ends_with("NAK") : !Issue.ends_with("K")) << Issue;
     // A refused import file is kept for the operator; none is left in the way.

@@ -95,7 +95,6 @@ TEST(Databases, AReadOnlyOneIsSaidAndTheLoadStaysAtTheTerminal) {
   if (EstTout) P.Faire("$ chown 65534 . poste $(readlink -f ligne)");
   P.LancerStation("interroger", "--sans-operateur", Par);
   EXPECT_TRUE(P.Station->Attendre("est en lecture seule : rien n'y sera enregistré.")) << P.Dit();
-  EXPECT_TRUE(P.Station->Attendre("boîte «RG80 Ombrey» (OK) : Erreur d'importation des données issues du RG80."));
   EXPECT_TRUE(P.Rg80->Attendre("chargement 0001 refusé, reste en attente")) << P.Dit();
   P.Rg80->Signaler(SIGINT);
   P.Finir("0 0 0");

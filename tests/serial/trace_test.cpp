@@ -1,17 +1,13 @@
 // What the trace says of a line: how the traffic is cut and judged, and its files.
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 
-#include <csignal>
-#include <fstream>
 #include <set>
 
 #include "platform/serial/line_journal.h"
 #include "platform/serial/message_text.h"
 #include "tests/support/test_folder.h"
 
-namespace Ombrey {
-namespace {
+namespace Ombrey::Essais {
 
 using namespace std::chrono_literals;
 
@@ -55,11 +51,8 @@ TEST(LineMessages, AreCutAndJudgedByTheDialogueItself) {
 }
 
 TEST(TraceFile, HoldsADayIsItsOwnersAloneAndNeverStandsInTheWay) {
-  const Essais::DossierEssai Dossier;
-  const auto Lire = [&](const std::string& Nom) {
-    std::ifstream Flux(Dossier.Chemin() / Nom);
-    return std::string(std::istreambuf_iterator<char>(Flux), {});
-  };
+  const DossierEssai Dossier;
+  const auto Lire = [&](const std::string& Nom) { return Contenu(Dossier.Chemin() / Nom); };
   const auto Fichiers = [&] {
     std::set<std::string> Noms;
     for (const auto& Entrée : std::filesystem::directory_iterator(Dossier.Chemin()))
@@ -84,12 +77,9 @@ TEST(TraceFile, HoldsADayIsItsOwnersAloneAndNeverStandsInTheWay) {
   EXPECT_TRUE(Lire("ligne.trace").ends_with("\tRG80\t<ACK><81>\t! un\tmot\n")) << Lire("ligne.trace");
   EXPECT_EQ(std::filesystem::status(Dossier.Chemin() / "ligne.trace").permissions(), std::filesystem::perms(0600));
 
-  std::signal(SIGXFSZ, SIG_IGN);
-  const rlimit Plein{file_size(Dossier.Chemin() / "ligne.trace") + 5, RLIM_INFINITY},
-      Sain{RLIM_INFINITY, RLIM_INFINITY};
-  setrlimit(RLIMIT_FSIZE, &Plein);
+  LimiterFichiers(file_size(Dossier.Chemin() / "ligne.trace") + 5);
   for (int Fois = 0; Fois < 3; ++Fois, Quand.Depuis += 61s) Écrire("perdu");
-  setrlimit(RLIMIT_FSIZE, &Sain);
+  LimiterFichiers(RLIM_INFINITY);
   EXPECT_EQ(std::count(Dit.begin(), Dit.end(), '\n'), 1) << Dit;
   Écrire("encore");
   EXPECT_NE(Lire("ligne.trace").find("\n" + EntêteTrace(Quand.Mur) + "# il manque ici 3 messages"), std::string::npos);
@@ -101,5 +91,4 @@ TEST(TraceFile, HoldsADayIsItsOwnersAloneAndNeverStandsInTheWay) {
   EXPECT_EQ(Lire("tarvel.ini"), "[Tarvel]\n");
 }
 
-}  // namespace
-}  // namespace Ombrey
+}  // namespace Ombrey::Essais

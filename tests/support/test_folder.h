@@ -1,6 +1,9 @@
 // A folder of its own for a test.
 #pragma once
 
+#include <sys/resource.h>
+
+#include <csignal>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
@@ -27,6 +30,13 @@ struct DossierEssai {
   }
   std::filesystem::path Chemin_ = Nouveau();
 };
+
+/// No file of this program grows beyond so many bytes, as on a full disk.
+inline void LimiterFichiers(rlim_t Octets) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  const rlimit Limite{Octets, RLIM_INFINITY};
+  setrlimit(RLIMIT_FSIZE, &Limite);
+}
 
 /// All the bytes of a file; none where there is no such file.
 inline std::string Contenu(const std::filesystem::path& Fichier) {

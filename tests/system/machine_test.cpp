@@ -1,11 +1,9 @@
 // The machine's platform: settings on disk to the byte, folders, forms of numbers, configuring a port; and what a
 // service tells its manager, heard at the manager's end of the socket.
-#include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
 
-#include <csignal>
 #include <cstring>
 
 #include "base/regional_forms.h"
@@ -145,7 +143,6 @@ TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
     EXPECT_THROW(RemplacerFichier(Mauvais, "x"), ErreurExécution) << Mauvais;
   }
   RemplacerFichier(Ini_, "ancien");
-  std::signal(SIGXFSZ, SIG_IGN);
   const uid_t Moi = geteuid();
   for (const mode_t Droits : {0777U, 0555U}) {  // a second file has place beside it, or it is written in place
     SCOPED_TRACE(Droits);
@@ -154,11 +151,9 @@ TEST_F(Machine, LeavesAFileThatItCannotReplaceAsItWas) {
     EXPECT_THROW(RemplacerFichier(Ini_, "neuf"), ErreurExécution) << "read-only";
     ASSERT_EQ(setresuid(Moi, Moi, Moi) + chmod(Ini_.c_str(), 0666), 0);
     ASSERT_EQ(setresuid(Moi == 0 ? 65534 : Moi, Moi == 0 ? 65534 : Moi, Moi), 0);
-    rlimit Limite{};
-    const rlimit Court{10, RLIM_INFINITY};
-    ASSERT_EQ(prlimit(0, RLIMIT_FSIZE, &Court, &Limite), 0);
+    LimiterFichiers(10);
     EXPECT_THROW(RemplacerFichier(Ini_, "more than ten characters"), ErreurExécution) << "the disk is full";
-    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &Limite), 0);
+    LimiterFichiers(RLIM_INFINITY);
     EXPECT_EQ(LireFichier(Ini_), "ancien");
     for (const char* Contenu : {"more than ten characters", "court", "ancien"}) {
       EXPECT_NO_THROW(RemplacerFichier(Ini_, Contenu));
