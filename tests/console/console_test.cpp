@@ -219,21 +219,18 @@ TEST(Console, NeitherWaitsForItsReaderNorEndsWithHimAndTellsHimHowManyLinesHeMis
   Sortie.Ligne("à personne");
 }
 
-struct Options : testing::Test {
-  /// What the settings file says, then the command line: base, site and folder, or why they are refused.
-  static std::string Lues(const std::string& Réglages, const Arguments& Donnés) {
-    std::ofstream(Dossier.Chemin() / "i") << Réglages;
-    try {
-      const Tarvel::Options O = Tarvel::LireOptions(Donnés);
-      return O.Base + " " + O.CodeSite + " " + O.Dossier.string();
-    } catch (const Tarvel::ErreurOptions& Erreur) {
-      return Erreur.what();
-    }
+/// Base, site and folder, or why they are refused.
+std::string Lues(const Arguments& Donnés) {
+  try {
+    const Tarvel::Options O = Tarvel::LireOptions(Donnés);
+    return O.Base + " " + O.CodeSite + " " + O.Dossier.string();
+  } catch (const Tarvel::ErreurOptions& Erreur) {
+    return Erreur.what();
   }
-  static inline const DossierEssai Dossier;
-};
+}
 
-TEST_F(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
+TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
+  const DossierEssai Dossier;
   const std::string D = Dossier.Chemin(), Ini = D + "/i", Ici = std::filesystem::current_path();
   const std::string Tout = "[Tarvel]\nBase=sous/b\nCodeSite=3\nDossier=/d\n";
   const std::string Serveur = "[Tarvel]\nBase=postgresql://h/cave\nDossier=d\n";
@@ -263,7 +260,10 @@ TEST_F(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
       // clang-format on
   };
   setenv("XDG_DATA_HOME", D.c_str(), 1);
-  for (const auto& [Réglages, Donnés, Attendu] : Cas) EXPECT_EQ(Lues(Réglages, Donnés), Attendu);
+  for (const auto& [Réglages, Donnés, Attendu] : Cas) {
+    std::ofstream(Ini) << Réglages;
+    EXPECT_EQ(Lues(Donnés), Attendu);
+  }
   const Tarvel::Options Voulues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
   EXPECT_TRUE(Voulues.SansOpérateur);
   EXPECT_FALSE(Voulues.Console);

@@ -28,7 +28,7 @@ inline std::string EnChiffres(std::int64_t Valeur, std::size_t Largeur) {
 }
 
 /// Records of one day ("ddmmyy"), numbered one behind the other. The last two holdings are unknown to the sample
-/// cooperative, and some of their cooperators, too; the first load is of one of them.
+/// cooperative, and three of their cooperators, too; the first two loads are theirs.
 inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned Nombre, const std::string& Jour,
                                                    Dé& Hasard) {
   // Owner, harvester, group and share.
@@ -44,7 +44,7 @@ inline std::vector<std::string> ChargementsOfferts(unsigned Premier, unsigned No
     std::string Texte = EnChiffres(Premier + Rang, 4) + Jour;
     Texte.append(Heure).append(EnChiffres(Arrivée, 2)).append(Heure);
     Texte += EnChiffres(Arrivée + 1 + Hasard(19), 2);
-    Texte += Exploitations[Rang == 0 ? Exploitations.size() - 2 : Hasard(Exploitations.size())];
+    Texte += Exploitations[Rang < 2 ? Exploitations.size() - 1 - Rang : Hasard(Exploitations.size())];
     Texte += Appellations[Hasard(Appellations.size())] + EnChiffres(1 + Hasard(4), 2);
     Texte += EnChiffres(95 + Hasard(54), 3) + EnChiffres(1 + Hasard(3), 1);
     Tous.push_back(Texte += EnChiffres(200 + Hasard(1300), 4) + EnChiffres(1 + Hasard(24), 3));

@@ -57,43 +57,42 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
     Dès("Liste des chargements", Faire);
     Suivi.Afficher();
   };
-  const struct {
-    std::function<void(const Geste&)> Montrer;
-    std::string Ordre, Effets;
-  } Table[] = {
+  const auto Transférer = [&](const Geste& Faire) {
+    FChargntDonnées Transfert(État);
+    Dès("Chargement des données vers le RG80", Faire);
+    Transfert.Afficher(Services);
+  };
+  const auto Régler = [&](const Geste& Faire) {
+    RéglagesPort Ligne{"COM2:", "9600", "N", "1", "8"};
+    Dès("Port du RG80", Faire);
+    if (Questionnaire.Demander(Ligne, [&](auto&) { return Trace += "essaie", ""; })) Trace += " garde";
+  };
+  // The window, the way of the Tab key, and what each button does.
+  // clang-format off
+  const std::tuple<std::function<void(const Geste&)>, std::string, std::string> Table[] = {
       {[&](const Geste& Faire) { Principale(Faire, 0); },
-       "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|Quotas du "
-       "jour par appellation|",
+       "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|Quotas du jour par appellation|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
-      {[&](const Geste& Faire) { Principale(Faire, 4); }, "TabBar|Messages que personne n'a lus|Tout est lu|",
-       "Comm. au RG80: bouton À lir&e (1)|Tout est lu:  À lir&e|"},
+      {[&](const Geste& Faire) { Principale(Faire, 4); },
+       "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À lir&e (1)|Tout est lu:  À lir&e|"},
       {[&](const Geste& Faire) { Suivre(Faire, ""); },
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},
-      {[&](const Geste& Faire) { Suivre(Faire, "panne"); }, "Chargements du jour|Messages et erreurs|Erreurs|Imprimer|",
-       "Imprimer: Liste des erreurs|Masquer:  ferme|"},
-      {[&](const Geste& Faire) {
-         FChargntDonnées Transfert(État);
-         Dès("Chargement des données vers le RG80", Faire);
-         Transfert.Afficher(Services);
-       },
-       "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
-       "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: "
-       "décoche|Transférer: transmet Transmission des données|Fermer:  ferme|"},
-      {[&](const Geste& Faire) {
-         RéglagesPort Ligne{"COM2:", "9600", "N", "1", "8"};
-         Dès("Port du RG80", Faire);
-         if (Questionnaire.Demander(Ligne, [&](auto&) { return Trace += "essaie", ""; })) Trace += " garde";
-       },
-       "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"},
+      {[&](const Geste& Faire) { Suivre(Faire, "panne"); },
+       "Chargements du jour|Messages et erreurs|Erreurs|Imprimer|", "Imprimer: Liste des erreurs|Masquer:  ferme|"},
+      {Transférer, "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
+       "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: décoche|"
+       "Transférer: transmet Transmission des données|Fermer:  ferme|"},
+      {Régler, "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"},
   };
-  for (const auto& Cas : Table) {
-    SCOPED_TRACE(&Cas - Table);
+  // clang-format on
+  for (const auto& [Montrer, OrdreVoulu, EffetsVoulus] : Table) {
+    SCOPED_TRACE(OrdreVoulu);
     std::string Ordre, Effets;
     qsizetype Nombre = 1;
     for (qsizetype Rang = 0; Rang < Nombre; ++Rang) {
       Trace.clear();
-      Cas.Montrer([&](QWidget& Fenêtre) {
+      Montrer([&](QWidget& Fenêtre) {
         if (Rang == 0) Ordre = Tour(Fenêtre);
         QList<QAbstractButton*> Boutons;
         for (auto* Un : Fenêtre.findChildren<QAbstractButton*>())
@@ -110,8 +109,8 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       });
       Effets += Trace + "|";
     }
-    EXPECT_EQ(Ordre, Cas.Ordre);
-    EXPECT_EQ(Effets, Cas.Effets);
+    EXPECT_EQ(Ordre, OrdreVoulu);
+    EXPECT_EQ(Effets, EffetsVoulus);
   }
 }
 
