@@ -1,7 +1,8 @@
 // Lines between a virtual machine's serial chips, which keep no pace of their own, and terminals outside. Starts the
 // machine, gives each of its lines the smallest buffer that the system knows, and takes one character from it each time
 // that a real line would have carried one.
-//   pacer NAME=LINK... -- COMMAND...   "{NAME}" in the command becomes the number of the line's descriptor
+//   pacer NAME=[!]LINK... -- COMMAND...   "{NAME}" in the command becomes the number of the line's descriptor; "!"
+//   stands for a line behind the machine's multiplexer, which alone can show a break
 // On standard input: "NAME BAUDS" sets a line's pace; with 0 bauds the terminal sends a break. The machine's standard
 // input is the pipe FD 3 of the caller.
 #include <fcntl.h>
@@ -35,6 +36,7 @@ constexpr char Break[] = {Escape, 'b', 0};
 
 struct Line {
   std::string Link;
+  bool Multiplexed = false;
   int Near = -1;  ///< towards the machine
   int Far = -1;   ///< towards the terminal; -1 while there is none
   std::chrono::nanoseconds Character{std::chrono::seconds(BitsOfACharacter) / 9600};
@@ -79,7 +81,7 @@ void FromTerminal(Line& L) {
   char Place[64];
   if (L.Far >= 0 && L.Pending.empty()) {
     const ssize_t Count = read(L.Far, Place, sizeof Place);
-    for (ssize_t At = 0; At < Count; ++At) L.Pending.append(Place[At] == Escape ? 2 : 1, Place[At]);
+    for (ssize_t At = 0; At < Count; ++At) L.Pending.append(L.Multiplexed && Place[At] == Escape ? 2 : 1, Place[At]);
     if (Count == 0 || (Count < 0 && errno == EIO)) CloseFar(L);
   }
   if (L.Pending.empty()) return;
@@ -104,7 +106,7 @@ void SetPace(std::map<std::string, Line>& Lines) {
   for (long Bauds = 0; Words >> Name >> Bauds;)
     if (const auto Found = Lines.find(Name); Found != Lines.end() && Bauds > 0) {
       Found->second.Character = std::chrono::nanoseconds(std::chrono::seconds(BitsOfACharacter)) / Bauds;
-    } else if (Found != Lines.end()) {
+    } else if (Found != Lines.end() && Found->second.Multiplexed) {
       Found->second.Pending += Break;
     }
 }
@@ -139,6 +141,8 @@ int main(int Count, char** Words) {
     const std::string Word = Words[At];
     Line& L = Lines[Word.substr(0, Word.find('='))];
     L.Link = Word.substr(Word.find('=') + 1);
+    L.Multiplexed = L.Link.starts_with('!');
+    if (L.Multiplexed) L.Link.erase(0, 1);
     L.Near = NearEnd(ForMachine[Word.substr(0, Word.find('='))]);
   }
   std::vector<std::string> Command(Words + std::min(At + 1, Count), Words + Count);

@@ -173,12 +173,12 @@ bare=$!
 trap 'kill $bare; for line in "${!terminals[@]}"; do end_terminal "$line"; done; [ -z "${machine:-}" ] || kill "$machine" 2>/dev/null || true' EXIT
 until [ -e nu.tty ] && [ -e chip.tty ]; do sleep 0.05; done
 exec 7<>nu.tty
-./pacer serie="$PWD/serie.link" usb="$PWD/usb.link" -- qemu-system-x86_64 -accel tcg,thread=multi -cpu max -smp 2 -m 512 -nodefaults -no-reboot \
+./pacer serie="!$PWD/serie.link" usb="$PWD/usb.link" -- qemu-system-x86_64 -accel tcg,thread=multi -cpu max -smp 2 -m 512 -nodefaults -no-reboot \
   -display none -kernel kernel/vmlinux -initrd initrd -append 'console=ttyS0 quiet no_timer_check nokaslr apparmor=0 audit=0 panic=-1 random.trust_cpu=on mitigations=off' \
   -chardev stdio,id=console,signal=off -device isa-serial,chardev=console,iobase=0x3f8,irq=4 \
   -chardev 'socket,id=serie,fd={serie},mux=on' -device isa-serial,chardev=serie,iobase=0x2f8,irq=3 \
   -chardev "serial,id=nu,path=$PWD/chip.tty" -device isa-serial,chardev=nu,iobase=0x3e8,irq=5 \
-  -chardev 'socket,id=usb,fd={usb},mux=on' -device qemu-xhci \
+  -chardev 'socket,id=usb,fd={usb}' -device qemu-xhci \
   -trace usb_serial_set_baud -trace usb_serial_set_data -monitor unix:monitor.socket,server=on,wait=off 3<input <pace >output 2>machine.log 5<&- &
 machine=$!
 exec 6<output # whose end is the machine's
