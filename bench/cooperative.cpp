@@ -50,17 +50,26 @@ Coopérative::Coopérative(bool AvecExemple, bool SurServeur) {
 }
 
 void Coopérative::Remplir(const char* Sql, std::int64_t Nombre) {
+  // A server wants to know what it is given.
+  std::string Typé = Sql;
+  const std::string Nombres = "CAST(?1 AS BIGINT)";
+  for (std::size_t Place = 0; (Place = Typé.find("?1", Place)) != std::string::npos; Place += Nombres.size())
+    Typé.replace(Place, 2, Nombres);
   Transaction Tout(*Connexion);
-  Instruction Ajout = Connexion->Préparer(Sql);
+  Instruction Ajout = Connexion->Préparer(Typé);
   for (std::int64_t Numéro = 1; Numéro <= Nombre; ++Numéro) Ajout.Lier({Numéro}).Exécuter();
   Tout.Valider();
 }
 
 void Coopérative::AjouterMembres(std::int64_t Nombre) {
-  Remplir("INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES (?1, 'Coopérateur du Coteau n° ' || ?1)", Nombre);
+  Remplir(
+      "INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES (CAST(?1 AS TEXT), 'Coopérateur du Coteau n° ' || CAST(?1 "
+      "AS TEXT))",
+      Nombre);
   Remplir(
       "INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant, Part, CodeBadge, IdGrp, Surface)"
-      " VALUES (?1, ?1, ?1, 66.6667, 100000 + ?1, 1 + ?1 % 8, 4.2)",
+      " VALUES (CAST(?1 AS TEXT), CAST(?1 AS TEXT), CAST(?1 AS TEXT), 66.6667, 100000 + ?1, CAST(1 + ?1 % 8 AS TEXT), "
+      "4.2)",
       Nombre);
   Connexion->ExécuterTout(
       "INSERT INTO Sélection (IdSélection, Désignation, QuotasSurface) VALUES ('05', 'Coteaux rouges', 7500);"

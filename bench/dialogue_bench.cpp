@@ -72,7 +72,7 @@ void RemplirSaison(Coopérative& Cave, std::int64_t Sites) {
   const std::string Colonnes = "NoChargement, ReçuNoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)";
   Cave.Remplir(("INSERT INTO Chargement (CodeSite, " + Colonnes + " VALUES ('S1', ?1, ?1, " +
                 TexteNombre(NuméroDeJour(DateHeure{Année, 1, 1, 0, 0, 0}), {'.'}) +
-                " + ?1 * 0.3, 1 + ?1 * 7 % 15, '05', '01', 12.5, 1000 + ?1 % 900)")
+                " + ?1 * 0.3, CAST(1 + ?1 * 7 % 15 AS TEXT), '05', '01', 12.5, 1000 + ?1 % 900)")
                    .c_str(),
                1'000);
   for (std::int64_t Site = 2; Site <= Sites; ++Site)

@@ -34,7 +34,8 @@ struct Journée : Coopérative {
     const std::string Ajout =
         "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)"
         " VALUES ('1', ?1, " +
-        TexteNombre(Minuit, {'.'}) + " + ?1 / 2400.0, 1 + ?1 * 7 % 1000, '05', '01', 12.5, 1000 + ?1 % 900)";
+        TexteNombre(Minuit, {'.'}) +
+        " + ?1 / 2400.0, CAST(1 + ?1 * 7 % 1000 AS TEXT), '05', '01', 12.5, 1000 + ?1 % 900)";
     Remplir(Ajout.c_str(), Chargements);
   }
 };

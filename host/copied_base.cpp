@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "base/failures.h"
@@ -99,14 +100,30 @@ std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienn
   return Valeurs;
 }
 
-std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+/// So many rows go at once: a server is asked a hundred times less often.
+constexpr std::size_t Lot = 100;
+
+Instruction PréparerAjout(IConnexion& Cible, const Table& Sienne, std::size_t Lignes) {
   std::string Places;
-  for (std::size_t Rang = 1; Rang <= Sienne.Colonnes.size(); ++Rang)
-    Places += (Places.empty() ? "?" : ", ?") + std::to_string(Rang);
-  Instruction Ajout = Cible.Préparer("INSERT INTO " + Sienne.Nom + " (" + Sienne.Noms() + ") VALUES (" + Places + ")");
+  for (std::size_t Rang = 0; Rang < Lignes * Sienne.Colonnes.size(); ++Rang) {
+    if (Rang % Sienne.Colonnes.size() == 0) Places += Rang == 0 ? "(" : "), (";
+    Places += (Places.ends_with('(') ? "?" : ", ?") + std::to_string(Rang + 1);
+  }
+  return Cible.Préparer("INSERT INTO " + Sienne.Nom + " (" + Sienne.Noms() + ") VALUES " + Places + ")");
+}
+
+std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+  Instruction Ajout = PréparerAjout(Cible, Sienne, Lot);
   Instruction Lecture = Sienne.Lire(Source);
+  std::vector<ValeurChamp> Valeurs;
   std::size_t Nombre = 0;
-  for (; Lecture.Avancer(); ++Nombre) Ajout.Lier(Rangée(Lecture, Sienne)).Exécuter();
+  for (; Lecture.Avancer(); ++Nombre) {
+    for (ValeurChamp& Une : Rangée(Lecture, Sienne)) Valeurs.push_back(std::move(Une));
+    if ((Nombre + 1) % Lot != 0) continue;
+    Ajout.Lier(Valeurs).Exécuter();
+    Valeurs.clear();
+  }
+  if (!Valeurs.empty()) PréparerAjout(Cible, Sienne, Nombre % Lot).Lier(Valeurs).Exécuter();
   return Nombre;
 }
 
