@@ -37,7 +37,9 @@ std::string Coopérative::NouvelleBase(bool SurServeur) const {
   const auto Adresse = [](const std::string& Sienne) {
     return "postgresql://tarvel@/" + Sienne + "?host=" + std::getenv("OMBREY_BENCH_SERVER");
   };
-  Tarvel::OuvrirMoteur(Adresse("postgres"))->ExécuterTout("CREATE DATABASE " + Nom);
+  const auto Serveur = Tarvel::OuvrirMoteur(Adresse("postgres"));
+  const SansHâte Patiente(*Serveur);
+  Serveur->ExécuterTout("CREATE DATABASE " + Nom);
   return Adresse(Nom);
 }
 
@@ -55,6 +57,7 @@ void Coopérative::Remplir(const char* Sql, std::int64_t Nombre) {
   const std::string Nombres = "CAST(?1 AS BIGINT)";
   for (std::size_t Place = 0; (Place = Typé.find("?1", Place)) != std::string::npos; Place += Nombres.size())
     Typé.replace(Place, 2, Nombres);
+  const SansHâte Patiente(*Connexion);
   Transaction Tout(*Connexion);
   Instruction Ajout = Connexion->Préparer(Typé);
   for (std::int64_t Numéro = 1; Numéro <= Nombre; ++Numéro) Ajout.Lier({Numéro}).Exécuter();

@@ -68,6 +68,7 @@ void EcrireRéglages(const std::filesystem::path& Fichier, const std::string& Po
 /// A season of a thousand loads for each site, all of the appellation that is delivered below.
 void RemplirSaison(Coopérative& Cave, std::int64_t Sites) {
   if (Sites == 0) return;
+  const SansHâte Patiente(*Cave.Connexion);
   const int Année = Cave.Poste.Plateforme().Système().Maintenant().Année;
   const std::string Colonnes = "NoChargement, ReçuNoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)";
   Cave.Remplir(("INSERT INTO Chargement (CodeSite, " + Colonnes + " VALUES ('S1', ?1, ?1, " +

@@ -100,8 +100,8 @@ std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienn
   return Valeurs;
 }
 
-/// So many rows go at once: a server is asked a hundred times less often.
-constexpr std::size_t Lot = 100;
+/// So many rows go at once: a server is asked that much less often.
+constexpr std::size_t Lot = 500;
 
 Instruction PréparerAjout(IConnexion& Cible, const Table& Sienne, std::size_t Lignes) {
   std::string Places;
