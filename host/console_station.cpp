@@ -9,6 +9,7 @@
 #include "base/failures.h"
 #include "host/day_view.h"
 #include "host/diagnostic.h"
+#include "host/station_register.h"
 #include "platform/system/settings_files.h"
 
 namespace Tarvel {
@@ -94,6 +95,8 @@ void ÉditionConsole::AjouterVues() {
   AjouterTableau("quotas", "les quotas du jour et ce qui reste", [Jour] { return TableauQuotas(Jour()); });
   AjouterTableau("archive", "les chargements dont un autre a repris le numéro",
                  [Base] { return TableauArchive(*Base(), {}); });
+  AjouterTableau("stations", "les stations qui travaillent sur la base",
+                 [Base] { return TableauStations(*Base(), {}); });
   AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Veille_.Refusés(); });
   Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
                       QuandPermise::EntreDeux, [this](const std::string& Rang) {

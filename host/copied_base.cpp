@@ -100,6 +100,26 @@ std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienn
   return Valeurs;
 }
 
+/// Rows are written and read again: each counts twice.
+class Compte {
+ public:
+  Compte(IConnexion& Source, const Ombrey::Progrès& Dire) : Dire_(Dire) {
+    for (const std::string Nom : TablesCoopérative()) {
+      const ValeurChamp Nombre = Source.Lire("SELECT COUNT(*) FROM " + Nom);
+      if (const auto* Lu = std::get_if<std::int64_t>(&Nombre)) Total_ += 2 * static_cast<std::size_t>(*Lu);
+    }
+  }
+  void Avancer() {
+    if (++Faits_ % LignesParPas == 0 && Dire_) Dire_(Faits_, Total_);
+  }
+
+ private:
+  static constexpr std::size_t LignesParPas = 256;
+  const Ombrey::Progrès& Dire_;
+  std::size_t Faits_ = 0;
+  std::size_t Total_ = 0;
+};
+
 /// So many rows go at once: a server is asked that much less often.
 constexpr std::size_t Lot = 500;
 
@@ -112,13 +132,14 @@ Instruction PréparerAjout(IConnexion& Cible, const Table& Sienne, std::size_t L
   return Cible.Préparer("INSERT INTO " + Sienne.Nom + " (" + Sienne.Noms() + ") VALUES " + Places + ")");
 }
 
-std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte& LeCompte) {
   Instruction Ajout = PréparerAjout(Cible, Sienne, Lot);
   Instruction Lecture = Sienne.Lire(Source);
   std::vector<ValeurChamp> Valeurs;
   std::size_t Nombre = 0;
   for (; Lecture.Avancer(); ++Nombre) {
     for (ValeurChamp& Une : Rangée(Lecture, Sienne)) Valeurs.push_back(std::move(Une));
+    LeCompte.Avancer();
     if ((Nombre + 1) % Lot != 0) continue;
     Ajout.Lier(Valeurs).Exécuter();
     Valeurs.clear();
@@ -127,13 +148,14 @@ std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sie
   return Nombre;
 }
 
-void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
+void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte& LeCompte) {
   Instruction Ici = Sienne.Lire(Source);
   Instruction Là = Sienne.Lire(Cible);
   for (;;) {
     const bool YEnA = Ici.Avancer();
     bool EstPareil = YEnA == Là.Avancer();
     if (EstPareil && !YEnA) return;
+    LeCompte.Avancer();
     if (EstPareil) EstPareil = std::ranges::equal(Rangée(Ici, Sienne), Rangée(Là, Sienne), {}, Forme, Forme);
     if (!EstPareil)
       throw ErreurExécution("La copie de la table " + Sienne.Nom + " diffère de l'original : rien n'est gardé");
@@ -142,7 +164,7 @@ void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne) {
 
 }  // namespace
 
-std::string CopierBase(const std::string& De, const std::string& Vers) {
+std::string CopierBase(const std::string& De, const std::string& Vers, const Ombrey::Progrès& Dire) {
   const auto Source = OuvrirCoopérative(De);
   if (NuméroSchémaDe(*Source) != NuméroSchéma)
     throw ErreurExécution("La base « " + De +
@@ -151,12 +173,13 @@ std::string CopierBase(const std::string& De, const std::string& Vers) {
   std::optional<Ombrey::Transaction> PersonneNEcrit;
   if (!Source->EstEnLectureSeule()) PersonneNEcrit.emplace(*Source);
   std::string Fait = "La base « " + De + " » est copiée dans « " + Vers + " » :";
+  Compte LeCompte(*Source, Dire);
   CréerBase(Vers, [&](IConnexion& Cible) {
     for (const std::string Nom : TablesCoopérative()) {
       Cible.Exécuter("DELETE FROM " + Nom);
       const Table Sienne = PréparerTable(*Source, Cible, Nom);
-      const std::size_t Nombre = CopierLignes(*Source, Cible, Sienne);
-      Comparer(*Source, Cible, Sienne);
+      const std::size_t Nombre = CopierLignes(*Source, Cible, Sienne, LeCompte);
+      Comparer(*Source, Cible, Sienne, LeCompte);
       Fait += "\n  " + Nom + " : " + std::to_string(Nombre);
     }
     for (const char* Nom : {TableChargements, TableArchive}) Cible.ReprendreNumérotation(Nom, "IdChargement");

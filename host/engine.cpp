@@ -38,8 +38,8 @@ void AbandonnerBase(const std::string& Base) {
   if (!EstSurServeur(Base)) Ombrey::SupprimerBase(Ombrey::Chemin(Base));
 }
 
-void CopierFichier(const std::filesystem::path& Base, const std::filesystem::path& Copie) {
-  ConnexionSqlite::Ouvrir(Base)->Sauvegarder(Copie);
+void CopierFichier(const std::filesystem::path& Base, const std::filesystem::path& Copie, const Ombrey::Progrès& Dire) {
+  ConnexionSqlite::Ouvrir(Base)->Sauvegarder(Copie, Dire);
 }
 
 bool EstOuvertAilleurs(const std::filesystem::path& Base) { return ConnexionSqlite::EstOuverteAilleurs(Base); }

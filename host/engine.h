@@ -25,7 +25,8 @@ void AbandonnerBase(const std::string& Base);
 
 /// For a base that is a file. A whole copy, as it stands at one moment, while others work on it; and whether a program
 /// has it open.
-void CopierFichier(const std::filesystem::path& Base, const std::filesystem::path& Copie);
+void CopierFichier(const std::filesystem::path& Base, const std::filesystem::path& Copie,
+                   const Ombrey::Progrès& Dire = {});
 [[nodiscard]] bool EstOuvertAilleurs(const std::filesystem::path& Base);
 
 }  // namespace Tarvel

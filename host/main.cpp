@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <exception>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,12 +20,14 @@
 #include "host/copied_base.h"
 #include "host/diagnostic.h"
 #include "host/load_table.h"
+#include "host/long_work.h"
 #include "host/onlooker.h"
 #include "host/options.h"
 #include "host/saved_base.h"
 #include "host/schema.h"
 #include "host/schema_upgrade.h"
 #include "host/station.h"
+#include "host/station_register.h"
 #include "host/windows_module.h"
 #include "platform/database/connection.h"
 #include "platform/database/recordsets.h"
@@ -82,6 +85,7 @@ void Travailler(const Tarvel::Options& Choisies) {
   Tarvel::Station Station(Choisies, *Édition);
   std::shared_ptr<Ombrey::IConnexion> Connexion;
   std::shared_ptr<Tarvel::BaseDeDTarvel> Base;
+  std::optional<Tarvel::RegistreStations> Registre;
   const auto Ouvrir = [&](Ombrey::ISystème& Système) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
     Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
@@ -89,12 +93,14 @@ void Travailler(const Tarvel::Options& Choisies) {
     Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LaVeille().NoterRefus(Import); });
     Connexion->FixerPatience([&] { Édition->Boucle().Peindre(); });
     Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
+    Registre.emplace(Connexion, Base->KVSynchro()->CodeSiteCourant());
     return Base;
   };
   try {
     Station.Exécuter(Ouvrir, [&] {
       Connexion->RangerJournal();
       if (Connexion->ADuNouveau()) Base->Actualiser();
+      Registre->Signaler();
     });
   } catch (const std::exception& Erreur) {
     const bool Double = Ombrey::OccupantDossier(Choisies.Dossier) && Ombrey::AppelerStation(Choisies.Dossier);
@@ -130,6 +136,13 @@ Tarvel::Options LireOptions(const std::vector<std::string>& Arguments) {
   }
 }
 
+/// A copy or its way back, told as it goes on.
+template <class Faire>
+void Copier(const char* Nom, Faire&& Mener) {
+  Tarvel::LongTravail Travail(Nom);
+  std::puts(Mener([&](std::size_t Faits, std::size_t Total) { Travail.Avancer(Faits, Total); }).c_str());
+}
+
 int Accomplir(const Tarvel::Options& Choisies) {
   switch (Choisies.QueFaire) {
     case Tarvel::Tâche::Aide:
@@ -142,13 +155,17 @@ int Accomplir(const Tarvel::Options& Choisies) {
       Tarvel::CréerBase(Choisies.Base, Choisies.Exemple);
       break;
     case Tarvel::Tâche::Sauvegarder:
-      std::puts(Tarvel::SauvegarderBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());
+      Copier("sauvegarde", [&](const auto& Dire) {
+        return Tarvel::SauvegarderBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie, Dire);
+      });
       break;
     case Tarvel::Tâche::Restaurer:
-      std::puts(Tarvel::RestaurerBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie).c_str());
+      Copier("restauration", [&](const auto& Dire) {
+        return Tarvel::RestaurerBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie, Dire);
+      });
       break;
     case Tarvel::Tâche::CopierBase:
-      std::puts(Tarvel::CopierBase(Choisies.Base, Choisies.Vers).c_str());
+      Copier("copie", [&](const auto& Dire) { return Tarvel::CopierBase(Choisies.Base, Choisies.Vers, Dire); });
       break;
     case Tarvel::Tâche::Exporter: {
       Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));

@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "base/ansi_text.h"
+#include "base/failures.h"
 #include "base/files.h"
 #include "base/kept_files.h"
 #include "base/regional_forms.h"
@@ -13,6 +14,7 @@
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
 #include "contracts/system.h"
+#include "host/unread_file.h"
 #include "platform/system/machine_system.h"
 
 namespace Tarvel {
@@ -83,6 +85,19 @@ Ombrey::TémoinsFenêtres Veille::Témoins() {
           [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); }};
 }
 
+void Veille::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
+  DossierConservés_ = std::move(Conservés);
+  FichierNonLus_ = Dossier / "à-lire.txt";
+  NonLus_.Reprendre(LireNonLus(FichierNonLus_));
+  Changer();
+}
+
+/// A list that can't be kept is still shown.
+void Veille::GarderNonLus() {
+  Ombrey::ErreurEnAttente Ignorée;
+  if (!FichierNonLus_.empty()) Ignorer(Ignorée, [this] { EcrireNonLus(FichierNonLus_, NonLus_.Tous()); });
+}
+
 void Veille::NoterLigne(const std::string& Ligne) {
   Liaison_.Noter(std::time(nullptr), Ligne);
   NoterTexte(Ligne);
@@ -95,6 +110,7 @@ void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
 
 void Veille::NoterRetrait(const std::string& Titre, const std::string& Message) {
   NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message});
+  GarderNonLus();
   Changer();
 }
 
@@ -143,6 +159,7 @@ void Veille::NoterReçu() {
 
 void Veille::ToutEstLu() {
   NonLus_.Vider();
+  GarderNonLus();
   Changer();
 }
 

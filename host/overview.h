@@ -35,7 +35,8 @@ class Veille {
 
   /// Called behind whatever changes the tables, or the link's state.
   void SurChangement(std::function<void()> Dire) { Dire_ = std::move(Dire); }
-  void FixerDossierConservés(std::filesystem::path Dossier) { DossierConservés_ = std::move(Dossier); }
+  /// The station's folders: what nobody has read goes on where an earlier run left it.
+  void Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés);
   /// These three, for an edition's windows.
   [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
 
@@ -52,9 +53,11 @@ class Veille {
   void NoterTexte(const std::string& Texte);
   void Refuser(Refus Lu, std::string Contenu);
   void Changer() const;
+  void GarderNonLus();
 
   std::function<void()> Dire_;
   std::filesystem::path DossierConservés_;
+  std::filesystem::path FichierNonLus_;  ///< none, until Ouvrir
   ÉtatLiaison Liaison_;
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};

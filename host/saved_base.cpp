@@ -22,13 +22,13 @@ fs::path NomLibre(const fs::path& Base, const char* Raison) {
 
 }  // namespace
 
-std::string SauvegarderBase(const fs::path& Base, const fs::path& Copie) {
+std::string SauvegarderBase(const fs::path& Base, const fs::path& Copie, const Ombrey::Progrès& Dire) {
   static_cast<void>(OuvrirCoopérative(Base));
-  CopierFichier(Base, Copie);
+  CopierFichier(Base, Copie, Dire);
   return "La base « " + TexteChemin(Base) + " » est sauvegardée dans « " + TexteChemin(Copie) + " ».";
 }
 
-std::string RestaurerBase(const fs::path& Base, const fs::path& Copie) {
+std::string RestaurerBase(const fs::path& Base, const fs::path& Copie, const Ombrey::Progrès& Dire) {
   const fs::path Neuve = NomLibre(Base, ".neuve");
   const bool YEnAUne = fs::exists(Base);
   if (YEnAUne && fs::exists(Copie) && fs::equivalent(Base, Copie))
@@ -37,7 +37,7 @@ std::string RestaurerBase(const fs::path& Base, const fs::path& Copie) {
     throw ErreurExécution("Une station ou un autre programme travaille sur la base « " + TexteChemin(Base) +
                           " » : arrêtez-les avant de la remplacer.");
   static_cast<void>(OuvrirCoopérative(Copie));
-  CopierFichier(Copie, Neuve);
+  CopierFichier(Copie, Neuve, Dire);
   std::string Fait = "La base « " + TexteChemin(Base) + " » est celle de la sauvegarde « " + TexteChemin(Copie) + " ».";
   if (YEnAUne) {
     const fs::path Ancienne = NomLibre(Base, ".remplacee");

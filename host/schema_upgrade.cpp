@@ -70,8 +70,15 @@ void De2Vers3(IConnexion& Connexion) {
                          .SansDouble = {"CodeSite", "NoChargement"}});
 }
 
+/// Which stations work on the base, and when each was last known to live.
+void De3Vers4(IConnexion& Connexion) {
+  Connexion.Exécuter(
+      "CREATE TABLE IF NOT EXISTS Station (CodeSite TEXT NOT NULL PRIMARY KEY, Machine TEXT NOT NULL DEFAULT '', Vue "
+      "REAL NOT NULL)");
+}
+
 /// The step from each number to the next, from the first on.
-constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2, De2Vers3}};
+constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2, De2Vers3, De3Vers4}};
 
 /// Whole and on the disk, beside the base, under a name that nothing bears yet; another station may take one meanwhile.
 void GarderUneCopie(const std::string& Base, int Numéro) {

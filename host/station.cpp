@@ -55,7 +55,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& A
                                         [this](const Ombrey::Avancement& Où) { return Édition_.Avancer(Où); }});
   const Ombrey::ÉcouteAppels Appels(Boucle_, Options_.Dossier, [this] { Édition_.SePrésenter(); });
   Plateforme_ = &Plateforme;
-  Édition_.LaVeille().FixerDossierConservés(Plateforme.Système().DossierImportsConservés());
+  Édition_.LaVeille().Ouvrir(Options_.Dossier, Plateforme.Système().DossierImportsConservés());
   if (!Options_.Trace.empty())
     Journal_.FixerTrace(std::make_unique<Ombrey::FichierTrace>(
         Options_.Trace, [this](const std::string& Texte) { Édition_.Dire(Texte); }));

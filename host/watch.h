@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contracts/system.h"
@@ -57,6 +58,7 @@ class FaitsRépétés {
   /// counts once, however often it is told; Passage 0 belongs to none.
   void Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
   void Vider() { Faits_.clear(); }
+  void Reprendre(std::vector<FaitRépété> Faits) { Faits_ = std::move(Faits); }
   [[nodiscard]] const std::vector<FaitRépété>& Tous() const { return Faits_; }
 
  private:

@@ -15,6 +15,7 @@
 
 #include "base/failures.h"
 #include "contracts/phrases.h"
+#include "host/station_register.h"
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_papers.h"
 #include "platform/qt/qt_measures.h"
@@ -62,6 +63,7 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
       Journée_(new PageJournéeQt(this, Contexte, Formes)),
       Refusés_(new PageRefusésQt(this, Contexte, Veille)),
       Archive_(new ListeQt(this, Contexte, QStringLiteral("Archive"))),
+      Stations_(new ListeQt(this, Contexte, QStringLiteral("Stations"))),
       NonLues_(new PageNonLuesQt(this, Contexte, Veille)),
       Journal_(new QPlainTextEdit(this)),
       État_(new LigneÉlidée(this)) {
@@ -115,6 +117,8 @@ void FenêtrePrincipaleQt::CréerPages() {
                          "avance."));
   Ajouter(Archive_, QStringLiteral("Ar&chive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
   CréerJournal();
+  Ajouter(Stations_, QStringLiteral("Statio&ns"), QStringLiteral("Les stations qui travaillent sur cette base."));
+  Pages_->setTabVisible(Pages_->indexOf(Stations_), false);  // until there are several
   Ajouter(NonLues_, QStringLiteral("À lir&e"), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
 
@@ -306,6 +310,12 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
   }
   Journée_->Montrer(std::move(Jour));
   Remplir(*Archive_, Tarvel::TableauArchive(Base, Formes_));
+  // A former base that can only be read has no such list.
+  Tarvel::Rangées Stations;
+  ErreurEnAttente SansListe;
+  const bool Lue = Ignorer(SansListe, [&] { Stations = Tarvel::TableauStations(Base, Formes_); });
+  Pages_->setTabVisible(Pages_->indexOf(Stations_), Lue && Stations.size() > 2);  // headings, and more than this one
+  if (Lue) Remplir(*Stations_, std::move(Stations));
 }
 
 void FenêtrePrincipaleQt::ActualiserBandeau() {

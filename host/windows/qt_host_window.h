@@ -109,6 +109,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   PageJournéeQt* Journée_;
   PageRefusésQt* Refusés_;
   ListeQt* Archive_;
+  ListeQt* Stations_;
   PageNonLuesQt* NonLues_;
   QPlainTextEdit* Journal_;
   LigneÉlidée* État_;

@@ -70,6 +70,9 @@ struct ColonneDeTable {
 /// An open database, for the one thread of the system. Commits are on the disk when they return. Foreign keys aren't
 /// enforced: a load is kept even when its holding is unknown. Every operation raises ErreurExécution when the engine
 /// refuses.
+/// Told how far a long work is, in pieces of equal weight; what it raises ends the work.
+using Progrès = std::function<void(std::size_t Faits, std::size_t Total)>;
+
 class IConnexion {
  public:
   IConnexion() = default;

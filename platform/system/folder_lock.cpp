@@ -30,24 +30,24 @@ struct flock Tout() {
   return Voulu;
 }
 
-std::string Machine() {
-  std::array<char, 256> Nom{};
-  return gethostname(Nom.data(), Nom.size() - 1) == 0 ? Nom.data() : "";
-}
-
 /// What the holder has written: the number of its process, and its machine.
 std::string Décrire(const fs::path& Fichier) {
   std::string Processus;
   std::string Sienne;
   std::istringstream(LireFichier(Fichier).value_or("")) >> Processus >> Sienne;
   if (Processus.empty()) return "elle commence ou se termine";
-  if (Sienne != Machine()) return "processus " + Processus + " de la machine " + Sienne;
+  if (Sienne != NomMachine()) return "processus " + Processus + " de la machine " + Sienne;
   std::string Nom = LireFichier(Chemin("/proc/" + Processus + "/comm")).value_or("");
   Nom.erase(std::min(Nom.find('\n'), Nom.size()));
   return (Nom.empty() ? "" : Nom + ", ") + "processus " + Processus;
 }
 
 }  // namespace
+
+std::string NomMachine() {
+  std::array<char, 256> Nom{};
+  return gethostname(Nom.data(), Nom.size() - 1) == 0 ? Nom.data() : "";
+}
 
 VerrouFichier::VerrouFichier(const fs::path& Fichier, const std::string& Occupé, const std::string& Impossible,
                              const std::string& Remède)
@@ -65,7 +65,7 @@ VerrouFichier::VerrouFichier(const fs::path& Fichier, const std::string& Occupé
     if (errno != EACCES && errno != EAGAIN) Refuser(errno);
     throw ErreurExécution(Occupé + " (" + Décrire(Fichier) + "). " + Remède);
   }
-  const std::string Texte = std::to_string(getpid()) + " " + Machine() + "\n";
+  const std::string Texte = std::to_string(getpid()) + " " + NomMachine() + "\n";
   // For others to read; the lock holds without it.
   if (ftruncate(Fichier_.Numéro(), 0) == 0)
     static_cast<void>(pwrite(Fichier_.Numéro(), Texte.data(), Texte.size(), 0) > 0);

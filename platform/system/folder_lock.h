@@ -32,6 +32,9 @@ class VerrouDossier {
   VerrouFichier Fichier_;
 };
 
+/// This machine's name on its network.
+[[nodiscard]] std::string NomMachine();
+
 /// The process that holds the folder, such as "tarvel, processus 4711"; none when it can be had.
 [[nodiscard]] std::optional<std::string> OccupantDossier(const std::filesystem::path& Dossier);
 

@@ -60,10 +60,10 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
-  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 4");
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 5");
   EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
             "La base « " + Fichier_.string() +
-                " » est celle d'une version plus récente de tarvel (schéma n° 4, et cette version connaît le n° 3) : "
+                " » est celle d'une version plus récente de tarvel (schéma n° 5, et cette version connaît le n° 4) : "
                 "installez-la sur ce poste");
 }
 

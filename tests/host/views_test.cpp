@@ -86,7 +86,7 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   const DossierEssai Dossier;
   Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
   Veille Vue;
-  Vue.FixerDossierConservés(Dossier.Chemin());
+  Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   const auto Offrir = [&Vue](std::size_t Taille = Ombrey::LongTrameChargement) {
     const std::string Trame = "\002001222092608050806000123000456001100000005011x510850007\00342";
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(0, 20)));
@@ -112,6 +112,14 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
   Vue.NoterReçu();
   EXPECT_EQ(Résumé() + Vue.Détail(0), "");
+  for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
+  Veille Suivante;
+  Suivante.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
+  EXPECT_EQ(Suivante.NonLus(), Vue.NonLus()) << "what nobody has read outlives the station";
+  EXPECT_EQ(Suivante.NonLus().at(1).at(1) + Suivante.NonLus().at(1).at(2), "un\ndeux2");
+  Suivante.ToutEstLu();
+  Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
+  EXPECT_EQ(Vue.NonLus().size(), 1U);
 }
 
 }  // namespace Tarvel

@@ -49,7 +49,7 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
     Le<QTabWidget>(Fenêtre).setCurrentIndex(Page);
     Vider();
     Faire(Fenêtre);
-    if (Page == 4) Trace += " " + Le<QTabWidget>(Fenêtre).tabText(4).toStdString();
+    if (Page == 5) Trace += " " + Le<QTabWidget>(Fenêtre).tabText(5).toStdString();
   };
   const auto Suivre = [&](const Geste& Faire, const std::string& Erreur) {
     FSuiviChargnt Suivi(État, Services);
@@ -73,7 +73,7 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       {[&](const Geste& Faire) { Principale(Faire, 0); },
        "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|Quotas du jour par appellation|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
-      {[&](const Geste& Faire) { Principale(Faire, 4); },
+      {[&](const Geste& Faire) { Principale(Faire, 5); },
        "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À lir&e (1)|Tout est lu:  À lir&e|"},
       {[&](const Geste& Faire) { Suivre(Faire, ""); },
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",

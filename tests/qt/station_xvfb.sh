@@ -1,69 +1,20 @@
 #!/usr/bin/env bash
 # The whole station in windows, on a screen of its own, driven by keys and mouse as an operator would: eight loads, the
-# printed errors, the five files, the port's dialog, the end; then again, with the window's place remembered.
+# printed errors, the five files, the port's dialog, the end; again, with the window's place remembered, and ended in the
+# midst of a load and of a transfer; then under a window manager: a transfer that is stopped, a second start, the frames'
+# buttons, a screen that has gone.
 # station_xvfb.sh BIN [DPI [PICTURES]]: the programs' folder, the screen's resolution, where to leave pictures.
 # Exit code 77: not run, for want of a tool.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=${2:-96} pictures=${3:-}
-for tool in Xvfb xdotool; do
-  command -v "$tool" >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
-done
-
-work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-x.XXXXXX")
-pids=()
-finish() {
-  local code=$?
-  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
-  wait 2>/dev/null || true
-  [ $code -eq 0 ] || { echo "--- tarvel"; cat "$work"/tarvel.* ; echo "--- rg80"; tail -20 "$work/rg80.txt"; } 2>/dev/null || true
-  rm -rf "$work"
-}
-trap finish EXIT
-fail() { echo "FAILED: $*"; [ -z "$pictures" ] || shot failed; exit 1; }
-step() { echo "· $*"; }
-
-# Waits for a condition, for a minute and a half at most.
-await() {
-  local what=$1 end=$((SECONDS + 90)); shift
-  until "$@" >/dev/null 2>&1; do
-    [ $SECONDS -lt $end ] || fail "no $what"
-    sleep 0.1
-  done
-}
-window() { xdotool search --onlyvisible --name "$1" | tail -1; }
-seen() { [ -n "$(window "$1")" ]; }
-gone() { ! seen "$1"; }
-place() { xdotool getwindowgeometry --shell "$(window "$1")" | grep -E '^(X|Y|WIDTH|HEIGHT)='; }
-shot() { [ -z "$pictures" ] || import -window root "$pictures/$1-$dpi.png"; }
+source "$(dirname "$(readlink -f "$0")")/desk.sh"
 # A picture of one window alone, once it has been drawn.
 picture() { [ -z "$pictures" ] || { sleep 0.5; import -window "$(window "$1")" "$pictures/$2-$dpi.png"; }; }
-# There is no window manager: who gets the keys must be said.
-press() { xdotool windowfocus --sync "$(window "$1")" key --clearmodifiers "$2"; }
-# Opens a menu of the main window by its letter and picks an entry by its own, until the window that it leads to is there.
-pick() { press '^Tarvel' "$1" && xdotool key "$2"; for _ in 1 2 3 4 5; do ! seen "$3" || return 0; sleep 0.1; done; xdotool key Escape; return 1; }
-# A new box takes no key in its first half second.
-answer() { sleep 0.7; press "$1" Return; }
-# While the plug-in starts anew, a window may go under the keys: they are said again.
-shown() { seen '^Liste des chargements$' || { press '^Tarvel' F5 2>/dev/null; sleep 0.5; false; }; }
-hidden() { gone '^Liste des chargements$' || { press '^Liste des chargements$' Escape 2>/dev/null; sleep 0.5; false; }; }
 same_place() { [ "$(place "$1")" = "$2" ]; }
 ticks() { awk '{print $14 + $15}' "/proc/$1/stat"; }
 
-export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
-printf "leak:libfontconfig\nleak:libdbus\n" >"$work/not-ours"
-export LSAN_OPTIONS=suppressions=$work/not-ours:print_suppressions=0
-unset WAYLAND_DISPLAY QT_QPA_PLATFORM
-mkdir -p "$HOME"
-exec 5>"$work/display"
-Xvfb -displayfd 5 -screen 0 $((1280 * dpi / 96))x$((960 * dpi / 96))x24 -noreset -nolisten tcp >/dev/null 2>&1 &
-pids+=($!)
-await "screen" test -s "$work/display"
-export DISPLAY=:$(cat "$work/display")
-export QT_FONT_DPI=$dpi # what a desktop tells its programs by its own settings
-
-"$bin/tarvel" --creer-base "$work/cave.db" --exemple
-printf '[PlugInOmbrey]\nPort=%s\nBauds=9600\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=500\n' \
-  "$work/rg80" >"$work/tarvel.ini"
+desk_start $((1280 * dpi / 96)) $((960 * dpi / 96)) "$dpi"
+desk_base 9600 500
 day=$(date +%d%m%y)
 cat >"$work/loads" <<LOADS
 0001${day}074207550001010001010011000000050112514210007
@@ -75,18 +26,8 @@ cat >"$work/loads" <<LOADS
 0007${day}084708580003050003050021000000050112624575007
 0008${day}085509090007300006240050500000050310411310012
 LOADS
-"$bin/rg80" --lien "$work/rg80" --chargements "$work/loads" --cadence 9600 --f6 --sortie "$work/received" \
-  >"$work/rg80.txt" 2>&1 &
-rg80=$!
-pids+=($rg80)
-await "terminal" test -e "$work/rg80"
+terminal 9600 --chargements "$work/loads" --f6
 
-start() {
-  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/tarvel.$1" 2>&1 &
-  station=$!
-  pids+=($station)
-  await "main window" seen '^Tarvel'
-}
 replies() { [ "$(grep -c '^réponse reçue' "$work/rg80.txt")" -ge 8 ]; }
 
 step "start, the toolbar button"
@@ -169,9 +110,7 @@ wait $station || fail "exit code $? at SIGTERM"
 anew() {
   kill $rg80 && wait $rg80 || true
   rm -rf "$work/line" "$work/received"
-  "$bin/rg80" --lien "$work/rg80" --cadence 300 --sortie "$work/received" --journal "$work/line" "$@" >"$work/rg80.txt" 2>&1 &
-  rg80=$!
-  pids+=($rg80)
+  terminal 300 --journal "$work/line" "$@"
   await "terminal" test -e "$work/line"
 }
 said() { grep -q "$1" "$work/line"; }
@@ -199,4 +138,67 @@ wait $station || fail "exit code $? in the midst of a transfer"
 [ ! -s "$work/tarvel.4" ] || fail "the station complained"
 await "end of what was on the line" grep -q 'fichier 4.*reçu' "$work/rg80.txt"
 [ "$(grep -c 'fichier.*prêt' "$work/rg80.txt")" -eq 1 ] || fail "a file was sent behind the end"
+
+command -v openbox >/dev/null || { echo "done, but for the window manager: openbox isn't installed"; exit 0; }
+desk_manager
+by_frame() { xdotool windowactivate --sync "$(window "$1")" key --clearmodifiers alt+F4; }
+# Of a window that can't be activated: the X stands at the end of the title.
+close_frame() { eval "$(place "$1")"; xdotool mousemove $((X + WIDTH - 9)) $((Y - 11)) click 1; }
+step "a transfer is stopped, and goes on where it was"
+anew --f6
+sed -i s/Bauds=9600/Bauds=300/ "$work/tarvel.ini"
+start 5
+await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
+press '^Chargement des données' alt+t
+await "progress" seen "^Avancement de l'envoi$"
+await "a file that is long enough to be stopped" grep -q 'fichier 1.*prêt' "$work/rg80.txt"
+press "^Avancement de l'envoi$" alt+a
+await "end of the transfer" seen '^Transmission des données$'
+await "end of the progress" gone "^Avancement de l'envoi$"
+[ "$(ls "$work/received" | grep -c '^fichier')" -eq 1 ] || fail "what was stopped arrived"
+step "the X of the main window behind another, and a second start"
+close_frame '^Tarvel'
+sleep 0.5
+kill -0 $station || fail "the station went behind its own window"
+"$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/second" 2>&1 &
+second=$!
+pids+=($second)
+await "box of the second start" seen '^Tarvel – réception$'
+answer '^Tarvel – réception$'
+wait $second && fail "the second start works beside the first"
+grep -q 'Une autre station travaille déjà' "$work/second" || fail "the second start doesn't say why it ends"
+press '^Transmission des données$' alt+f
+await "closed transfer window" gone '^Transmission des données$'
+step "minimise, restore, close by the frame"
+xdotool windowminimize "$(window '^Tarvel')"
+await "minimised window" gone '^Tarvel'
+"$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/second" 2>&1 &
+second=$!
+pids+=($second)
+await "box of the second start" seen '^Tarvel – réception$'
+answer '^Tarvel – réception$'
+wait $second || true
+await "main window, called back by a second start" seen '^Tarvel – réception – '
+await "monitoring window" shown
+xdotool windowminimize "$(window '^Liste des chargements$')"
+await "monitoring window, hidden and not lost" gone '^Liste des chargements$'
+await "monitoring window" shown
+by_frame '^Liste des chargements$'
+await "monitoring window, closed by its frame" gone '^Liste des chargements$'
+await "main window" seen '^Tarvel – réception – '
+xdotool windowsize --sync "$(window '^Tarvel – réception – ')" $((700 * dpi / 96)) $((500 * dpi / 96))
+xdotool windowmove "$(window '^Tarvel – réception – ')" $((560 * dpi / 96)) $((400 * dpi / 96))
+sleep 0.5
+by_frame '^Tarvel – réception – '
+wait $station || fail "exit code $? when closed by the frame"
+[ ! -s "$work/tarvel.5" ] || fail "the station complained"
+step "the screen that it stood on has gone"
+kill $screen
+desk_start $((800 * dpi / 96)) $((600 * dpi / 96)) "$dpi"
+desk_manager
+start 6
+in_sight() { eval "$(place "$1")" && [ $X -ge 0 ] && [ $Y -ge 0 ] && [ $((X + WIDTH)) -le $((800 * dpi / 96)) ] && [ $((Y + HEIGHT)) -le $((600 * dpi / 96)) ]; }
+await "main window in sight" in_sight '^Tarvel'
+kill $station
+wait $station || fail "exit code $? at SIGTERM"
 echo "done"

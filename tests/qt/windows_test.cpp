@@ -243,7 +243,7 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
   Fenêtre->show();
   Fenêtre->Suivre(Hôte);
   EXPECT_TRUE(Dit("Le RG80 n'a pas encore") && Dit("○") && Dit("Base locale : cave.db"));
-  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|À lire|");
+  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire|");
   Veille.NoterLigne("08:30:00 : Aucune réponse du RG80.");
   EXPECT_TRUE(Dit("Le RG80 est muet depuis 0 s") && Dit("▲"));
   Veille.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
@@ -251,14 +251,14 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
   for (int Fois = 0; Fois < 2; ++Fois)
     Veille.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
   Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
-  EXPECT_EQ(Onglets(), "La journée|Refusés (1)|Archive|Journal|À lire (1)|");
+  EXPECT_EQ(Onglets(), "La journée|Refusés (1)|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout(
       "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement;"
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
   Veille.NoterReçu();
   Fenêtre->Dire("ChargementAjouté:7");
   EXPECT_TRUE(Dit("Chargement n° 7 reçu, 1310 kg") && Dit("Dernier : n° 7, 1310 kg, 08:05"));
-  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|À lire (1)|");
+  EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
   Fenêtre->Dire("ChargementAjouté:8");
   EXPECT_TRUE(Dit("Dernier : n° 7")) << "what was read stays";

@@ -44,6 +44,8 @@ int PatienterVerrou(void* Patience, int Essais) {
   return 1;
 }
 
+constexpr int PagesParPas = 512;  ///< of a copy, between two looks at its progress
+
 }  // namespace
 
 void ConnexionSqlite::Fermer::operator()(sqlite3* Base) const { sqlite3_close_v2(Base); }
@@ -217,13 +219,30 @@ void ConnexionSqlite::RangerJournal() {
   if (Code == SQLITE_OK && DansLeJournal == DansLeFichier) Rangées_ = Changées;
 }
 
-void ConnexionSqlite::Sauvegarder(const std::filesystem::path& Copie) {
+void ConnexionSqlite::Transporter(ConnexionSqlite& Vers, const Progrès& Dire) {
+  // A reading that lasts: what others commit meanwhile neither gets in nor makes the copy begin anew.
+  struct Lecture {
+    ConnexionSqlite& Sienne;
+    explicit Lecture(ConnexionSqlite& Une) : Sienne(Une) { Sienne.ExécuterTout("BEGIN"); }
+    ~Lecture() { Sienne.Annuler(); }
+  } const Tenue(*this);
+  static_cast<void>(Lire("SELECT COUNT(*) FROM sqlite_master"));
+  const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> Transport(
+      sqlite3_backup_init(Vers.Base_.get(), "main", Base_.get(), "main"), &sqlite3_backup_finish);
+  if (!Transport) LeverÉchec(Vers.Base_.get());
+  int Code = SQLITE_OK;
+  while (Code == SQLITE_OK) {
+    Code = sqlite3_backup_step(Transport.get(), PagesParPas);
+    const auto Total = static_cast<std::size_t>(sqlite3_backup_pagecount(Transport.get()));
+    if (Dire) Dire(Total - static_cast<std::size_t>(sqlite3_backup_remaining(Transport.get())), Total);
+  }
+  if (Code != SQLITE_DONE) LeverÉchec(Vers.Base_.get());
+}
+
+void ConnexionSqlite::Sauvegarder(const std::filesystem::path& Copie, const Progrès& Dire) {
   const auto Vers = Créer(Copie, {}, Journal::Ordinaire);
   try {
-    sqlite3_backup* const Transport = sqlite3_backup_init(Vers->Base_.get(), "main", Base_.get(), "main");
-    if (Transport == nullptr) LeverÉchec(Vers->Base_.get());
-    sqlite3_backup_step(Transport, -1);
-    if (sqlite3_backup_finish(Transport) != SQLITE_OK) LeverÉchec(Vers->Base_.get());
+    Transporter(*Vers, Dire);
     Vers->Quitter();
     if (Ouvrir(Copie)->Lire("PRAGMA integrity_check") != ValeurChamp{"ok"})
       throw ErreurExécution("La copie « " + Copie.string() + " » est endommagée, comme l'est peut-être la base");

@@ -64,8 +64,8 @@ class ConnexionSqlite final : public IConnexion {
   void FixerPatience(std::function<void()> Patience) override { Patience_ = std::move(Patience); }
   /// Copies the whole database, as it stands at one moment, to a new file for its owner alone, while others work on it.
   /// When the call returns the copy is on the disk and was read again. Raises ErreurExécution, and leaves no file, when
-  /// it can't or when there is one already.
-  void Sauvegarder(const std::filesystem::path& Copie);
+  /// it can't or when there is one already. What Dire raises ends it likewise.
+  void Sauvegarder(const std::filesystem::path& Copie, const Progrès& Dire = {});
   /// True when a program has this database open, or may have: with the ordinary journal only one that is at work shows.
   [[nodiscard]] static bool EstOuverteAilleurs(const std::filesystem::path& Fichier);
 
@@ -85,6 +85,7 @@ class ConnexionSqlite final : public IConnexion {
   void Brancher();
   void Quitter();
   void SePasserDeJournalAnticipé();
+  void Transporter(ConnexionSqlite& Vers, const Progrès& Dire);
 
   std::filesystem::path Fichier_;
   Horloge Maintenant_;

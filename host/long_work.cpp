@@ -1,0 +1,41 @@
+// A long work of the command line.
+#include "host/long_work.h"
+
+#include <csignal>
+#include <cstdio>
+#include <utility>
+
+#include "base/failures.h"
+
+namespace Tarvel {
+namespace {
+
+/// A handler can reach nothing but a global.
+volatile std::sig_atomic_t FinDemandée = 0;
+extern "C" void TarvelFinDemandée(int) { FinDemandée = 1; }
+
+constexpr std::chrono::seconds EntreLignes(2);
+
+}  // namespace
+
+LongTravail::LongTravail(std::string Nom) : Nom_(std::move(Nom)) {
+  FinDemandée = 0;
+  for (const int Signal : {SIGINT, SIGTERM}) std::signal(Signal, TarvelFinDemandée);
+}
+
+LongTravail::~LongTravail() {
+  for (const int Signal : {SIGINT, SIGTERM}) std::signal(Signal, SIG_DFL);
+}
+
+void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
+  if (FinDemandée != 0) throw Ombrey::ErreurExécution(Nom_ + " : arrêtée, rien n'est gardé");
+  const auto Maintenant = Horloge::now();
+  if (Maintenant - Dernière_ < EntreLignes || Faits == 0 || Total < Faits) return;
+  Dernière_ = Maintenant;
+  const double Part = static_cast<double>(Faits) / static_cast<double>(Total);
+  const double Passées = std::chrono::duration<double>(Maintenant - Début_).count();
+  std::fprintf(stderr, "tarvel : %s : %.0f %%, encore %.0f s (Ctrl+C l'arrête)\n", Nom_.c_str(), 100 * Part,
+               Passées / Part - Passées);
+}
+
+}  // namespace Tarvel

@@ -1,0 +1,30 @@
+// A long work of the command line: how far it is, and its end on Ctrl+C.
+#pragma once
+
+#include <chrono>
+#include <cstddef>
+#include <string>
+
+namespace Tarvel {
+
+/// While it lives, SIGINT and SIGTERM ask for the end of the work instead of killing the program in its midst. One at a
+/// time.
+class LongTravail {
+ public:
+  /// Nom: what is under way, as the lines call it.
+  explicit LongTravail(std::string Nom);
+  LongTravail(const LongTravail&) = delete;
+  LongTravail& operator=(const LongTravail&) = delete;
+  ~LongTravail();
+
+  /// A line on stderr now and then. Raises ErreurExécution once the end was asked for.
+  void Avancer(std::size_t Faits, std::size_t Total);
+
+ private:
+  using Horloge = std::chrono::steady_clock;
+  std::string Nom_;
+  Horloge::time_point Début_ = Horloge::now();
+  Horloge::time_point Dernière_ = Début_;
+};
+
+}  // namespace Tarvel

@@ -1,0 +1,82 @@
+# Sourced by what drives the station in windows: a screen of its own, a terminal, an operator's keys and eyes.
+# desk_start WIDTH HEIGHT DPI opens the screen; "desk_manager" puts a window manager on it.
+for tool in Xvfb xdotool; do
+  command -v "$tool" >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
+done
+
+work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-x.XXXXXX")
+pids=()
+finish() {
+  local code=$?
+  for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
+  wait 2>/dev/null || true
+  [ $code -eq 0 ] || { echo "--- tarvel"; cat "$work"/tarvel.* ; echo "--- rg80"; tail -20 "$work/rg80.txt"; } 2>/dev/null || true
+  rm -rf "$work"
+}
+trap finish EXIT
+fail() { echo "FAILED: $*"; [ -z "${pictures:-}" ] || shot failed; exit 1; }
+step() { echo "· $*"; }
+
+# Waits for a condition, for a minute and a half at most.
+await() {
+  local what=$1 end=$((SECONDS + 90)); shift
+  until "$@" >/dev/null 2>&1; do
+    [ $SECONDS -lt $end ] || fail "no $what"
+    sleep 0.1
+  done
+}
+window() { xdotool search --onlyvisible --name "$1" | tail -1; }
+seen() { [ -n "$(window "$1")" ]; }
+gone() { ! seen "$1"; }
+place() { xdotool getwindowgeometry --shell "$(window "$1")" | grep -E '^(X|Y|WIDTH|HEIGHT)='; }
+shot() { [ -z "${pictures:-}" ] || import -window root "$pictures/$1-$dpi.png"; }
+# Who gets the keys must be said.
+press() { xdotool windowfocus --sync "$(window "$1")" key --clearmodifiers "$2"; }
+# Opens a menu of the main window by its letter and picks an entry by its own, until the window that it leads to is there.
+pick() { press '^Tarvel' "$1" && xdotool key "$2"; for _ in 1 2 3 4 5; do ! seen "$3" || return 0; sleep 0.1; done; xdotool key Escape; return 1; }
+# A new box takes no key in its first half second.
+answer() { sleep 0.7; press "$1" Return; }
+# While the plug-in starts anew, a window may go under the keys: they are said again.
+shown() { seen '^Liste des chargements$' || { press '^Tarvel' F5 2>/dev/null; sleep 0.5; false; }; }
+hidden() { gone '^Liste des chargements$' || { press '^Liste des chargements$' Escape 2>/dev/null; sleep 0.5; false; }; }
+
+desk_start() {
+  export HOME="$work/home" XDG_CONFIG_HOME="$work/home/.config" LC_ALL=C.UTF-8
+  printf "leak:libfontconfig\nleak:libdbus\n" >"$work/not-ours"
+  export LSAN_OPTIONS=suppressions=$work/not-ours:print_suppressions=0
+  unset WAYLAND_DISPLAY QT_QPA_PLATFORM
+  mkdir -p "$HOME"
+  rm -f "$work/display"
+  exec 5>"$work/display"
+  Xvfb -displayfd 5 -screen 0 "$1x$2x24" -noreset -nolisten tcp >/dev/null 2>&1 &
+  screen=$!
+  pids+=($screen)
+  await "screen" test -s "$work/display"
+  export DISPLAY=:$(cat "$work/display")
+  export QT_FONT_DPI=$3 # what a desktop tells its programs by its own settings
+}
+desk_manager() {
+  openbox >/dev/null 2>&1 &
+  pids+=($!)
+  await "window manager" xdotool get_desktop
+}
+# A cooperative, and settings for a line at $1 baud, polled every $2 ms.
+desk_base() {
+  "$bin/tarvel" --creer-base "$work/cave.db" --exemple
+  printf '[PlugInOmbrey]\nPort=%s\nBauds=%s\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=%s\n' \
+    "$work/rg80" "$1" "$2" >"$work/tarvel.ini"
+}
+# The terminal at $1 baud, with the options behind it.
+terminal() {
+  local pace=$1; shift
+  "$bin/rg80" --lien "$work/rg80" --cadence "$pace" --sortie "$work/received" "$@" >"$work/rg80.txt" 2>&1 &
+  rg80=$!
+  pids+=($rg80)
+  await "terminal" test -e "$work/rg80"
+}
+start() {
+  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/tarvel.$1" 2>&1 &
+  station=$!
+  pids+=($station)
+  await "main window" seen '^Tarvel'
+}

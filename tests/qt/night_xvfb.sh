@@ -1,0 +1,58 @@
+#!/usr/bin/env bash
+# A night without an operator, in a minute: a frame with a wrong checksum, a port that goes away, a load that the base
+# refuses until the office mends it, a base that another program locks. Every good load is in by morning, and what was
+# said stands in a dozen rows at most.
+# night_xvfb.sh BIN [PICTURES]. Exit code 77: not run, for want of a tool.
+set -euo pipefail
+bin=$(readlink -f "$1") dpi=96 pictures=${2:-}
+source "$(dirname "$(readlink -f "$0")")/desk.sh"
+command -v sqlite3 >/dev/null || { echo "not run: sqlite3 isn't installed"; exit 77; }
+desk_start 1366 768 96
+! command -v openbox >/dev/null || desk_manager
+desk_base 9600 500
+printf '[Tarvel]\nDuréeBoîtes=2\n' >>"$work/tarvel.ini"
+sql() { sqlite3 -cmd '.timeout 20000' "$work/cave.db" "$1"; }
+day=$(date +%d%m%y)
+offer() { for n in "$@"; do printf '%s%04d%s01000115000101000101001100000005011251%04d007\n' "$([ "$n" = 2 ] && echo '!checksum ')" "$n" "$day" $((1000 + n)); done; }
+arrived() { [ "$(sql 'SELECT count(*) FROM Chargement')" -ge "$1" ]; }
+sql "CREATE TRIGGER Refus BEFORE INSERT ON Chargement WHEN NEW.NoChargement = 4 BEGIN SELECT RAISE(ABORT, 'refusé'); END"
+
+step "evening: the station runs, and nobody is there any more"
+offer 1 2 3 4 5 6 >"$work/first"
+terminal 9600 --chargements "$work/first"
+start 1
+await "the loads ahead of the refused one" arrived 3
+step "a load is refused, over and over"
+sleep 6
+arrived 4 && fail "the refused load came in"
+[ "$(ls "$work/station/imports-refusés" | wc -l)" -eq 1 ] || fail "the refused load is kept more than once"
+sql "DROP TRIGGER Refus"
+await "the refused load and those behind it" arrived 6
+step "the port goes away"
+kill $rg80
+wait $rg80 || true
+rm -f "$work/rg80"
+sleep 8
+step "it is back, and the base is locked"
+offer 7 8 9 10 >"$work/second"
+mkfifo "$work/lock"
+sqlite3 "$work/cave.db" <"$work/lock" >/dev/null 2>&1 &
+pids+=($!)
+exec 6>"$work/lock"
+echo "BEGIN IMMEDIATE;" >&6
+terminal 9600 --chargements "$work/second"
+sleep 12
+echo "ROLLBACK;" >&6
+exec 6>&-
+step "morning"
+await "all ten loads" arrived 10
+[ "$(sql 'SELECT count(*) FROM Chargement')" -eq 10 ] || fail "a load is there twice"
+[ "$(sql 'SELECT count(*) FROM ChargementArchive')" -eq 0 ] || fail "a load took another's number"
+told=$(wc -l <"$work/station/à-lire.txt")
+{ [ "$told" -ge 3 ] && [ "$told" -le 12 ]; } || fail "the night is told in $told rows"
+press '^Tarvel' alt+e
+sleep 1
+shot night
+kill $station
+wait $station || fail "exit code $? at SIGTERM"
+echo "done"
