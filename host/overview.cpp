@@ -122,6 +122,7 @@ void Veille::NoterOctets(const Octets& Reçus) {
   if (Tampon_.size() < Ombrey::LongTrameChargement) return;
   Trame_ = std::exchange(Tampon_, {}).substr(0, Ombrey::LongTrameChargement);
   ++Passage_;
+  Liaison_.NoterRéponse(std::time(nullptr));
 }
 
 void Veille::NoterRelevé(std::optional<std::int32_t> Attente) {

@@ -65,6 +65,11 @@ void ÉtatLiaison::NoterPort(Secondes Quand, const std::string& Raison) {
   Passer(Quand, Liaison::PortEnPanne);
 }
 
+void ÉtatLiaison::NoterRéponse(Secondes Quand) {
+  Raison_.clear();
+  Passer(Quand, Liaison::Répond);
+}
+
 void ÉtatLiaison::Passer(Secondes Quand, Liaison Nouvel) {
   if (std::exchange(État_, Nouvel) != Nouvel) Depuis_ = Quand;
 }

@@ -23,6 +23,8 @@ class ÉtatLiaison {
   void Noter(Secondes Quand, const std::string& Texte);
   /// The port's own word on why it can't be had.
   void NoterPort(Secondes Quand, const std::string& Raison);
+  /// The terminal has sent something whole.
+  void NoterRéponse(Secondes Quand);
   [[nodiscard]] Liaison État() const { return État_; }
   /// One sentence: what the terminal does, since when, and why.
   [[nodiscard]] std::string Texte(Secondes Maintenant) const;

@@ -14,6 +14,7 @@ namespace Ombrey {
 
 namespace {
 constexpr int LignesHistogramme = 7;  ///< its height in lines of text
+constexpr int LignesLisibles = 4;
 constexpr int KgParTonne = 1000;
 /// Hours that are shown even when they brought nothing.
 constexpr int PremièreHeure = 7;
@@ -23,7 +24,8 @@ QString Tonnes(double Kilos) { return QLocale(QLocale::French).toString(Kilos / 
 }  // namespace
 
 HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
-  setMinimumHeight(LignesHistogramme * fontMetrics().lineSpacing());
+  // On a low screen the lists come first: it gives way, down to nothing.
+  setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
   setAccessibleName(QStringLiteral("Tonnage par heure"));
 }
 
@@ -37,9 +39,14 @@ void HistogrammeQt::Montrer(const std::array<double, 24>& MasseParHeure) {
   update();
 }
 
+QSize HistogrammeQt::sizeHint() const {
+  return {LignesHistogramme * fontMetrics().lineSpacing(), LignesHistogramme * fontMetrics().lineSpacing()};
+}
+
 void HistogrammeQt::paintEvent(QPaintEvent* /*Événement*/) {
   QPainter Peintre(this);
   const int Ligne = fontMetrics().lineSpacing();
+  if (height() < LignesLisibles * Ligne) return;
   int Début = PremièreHeure;
   int Fin = DernièreHeure;
   for (int Heure = 0; Heure < static_cast<int>(Masses_.size()); ++Heure) {

@@ -21,6 +21,7 @@ class HistogrammeQt : public QWidget {
  public:
   explicit HistogrammeQt(QWidget* Parent);
   void Montrer(const std::array<double, 24>& MasseParHeure);
+  [[nodiscard]] QSize sizeHint() const override;
 
  protected:
   void paintEvent(QPaintEvent* Événement) override;

@@ -119,7 +119,7 @@ void FenêtrePrincipaleQt::CréerPages() {
   CréerJournal();
   Ajouter(Stations_, QStringLiteral("Statio&ns"), QStringLiteral("Les stations qui travaillent sur cette base."));
   Pages_->setTabVisible(Pages_->indexOf(Stations_), false);  // until there are several
-  Ajouter(NonLues_, QStringLiteral("À lir&e"), QStringLiteral("Messages auxquels personne n'a répondu."));
+  Ajouter(NonLues_, QStringLiteral("À l&ire"), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
 
 void FenêtrePrincipaleQt::CréerJournal() {
@@ -276,7 +276,7 @@ void FenêtrePrincipaleQt::ActualiserFaits() {
     Pages_->setTabText(Pages_->indexOf(Page), Compté(Titre, Avec.size() - 1));
   };
   Titrer(Refusés_, "&Refusés", Veille_.Refusés());
-  Titrer(NonLues_, "À lir&e", Veille_.NonLus());
+  Titrer(NonLues_, "À l&ire", Veille_.NonLus());
   Refusés_->Montrer();
   NonLues_->Montrer();
 }

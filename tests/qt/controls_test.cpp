@@ -74,7 +74,7 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
        "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|Quotas du jour par appellation|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
       {[&](const Geste& Faire) { Principale(Faire, 5); },
-       "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À lir&e (1)|Tout est lu:  À lir&e|"},
+       "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À l&ire (1)|Tout est lu:  À l&ire|"},
       {[&](const Geste& Faire) { Suivre(Faire, ""); },
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},

@@ -50,7 +50,7 @@ await "all ten loads" arrived 10
 [ "$(sql 'SELECT count(*) FROM ChargementArchive')" -eq 0 ] || fail "a load took another's number"
 told=$(wc -l <"$work/station/à-lire.txt")
 { [ "$told" -ge 3 ] && [ "$told" -le 12 ]; } || fail "the night is told in $told rows"
-press '^Tarvel' alt+e
+press '^Tarvel' alt+i
 sleep 1
 shot night
 kill $station

@@ -82,8 +82,9 @@ cp "$work/tarvel.ini" "$work/before.ini"
 await "port dialog" pick alt+s c '^Port du RG80$'
 press '^Port du RG80$' alt+e
 picture '^Port du RG80$' port
-press '^Port du RG80$' Escape
-await "closed port dialog" gone '^Port du RG80$'
+# A dialog that is trying the line takes no key.
+put_away() { gone '^Port du RG80$' || { press '^Port du RG80$' Escape 2>/dev/null; sleep 0.5; false; }; }
+await "closed port dialog" put_away
 cmp "$work/before.ini" "$work/tarvel.ini" || fail "the settings changed"
 step "the same, kept: the plug-in comes anew under its old button"
 await "port dialog" pick alt+s c '^Port du RG80$'

@@ -1,0 +1,79 @@
+#!/usr/bin/env bash
+# Makes the pictures of docs/images: each view of the station in a window manager's frame.
+# bench/pictures.sh BIN DPI [WIDTH HEIGHT [FOLDER]]: the programs' folder; the screen, 1366×768 times DPI/96 unless
+# given. At 96 dpi a picture is called VIEW.png, at another VIEW-DPI.png.
+set -euo pipefail
+bin=$(readlink -f "$1") dpi=$2 root=$(dirname "$(readlink -f "$0")")/..
+source "$root/tests/qt/desk.sh"
+width=${3:-$((1366 * dpi / 96))} height=${4:-$((768 * dpi / 96))} out=${5:-$root/docs/images}
+suffix=$([ "$dpi" = 96 ] || echo "-$dpi")
+desk_start "$width" "$height" "$dpi"
+mkdir -p "$HOME/.config/openbox"
+desk_manager
+desk_base 9600 500
+line=/dev/rg80 # where it may be made: a name that says nothing of this machine
+ln -sf "$work/rg80" $line 2>/dev/null && sed -i "s|^Port=.*|Port=$line|" "$work/tarvel.ini"
+day=$(date +%d%m%y)
+cat >"$work/loads" <<LOADS
+0001${day}074207550001010001010011000000050112514210007
+0002${day}075108060001020001020011000000200111813885003
+0003${day}080308190002100003050050333333050113112960007
+0004${day}081608300007770007770021000000300210911745011
+0005${day}082908410001230004560071000000050112725120008
+0006${day}083808500004020005110050500000200112212230003
+0007${day}094708580003050003050021000000050112624575007
+0008${day}085509090007300006240050500000050310411310012
+!checksum 0009${day}101510290001020001020011000000050112413905003
+LOADS
+terminal 9600 --chargements "$work/loads" --f6
+printf '[Tarvel]\nDuréeBoîtes=1\n' >>"$work/tarvel.ini"
+start 1
+# A window with its frame, of the whole screen's picture: one that reaches over an edge is shown as it is seen.
+view() {
+  sleep 1
+  eval "$(place "$1")"
+  import -window root -crop $((WIDTH + 2))x$((HEIGHT + 26))+$((X - 1))+$((Y - 20)) +repage "$out/$2$suffix.png"
+}
+main='^Tarvel – réception – '
+nine() { [ "$(grep -c '^réponse reçue' "$work/rg80.txt")" -ge 9 ]; }
+await "nine loads" nine
+kill $station && wait $station || true
+kill $rg80 && wait $rg80 || true
+# A load that is refused, and polled so seldom that its box is gone while the pictures are taken.
+echo "0010${day}103010410001010001010011000000050111x21310012" >"$work/loads"
+terminal 9600 --chargements "$work/loads"
+sed -i 's/interrogation=500/interrogation=60000/' "$work/tarvel.ini"
+start 2
+await "box about the refused load" seen '^RG80 Ombrey$'
+await "end of the box" gone '^RG80 Ombrey$'
+press "$main" alt+j
+view "$main" main
+press "$main" alt+r
+view "$main" refused
+press "$main" alt+l
+view "$main" line
+press "$main" alt+i
+view "$main" unread
+await "port dialog" pick alt+s c '^Port du RG80$'
+view '^Port du RG80$' port
+press '^Port du RG80$' Escape
+await "closed port dialog" gone '^Port du RG80$'
+await "monitoring window" shown
+sleep 3
+view '^Liste des chargements$' monitoring
+press '^Liste des chargements$' Escape
+kill $station && wait $station || true
+kill $rg80 && wait $rg80 || true
+sed -i s/Bauds=9600/Bauds=300/ "$work/tarvel.ini"
+terminal 300 --f6
+start 3
+await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
+view '^Chargement des données' transfer
+press '^Chargement des données' alt+t
+await "progress" seen "^Avancement de l'envoi$"
+await "a second file" grep -q 'fichier 1.*prêt' "$work/rg80.txt"
+view "^Avancement de l'envoi$" progress
+press "^Avancement de l'envoi$" alt+a
+kill $station && wait $station || true
+rm -f $line
+echo "done"
