@@ -40,7 +40,7 @@ class Veille {
   /// These three, for an edition's windows.
   [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
 
-  [[nodiscard]] Liaison État() const { return Liaison_.État(); }
+  [[nodiscard]] SantéLiaison État() const { return Liaison_.État(); }
   [[nodiscard]] std::string TexteLiaison() const;
   [[nodiscard]] std::string TexteRelevé() const;
   /// Rows with their headings first, the latest on top.

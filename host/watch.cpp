@@ -15,15 +15,15 @@ namespace {
 /// A part of what the plug-in says, and what it tells of the link.
 struct SigneLiaison {
   const char* Texte;
-  Liaison État;
+  SantéLiaison État;
 };
 constexpr SigneLiaison SignesLiaison[] = {
-    {Phrase::AucunPort, Liaison::SansPort},       {Phrase::PortMalRéglé, Liaison::SansPort},
-    {Phrase::PortRefusé, Liaison::SansPort},      {Phrase::AucuneRéponse, Liaison::Muette},
-    {Phrase::PasDeConnexion, Liaison::Muette},    {Phrase::PortEnErreur, Liaison::PortEnPanne},
-    {Phrase::RienÀRécupérer, Liaison::Répond},    {Phrase::Communique, Liaison::Répond},
-    {Phrase::NouveauChargement, Liaison::Répond}, {Phrase::Cumuls, Liaison::Répond},
-    {Phrase::ChecksumFaux, Liaison::Répond},      {Phrase::PasPrêt, Liaison::Répond},
+    {Phrase::AucunPort, SantéLiaison::SansPort},       {Phrase::PortMalRéglé, SantéLiaison::SansPort},
+    {Phrase::PortRefusé, SantéLiaison::SansPort},      {Phrase::AucuneRéponse, SantéLiaison::Muette},
+    {Phrase::PasDeConnexion, SantéLiaison::Muette},    {Phrase::PortEnErreur, SantéLiaison::PortEnPanne},
+    {Phrase::RienÀRécupérer, SantéLiaison::Répond},    {Phrase::Communique, SantéLiaison::Répond},
+    {Phrase::NouveauChargement, SantéLiaison::Répond}, {Phrase::Cumuls, SantéLiaison::Répond},
+    {Phrase::ChecksumFaux, SantéLiaison::Répond},      {Phrase::PasPrêt, SantéLiaison::Répond},
 };
 
 /// A part of what the plug-in says of a load that it can't take, and what is to be done about it.
@@ -55,37 +55,37 @@ void ÉtatLiaison::Noter(Secondes Quand, const std::string& Texte) {
   for (const SigneLiaison& Signe : SignesLiaison) {
     if (Texte.find(Signe.Texte) == std::string::npos) continue;
     // The port has said itself what is wrong with it, and says so ahead of this.
-    if (Signe.État != Liaison::PortEnPanne) Raison_.clear();
+    if (Signe.État != SantéLiaison::PortEnPanne) Raison_.clear();
     return Passer(Quand, Signe.État);
   }
 }
 
 void ÉtatLiaison::NoterPort(Secondes Quand, const std::string& Raison) {
   Raison_ = Raison;
-  Passer(Quand, Liaison::PortEnPanne);
+  Passer(Quand, SantéLiaison::PortEnPanne);
 }
 
 void ÉtatLiaison::NoterRéponse(Secondes Quand) {
   Raison_.clear();
-  Passer(Quand, Liaison::Répond);
+  Passer(Quand, SantéLiaison::Répond);
 }
 
-void ÉtatLiaison::Passer(Secondes Quand, Liaison Nouvel) {
+void ÉtatLiaison::Passer(Secondes Quand, SantéLiaison Nouvel) {
   if (std::exchange(État_, Nouvel) != Nouvel) Depuis_ = Quand;
 }
 
 std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
   const std::string Depuis = " depuis " + Durée(std::max<Secondes>(0, Maintenant - Depuis_));
   switch (État_) {
-    case Liaison::Répond:
+    case SantéLiaison::Répond:
       return "Le RG80 répond";
-    case Liaison::Muette:
+    case SantéLiaison::Muette:
       return "Le RG80 est muet" + Depuis;
-    case Liaison::PortEnPanne:
+    case SantéLiaison::PortEnPanne:
       return (Raison_.empty() ? "Le port est en panne" : Raison_) + " (" + Depuis.substr(1) + ")";
-    case Liaison::SansPort:
+    case SantéLiaison::SansPort:
       return Phrase::AucunPort;
-    case Liaison::Inconnue:
+    case SantéLiaison::Inconnue:
       break;
   }
   return "Le RG80 n'a pas encore été interrogé";

@@ -12,7 +12,7 @@
 
 namespace Tarvel {
 
-enum class Liaison { Inconnue, Répond, Muette, PortEnPanne, SansPort };
+enum class SantéLiaison { Inconnue, Répond, Muette, PortEnPanne, SansPort };
 
 /// Moments are counted in seconds of one clock.
 using Secondes = std::int64_t;
@@ -25,14 +25,14 @@ class ÉtatLiaison {
   void NoterPort(Secondes Quand, const std::string& Raison);
   /// The terminal has sent something whole.
   void NoterRéponse(Secondes Quand);
-  [[nodiscard]] Liaison État() const { return État_; }
+  [[nodiscard]] SantéLiaison État() const { return État_; }
   /// One sentence: what the terminal does, since when, and why.
   [[nodiscard]] std::string Texte(Secondes Maintenant) const;
 
  private:
-  void Passer(Secondes Quand, Liaison Nouvel);
+  void Passer(Secondes Quand, SantéLiaison Nouvel);
 
-  Liaison État_ = Liaison::Inconnue;
+  SantéLiaison État_ = SantéLiaison::Inconnue;
   Secondes Depuis_ = 0;
   std::string Raison_;
 };

@@ -22,7 +22,6 @@
 #include "platform/qt/qt_message_box.h"
 
 namespace Ombrey {
-
 namespace {
 using namespace std::chrono_literals;
 
@@ -31,8 +30,7 @@ constexpr int ColonnesAuDépart = 175;
 constexpr int LignesAuDépart = 42;
 constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;
-constexpr auto Pas = 1000ms;
-/// Steps between two readings of the database: another station's loads, and midnight.
+/// Seconds between two readings of the database: another station's loads, and midnight.
 constexpr int ToursParLecture = 30;
 constexpr qint64 RappelTransfert = 300;  ///< seconds
 constexpr const char* Section = "FenêtrePrincipale";
@@ -40,10 +38,6 @@ constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
 const std::string SignalReçu = Phrase::ChargementAjouté;
 
-QString Compté(const char* Titre, std::size_t Nombre) {
-  const QString Nu = QString::fromUtf8(Titre);
-  return Nombre == 0 ? Nu : QStringLiteral("%1 (%2)").arg(Nu).arg(Nombre);
-}
 }  // namespace
 
 FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages,
@@ -89,18 +83,18 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
 }
 
 void FenêtrePrincipaleQt::SuivreLaVeille() {
-  Veille_.SurChangement([this] {
+  const auto Tout = [this] {
     ActualiserBandeau();
     ActualiserFaits();
-  });
+  };
+  Veille_.SurChangement(Tout);
   connect(&Montre_, &QTimer::timeout, this, [this] {
     // Through the loop: the base that lets the window be painted while it waits can't be asked meanwhile.
     if (++Tours_ % ToursParLecture == 0) Différé([this] { Actualiser(); })();
     ActualiserBandeau();
   });
-  Montre_.start(Pas);
-  ActualiserBandeau();
-  ActualiserFaits();
+  Montre_.start(1s);
+  Tout();
 }
 
 FenêtrePrincipaleQt::~FenêtrePrincipaleQt() {
@@ -133,13 +127,12 @@ void FenêtrePrincipaleQt::CréerJournal() {
 }
 
 void FenêtrePrincipaleQt::SuivreLiaison(const JournalLiaison& Journal) {
-  auto* const Page = new PageLigneQt(this, Contexte_, Journal);
-  const int Place = Pages_->insertTab(Pages_->indexOf(Journal_), Page, QStringLiteral("&Ligne"));
-  Pages_->setTabToolTip(Place, QStringLiteral("Ce qui passe sur la ligne, le plus récent en bas."));
+  Ajouter(new PageLigneQt(this, Contexte_, Journal), QStringLiteral("&Ligne"),
+          QStringLiteral("Ce qui passe sur la ligne, le plus récent en bas."), Pages_->indexOf(Journal_));
 }
 
-void FenêtrePrincipaleQt::Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle) {
-  Pages_->setTabToolTip(Pages_->addTab(Page, Titre), Infobulle);
+void FenêtrePrincipaleQt::Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle, int Place) {
+  Pages_->setTabToolTip(Pages_->insertTab(Place, Page, Titre), Infobulle);
 }
 
 void FenêtrePrincipaleQt::ReprendrePlace() {
@@ -166,29 +159,28 @@ std::function<void()> FenêtrePrincipaleQt::Différé(std::function<void()> Gest
 void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
   Gestes_ = std::move(LesGestes);
   QMenu* const Station = menuBar()->addMenu(QStringLiteral("&Station"));
-  connect(Station->addAction(QStringLiteral("&Configurer le port…")), &QAction::triggered, this,
-          Différé(Gestes_.Configurer));
-  if (Diagnostic_)
-    connect(Station->addAction(QStringLiteral("&Diagnostic…")), &QAction::triggered, this,
-            Différé([this] { Diagnostiquer(); }));
+  Offrir(*Station, "&Configurer le port…", Gestes_.Configurer);
+  if (Diagnostic_) Offrir(*Station, "&Diagnostic…", [this] { Diagnostiquer(); });
   Station->addSeparator();
   OffrirPapiers(*Station, this, Contexte_, [this] { return Base_ ? Base_->BaseDAO() : nullptr; });
   Station->addSeparator();
-  QAction* const Quitter = Station->addAction(QStringLiteral("&Quitter"));
-  Quitter->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
-  connect(Quitter, &QAction::triggered, this, Différé(Gestes_.Quitter));
+  Offrir(*Station, "&Quitter", Gestes_.Quitter)->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
   MenuGreffons().menuAction()->setVisible(false);  // until there is one
   CréerAide();
 }
 
 void FenêtrePrincipaleQt::CréerAide() {
   QMenu* const Aide = menuBar()->addMenu(QStringLiteral("&Aide"));
-  QAction* const Ouvrir = Aide->addAction(QStringLiteral("&Guide de l'opérateur\tF1"));
-  connect(Ouvrir, &QAction::triggered, this, Différé([this] {
-            if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
-          }));
-  connect(Aide->addAction(QStringLiteral("À &propos…")), &QAction::triggered, this,
-          Différé([this] { DemanderParBoîte(Contexte_, ÀPropos_, "À propos", BoutonsBoîte::Ok); }));
+  Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
+    if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
+  });
+  Offrir(*Aide, "À &propos…", [this] { DemanderParBoîte(Contexte_, ÀPropos_, "À propos", BoutonsBoîte::Ok); });
+}
+
+QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste) {
+  QAction* const Entrée = Menu.addAction(Texte(Titre));
+  connect(Entrée, &QAction::triggered, this, Différé(std::move(Geste)));
+  return Entrée;
 }
 
 void FenêtrePrincipaleQt::Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic) {
@@ -231,7 +223,7 @@ void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& 
 }
 
 void FenêtrePrincipaleQt::OffrirMenu(const std::string& Entrée) {
-  connect(MenuGreffons().addAction(Texte(Entrée)), &QAction::triggered, this, Différé([this] { Transférer(); }));
+  Offrir(MenuGreffons(), Entrée, [this] { Transférer(); });
 }
 
 /// The plug-in collects nothing while its transfer window is open.
@@ -273,7 +265,9 @@ std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
 
 void FenêtrePrincipaleQt::ActualiserFaits() {
   const auto Titrer = [this](QWidget* Page, const char* Titre, const Tarvel::Rangées& Avec) {
-    Pages_->setTabText(Pages_->indexOf(Page), Compté(Titre, Avec.size() - 1));
+    const std::size_t Nombre = Avec.size() - 1;
+    const std::string Compte = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
+    Pages_->setTabText(Pages_->indexOf(Page), Texte(Titre + Compte));
   };
   Titrer(Refusés_, "&Refusés", Veille_.Refusés());
   Titrer(NonLues_, "À l&ire", Veille_.NonLus());

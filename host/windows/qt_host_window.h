@@ -73,7 +73,9 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void SuivreLaVeille();
   void CréerJournal();
   void CréerAide();
-  void Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle);
+  QAction* Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste);
+  /// Behind the last page, unless a place is said.
+  void Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle, int Place = -1);
   void ReprendrePlace();
   void SauverPlace();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;

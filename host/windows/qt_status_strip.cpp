@@ -10,14 +10,14 @@ namespace Ombrey {
 namespace {
 /// A state's own shape and colour, so that neither is needed to read the other.
 struct Enseigne {
-  Tarvel::Liaison État;
+  Tarvel::SantéLiaison État;
   const char* Signe;
   const char* Couleur;
 };
 constexpr Enseigne Enseignes[] = {
-    {Tarvel::Liaison::Répond, "●", "#1b7f3b"},      {Tarvel::Liaison::Muette, "▲", "#b45f00"},
-    {Tarvel::Liaison::PortEnPanne, "■", "#b00020"}, {Tarvel::Liaison::SansPort, "■", "#b00020"},
-    {Tarvel::Liaison::Inconnue, "○", "#606060"},
+    {Tarvel::SantéLiaison::Répond, "●", "#1b7f3b"},      {Tarvel::SantéLiaison::Muette, "▲", "#b45f00"},
+    {Tarvel::SantéLiaison::PortEnPanne, "■", "#b00020"}, {Tarvel::SantéLiaison::SansPort, "■", "#b00020"},
+    {Tarvel::SantéLiaison::Inconnue, "○", "#606060"},
 };
 constexpr const char* SigneSuspendu = "❚❚";
 constexpr const char* CouleurSuspendue = "#b45f00";
@@ -66,7 +66,7 @@ BandeauQt::BandeauQt(QWidget* Parent)
   Plan->setVerticalSpacing(2);
 }
 
-void BandeauQt::MontrerLiaison(Tarvel::Liaison État, const QString& Phrase) {
+void BandeauQt::MontrerLiaison(Tarvel::SantéLiaison État, const QString& Phrase) {
   for (const Enseigne& Une : Enseignes)
     if (Une.État == État) Montrer(QString::fromUtf8(Une.Signe), QString::fromUtf8(Une.Couleur), Phrase);
 }

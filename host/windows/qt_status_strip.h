@@ -22,7 +22,7 @@ class BandeauQt : public QWidget {
  public:
   explicit BandeauQt(QWidget* Parent);
   /// A state has its own words, shape and colour.
-  void MontrerLiaison(Tarvel::Liaison État, const QString& Phrase);
+  void MontrerLiaison(Tarvel::SantéLiaison État, const QString& Phrase);
   void MontrerSuspension(const QString& Phrase);
   void DireRelevé(const QString& Phrase) { Relevé_->Dire(Phrase); }
   void DireDernier(const QString& Phrase) { Dernier_->Dire(Phrase); }

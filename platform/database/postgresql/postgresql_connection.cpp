@@ -3,9 +3,7 @@
 
 #include <libpq-fe.h>
 
-#include <charconv>
 #include <cstdint>
-#include <cstdio>
 #include <string_view>
 #include <utility>
 
@@ -15,6 +13,7 @@
 #include "platform/database/postgresql/postgresql_dialect.h"
 #include "platform/database/postgresql/postgresql_failures.h"
 #include "platform/database/postgresql/postgresql_sums.h"
+#include "platform/database/postgresql/postgresql_values.h"
 
 namespace Ombrey {
 namespace {
@@ -30,55 +29,6 @@ std::int32_t NuméroDeSite(std::string_view Code) {
   std::uint32_t Somme = 2'166'136'261U;
   for (const char C : Code) Somme = (Somme ^ static_cast<unsigned char>(C)) * 16'777'619U;
   return static_cast<std::int32_t>(Somme | 1U);
-}
-
-enum Oid : unsigned { Booléen = 16, Entier8 = 20, Entier2 = 21, Entier4 = 23, Réel4 = 700, Réel8 = 701, Date = 1082 };
-enum OidLong : unsigned { Instant = 1114, InstantDeZone = 1184, Décimal = 1700 };
-
-template <class Nombre>
-Nombre Lu(std::string_view Texte) {
-  Nombre Valeur{};
-  std::from_chars(Texte.data(), Texte.data() + Texte.size(), Valeur);
-  return Valeur;
-}
-
-/// A whole number stays one, as far as it can.
-ValeurChamp DécimalLu(std::string_view Texte) {
-  constexpr std::size_t ChiffresSûrs = 18;
-  if (Texte.find_first_of(".eN") == Texte.npos && Texte.size() <= ChiffresSûrs) return Lu<std::int64_t>(Texte);
-  return Lu<double>(Texte);
-}
-
-ValeurChamp DateLue(const char* Texte) {
-  DateHeure Moment{};
-  const int Lus = std::sscanf(Texte, "%d-%d-%d %d:%d:%d", &Moment.Année, &Moment.Mois, &Moment.Jour, &Moment.Heure,
-                              &Moment.Minute, &Moment.Seconde);
-  constexpr int Trois = 3;
-  return Lus < Trois ? ValeurChamp{std::string(Texte)} : ValeurChamp{NuméroDeJour(Moment)};
-}
-
-ValeurChamp ValeurDe(const PGresult* Lignes, int Ligne, int Colonne) {
-  if (PQgetisnull(Lignes, Ligne, Colonne) != 0) return std::monostate{};
-  const char* const Texte = PQgetvalue(Lignes, Ligne, Colonne);
-  switch (PQftype(Lignes, Colonne)) {
-    case Booléen:
-      return std::int64_t{*Texte == 't' ? -1 : 0};
-    case Entier8:
-    case Entier4:
-    case Entier2:
-      return Lu<std::int64_t>(Texte);
-    case Réel4:
-    case Réel8:
-      return Lu<double>(Texte);
-    case Décimal:
-      return DécimalLu(Texte);
-    case Date:
-    case Instant:
-    case InstantDeZone:
-      return DateLue(Texte);
-    default:
-      return std::string(Texte, static_cast<std::size_t>(PQgetlength(Lignes, Ligne, Colonne)));
-  }
 }
 
 }  // namespace

@@ -47,7 +47,7 @@ struct EnTexte {
 }  // namespace
 
 void LibérerRésultat::operator()(pg_result* Ancien) const { PQclear(Ancien); }
-void LienServeur::Finir::operator()(pg_conn* Lien) const { PQfinish(Lien); }
+void LienServeur::Raccrocher::operator()(pg_conn* Lien) const { PQfinish(Lien); }
 
 /// Nobody else asks meanwhile.
 class LienServeur::Occupation {

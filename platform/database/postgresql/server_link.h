@@ -74,7 +74,7 @@ class LienServeur {
   void FixerPatience(std::function<void()> Patience) { Patience_ = std::move(Patience); }
 
  private:
-  struct Finir {
+  struct Raccrocher {
     void operator()(pg_conn* Lien) const;
   };
   class Occupation;
@@ -89,7 +89,7 @@ class LienServeur {
   [[noreturn]] void Renoncer(const std::string& Raison);
 
   std::string Adresse_;
-  std::unique_ptr<pg_conn, Finir> Lien_;
+  std::unique_ptr<pg_conn, Raccrocher> Lien_;
   bool EstPressé_ = true;
   bool EstOccupé_ = false;
   std::optional<std::chrono::steady_clock::time_point> Échéance_;
