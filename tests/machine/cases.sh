@@ -358,8 +358,10 @@ twenty_times() { for turn in 1 2 3 4 5 6 7 8 9 10 11 12 13 14 15 16 17 18 19 20;
 in_a_file() {
   sleep 1.5
   out
-  await 60 said 'boîte'
+  await 60 said 'boîte «Erreur du port»'
   back
+  tell ok
+  await 60 said 'boîte «Transmission'
   tell recommencer
 }
 
