@@ -37,7 +37,8 @@ void RegistreStations::Signaler() {
   Ombrey::ErreurEnAttente Ignorée;
   Ignorer(Ignorée, [this] {
     // No other station has this site: nobody can be faster.
-    const bool EstConnue = !Ombrey::EstNull(Connexion_->Lire("SELECT Vue FROM Station WHERE CodeSite = ?1", {CodeSite_}));
+    const bool EstConnue =
+        !Ombrey::EstNull(Connexion_->Lire("SELECT Vue FROM Station WHERE CodeSite = ?1", {CodeSite_}));
     Connexion_->Exécuter(EstConnue ? "UPDATE Station SET Machine = ?2, Vue = ?3 WHERE CodeSite = ?1"
                                    : "INSERT INTO Station (CodeSite, Machine, Vue) VALUES (?1, ?2, ?3)",
                          {CodeSite_, Ombrey::NomMachine(), Ombrey::NuméroDeJour(Ombrey::HeureLocale())});

@@ -24,7 +24,6 @@
 namespace Ombrey {
 namespace {
 using namespace std::chrono_literals;
-
 /// In letters and lines: as much at every resolution.
 constexpr int ColonnesAuDépart = 175;
 constexpr int LignesAuDépart = 42;

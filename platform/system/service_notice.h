@@ -35,8 +35,8 @@ class AvisService {
 /// True when the descriptor leads to the journal, which takes a level such as "<3>" at the start of each line.
 [[nodiscard]] bool MèneAuJournal(int Descripteur);
 
-/// The level of a console's line for the journal: "<3>" for an error to "<6>" for what merely happened, "<7>" for a poll
-/// that found nothing.
+/// The level of a console's line for the journal: "<3>" for an error to "<6>" for what merely happened, "<7>" for a
+/// poll that found nothing.
 [[nodiscard]] std::string_view NiveauJournal(std::string_view Ligne);
 
 }  // namespace Ombrey

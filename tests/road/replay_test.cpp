@@ -11,7 +11,8 @@ namespace Ombrey::Essais {
 TEST(Trace, KeepsEveryByteForTheReplay) {
   std::string Tous;
   for (int Code = 0; Code < 256; ++Code) Tous += static_cast<char>(Code);
-  std::istringstream Ligne(LigneTrace({InstantLiaison::Présent(), MessageLiaison::Source::Terminal, Octets(Tous), "\tx"}));
+  std::istringstream Ligne(
+      LigneTrace({InstantLiaison::Présent(), MessageLiaison::Source::Terminal, Octets(Tous), "\tx"}));
   EXPECT_EQ(Rg80::LireTrace(Ligne, "trace").at(0).Octets, Tous);
 }
 
