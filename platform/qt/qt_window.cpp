@@ -39,11 +39,14 @@ bool FenêtreQt::event(QEvent* Événement) {
   if (Événement->type() == QEvent::Show) CédéeÀNous_ = false;
   // A modal window out of sight would lock the whole station: it is hidden as by Esc, or stays.
   if (Événement->type() == QEvent::WindowStateChange && isMinimized()) {
-    if (isEnabled() && QApplication::activeModalWidget() == this && SurÉchap)
+    if (isEnabled() && QApplication::activeModalWidget() == this && SurÉchap) {
+      EstRéduite_ = true;
       SurÉchap();
-    else
+    } else {
       setWindowState(windowState() & ~Qt::WindowMinimized);
+    }
   }
+  if (Événement->type() == QEvent::Hide && std::exchange(EstRéduite_, false)) RendreLesTouches();
   if (Événement->type() == QEvent::WindowDeactivate) {
     const QWidget* const Modale = QApplication::activeModalWidget();
     CédéeÀNous_ = Modale != nullptr && Modale != this;
@@ -51,6 +54,17 @@ bool FenêtreQt::event(QEvent* Événement) {
   if (Événement->type() == QEvent::WindowActivate && !std::exchange(CédéeÀNous_, false) && SurActivation)
     SurActivation();
   return Traité;
+}
+
+/// The window manager has given the keys to the window behind while this one still barred it: Qt took no notice, and
+/// nothing would tell it again.
+void FenêtreQt::RendreLesTouches() {
+  if (QApplication::activeWindow() != nullptr && QApplication::activeWindow() != this) return;
+  for (QWidget* const Autre : QApplication::topLevelWidgets())
+    if (Autre != this && Autre->isVisible() && Autre->windowType() == Qt::Window) {
+      Autre->activateWindow();
+      return QApplication::setActiveWindow(Autre);
+    }
 }
 
 void BoutonQt::paintEvent(QPaintEvent* /*Événement*/) {

@@ -32,7 +32,10 @@ class FenêtreQt : public QWidget {
   bool event(QEvent* Événement) override;
 
  private:
+  void RendreLesTouches();
+
   bool CédéeÀNous_ = false;  ///< a box of our own has taken over
+  bool EstRéduite_ = false;  ///< it hides because it was minimised
 };
 
 /// A button whose text breaks into lines where it is too long for one.
