@@ -1,13 +1,12 @@
 // The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <sys/socket.h>
 
 #include <csignal>
 
 #include "host/console_station.h"
 #include "host/station.h"
-#include "platform/loop/descriptor.h"
+#include "tests/console/typist.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/test_folder.h"
 
@@ -15,29 +14,6 @@ namespace Ombrey::Essais {
 
 using namespace std::chrono_literals;
 using Arguments = std::vector<std::string>;
-
-/// An operator: all that he types is known ahead, all that he sees is read afterwards.
-class Terminal {
- public:
-  /// Types it all and ends the input.
-  explicit Terminal(const std::string& Tapé) {
-    int Bouts[2] = {-1, -1};
-    EXPECT_EQ(socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Bouts), 0);
-    Console = Descripteur(Bouts[0]);
-    Opérateur = Descripteur(Bouts[1]);
-    EXPECT_EQ(send(Bouts[1], Tapé.data(), Tapé.size(), 0), static_cast<ssize_t>(Tapé.size()));
-    shutdown(Bouts[1], SHUT_WR);
-  }
-  /// What was shown since the last call.
-  [[nodiscard]] std::string Vu() const {
-    std::array<char, 65536> Bloc{};
-    const ssize_t Lus = recv(Opérateur.Numéro(), Bloc.data(), Bloc.size(), MSG_DONTWAIT);
-    return {Bloc.data(), static_cast<std::size_t>(std::max<ssize_t>(Lus, 0))};
-  }
-
-  Descripteur Console;  ///< the program's end
-  Descripteur Opérateur;
-};
 
 Tarvel::Options Choisies(const std::string& Dossier, Arguments Plus) {
   Plus.insert(Plus.end(), {"--base", Dossier + "/base.db", "--ini", Dossier + "/tarvel.ini"});

@@ -32,6 +32,7 @@ const std::tuple<const char*, Actes, const char*, const char*, const char*> Suit
   {"and the other one again", {Ligne(), DixHeures, Ligne(), DixHeures}, "4 1234 10:00+4 1234 08:30", "2468 57532", "mis à jour"},
   {"an archived one whose holding could be had only now", {Ligne("12", Matin, "0"), DixHeures, Ligne()}, "4 1234 08:30+4 1234 10:00", "2468 57532", "mis à jour"},
   {"no date: the times of two imports, a day apart", {Ligne("12", SansDate), Ligne("12", "24/09/2026 00:00:07")}, "4 1234 23:59", "1234 58766", "mis à jour"},
+  {"a date at first, and none at the second time", {Ligne(), Ligne("12", SansDate)}, "4 1234 08:30", "1234 58766", "mis à jour"},
   {"no date: both imports on whole minutes", {Ligne("12", "22/09/2026 10:00:00"), Ligne("12", "22/09/2026 11:00:00")}, "4 1234 10:00", "1234 58766", "mis à jour"},
   {"no date, and another weight", {Ligne("12", SansDate), Ligne("12", SansDate, "4", "05", "1235")}, "4 1235 23:59+4 1234 23:59", "2469 57531", "importé"},
   {"no date, and neither appellation nor weight", {Ligne("12", SansDate, "4", "", ""), Ligne("12", "23/09/2026 09:00:01", "4", "", "")}, "4  23:59", "0 60000", "mis à jour"},

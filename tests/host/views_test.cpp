@@ -48,6 +48,7 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
     double Après14h;
   } Table[] = {{"", "", Quatre + Deux, Inconnue + Aligoté, 1520},
                {"3", "", Deux, Aligoté, 520},
+               {"4", "", Quatre, Inconnue, 1000},
                {"", "ÉLISE  8:05", Deux.substr(Deux.find('\n') + 1), "Aligoté|Saine|1|1480|185|\n", 0},
                {"", "inconnu", Quatre, Inconnue, 1000},
                {"", "aligoté zzz", "", "", 0}};
@@ -80,6 +81,11 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
     for (const Secondes Quand : {1000, 1700}) Vue.Noter(Quand, Dit);
     EXPECT_EQ(Vue.Texte(1000 + 725), Phrase);
   }
+  ÉtatLiaison Vue;
+  Vue.NoterPort(1000, Occupé);
+  for (const auto& [Quand, Dit] : {std::pair(1100, "08:30:00 : Aucun chargement à récupérer."), {1200, Panne.c_str()}})
+    Vue.Noter(Quand, Dit);
+  EXPECT_EQ(Vue.Texte(1205), "Le port est en panne (depuis 5 s)") << "the reason was an earlier one's";
 }
 
 TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
