@@ -32,7 +32,8 @@ start 1
 view() {
   sleep 1
   eval "$(place "$1")"
-  import -window root -crop $((WIDTH + 2))x$((HEIGHT + 26))+$((X - 1))+$((Y - 20)) +repage "$out/$2$suffix.png"
+  # xdotool counts the frame's left and top twice.
+  import -window root -crop $((WIDTH + 2))x$((HEIGHT + 25))+$((X - 2))+$((Y - 40)) +repage "$out/$2$suffix.png"
 }
 main='^Tarvel – réception – '
 nine() { [ "$(grep -c '^réponse reçue' "$work/rg80.txt")" -ge 9 ]; }

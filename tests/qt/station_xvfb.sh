@@ -143,8 +143,8 @@ await "end of what was on the line" grep -q 'fichier 4.*reçu' "$work/rg80.txt"
 command -v openbox >/dev/null || { echo "done, but for the window manager: openbox isn't installed"; exit 0; }
 desk_manager
 by_frame() { xdotool windowactivate --sync "$(window "$1")" key --clearmodifiers alt+F4; }
-# Of a window that can't be activated: the X stands at the end of the title.
-close_frame() { eval "$(place "$1")"; xdotool mousemove $((X + WIDTH - 9)) $((Y - 11)) click 1; }
+# Of a window that can't be activated: the X stands at the end of the title, which xdotool counts twice in a place.
+close_frame() { eval "$(place "$1")"; xdotool mousemove $((X + WIDTH - 10)) $((Y - 31)) click 1; }
 step "a transfer is stopped, and goes on where it was"
 anew --f6
 sed -i s/Bauds=9600/Bauds=300/ "$work/tarvel.ini"
