@@ -33,8 +33,12 @@ missing() {
   have_header gtest/gtest.h || echo "libgtest-dev"
   have Xvfb || echo "xvfb the station in windows"
   have xdotool || echo "xdotool the station in windows"
+  have openbox || echo "openbox the station under a window manager"
+  have sqlite3 || echo "sqlite3 a night without an operator"
+  have pdftotext || echo "poppler-utils the papers as PDF"
   have faketime || echo "faketime the tests in other years"
   if [ -d platform/database/postgresql ]; then have_file '/usr/lib/postgresql/*/bin/initdb' || echo "postgresql bases on a server"; fi
+  have openssl || echo "openssl bases on a server with TLS"
   have_fuzzer || printf '%s\n' "clang fuzzing" "libclang-rt-dev fuzzing"
 }
 

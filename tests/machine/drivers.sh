@@ -5,16 +5,21 @@ echo /bin/modprobe >/proc/sys/kernel/modprobe
 modprobe -a xhci-pci usbmon
 [ -d /sys/module/flags ] || insmod /flags.ko
 
-lane_16550() {
-  driver=16550 line=serie port=/dev/ttyS1
-  for bauds in 300 1200 4800 9600 19200; do try "eight loads, $bauds" eight_loads $bauds; done
+# What every driver that takes settings is held to.
+at_work() {
   try "five files to the byte, 19200" whole_files
   try "SIGTERM in a file" end_in_a_file TERM
   try "ended by its operator in a file" end_in_a_file fin
   try "all 256 values both ways" all_values
   try "break, parity, framing and overrun flags" flagged
-  try "a break between characters" breaks
   try "SIGTERM when nothing is taken" end_in_a_file TERM takes_nothing
+}
+
+lane_16550() {
+  driver=16550 line=serie port=/dev/ttyS1
+  for bauds in 300 1200 4800 9600 19200; do try "eight loads, $bauds" eight_loads $bauds; done
+  try "a break between characters" breaks
+  at_work
 }
 
 # A second 16550, whose far end has neither carrier nor CTS.
@@ -54,12 +59,7 @@ lane_ftdi() {
   modprobe ftdi_sio
   out_and_back
   for bauds in 300 1200 9600 19200; do try "eight loads, $bauds" eight_loads $bauds; done
-  try "five files to the byte, 19200" whole_files
-  try "SIGTERM in a file" end_in_a_file TERM
-  try "ended by its operator in a file" end_in_a_file fin
-  try "all 256 values both ways" all_values
-  try "break, parity, framing and overrun flags" flagged
-  try "SIGTERM when nothing is taken" end_in_a_file TERM takes_nothing
+  at_work
   for row in "300 paire 7 2" "1200 impaire 7 1" "9600 impaire 8 2" "19200 aucune 8 1"; do try "set to $row" tell_device $row; done
   try "less than it can" refused 150 'pas moins de 200'
   try "adapter out and back, idle" pulled_out while_idle
@@ -79,12 +79,7 @@ lane_gadget() {
   [ -e /tmp/usbmon ] || cat /sys/kernel/debug/usb/usbmon/0u >/tmp/usbmon &
   for row in "300 paire 7 2" "1200 impaire 7 1" "2400 marque 8 1" "9600 espace 6 2" "19200 aucune 5 1"; do try "set to $row" tell_device $row; done
   for bauds in 1200 19200; do try "eight loads, $bauds" eight_loads $bauds; done
-  try "five files to the byte, 19200" whole_files
-  try "SIGTERM in a file" end_in_a_file TERM
-  try "ended by its operator in a file" end_in_a_file fin
-  try "all 256 values both ways" all_values
-  try "break, parity, framing and overrun flags" flagged
-  try "SIGTERM when nothing is taken" end_in_a_file TERM takes_nothing
+  at_work
 }
 
 # The same device without its class, for the driver that knows no settings: it is at 9600 bauds, and says so.

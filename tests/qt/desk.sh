@@ -66,6 +66,20 @@ desk_base() {
   printf '[PlugInOmbrey]\nPort=%s\nBauds=%s\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=%s\n' \
     "$work/rg80" "$1" "$2" >"$work/tarvel.ini"
 }
+# A morning's eight loads of the sample cooperative, in $work/loads. $1: a number that has a wrong checksum at first.
+desk_loads() {
+  local day; day=$(date +%d%m%y)
+  sed "s/^000${1:-none}/!checksum &/" >"$work/loads" <<LOADS
+0001${day}074207550001010001010011000000050112514210007
+0002${day}075108060001020001020011000000200111813885003
+0003${day}080308190002100003050050333333050113112960007
+0004${day}081608300007770007770021000000300210911745011
+0005${day}082908410001230004560071000000050112725120008
+0006${day}083808500004020005110050500000200112212230003
+0007${day}084708580003050003050021000000050112624575007
+0008${day}085509090007300006240050500000050310411310012
+LOADS
+}
 # The terminal at $1 baud, with the options behind it.
 terminal() {
   local pace=$1; shift
