@@ -116,10 +116,9 @@ TEST_F(SurFichier, ReadsNumbersAsPeopleWriteThem) {
 }
 
 TEST_P(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
-  std::string Vide;
-  std::string Rouge = "05";
+  std::string Vide, Saine = "01";
   const auto Exploit = [&](std::string Métayage, std::string Sélection) {
-    return Base_->CalculerRestantExploit(Métayage, Vide, Sélection, Vide, {}, {});
+    return Base_->CalculerRestantExploit(Métayage, Vide, Sélection, Saine, {}, {});
   };
   const auto CumulGroupe = [&](const char* Groupe) { return Base_->CalculerCumulGroupe(Groupe, "", "", "05"); };
   const auto RestantGroupe = [&](std::string Groupe, std::string Sélection) {
@@ -128,14 +127,14 @@ TEST_P(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
   };
   ASSERT_EQ(Importer(Ligne("1", "22/09/26 08:30", "4", "05", "1000") + Ligne("2", "21/09/26 08:30", "5", "05", "500") +
                      Ligne("3", "22/09/26 09:00", "4", "10", "70") + Ligne("4", "31/12/25 23:59", "4", "05", "9000") +
-                     Ligne("5", "22/09/26 10:00", "1", "05", "800")),
+                     Ligne("5", "22/09/26 10:00", "1", "05", "800") + Ligne("6", "31/12/26 23:59", "4", "05", "2000")),
             "");
   ASSERT_EQ(Importer(Ligne("1", "22/09/26 11:00", "5", "05", "30")), "");  // its former bearer is archived, and counts
-  EXPECT_EQ(CumulGroupe("7"), 1530);
-  EXPECT_EQ(CumulGroupe("007"), 1530);
+  EXPECT_EQ(CumulGroupe("7"), 3530);
+  EXPECT_EQ(CumulGroupe("007"), 3530);
   EXPECT_EQ(CumulGroupe(""), 0);
-  EXPECT_EQ(Exploit("4", "05"), 59'000);  // 8 ha × 7500 kg × 100 %, less 1000
-  EXPECT_EQ(RestantGroupe("7", "05"), 23'970);
+  EXPECT_EQ(Exploit("4", "05"), 57'000);  // 8 ha × 7500 kg × 100 %, less 3000
+  EXPECT_EQ(RestantGroupe("07", "05"), 23'970);
   EXPECT_EQ(RestantGroupe("7", "10"), 12'430);  // 12500.5 less 70, a half to the even number
 
   for (const auto& [Métayage, Sélection] : {std::pair{"4", "60"}, {"15", "05"}, {"4", "99"}, {"0", "05"}})
@@ -144,7 +143,7 @@ TEST_P(Base, WorksOutTheFiguresOfTheSeasonAndTheDay) {
     EXPECT_EQ(RestantGroupe(Groupe, Sélection), Ombrey::SansQuota) << Groupe << "/" << Sélection;
   Connexion_->Exécuter("UPDATE Chargement SET Masse = 1e12");
   EXPECT_EQ(CumulGroupe("7"), INT32_MAX);
-  EXPECT_EQ(Exploit("4", "05"), 59'000);
+  EXPECT_EQ(Exploit("4", "05"), INT32_MIN);
   EXPECT_EQ(RestantGroupe("7", "05"), INT32_MIN);
 }
 

@@ -51,13 +51,16 @@ struct Banc : testing::Test, Salles, ITraitementChargement {
     Répondre("L");
   }
   /// What comes behind each writing from now on, writings divided by "|", pieces by blanks; "2500:" ahead of one says
-  /// when, in milliseconds (5). A piece "=x" is held by the port, "." ends the plug-in.
+  /// when, in milliseconds (5). A piece "=x" is held by the port, "." ends the plug-in, "~2500" is how long the writing
+  /// itself lasts.
   void Répondre(const std::string& Dits) {
     Port->SurEcriture = [this, Flux = std::make_shared<std::istringstream>(Dits)](const Octets&) {
       std::string Tous;
       std::getline(*Flux, Tous, '|');
       std::istringstream Morceaux(Tous);
       for (std::string Morceau; Morceaux >> Morceau;) {
+        if (Morceau[0] == '~') Système.Horloge += std::stoul(Morceau.substr(1));
+        if (Morceau[0] == '~') continue;
         const std::size_t Heure = Morceau.find(':') + 1;
         Système.Après(milliseconds(Heure == 0 ? 5 : std::stoi(Morceau)),
                       [this, Dessin = Morceau.substr(Heure)] { Dire(Dessin); });

@@ -74,6 +74,7 @@ const Suite Suites[] = {
     {"not ready", "D", "!8", "?8", PasPrêt, 5},
     {"stray character ahead of the answer", "E", "^8|x^", "T", Muet, 2006},
     {"answer in time", "E", "^8|2000:^", "T$", "", 2005},
+    {"a long text: the answer's time begins behind it", "E", "^8|~6000 1999:^", "T$", "", 8004},
     {"answer too late", "E", "^8|2001:^", "T", Muet, 2006},
     {"four refusals, then taken", "E", "^8|!||^8|!||^8|!||^8|!||^8|^", "T$T$T$T$T$", "", 50},
     {"fifth refusal", "E", "^8|!||^8|!||^8|!||^8|!||^8|!", "T$T$T$T$T", Refusée, 50},

@@ -164,8 +164,8 @@ struct BoîteMontrée {
   BoutonsBoîte Boutons;
 };
 
-/// Twenty lines of any size to a page. A line is recorded as "page size[g][s] text", g for bold, s for underlined; then
-/// the document's end.
+/// Two sheets of twenty lines of any size. A line is recorded as "page size[g][s] text", g for bold, s for underlined;
+/// then the document's end.
 struct FausseImprimante : IImprimante {
   explicit FausseImprimante(Mots& Imprimé) : Imprimé_(Imprimé) {}
   void FixerPolice(int Points, bool Gras, bool Souligné) override {
@@ -178,7 +178,7 @@ struct FausseImprimante : IImprimante {
   double PositionVerticale() const override { return Position_; }
   double HauteurPage() const override { return 20; }
   void NouvellePage() override {
-    ++Page_;
+    if (++Page_ > 2) throw ErreurExécution("plus de papier");
     Position_ = 0;
   }
   void TerminerDocument() override { Imprimé_.emplace_back("end"); }

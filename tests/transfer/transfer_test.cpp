@@ -112,7 +112,7 @@ TEST_F(Transfert, GroupZeroIsNoGroupAndQuotasBeyondTheSixthAreToldOnceTheFileWen
   Refusé = 2;
   Fenêtres.Réponses = {RéponseBoîte::Recommencer};
   Fenêtres.PendantBoîte = [this] { Refusé = 0; };
-  Ouvrir(Transférer);
+  Ouvrir([](auto& Vue) { Transférer(Vue), Transférer(Vue); });
   const std::string Omis = "Groupement 7 : quotas non transmis : 2 (le RG80 n'en tient que 6 par groupement).";
   EXPECT_EQ(Fenêtres.Dites(), (Mots{T + "Groupements\r\nAucune réponse du RG80. ?", T + Omis}));
   EXPECT_EQ(Canal.Erreurs, Mots{Omis});
