@@ -23,6 +23,7 @@
 #include <map>
 #include <sstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -53,8 +54,7 @@ void Check(bool Fine, const char* What) {
 int NearEnd(int& ForMachine) {
   int Ends[2];
   Check(socketpair(AF_UNIX, SOCK_STREAM, 0, Ends) == 0, "socketpair");
-  const int Smallest = 1;
-  for (const int End : Ends)
+  for (const int Smallest = 1; const int End : Ends)
     Check(setsockopt(End, SOL_SOCKET, SO_SNDBUF, &Smallest, sizeof Smallest) == 0, "SO_SNDBUF");
   fcntl(Ends[0], F_SETFD, FD_CLOEXEC);
   fcntl(Ends[0], F_SETFL, O_NONBLOCK);
@@ -72,17 +72,12 @@ void OpenFar(Line& L) {
   tcsetattr(L.Far, TCSANOW, &Mode);
 }
 
-void CloseFar(Line& L) {
-  close(L.Far);
-  L.Far = -1;
-}
-
 void FromTerminal(Line& L) {
   char Place[64];
   if (L.Far >= 0 && L.Pending.empty()) {
     const ssize_t Count = read(L.Far, Place, sizeof Place);
     for (ssize_t At = 0; At < Count; ++At) L.Pending.append(L.Multiplexed && Place[At] == Escape ? 2 : 1, Place[At]);
-    if (Count == 0 || (Count < 0 && errno == EIO)) CloseFar(L);
+    if (Count == 0 || (Count < 0 && errno == EIO)) close(std::exchange(L.Far, -1));
   }
   if (L.Pending.empty()) return;
   const ssize_t Count = write(L.Near, L.Pending.data(), L.Pending.size());
@@ -94,7 +89,7 @@ void ToTerminal(Line& L, Clock::time_point Now) {
   char Character = 0;
   if (read(L.Near, &Character, 1) != 1) return;
   L.Next = std::max(L.Next, Now - L.Character) + L.Character;
-  if (L.Far >= 0 && write(L.Far, &Character, 1) < 0 && errno == EIO) CloseFar(L);
+  if (L.Far >= 0 && write(L.Far, &Character, 1) < 0 && errno == EIO) close(std::exchange(L.Far, -1));
 }
 
 void SetPace(std::map<std::string, Line>& Lines) {
