@@ -73,12 +73,49 @@ sub circle {
 circle(%files);
 circle(%rooms);
 
-# A document that sends its reader to a file that has moved is worse than none.
+# A document that sends its reader to a file that has moved, to a name that is no more or to a button that is called
+# otherwise is worse than none. A text of the programs may be cut in the source, and has "&" where its key stands.
+my $texts = '';
+find({no_chdir => 1, wanted => sub { $texts .= text_of($_) if /\.(h|cpp|desktop|map)$/ }}, qw(src platform host terminal packaging));
+(my $shown_texts = $texts) =~ s/"\s*\n\s*"|&(?=\w|\xc3)//g;
+my @documents = map { glob "$_/*.md" } '.', 'docs', 'src/contracts';
 my $named = 0;
-for my $document (map { glob "$_/*.md" } '.', 'docs', 'src/contracts') {
+for my $document (@documents) {
+  my $text = text_of($document);
+  for ($text =~ /`((?:\w|[\x80-\xff])+(?:::(?:\w|[\x80-\xff])+)*)`/g) {
+    next unless /^([A-Z]|\xc3[\x80-\x9e])/ && /[a-z]/;
+    my ($name) = /([^:]+)$/;
+    $named++;
+    wrong("$document names $_") if index($texts, $name) < 0;
+  }
+  my @cells = $document =~ /guide/ ? $text =~ /^\|(?!---) (.+?)(?: \(.*?)? \|.*\n(?!\|---)/mg : ();
+  $text =~ s/\s*\n\s*/ /g;
+  my @quoted = $text =~ /«(?: |\xc2\xa0)?(.+?)(?: |\xc2\xa0)?»/g;
+  push @quoted, $text =~ /\*\*([A-Z]\S.*?)\*\*/g if $document =~ /guide/;
+  for (map { split / *(?:…|>) */ } @quoted, @cells) {
+    $named++;
+    wrong("$document quotes $_") if index($shown_texts, $_) < 0;
+  }
+}
+for my $document (@documents) {
   for (text_of($document) =~ m{[`(]((?:\.\./)?(?:src|platform|host|terminal|tests|bench|docs|packaging|images)/[\w./-]+)[`)]}g) {
     $named++;
     wrong("$document names $_") unless -e $_ || -e dirname($document) . "/$_";
+  }
+}
+
+# The help, the manual and the documents know the same options.
+for my $program (['tarvel', 'host'], ['rg80', 'terminal']) {
+  my ($name, $room) = @$program;
+  my %known = map { $_ => 1 } text_of("$room/options.cpp") =~ /^ *\{"(--[a-z0-9-]+)"/mg;
+  my %told = map { $_ => 1 } map { /(--[a-z0-9-]+)/g } text_of("packaging/man/$name.1.scd") =~ /^(\*--.*)$/mg;
+  wrong("$name.1 lacks $_") for grep { !$told{$_} } keys %known;
+  wrong("$name.1 has $_") for grep { !$known{$_} } keys %told;
+  for my $document (@documents, glob 'packaging/man/*') {
+    for (map { /(?<!\S)(--[a-z0-9-]+)/g } text_of($document) =~ /(?:^ *|`|runuser .*)$name( [^`\n]*--[^`\n]*)/mg) {
+      $named++;
+      wrong("$document: $name knows no $_") unless $known{$_};
+    }
   }
 }
 
@@ -88,5 +125,5 @@ my ($version) = text_of('src/contracts/host.h') =~ /VersionContrat = (\d+)/;
 my $shown = join ' ', map { (split)[1, 2] } `nm -D --defined-only '$library'`;
 wrong("the library shows $shown") unless $shown eq "T $factory$version";
 
-wrong("the search found nothing to judge") if $judged < 500 || $named < 100;
+wrong("the search found nothing to judge") if $judged < 500 || $named < 300;
 exit $wrong;
