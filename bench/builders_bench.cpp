@@ -76,7 +76,7 @@ void Construire(benchmark::State& État, const JeuDeDonnées& Jeu) {
   for ([[maybe_unused]] auto Tour : État) {
     Lignes = {};
     const MesureMémoire Mémoire;
-    static_cast<void>(ConstruireFichier(Jeu.Fichier, {*Base, {}}, Titrer, Lignes));
+    static_cast<void>(ConstruireFichier(Jeu, {*Base, {}}, Titrer, Lignes));
     Sommet = Mémoire.Sommet();
   }
   if (!Titre.starts_with(std::to_string(État.range(1)) + " ")) État.SkipWithError("not every record is in the file");
@@ -105,7 +105,7 @@ void Dépouiller(benchmark::State& État, const JeuDeDonnées& Jeu) {
   BaseNotée Base(Cave.Base->BaseDAO());
   std::vector<Octets> Lignes;
   static_cast<void>(ConstruireFichier(
-      Jeu.Fichier, {Base, {}}, [](const std::string&) {}, Lignes));
+      Jeu, {Base, {}}, [](const std::string&) {}, Lignes));
   for (std::string& Sql : Base.Requêtes) Sql = TraduireEnSqlite(Sql);
   const auto Nue = ConnexionSqlite::Ouvrir(*Cave.Connexion->SonFichier());
   for ([[maybe_unused]] auto Tour : État) {

@@ -2,19 +2,13 @@
 # The station beside a script of fifty lines (script.py) that says the same bytes to the same terminal at 9600 baud.
 # bench/script.sh [FOLDER WITH THE PROGRAMS]; half a minute. Ends with 0 when the script isn't faster. Needs python3-serial
 # and Google Benchmark.
-set -euo pipefail
-cd "$(dirname "$(readlink -f "$0")")/.."
-bin=$(readlink -f "${1:-build/release/bin}")
+. "$(dirname "$(readlink -f "$0")")/setup.sh"
 loads=50
-work=$(mktemp -d "${TMPDIR:-/tmp}/ombrey-script.XXXXXX")
-terminal=
-trap '[ -z "$terminal" ] || kill "$terminal" 2>/dev/null || true; rm -rf "$work"' EXIT
 
 script() {
-  "$bin/rg80" --lien "$work/line" --hasard $loads --cadence 9600 >/dev/null & terminal=$!
-  until [ -e "$work/line" ]; do sleep 0.1; done
-  /usr/bin/python3 bench/script.py "$work/line" "$work/$1.db" $loads
-  kill $terminal; wait $terminal 2>/dev/null || true
+  start_terminal --hasard $loads --cadence 9600
+  /usr/bin/python3 bench/script.py "$work/rg80" "$work/$1.db" $loads
+  stop terminal
 }
 station() {
   "$bin/ombrey_bench" --benchmark_filter='line pace' --benchmark_format=csv 2>/dev/null |

@@ -8,7 +8,7 @@ chmod 755 "$work"
 tests/support/server.sh "$work/server" "$work/cluster" fsync=on shared_buffers=256MB &
 server=$!
 trap 'kill -QUIT $server; wait $server 2>/dev/null || true; rm -rf "$work"' EXIT
-until psql -qh "$work/server" -U tarvel -d postgres -c 'SELECT 1' >/dev/null 2>&1; do sleep 0.1; done
+await psql -qh "$work/server" -U tarvel -d postgres -c 'SELECT 1'
 OMBREY_BENCH_SERVER=$work/server "$bin/ombrey_bench" --benchmark_filter='season|read, on' --benchmark_counters_tabular=true
 for sites in 1 6; do
   PACE=9600 tests/endurance/sites.sh "$bin" $sites 100 | grep -E 'sites with|rows'

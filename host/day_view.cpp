@@ -16,6 +16,7 @@
 namespace Tarvel {
 namespace {
 
+using Ombrey::SansBlancs;
 using Ombrey::ValeurChamp;
 
 constexpr const char* SqlChargements =
@@ -60,11 +61,6 @@ std::string TexteJour(const ValeurChamp& Valeur) {
   const auto* const Jours = std::get_if<double>(&Valeur);
   const bool EstJour = Jours != nullptr && *Jours > PremierAn && *Jours < DernierAn;
   return EstJour ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteDe(Valeur);
-}
-
-std::string SansBlancs(const std::string& Texte) {
-  const std::size_t Fin = Texte.find_last_not_of(' ');
-  return Fin == std::string::npos ? "" : Texte.substr(0, Fin + 1);
 }
 
 /// The name, or the code of what the database has no name for.
@@ -126,8 +122,8 @@ Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
                         NombreDe(Champ(4)),
                         NomOuCode(Champ(5), Champ(9)),
                         NomOuCode(Champ(6), Champ(10)),
-                        SansBlancs(TexteDe(Champ(7))),
-                        SansBlancs(TexteDe(Champ(8)))};
+                        std::string(SansBlancs(TexteDe(Champ(7)))),
+                        std::string(SansBlancs(TexteDe(Champ(8))))};
     Reçus[Un.Appellation] += Un.Masse;
     if (Site.empty() || Un.Site == Site) Jour.Chargements.push_back(std::move(Un));
   }

@@ -104,8 +104,8 @@ bool EstRégléeParRéseau() {
 }
 
 /// The server's clock stamps what other stations see as new.
-void ExaminerHorlogeServeur(const Options& Choisies, Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
-  if (!Choisies.EstSurServeur()) return;
+void ExaminerHorlogeServeur(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
+  if (Connexion.SonFichier()) return;
   const auto Lue = Connexion.Lire("SELECT CAST(EXTRACT(EPOCH FROM now()) AS DOUBLE PRECISION)");
   const auto* const Secondes = std::get_if<double>(&Lue);
   if (Secondes == nullptr) return;
@@ -151,11 +151,12 @@ double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
     else
       Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre, ""});
     ExaminerSchéma(*Connexion, Constats);
-    ExaminerHorlogeServeur(Choisies, *Connexion, Constats);
+    ExaminerHorlogeServeur(*Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
   } catch (const Ombrey::ErreurExécution& Erreur) {
     std::error_code Code;
-    const bool Présente = Choisies.EstSurServeur() || fs::exists(Chemin(Choisies.Base), Code);
+    const auto Fichier = FichierDeBase(Choisies.Base);
+    const bool Présente = !Fichier || fs::exists(*Fichier, Code);
     const std::string Remettre = "tarvel --base " + Nom + " --restaurer SAUVEGARDE la remet";
     Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(),
                         Présente ? Remettre : "tarvel --creer-base " + Nom + " en crée une ; " + Remettre});
@@ -165,8 +166,7 @@ double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
 
 void ExaminerDisque(const Options& Choisies, std::vector<Constat>& Constats) {
   std::set<fs::path> Dossiers = {DossierPrésent(Choisies.Dossier)};
-  if (!Choisies.Base.empty() && !Choisies.EstSurServeur())
-    Dossiers.insert(DossierPrésent(Chemin(Choisies.Base).parent_path()));
+  if (const auto Fichier = FichierDeBase(Choisies.Base)) Dossiers.insert(DossierPrésent(Fichier->parent_path()));
   for (const fs::path& Dossier : Dossiers) {
     std::error_code Code;
     const std::uintmax_t Libre = fs::space(Dossier, Code).available;

@@ -3,16 +3,17 @@
 
 #include <filesystem>
 #include <memory>
+#include <optional>
 #include <string>
-#include <string_view>
 
 #include "platform/database/connection.h"
 
 namespace Tarvel {
 
-/// How a server's address begins.
-inline constexpr std::string_view ProtocoleServeur = "postgresql://";
-[[nodiscard]] inline bool EstSurServeur(const std::string& Base) { return Base.starts_with(ProtocoleServeur); }
+/// The file that an embedded base is; none for a server's address and for an empty text.
+[[nodiscard]] std::optional<std::filesystem::path> FichierDeBase(const std::string& Base);
+/// What is wrong with the address of a server, in words; empty for a good one and for a file.
+[[nodiscard]] std::string FauteDAdresse(const std::string& Base);
 
 /// Opens a database, whatever tables it has. Raises ErreurExécution when it can't be had.
 [[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirMoteur(const std::string& Base,

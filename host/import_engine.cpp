@@ -1,13 +1,12 @@
 // From an import file to rows of the table of loads.
 #include "host/import_engine.h"
 
-#include <array>
-#include <fstream>
 #include <string_view>
 
 #include "base/ansi_text.h"
 #include "base/files.h"
 #include "host/import_layout.h"
+#include "platform/system/safe_file.h"
 
 namespace Tarvel {
 namespace {
@@ -15,19 +14,11 @@ namespace {
 using Ombrey::ErreurExécution;
 
 constexpr std::string_view FinDeLigne = "\r\n";
-constexpr std::size_t TailleMaximale = 16UL * 1024 * 1024;  // some 150,000 loads
 
 std::string LireFichier(const std::string& Nom) {
-  std::ifstream Fichier(Ombrey::Chemin(Nom), std::ios::binary);
-  std::string Contenu;
-  std::array<char, 4096> Morceau{};
-  while (Fichier && Contenu.size() <= TailleMaximale) {
-    Fichier.read(Morceau.data(), Morceau.size());
-    Contenu.append(Morceau.data(), static_cast<std::size_t>(Fichier.gcount()));
-  }
-  if (Contenu.size() > TailleMaximale) throw ErreurExécution("Fichier d'import trop long : " + Nom);
-  if (Fichier.bad() || !Fichier.eof()) throw ErreurExécution("Fichier d'import illisible : " + Nom);
-  return DepuisAnsi(Ombrey::Octets(Contenu));
+  const auto Contenu = Ombrey::LireFichier(Ombrey::Chemin(Nom));
+  if (!Contenu) throw ErreurExécution("Fichier d'import illisible : " + Nom);
+  return DepuisAnsi(Ombrey::Octets(*Contenu));
 }
 
 std::vector<std::string> Lignes(std::string_view Contenu) {

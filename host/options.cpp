@@ -182,7 +182,7 @@ void Compléter(Options& Lues) {
   const std::string Base = Lire("Base");
   const std::string Dossier = Lire("Dossier");
   if (Lues.Base.empty() && !Base.empty())
-    Lues.Base = Base.starts_with(ProtocoleServeur) ? Base : Ombrey::TexteChemin(DossierIni / Ombrey::Chemin(Base));
+    Lues.Base = FichierDeBase(Base) ? Ombrey::TexteChemin(DossierIni / Ombrey::Chemin(Base)) : Base;
   if (Lues.CodeSite.empty()) Lues.CodeSite = Lire("CodeSite");
   if (const std::string Secondes = Lire("DuréeBoîtes"); !Secondes.empty())
     Lues.DuréeBoîtes = LireDurée(Secondes, "la clé DuréeBoîtes");
@@ -199,33 +199,19 @@ fs::path DossierUtilisateur() {
   return fs::path(Maison ? Maison : "/tmp") / ".local/share/ombrey";
 }
 
-/// Others of this machine see a command line, and a settings file is copied without a thought.
-void RefuserMotDePasse(const std::string& Adresse) {
-  const std::size_t Début = ProtocoleServeur.size();
-  const std::string AvantLesOptions = Adresse.substr(Début, Adresse.find('?') - Début);
-  const std::size_t Compte = AvantLesOptions.rfind('@');
-  const bool DansLeCompte = Compte != std::string::npos && AvantLesOptions.find(':') < Compte;
-  if (DansLeCompte || Adresse.find("password=") != std::string::npos)
-    throw ErreurOptions("le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass");
-}
-
 void PréciserChemins(Options& Lues) {
-  for (const std::string* Adresse : {&Lues.Base, &Lues.Vers})
-    if (Adresse->starts_with("postgres://")) throw ErreurOptions("l'adresse d'un serveur commence par postgresql://");
+  for (const std::string* Base : {&Lues.Base, &Lues.Vers})
+    if (const std::string Faute = FauteDAdresse(*Base); !Faute.empty()) throw ErreurOptions(Faute);
   if (std::ranges::any_of(Lues.CodeSite, [](unsigned char C) { return C < ' ' || C == ';' || C == 127; }))
     throw ErreurOptions("le code du site ne peut avoir ni point-virgule, ni caractère de commande");
-  if (EstSurServeur(Lues.Vers))
-    RefuserMotDePasse(Lues.Vers);
-  else if (!Lues.Vers.empty())
-    Lues.Vers = Ombrey::TexteChemin(fs::absolute(Ombrey::Chemin(Lues.Vers)));
-  if (Lues.EstSurServeur()) {
-    RefuserMotDePasse(Lues.Base);
-    if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();
-  } else if (!Lues.Base.empty()) {
+  if (const auto Fichier = FichierDeBase(Lues.Vers)) Lues.Vers = Ombrey::TexteChemin(fs::absolute(*Fichier));
+  if (const auto Fichier = FichierDeBase(Lues.Base)) {
     // By whatever link it is called, it is one base, with one lock for each site.
-    const fs::path Fichier = fs::weakly_canonical(fs::absolute(Ombrey::Chemin(Lues.Base)));
-    Lues.Base = Ombrey::TexteChemin(Fichier);
-    if (Lues.Dossier.empty()) Lues.Dossier = Fichier.parent_path();
+    const fs::path Vrai = fs::weakly_canonical(fs::absolute(*Fichier));
+    Lues.Base = Ombrey::TexteChemin(Vrai);
+    if (Lues.Dossier.empty()) Lues.Dossier = Vrai.parent_path();
+  } else if (!Lues.Base.empty() && Lues.Dossier.empty()) {
+    Lues.Dossier = DossierUtilisateur();
   }
   if (!Lues.Dossier.empty()) Lues.Dossier = fs::absolute(Lues.Dossier);
 }

@@ -53,10 +53,8 @@ struct Options {
   /// How long a box with a lone OK stays in the windows; 0: until it is answered.
   std::chrono::seconds DuréeBoîtes{30};
 
-  /// True when Base is a server's address.
-  [[nodiscard]] bool EstSurServeur() const { return Tarvel::EstSurServeur(Base); }
   /// What the operator calls the database: the file's name, or the address.
-  [[nodiscard]] std::string NomBase() const { return EstSurServeur() ? Base : Base.substr(Base.rfind('/') + 1); }
+  [[nodiscard]] std::string NomBase() const { return FichierDeBase(Base) ? Base.substr(Base.rfind('/') + 1) : Base; }
 };
 
 /// Reads the arguments behind the program's name, then what they leave open from the section [Tarvel] of the settings

@@ -56,7 +56,7 @@ class ÉditionFenêtrée final : public IÉdition {
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
         Réglages_(FichierRéglages()),
-        Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), Choisies.EstSurServeur()}, Réglages_, Veille_) {
+        Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), !FichierDeBase(Choisies.Base)}, Réglages_, Veille_) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
     Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
     Fenêtres_.Observer(Veille_.Témoins());

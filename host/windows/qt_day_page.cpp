@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/qt/qt_load_grid.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
@@ -77,7 +78,7 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
       Filtre_(new QLineEdit(this)),
       Tous_(new QCheckBox(QStringLiteral("Tous les si&tes"), this)),
       Total_(new QLabel(this)),
-      Chargements_(new ListeQt(this, Contexte, QStringLiteral("Chargements du jour"))),
+      Chargements_(new ListeQt(this, Contexte, QString::fromUtf8(ChargementsDuJour))),
       Sommes_(new ListeQt(this, Contexte, QStringLiteral("Sommes par appellation et classe"))),
       Quotas_(new ListeQt(this, Contexte, QStringLiteral("Quotas du jour par appellation"))),
       Heures_(new HistogrammeQt(this)) {

@@ -6,11 +6,11 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QTextDocument>
-#include <system_error>
 
 #include "base/failures.h"
 #include "base/files.h"
 #include "platform/qt/qt_measures.h"
+#include "platform/qt/qt_printer.h"
 
 namespace Ombrey {
 
@@ -47,25 +47,17 @@ void Dessiner(QPrinter& Imprimante, const std::string& Html) {
     Peintre.drawText(Page, Qt::AlignRight | Qt::AlignBottom,
                      QStringLiteral("Page %1 / %2").arg(Rang + 1).arg(Document.pageCount()));
   }
-  if (!Peintre.end() || Imprimante.printerState() == QPrinter::Error)
-    throw ErreurExécution("L'impression n'a pas abouti.");
+  FinirDessin(Peintre, Imprimante);
 }
 }  // namespace
 
 void ÉcrirePdf(const std::string& Html, QPageSize::PageSizeId Papier, const std::filesystem::path& Fichier) {
-  std::filesystem::path Ébauche = Fichier;
-  Ébauche += ".partiel";
   QPrinter Imprimante(QPrinter::HighResolution);
   Imprimante.setOutputFormat(QPrinter::PdfFormat);
-  Imprimante.setOutputFileName(Texte(TexteChemin(Ébauche)));
   Imprimante.setPageSize(QPageSize(Papier));
   Imprimante.setCreator(QStringLiteral("Tarvel"));
-  ErreurEnAttente Échec;
-  std::error_code Erreur;
-  if (Ignorer(Échec, [&] { Dessiner(Imprimante, Html); })) std::filesystem::rename(Ébauche, Fichier, Erreur);
-  if (!Échec.EstPrésente() && !Erreur) return;
-  std::filesystem::remove(Ébauche, Erreur);
-  throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
+  if (!DessinerEnFichier(Imprimante, Fichier, [&] { Dessiner(Imprimante, Html); }))
+    throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
 }
 
 std::string ImprimerSurPapier(const std::string& Html, const std::string& Titre) {

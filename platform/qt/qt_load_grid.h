@@ -9,6 +9,9 @@
 
 namespace Ombrey {
 
+/// What a list of them is called, in every window.
+inline constexpr const char* ChargementsDuJour = "Chargements du jour";
+
 /// Texts in rows and columns, nothing to be edited.
 class ModèleGrille : public QAbstractTableModel {
  public:

@@ -109,7 +109,7 @@ VueSuiviChargntQt::VueSuiviChargntQt(const ContexteQt& Contexte, IGestesSuivi& G
 /// Keys go from top to bottom: the loads, the tabs, the tab's list, its buttons.
 void VueSuiviChargntQt::Ordonner() {
   using enum ContrôleSuivi;
-  Grille_->setAccessibleName(QStringLiteral("Chargements du jour"));
+  Grille_->setAccessibleName(QString::fromUtf8(ChargementsDuJour));
   Onglets_->setAccessibleName(QStringLiteral("Messages et erreurs"));
   Liste(Onglet::Suivis).setAccessibleName(QStringLiteral("Messages"));
   Liste(Onglet::Erreurs).setAccessibleName(QStringLiteral("Erreurs"));

@@ -23,6 +23,24 @@ QString EnLignes(const std::string& Utf8) {
 }
 }  // namespace
 
+void FinirDessin(QPainter& Peintre, const QPrinter& Imprimante) {
+  if (!Peintre.end() || Imprimante.printerState() == QPrinter::Error)
+    throw ErreurExécution("L'impression n'a pas abouti.");
+}
+
+bool DessinerEnFichier(QPrinter& Imprimante, const std::filesystem::path& Fichier,
+                       const std::function<void()>& Dessiner) {
+  std::filesystem::path Ébauche = Fichier;
+  Ébauche += ".partiel";
+  Imprimante.setOutputFileName(Texte(Ébauche.string()));
+  ErreurEnAttente Échec;
+  std::error_code Erreur;
+  if (Ignorer(Échec, Dessiner)) std::filesystem::rename(Ébauche, Fichier, Erreur);
+  if (!Échec.EstPrésente() && !Erreur) return true;
+  std::filesystem::remove(Ébauche, Erreur);
+  return false;
+}
+
 ImprimanteQt::ImprimanteQt(std::string Nom, std::vector<std::filesystem::path> Dossiers, AnnonceFichier Annoncer)
     : Nom_(std::move(Nom)), Dossiers_(std::move(Dossiers)), Annoncer_(std::move(Annoncer)) {
   const QPrinterInfo Défaut = QPrinterInfo::defaultPrinter();
@@ -83,8 +101,7 @@ void ImprimanteQt::Dessiner() {
     Peintre.setFont(Ligne.Police);
     Peintre.drawText(Ligne.Place, Habillage, Ligne.Texte);
   }
-  if (!Peintre.end() || Imprimante_.printerState() == QPrinter::Error)
-    throw ErreurExécution("L'impression n'a pas abouti.");
+  FinirDessin(Peintre, Imprimante_);
 }
 
 void ImprimanteQt::EcrireFichier() {
@@ -92,15 +109,7 @@ void ImprimanteQt::EcrireFichier() {
     std::error_code Erreur;
     if (!std::filesystem::is_directory(Dossier, Erreur)) continue;
     const std::filesystem::path Fichier = Dossier / Nom_;
-    const std::filesystem::path Ébauche = Dossier / (Nom_ + ".partiel");
-    Imprimante_.setOutputFileName(Texte(Ébauche.string()));
-    ErreurEnAttente Échec;
-    if (Ignorer(Échec, [this] { Dessiner(); })) std::filesystem::rename(Ébauche, Fichier, Erreur);
-    if (!Échec.EstPrésente() && !Erreur) {
-      Annoncer_(Fichier.string());
-      return;
-    }
-    std::filesystem::remove(Ébauche, Erreur);
+    if (DessinerEnFichier(Imprimante_, Fichier, [this] { Dessiner(); })) return Annoncer_(Fichier.string());
   }
   throw ErreurExécution("Aucune imprimante n'est installée, et le fichier « " + Nom_ + " » n'a pas pu être écrit.");
 }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QFont>
+#include <QPainter>
 #include <QPrinter>
 #include <QRectF>
 #include <filesystem>
@@ -12,6 +13,13 @@
 #include "contracts/toolkit.h"
 
 namespace Ombrey {
+
+/// Ends a drawing. Raises ErreurExécution when the printer has failed.
+void FinirDessin(QPainter& Peintre, const QPrinter& Imprimante);
+/// Has Dessiner draw into the file, which is there whole in the end or not at all: false, with nothing left behind,
+/// when it can't be written.
+[[nodiscard]] bool DessinerEnFichier(QPrinter& Imprimante, const std::filesystem::path& Fichier,
+                                     const std::function<void()>& Dessiner);
 
 /// Lines are set as they come and drawn at the end of the document: one that is dropped leaves neither paper nor file.
 /// Unit: the printer's dots. A line too long for the page goes on in the next one.

@@ -24,7 +24,10 @@ constexpr auto NomsContrôle = std::to_array<NomContrôle>(
 
 constexpr char CodeRéponse = '0' + FichierRéponse;
 
-const FichierTerminal* Fichier(char Code) { return FichierNuméro(Code - '0'); }
+const FichierTerminal* Fichier(char Code) {
+  const auto* const Connu = std::ranges::find(FichiersTerminal, Code - '0', &FichierTerminal::Numéro);
+  return Connu == FichiersTerminal.end() ? nullptr : Connu;
+}
 
 /// Puts the verdict on the checksum behind what the frame says.
 Lecture Juger(const Octets& Trame, Lecture Dit) {

@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <string_view>
 
 #include "contracts/rg80.h"
@@ -17,12 +16,5 @@ namespace Ombrey {
 }
 /// Where the field of this name stands in the load record.
 [[nodiscard]] constexpr Position PlaceChamp(std::string_view Nom) { return ChampsChargement[RangChamp(Nom)].Place; }
-
-/// The terminal's file of this number, or nullptr.
-[[nodiscard]] constexpr const FichierTerminal* FichierNuméro(std::int32_t Numéro) {
-  for (const FichierTerminal& Un : FichiersTerminal)
-    if (Un.Numéro == Numéro) return &Un;
-  return nullptr;
-}
 
 }  // namespace Ombrey

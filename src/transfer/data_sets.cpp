@@ -57,73 +57,59 @@ constexpr auto Jeux = std::to_array<JeuDeDonnées>({
      .Nom = "Appelations",
      .NumFichier = 4,
      .Pause = 0ms,
-     .Fichier =
-         {
-             .Longueur = FichierNuméro(4)->LongEnreg,
-             .Champs = ChampsAppelations,
-             .Sql = "SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection"
-                    " WHERE IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
-             .SqlComptage = nullptr,
-             .Titre = "Appelation ",
-             .TitreFin = " appelations en cours...",
-         }},
+     .Champs = ChampsAppelations,
+     .Sql = "SELECT IdSélection, Désignation, QuotasSurface, 0 FROM Sélection"
+            " WHERE IdSélection <> '60' AND IdSélection <> '70' AND IdSélection <> '90' ORDER BY IdSélection",
+     .Titre = "Appelation ",
+     .TitreFin = " appelations en cours..."},
     {.Case = "ChkCoop",
      .Nom = "Coopérateurs",
      .NumFichier = 1,
      .Pause = 1000ms,
-     .Fichier =
-         {
-             .Longueur = FichierNuméro(1)->LongEnreg,
-             .Champs = ChampsCoopérateurs,
-             .Sql = "SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
-                    " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Propriétaire"
-                    " UNION SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
-                    " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Récoltant ORDER BY IdCoopérateur",
-             .SqlComptage = nullptr,
-             .Titre = "Coopérateur ",
-             .TitreFin = " coopérateurs en cours...",
-         }},
+     .Champs = ChampsCoopérateurs,
+     .Sql = "SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
+            " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Propriétaire"
+            " UNION SELECT DISTINCT Coopérateur.IdCoopérateur, Nom FROM Coopérateur"
+            " INNER JOIN Métayage ON Coopérateur.IdCoopérateur = Métayage.Récoltant ORDER BY IdCoopérateur",
+     .Titre = "Coopérateur ",
+     .TitreFin = " coopérateurs en cours..."},
     {.Case = "ChkBadges",
      .Nom = "Badges",
      .NumFichier = 5,
      .Pause = 1000ms,
-     .Fichier =
-         {
-             .Longueur = FichierNuméro(5)->LongEnreg,
-             .Champs = ChampsBadges,
-             .Sql = "SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge",
-             .SqlComptage = "SELECT Count(IdMétayage) FROM Métayage",
-             .Titre = "Badge ",
-             .TitreFin = " badges en cours...",
-         }},
+     .Champs = ChampsBadges,
+     .Sql = "SELECT CodeBadge, Récoltant, Propriétaire, Part, IdGrp FROM Métayage ORDER BY CodeBadge",
+     .SqlComptage = "SELECT Count(IdMétayage) FROM Métayage",
+     .Titre = "Badge ",
+     .TitreFin = " badges en cours..."},
     {.Case = "ChkGroupnts",
      .Nom = "Groupements",
      .NumFichier = 2,
      .Pause = 1000ms,
-     .Fichier =
-         {
-             .Longueur = FichierNuméro(2)->LongEnreg,
-             .Champs = ChampsGroupements,
-             .Sql = "SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp",
-             .SqlComptage = nullptr,
-             .Titre = "Groupement ",
-             .TitreFin = " groupements en cours...",
-             .Créneaux = &QuotasDuGroupement,
-         }},
+     .Champs = ChampsGroupements,
+     .Sql = "SELECT DISTINCT Métayage.IdGrp, Métayage.IdGrp FROM Métayage ORDER BY Métayage.IdGrp",
+     .Titre = "Groupement ",
+     .TitreFin = " groupements en cours...",
+     .Créneaux = &QuotasDuGroupement},
     {.Case = "ChkObserv",
      .Nom = "Observations",
      .NumFichier = 6,
      .Pause = 1000ms,
-     .Fichier =
-         {
-             .Longueur = FichierNuméro(6)->LongEnreg,
-             .Champs = ChampsObservations,
-             .Sql = "SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité",
-             .SqlComptage = "SELECT Count(IdQualité) FROM Qualité",
-             .Titre = "Observation ",
-             .TitreFin = " observations en cours...",
-         }},
+     .Champs = ChampsObservations,
+     .Sql = "SELECT IdQualité, Désignation FROM Qualité ORDER BY IdQualité",
+     .SqlComptage = "SELECT Count(IdQualité) FROM Qualité",
+     .Titre = "Observation ",
+     .TitreFin = " observations en cours..."},
 });
+
+/// The sets whose files the line's header knows by name make them of the length that it says.
+constexpr bool LongueursConformes() {
+  for (const JeuDeDonnées& Jeu : Jeux)
+    for (const FichierTerminal& Connu : FichiersTerminal)
+      if (Connu.Numéro == Jeu.NumFichier && Connu.LongEnreg != Jeu.Longueur()) return false;
+  return true;
+}
+static_assert(LongueursConformes());
 
 }  // namespace
 

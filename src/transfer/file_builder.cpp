@@ -14,26 +14,25 @@ namespace {
 
 class Construction {
  public:
-  Construction(const DispositionFichier& Disposition, const SourceFichier& Source, const Titreur& Titrer,
-               Octets& Fichier)
-      : Disposition_(Disposition), Source_(Source), Titrer_(Titrer), Fichier_(Fichier) {}
+  Construction(const JeuDeDonnées& Jeu, const SourceFichier& Source, const Titreur& Titrer, Octets& Fichier)
+      : Jeu_(Jeu), Source_(Source), Titrer_(Titrer), Fichier_(Fichier) {}
 
   std::vector<std::string> Construire() {
     const std::int32_t Attendus = OuvrirEtCompter();
     if (Attendus > EnregistrementsAuPlus) {
       throw ErreurExécution("Plus de " + std::to_string(EnregistrementsAuPlus) + " enregistrements");
     }
-    Fichier_ = Octets(Disposition_.Longueur * static_cast<std::size_t>(Attendus), ' ');
+    Fichier_ = Octets(Longueur_ * static_cast<std::size_t>(Attendus), ' ');
     std::int32_t Compteur = 0;
     for (; !Rangées_->Eof(); Rangées_->MoveNext()) {
-      if (Disposition_.Créneaux && SansCode()) continue;
+      if (Jeu_.Créneaux && SansCode()) continue;
       if (Compteur == Attendus) throw ErreurExécution(DonnéesChangées);
-      EcrireEnregistrement(Disposition_.Longueur * static_cast<std::size_t>(Compteur));
+      EcrireEnregistrement(Longueur_ * static_cast<std::size_t>(Compteur));
       ++Compteur;
     }
     if (Compteur != Attendus) throw ErreurExécution(DonnéesChangées);
     Rangées_.reset();
-    Titrer_(std::to_string(Compteur) + Disposition_.TitreFin);
+    Titrer_(std::to_string(Compteur) + Jeu_.TitreFin);
     return std::move(Omissions_);
   }
 
@@ -43,17 +42,17 @@ class Construction {
 
   /// Opens the rows and says how many go into the file.
   std::int32_t OuvrirEtCompter() {
-    if (Disposition_.SqlComptage) {
-      const auto Comptage = Source_.Base.OpenRecordset(Disposition_.SqlComptage);
+    if (Jeu_.SqlComptage) {
+      const auto Comptage = Source_.Base.OpenRecordset(Jeu_.SqlComptage);
       const std::int32_t Nombre = EnEntier32(TexteValeur(Comptage->Fields(0), Source_.Formes), Source_.Formes);
-      Rangées_ = Source_.Base.OpenRecordset(Disposition_.Sql, TypeRecordset::VersLAvant);
+      Rangées_ = Source_.Base.OpenRecordset(Jeu_.Sql, TypeRecordset::VersLAvant);
       return Nombre;
     }
-    Rangées_ = Source_.Base.OpenRecordset(Disposition_.Sql, TypeRecordset::Instantané);
+    Rangées_ = Source_.Base.OpenRecordset(Jeu_.Sql, TypeRecordset::Instantané);
     if (Rangées_->Eof()) return 0;
     Rangées_->MoveLast();
     std::int32_t Nombre = Rangées_->RecordCount();
-    if (Disposition_.Créneaux)
+    if (Jeu_.Créneaux)
       for (Rangées_->MoveFirst(); !Rangées_->Eof(); Rangées_->MoveNext()) Nombre -= SansCode() ? 1 : 0;
     Rangées_->MoveFirst();
     return Nombre;
@@ -66,11 +65,11 @@ class Construction {
   }
 
   void EcrireEnregistrement(std::size_t Début) {
-    const std::string Titre = Disposition_.Titre + TexteOuVide(Rangées_->Fields(0), Source_.Formes);
+    const std::string Titre = Jeu_.Titre + TexteOuVide(Rangées_->Fields(0), Source_.Formes);
     Titrer_(Titre);
     try {
-      EcrireChamps(*Rangées_, Disposition_.Champs, Début);
-      if (Disposition_.Créneaux) RemplirCréneaux(*Disposition_.Créneaux, Début);
+      EcrireChamps(*Rangées_, Jeu_.Champs, Début);
+      if (Jeu_.Créneaux) RemplirCréneaux(*Jeu_.Créneaux, Début);
     } catch (const ErreurExécution& Erreur) {
       throw ErreurExécution(std::string(Erreur.what()) + " (" + Titre + ")");
     }
@@ -95,13 +94,13 @@ class Construction {
       }
     }
     if (Rang > Créneaux.Nombre) {
-      Omissions_.push_back(Disposition_.Titre + Clé +
-                           " : quotas non transmis : " + std::to_string(Rang - Créneaux.Nombre) +
+      Omissions_.push_back(Jeu_.Titre + Clé + " : quotas non transmis : " + std::to_string(Rang - Créneaux.Nombre) +
                            " (le RG80 n'en tient que " + std::to_string(Créneaux.Nombre) + " par groupement).");
     }
   }
 
-  const DispositionFichier& Disposition_;
+  const JeuDeDonnées& Jeu_;
+  const std::size_t Longueur_ = Jeu_.Longueur();
   const SourceFichier& Source_;
   const Titreur& Titrer_;
   Octets& Fichier_;
@@ -111,10 +110,10 @@ class Construction {
 
 }  // namespace
 
-std::vector<std::string> ConstruireFichier(const DispositionFichier& Disposition, const SourceFichier& Source,
-                                           const Titreur& Titrer, std::vector<Octets>& Lignes) {
+std::vector<std::string> ConstruireFichier(const JeuDeDonnées& Jeu, const SourceFichier& Source, const Titreur& Titrer,
+                                           std::vector<Octets>& Lignes) {
   Lignes.assign(1, Octets());
-  return Construction(Disposition, Source, Titrer, Lignes.front()).Construire();
+  return Construction(Jeu, Source, Titrer, Lignes.front()).Construire();
 }
 
 }  // namespace Ombrey

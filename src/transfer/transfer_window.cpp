@@ -140,7 +140,7 @@ std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Je
   ErreurEnAttente Levée;
   const bool Mené = Ignorer(Levée, [&] {
     const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-    Omissions = ConstruireFichier(Jeu.Fichier, {*Base, État_.Formes()}, Titrer, Lignes);
+    Omissions = ConstruireFichier(Jeu, {*Base, État_.Formes()}, Titrer, Lignes);
     Attendre(Jeu.Pause);
     if (État_.Abandon) return;
     État_.Erreur.Effacer();  // what failed in an earlier dialogue is no failure of this file

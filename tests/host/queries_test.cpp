@@ -57,11 +57,11 @@ UPDATE Paramètre SET Valeur = 'S''1')";
   }
   /// The rows of a file, behind their count where a query of its own says it; those of a group's slots.
   std::string Fichier(std::size_t Rang) {
-    const Ombrey::DispositionFichier& Sien = Ombrey::JeuxDeDonnées()[Rang].Fichier;
+    const Ombrey::JeuDeDonnées& Sien = Ombrey::JeuxDeDonnées()[Rang];
     return (Sien.SqlComptage ? Rangées(Sien.SqlComptage) : "") + Rangées(Sien.Sql, Ombrey::TypeRecordset::VersLAvant);
   }
   std::string Quotas(const std::string& Groupe) {
-    const Ombrey::Emplacements& Siens = *Ombrey::JeuxDeDonnées()[3].Fichier.Créneaux;
+    const Ombrey::Emplacements& Siens = *Ombrey::JeuxDeDonnées()[3].Créneaux;
     return Rangées(Siens.SqlAvant + Ombrey::TexteSql(Groupe) + Siens.SqlAprès);
   }
   std::string Liste() {

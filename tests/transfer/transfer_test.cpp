@@ -1,6 +1,7 @@
 // The encoders and the five files, byte by byte against records worked out by hand; the transfer window: order, pauses,
 // ticks and titles, failures with Retry and Cancel, and the plug-in's end meanwhile.
 #include "tests/transfer/small_cooperative.h"
+#include "transfer/file_builder.h"
 #include "transfer/transfer_window.h"
 
 namespace Ombrey::Essais {
@@ -50,7 +51,7 @@ struct Transfert : AvecCoopérative {
     ErreurEnAttente Levée;
     const auto Titrer = [this](Mot Titre) { Titres.push_back(Titre); };
     Ignorer(Levée, [&] {
-      static_cast<void>(ConstruireFichier(JeuxDeDonnées()[Rang].Fichier, {*Hôte->Base, {}}, Titrer, Lignes));
+      static_cast<void>(ConstruireFichier(JeuxDeDonnées()[Rang], {*Hôte->Base, {}}, Titrer, Lignes));
     });
     EXPECT_EQ(Lignes.size(), 1U);
     return Levée.EstPrésente() ? Levée.Texte() : std::string(Lignes[0].Bruts());
