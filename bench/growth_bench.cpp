@@ -70,7 +70,6 @@ class Atelier {
     bool Drapeau = false;
     return Cave_.Base->EtatBdD()->TableImporter(TitreImport, TexteChemin(Fichier_), Drapeau);
   }
-  [[nodiscard]] bool EstComplet() { return Cave_.Compter("Chargement") == Chargement_; }
 
  private:
   std::int64_t MembreSuivant() {

@@ -69,9 +69,8 @@ std::string KVSynchroTarvel::CodeSiteCourant() {
 }
 
 std::int64_t KVSynchroTarvel::DernierChargement() {
-  const ValeurChamp Dernier = Connexion_->Lire("SELECT MAX(IdChargement) FROM Chargement");
-  const auto* Id = std::get_if<std::int64_t>(&Dernier);
-  return Id ? *Id : DernierConnu_;
+  const auto Id = Ombrey::Comme<std::int64_t>(Connexion_->Lire("SELECT MAX(IdChargement) FROM Chargement"));
+  return Id.value_or(DernierConnu_);
 }
 
 void KVSynchroTarvel::AnnoncerNouveautés() {

@@ -105,8 +105,8 @@ class Compte {
  public:
   Compte(IConnexion& Source, const Ombrey::Progrès& Dire) : Dire_(Dire) {
     for (const std::string Nom : TablesCoopérative()) {
-      const ValeurChamp Nombre = Source.Lire("SELECT COUNT(*) FROM " + Nom);
-      if (const auto* Lu = std::get_if<std::int64_t>(&Nombre)) Total_ += 2 * static_cast<std::size_t>(*Lu);
+      const auto Nombre = Ombrey::Comme<std::int64_t>(Source.Lire("SELECT COUNT(*) FROM " + Nom));
+      Total_ += 2 * static_cast<std::size_t>(Nombre.value_or(0));
     }
   }
   void Avancer() {

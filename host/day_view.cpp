@@ -41,9 +41,6 @@ constexpr const char* SqlArchive =
 
 const Ombrey::Régional FormesFrançaises{};
 
-/// Days since 1899-12-30 that can be the date of a load.
-constexpr double PremierAn = 1;
-constexpr double DernierAn = 200000;
 constexpr std::size_t ColonneJour = 2;  ///< of the archive
 
 std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, FormesFrançaises); }
@@ -54,13 +51,6 @@ std::optional<double> NombreDe(const ValeurChamp& Valeur) {
   std::string Texte = SansEspaces(TexteDe(Valeur));
   if (Texte.empty() || !Ombrey::NormaliserNombre(Texte, FormesFrançaises)) return std::nullopt;
   return EnRéel(Texte, FormesFrançaises);
-}
-
-/// Whatever the office has written there is shown: one date that is none must not hide the others.
-std::string TexteJour(const ValeurChamp& Valeur) {
-  const auto* const Jours = std::get_if<double>(&Valeur);
-  const bool EstJour = Jours != nullptr && *Jours > PremierAn && *Jours < DernierAn;
-  return EstJour ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteDe(Valeur);
 }
 
 /// The name, or the code of what the database has no name for.
@@ -184,7 +174,7 @@ Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     auto& Rangée = Tableau.emplace_back();
     for (std::size_t Rang = 0; Rang < Tableau.front().size(); ++Rang)
-      Rangée.push_back(Rang == ColonneJour ? TexteJour(Lignes->Fields(Rang))
+      Rangée.push_back(Rang == ColonneJour ? Ombrey::MomentLisible(Lignes->Fields(Rang))
                                            : TexteOuVide(Lignes->Fields(Rang), Formes));
   }
   return Tableau;

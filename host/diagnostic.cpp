@@ -63,7 +63,7 @@ Constat ExaminerVersions(const Options& Choisies) {
   const std::string Texte = TexteVersion() + ", " + (FenêtresInstallées() ? "avec" : "sans") + " fenêtres, " +
                             Système.sysname + " " + Système.release + ", greffon " + TexteChemin(Greffon);
   std::error_code Code;
-  if (fs::exists(Greffon, Code)) return {Jugement::Bon, "versions", Texte, ""};
+  if (fs::exists(Greffon, Code)) return {Jugement::Bon, "versions", Texte};
   return {Jugement::Mauvais, "versions", Texte + " : ce fichier manque.", "sudo apt install --reinstall ombrey"};
 }
 
@@ -82,7 +82,7 @@ void ExaminerSchéma(Ombrey::IConnexion& Connexion, std::vector<Constat>& Consta
   const std::string Texte =
       "la base a le n° " + std::to_string(Numéro) + ", ce programme le n° " + std::to_string(NuméroSchéma) + ".";
   if (Numéro == NuméroSchéma)
-    Constats.push_back({Jugement::Bon, "schéma", Texte, ""});
+    Constats.push_back({Jugement::Bon, "schéma", Texte});
   else if (Numéro < NuméroSchéma)
     Constats.push_back({Jugement::ÀVoir, "schéma", Texte,
                         "rien : la station la mettra à jour à son démarrage et en gardera une copie à côté"});
@@ -92,9 +92,8 @@ void ExaminerSchéma(Ombrey::IConnexion& Connexion, std::vector<Constat>& Consta
 
 /// The newest load's date, counted in days from now.
 double Avance(Ombrey::IConnexion& Connexion, const Ombrey::DateHeure& Maintenant) {
-  const auto Dernière = Connexion.Lire("SELECT MAX(DateCh) FROM Chargement");
-  const auto* const Lue = std::get_if<double>(&Dernière);
-  return Lue ? *Lue - Ombrey::NuméroDeJour(Maintenant) : 0;
+  const auto Dernière = Ombrey::Comme<double>(Connexion.Lire("SELECT MAX(DateCh) FROM Chargement"));
+  return Dernière ? *Dernière - Ombrey::NuméroDeJour(Maintenant) : 0;
 }
 
 /// True when the program can set the clock by others' and has.
@@ -106,14 +105,14 @@ bool EstRégléeParRéseau() {
 /// The server's clock stamps what other stations see as new.
 void ExaminerHorlogeServeur(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
   if (Connexion.SonFichier()) return;
-  const auto Lue = Connexion.Lire("SELECT CAST(EXTRACT(EPOCH FROM now()) AS DOUBLE PRECISION)");
-  const auto* const Secondes = std::get_if<double>(&Lue);
-  if (Secondes == nullptr) return;
+  const auto Secondes =
+      Ombrey::Comme<double>(Connexion.Lire("SELECT CAST(EXTRACT(EPOCH FROM now()) AS DOUBLE PRECISION)"));
+  if (!Secondes) return;
   const double Écart = static_cast<double>(std::time(nullptr)) - *Secondes;
   const std::string Texte =
       "ce poste et le serveur diffèrent de " + std::to_string(std::lround(std::abs(Écart))) + " s";
   if (std::abs(Écart) <= ÉcartPermis)
-    Constats.push_back({Jugement::Bon, "horloge du serveur", Texte + ".", ""});
+    Constats.push_back({Jugement::Bon, "horloge du serveur", Texte + "."});
   else
     Constats.push_back({Jugement::ÀVoir, "horloge du serveur",
                         Texte + (Écart > 0 ? ", le serveur retarde." : ", le serveur avance."),
@@ -130,7 +129,7 @@ Constat ExaminerHorloge(double AvanceDesChargements) {
             "comparez avec l'heure du terminal ; " + Remède};
   if (!EstRégléeParRéseau())
     return {Jugement::ÀVoir, "horloge", Texte + " ; aucun serveur de temps ne la règle.", Remède};
-  return {Jugement::Bon, "horloge", Texte + ".", ""};
+  return {Jugement::Bon, "horloge", Texte + "."};
 }
 
 double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
@@ -149,7 +148,7 @@ double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
                           Choisies.Base + " ne peut être que lue : rien n'y serait enregistré.",
                           DonnerÀCeCompte(Chemin(Choisies.Base))});
     else
-      Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre, ""});
+      Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre});
     ExaminerSchéma(*Connexion, Constats);
     ExaminerHorlogeServeur(*Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
@@ -192,8 +191,8 @@ Constat ExaminerDossier(const Options& Choisies) {
     return {Jugement::Mauvais, Sujet, "ce compte ne peut pas écrire dans " + TexteChemin(Présent) + ".",
             DonnerÀCeCompte(Présent)};
   if (const auto Station = Ombrey::OccupantDossier(Choisies.Dossier))
-    return {Jugement::Bon, Sujet, "une station travaille dans " + Nom + " (" + *Station + ").", ""};
-  return {Jugement::Bon, Sujet, Nom + (Présent == Choisies.Dossier ? " est libre." : " sera créé au démarrage."), ""};
+    return {Jugement::Bon, Sujet, "une station travaille dans " + Nom + " (" + *Station + ")."};
+  return {Jugement::Bon, Sujet, Nom + (Présent == Choisies.Dossier ? " est libre." : " sera créé au démarrage.")};
 }
 
 }  // namespace

@@ -14,9 +14,9 @@ enum class Jugement { Bon, ÀVoir, Mauvais };
 /// One thing looked at.
 struct Constat {
   Jugement Verdict = Jugement::Bon;
-  std::string Sujet;   ///< what was looked at, one word or two
-  std::string Texte;   ///< how it is
-  std::string ÀFaire;  ///< what mends it, the command where there is one; empty when nothing is to be done
+  std::string Sujet;     ///< what was looked at, one word or two
+  std::string Texte;     ///< how it is
+  std::string ÀFaire{};  ///< what mends it, the command where there is one; empty when nothing is to be done
 };
 
 /// Where the machine tells of its ports and takes the rules for their names.

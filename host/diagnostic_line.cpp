@@ -63,8 +63,7 @@ Ombrey::RéglagesPort ExaminerRéglages(const Options& Choisies, std::vector<Con
   if (Faute.empty()) {
     Constats.push_back({Jugement::Bon, Sujet,
                         Fichier + " : " + Lus.Port + ", " + Lus.Bauds + " bauds, parité " + Lus.Parité + ", " +
-                            Lus.TailleMots + " bits, stop " + Lus.BitsStop,
-                        ""});
+                            Lus.TailleMots + " bits, stop " + Lus.BitsStop});
     return Lus;
   }
   Constats.push_back({Jugement::Mauvais, Sujet, Fichier + " : " + Faute,
@@ -129,12 +128,12 @@ void ExaminerPort(const Ombrey::RéglagesPort& Réglages, const Options& Choisie
   // A station that works on these settings holds the port by right.
   const auto Station = Choisies.Dossier.empty() ? std::nullopt : Ombrey::OccupantDossier(Choisies.Dossier);
   if (Station && std::ranges::find(Eux, *Station) != Eux.end()) {
-    Constats.push_back({Jugement::Bon, Sujet, Appareil + " est à la station qui travaille (" + *Station + ").", ""});
+    Constats.push_back({Jugement::Bon, Sujet, Appareil + " est à la station qui travaille (" + *Station + ")."});
     return;
   }
   const std::string Refus = EssayerPort(Réglages, [](const std::string&) { return false; });
   if (Refus.empty())
-    Constats.push_back({Jugement::Bon, Sujet, Appareil + " est libre et s'ouvre.", ""});
+    Constats.push_back({Jugement::Bon, Sujet, Appareil + " est libre et s'ouvre."});
   else
     Constats.push_back({Jugement::Mauvais, Sujet, Refus, RemèdePort(Appareil, Refus, Eux, Lieux)});
 }
@@ -174,8 +173,7 @@ void ExaminerNom(const std::string& Port, const Options& Choisies, const LieuxMa
   try {
     const auto Présente = Ombrey::LireFichier(Fichier);
     if (Présente == Règle)
-      Constats.push_back(
-          {Jugement::Bon, Sujet, TexteChemin(Fichier) + " donne à l'adaptateur le nom " + NomStable, ""});
+      Constats.push_back({Jugement::Bon, Sujet, TexteChemin(Fichier) + " donne à l'adaptateur le nom " + NomStable});
     else if (Présente)
       Constats.push_back(
           {Jugement::ÀVoir, Sujet, TexteChemin(Fichier) + " parle d'un autre appareil que " + Appareil + ".",

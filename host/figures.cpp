@@ -46,9 +46,8 @@ double Figures::Masse(const FiltreChargements& Filtre) const {
     if (!Valeur.empty()) Choix.Et(Début, Valeur, Fin);
   };
   const auto Sommer = [&](const std::string& Calcul, const char* Table) {
-    const ValeurChamp Somme = Connexion_.Lire(Calcul + Table + " AS C" + Choix.Sql(), Choix.Valeurs());
-    const auto* const Une = std::get_if<double>(&Somme);
-    return Une ? *Une : 0;
+    const auto Somme = Ombrey::Comme<double>(Connexion_.Lire(Calcul + Table + " AS C" + Choix.Sql(), Choix.Valeurs()));
+    return Somme.value_or(0);
   };
   SiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(", Filtre.Groupe,
           " AS INTEGER))");
@@ -75,7 +74,7 @@ bool Figures::ACumuls() const {
 std::optional<double> Figures::Nombre(const char* Colonne, const char* Sql,
                                       const std::vector<ValeurChamp>& Valeurs) const {
   const ValeurChamp Lue = Connexion_.Lire(Sql, Valeurs);
-  if (const auto* Réel = std::get_if<double>(&Lue)) return *Réel;
+  if (const auto Réel = Ombrey::Comme<double>(Lue)) return Réel;
   if (EstNull(Lue)) return std::nullopt;
   const Ombrey::Régional Formes = Système_.FormesRégionales();
   const std::string Écrit = TexteValeur(Lue, Formes);

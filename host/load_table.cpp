@@ -35,16 +35,6 @@ void ExigerFait(Conditions& Choix, const std::string& Nom, const ColonneImport& 
     Choix.Et(Nom + " = ", Lue.Valeur);
 }
 
-/// Also what the office wrote in place of a date.
-std::string Arrivée(const ValeurChamp& Date) {
-  const auto* Jours = std::get_if<double>(&Date);
-  Ombrey::ErreurEnAttente HorsCalendrier;
-  std::string Texte = TexteOuVide(Date, {});
-  if (Jours)
-    Ignorer(HorsCalendrier, [&] { Texte = TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn"); });
-  return Texte;
-}
-
 }  // namespace
 
 void CompléterArchive(Ombrey::IConnexion& Connexion) {
@@ -76,10 +66,8 @@ std::optional<std::int64_t> TableDesChargements::Chercher(const char* Table, con
     const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
     if (Place) ExigerFait(Choix, ColonneReçue(Colonne.Nom), Définition_.Colonnes[*Place], Ligne[*Place]);
   }
-  const ValeurChamp Trouvé =
-      Connexion_.Lire("SELECT MAX(IdChargement) FROM " + std::string(Table) + Choix.Sql(), Choix.Valeurs());
-  const auto* Id = std::get_if<std::int64_t>(&Trouvé);
-  return Id ? std::optional(*Id) : std::nullopt;
+  return Ombrey::Comme<std::int64_t>(
+      Connexion_.Lire("SELECT MAX(IdChargement) FROM " + std::string(Table) + Choix.Sql(), Choix.Valeurs()));
 }
 
 void TableDesChargements::CompléterExploitation(std::int64_t Id, const LigneImport& Ligne) {
@@ -138,7 +126,7 @@ std::string TableDesChargements::Archiver(const ValeurChamp& Site, const ValeurC
   Connexion_.Exécuter("DELETE FROM Chargement WHERE IdChargement = ?1", {Porteur[0]});
 
   const auto Texte = [&](std::size_t Rang) { return TexteOuVide(Porteur[Rang], Ombrey::Régional{}); };
-  return "Le chargement n° " + Texte(2) + " du site " + Texte(1) + ", arrivé le " + Arrivée(Porteur[3]) +
+  return "Le chargement n° " + Texte(2) + " du site " + Texte(1) + ", arrivé le " + Ombrey::MomentLisible(Porteur[3]) +
          " (exploitation " + Texte(4) + ", " + Texte(5) +
          " kg), passe dans ChargementArchive : son numéro sert à un autre. Il compte toujours dans les cumuls.";
 }

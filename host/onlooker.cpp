@@ -69,10 +69,8 @@ void Spectateur::Montrer() {
   Requête.Lier({Dernier_, Aujourdhui});
   while (Requête.Avancer()) {
     const auto Texte = [&](std::size_t Rang) { return Ombrey::TexteOuVide(Requête.Valeur(Rang), {}); };
-    const auto Rang = Requête.Valeur(0);
-    const auto Arrivée = Requête.Valeur(2);
-    if (const auto* Lu = std::get_if<std::int64_t>(&Rang)) Dernier_ = *Lu;
-    const auto* const Jour = std::get_if<double>(&Arrivée);
+    Dernier_ = Ombrey::Comme<std::int64_t>(Requête.Valeur(0)).value_or(Dernier_);
+    const auto Jour = Ombrey::Comme<double>(Requête.Valeur(2));
     Édition_.Dire((Jour ? Ombrey::TexteHeure(Ombrey::DepuisNuméroDeJour(*Jour)) + " " : "") + "Chargement n° " +
                   Texte(1) + ", exploitation " + Texte(3) + ", appellation " + Texte(4) + ", " + Texte(5) + " kg");
   }

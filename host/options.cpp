@@ -169,15 +169,7 @@ void VérifierAccord(const Options& Lues, const std::set<std::string>& Données)
 }
 
 void Compléter(Options& Lues) {
-  Ombrey::LecteurIniFichier Lecteur;
-  Lecteur.FixerFichier(Ombrey::TexteChemin(Lues.Ini));
-  Lecteur.FixerSection(SectionTarvel);
-  const auto Lire = [&](const char* Clé) {
-    bool Présente = false;
-    Lecteur.FixerClé(Clé);
-    Lecteur.LireValeur(Présente);
-    return Lecteur.Valeur();
-  };
+  const auto Lire = [&](const char* Clé) { return Ombrey::LireRéglage(Lues.Ini, SectionTarvel, Clé).value_or(""); };
   const fs::path DossierIni = Lues.Ini.parent_path();
   const std::string Base = Lire("Base");
   const std::string Dossier = Lire("Dossier");

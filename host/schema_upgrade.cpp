@@ -98,9 +98,9 @@ void GarderUneCopie(const std::string& Base, int Numéro) {
 
 int NuméroSchémaDe(IConnexion& Connexion) {
   const bool ANuméro = !Connexion.ColonnesDe("Schéma").empty();
-  const Ombrey::ValeurChamp Numéro = ANuméro ? Connexion.Lire("SELECT MAX(Numéro) FROM Schéma") : Ombrey::ValeurChamp{};
-  const auto* Lu = std::get_if<std::int64_t>(&Numéro);
-  return Lu ? static_cast<int>(*Lu) : PremierSchéma;
+  if (!ANuméro) return PremierSchéma;
+  const auto Numéro = Ombrey::Comme<std::int64_t>(Connexion.Lire("SELECT MAX(Numéro) FROM Schéma"));
+  return static_cast<int>(Numéro.value_or(PremierSchéma));
 }
 
 void PasserAuSchémaSuivant(IConnexion& Connexion, int Numéro) {

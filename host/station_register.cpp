@@ -13,11 +13,6 @@ namespace {
 constexpr std::chrono::minutes EntreSignes(1);
 constexpr const char* SqlStations = "SELECT CodeSite, Machine, Vue FROM Station ORDER BY CodeSite";
 
-std::string Moment(const Ombrey::ValeurChamp& Valeur) {
-  const auto* const Jours = std::get_if<double>(&Valeur);
-  return Jours ? TexteFormaté(Ombrey::DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : "";
-}
-
 std::string DernierChargement(Ombrey::IDatabase& Base, const std::string& Site, const Ombrey::Régional& Formes) {
   const auto Dernier = Base.OpenRecordset(
       "SELECT NoChargement, Format([DateCh],'dd/mm/yyyy hh:nn') FROM Chargement"
@@ -51,7 +46,7 @@ Rangées TableauStations(Ombrey::IDatabase& Base, const Ombrey::Régional& Forme
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     const std::string Site = TexteOuVide(Lignes->Fields(0), Formes);
     Tableau.push_back({Site, TexteOuVide(Lignes->Fields(1), Formes), DernierChargement(Base, Site, Formes),
-                       Moment(Lignes->Fields(2))});
+                       Ombrey::MomentLisible(Lignes->Fields(2))});
   }
   return Tableau;
 }

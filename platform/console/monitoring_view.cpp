@@ -9,8 +9,6 @@
 namespace Ombrey {
 namespace {
 
-constexpr int LargeurColonneUsuelle = 1440;  // an inch
-
 std::string Marque(Onglet Liste, bool Cochée) {
   if (Liste == Onglet::Erreurs) return "";
   return Cochée ? "[x] " : "[ ] ";
@@ -30,10 +28,8 @@ std::string LigneDeTableau(const std::vector<std::string>& Cellules, const std::
 }  // namespace
 
 VueSuiviConsole::VueSuiviConsole(FenêtresConsole& Fenêtres, IGestesSuivi& Gestes, std::string Légende,
-                                 const Rectangle& Intérieur, std::span<const DessinContrôleSuivi> Dessin)
-    : Fenêtres_(Fenêtres), Gestes_(Gestes), Légende_(std::move(Légende)), Place_(Intérieur) {
-  for (const DessinContrôleSuivi& Contrôle : Dessin) Places_[Contrôle.Contrôle] = Contrôle.Place;
-}
+                                 const Rectangle& Intérieur)
+    : Fenêtres_(Fenêtres), Gestes_(Gestes), Légende_(std::move(Légende)), Place_(Intérieur) {}
 
 VueSuiviConsole::~VueSuiviConsole() {
   *Montrée_ = false;
@@ -46,8 +42,7 @@ void VueSuiviConsole::MontrerModale() {
   FenêtresConsole& Fenêtres = Fenêtres_;
   *Montrée = true;
   Fenêtres.LigneFenêtre(Légende_, "ouverte");
-  Gestes_.Form_Resize();
-  if (*Montrée) Gestes_.Form_Activate();
+  Gestes_.Form_Activate();
   Fenêtres.PomperTantQue([&] { return *Montrée; });
 }
 
@@ -60,11 +55,6 @@ void VueSuiviConsole::Cacher() {
 void VueSuiviConsole::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   Entêtes_ = std::move(Entêtes);
   Grille_ = std::move(Rangées);
-}
-
-int VueSuiviConsole::LargeurColonne(std::size_t Colonne) const {
-  const auto Trouvée = Largeurs_.find(Colonne);
-  return Trouvée == Largeurs_.end() ? LargeurColonneUsuelle : Trouvée->second;
 }
 
 void VueSuiviConsole::InsérerLigne(Onglet Liste, std::size_t Rang, const std::string& Texte, bool Coché) {
@@ -88,16 +78,6 @@ void VueSuiviConsole::OffrirOnglet(Onglet Lequel, bool Offert) {
 
 void VueSuiviConsole::ChoisirOnglet(Onglet Lequel) {
   if (std::exchange(Courant_, Lequel) != Lequel) Gestes_.Onglets_Click();
-}
-
-Rectangle VueSuiviConsole::PlaceContrôle(ContrôleSuivi Contrôle) const {
-  const auto Trouvée = Places_.find(Contrôle);
-  return Trouvée == Places_.end() ? Rectangle() : Trouvée->second;
-}
-
-void VueSuiviConsole::PlacerFenêtre(const Rectangle& Place) {
-  const Rectangle Avant = std::exchange(Place_, Place);
-  if (Avant.Largeur != Place.Largeur || Avant.Hauteur != Place.Hauteur) Gestes_.Form_Resize();
 }
 
 std::vector<std::string> VueSuiviConsole::Lignes(Onglet Liste) const {

@@ -2,9 +2,7 @@
 #pragma once
 
 #include <array>
-#include <map>
 #include <memory>
-#include <span>
 #include <string>
 #include <vector>
 
@@ -13,12 +11,11 @@
 
 namespace Ombrey {
 
-/// Keeps what it is told and prints each line that enters a list. Places and widths are kept and returned; nothing is
-/// drawn by them.
+/// Prints each line that enters a list. Nothing has a place on a console: the window stands as designed, and no column
+/// has a width to remember.
 class VueSuiviConsole : public IVueSuiviChargnt {
  public:
-  VueSuiviConsole(FenêtresConsole& Fenêtres, IGestesSuivi& Gestes, std::string Légende, const Rectangle& Intérieur,
-                  std::span<const DessinContrôleSuivi> Dessin);
+  VueSuiviConsole(FenêtresConsole& Fenêtres, IGestesSuivi& Gestes, std::string Légende, const Rectangle& Intérieur);
   VueSuiviConsole(const VueSuiviConsole&) = delete;
   VueSuiviConsole& operator=(const VueSuiviConsole&) = delete;
   ~VueSuiviConsole() override;
@@ -31,8 +28,8 @@ class VueSuiviConsole : public IVueSuiviChargnt {
 
   void RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) override;
   [[nodiscard]] std::size_t NombreColonnes() const override { return Entêtes_.size(); }
-  [[nodiscard]] int LargeurColonne(std::size_t Colonne) const override;
-  void FixerLargeurColonne(std::size_t Colonne, int Twips) override { Largeurs_[Colonne] = Twips; }
+  [[nodiscard]] int LargeurColonne(std::size_t /*Colonne*/) const override { return 0; }
+  void FixerLargeurColonne(std::size_t /*Colonne*/, int /*Twips*/) override {}
 
   void InsérerLigne(Onglet Liste, std::size_t Rang, const std::string& Texte, bool Coché) override;
   void RetirerLigne(Onglet Liste, std::size_t Rang) override;
@@ -45,10 +42,10 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   void MontrerContrôle(ContrôleSuivi /*Contrôle*/, bool /*Visible*/) override {}
   void ActiverContrôle(ContrôleSuivi /*Contrôle*/, bool /*Actif*/) override {}
 
-  [[nodiscard]] Rectangle PlaceContrôle(ContrôleSuivi Contrôle) const override;
-  void PlacerContrôle(ContrôleSuivi Contrôle, const Rectangle& Place) override { Places_[Contrôle] = Place; }
+  [[nodiscard]] Rectangle PlaceContrôle(ContrôleSuivi /*Contrôle*/) const override { return {}; }
+  void PlacerContrôle(ContrôleSuivi /*Contrôle*/, const Rectangle& /*Place*/) override {}
   [[nodiscard]] Rectangle PlaceFenêtre() const override { return Place_; }
-  void PlacerFenêtre(const Rectangle& Place) override;
+  void PlacerFenêtre(const Rectangle& /*Place*/) override {}
   [[nodiscard]] bool EstAgrandie() const override { return false; }
   void Agrandir() override {}
 
@@ -79,8 +76,6 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   Onglet Courant_ = Onglet::Suivis;
   std::vector<std::string> Entêtes_;
   std::vector<std::vector<std::string>> Grille_;
-  std::map<std::size_t, int> Largeurs_;
-  std::map<ContrôleSuivi, Rectangle> Places_;
   Rectangle Place_;
 };
 

@@ -76,8 +76,8 @@ std::unique_ptr<IImprimante> FenêtresConsole::OuvrirImprimante() {
 
 std::unique_ptr<IVueSuiviChargnt> FenêtresConsole::CréerVueSuivi(IGestesSuivi& Gestes, const std::string& Légende,
                                                                  const Rectangle& Intérieur,
-                                                                 std::span<const DessinContrôleSuivi> Dessin) {
-  auto Vue = std::make_unique<VueSuiviConsole>(*this, Gestes, Légende, Intérieur, Dessin);
+                                                                 std::span<const DessinContrôleSuivi> /*Dessin*/) {
+  auto Vue = std::make_unique<VueSuiviConsole>(*this, Gestes, Légende, Intérieur);
   VueSuivi_ = Vue.get();
   return Vue;
 }

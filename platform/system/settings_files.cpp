@@ -13,48 +13,46 @@
 
 namespace Ombrey {
 
+std::optional<std::string> LireRéglage(const std::filesystem::path& Fichier, const std::string& Section,
+                                       const std::string& Clé) {
+  return TexteIni(LireFichier(Fichier).value_or("")).Lire(Section, Clé);
+}
+
+void EcrireRéglage(const std::filesystem::path& Fichier, const std::string& Section, const std::string& Clé,
+                   const std::string& Valeur) {
+  if (Fichier.empty()) throw ErreurExécution("Aucun fichier de réglages n'est indiqué.");
+  const auto Ancien = LireFichier(Fichier);
+  TexteIni Texte(Ancien.value_or(""));
+  Texte.Ecrire(Section, Clé, Valeur);
+  if (Ancien != Texte.Bruts()) RemplacerFichier(Fichier, Texte.Bruts());
+}
+
 void LecteurIniFichier::LireValeur(bool& Drapeau) {
   Valeur_.clear();
-  const auto Lu = TexteIni(LireFichier(Fichier_).value_or("")).Lire(Section_, Clé_);
+  const auto Lu = LireRéglage(Fichier_, Section_, Clé_);
   Drapeau = Lu.has_value();
   Valeur_ = Lu.value_or("");
 }
 
 void LecteurIniFichier::EcrireValeur(bool& Drapeau) {
   Drapeau = false;
-  if (Fichier_.empty()) throw ErreurExécution("Aucun fichier de réglages n'est indiqué.");
-  const auto Ancien = LireFichier(Fichier_);
-  TexteIni Texte(Ancien.value_or(""));
-  Texte.Ecrire(Section_, Clé_, Valeur_);
-  if (Ancien != Texte.Bruts()) RemplacerFichier(Fichier_, Texte.Bruts());
+  EcrireRéglage(Fichier_, Section_, Clé_, Valeur_);
   Drapeau = true;
 }
 
 std::string RéglagesFichier::Lire(const std::string& Application, const std::string& Section, const std::string& Clé,
                                   const std::string& Défaut) const {
-  LecteurIniFichier Lecteur;
-  Lecteur.FixerFichier(Fichier_.string());
-  Lecteur.FixerSection(Application + "/" + Section);
-  Lecteur.FixerClé(Clé);
-  bool Présent = false;
   try {
-    Lecteur.LireValeur(Présent);
+    return LireRéglage(Fichier_, Application + "/" + Section, Clé).value_or(Défaut);
   } catch (const ErreurExécution&) {
     return Défaut;
   }
-  return Présent ? Lecteur.Valeur() : Défaut;
 }
 
 void RéglagesFichier::Ecrire(const std::string& Application, const std::string& Section, const std::string& Clé,
                              const std::string& Valeur) {
   CréerDossier(Fichier_.parent_path());
-  LecteurIniFichier Lecteur;
-  Lecteur.FixerFichier(Fichier_.string());
-  Lecteur.FixerSection(Application + "/" + Section);
-  Lecteur.FixerClé(Clé);
-  Lecteur.FixerValeur(Valeur);
-  bool Sauvé = false;
-  Lecteur.EcrireValeur(Sauvé);
+  EcrireRéglage(Fichier_, Application + "/" + Section, Clé, Valeur);
 }
 
 std::filesystem::path FichierRéglagesUtilisateur() {

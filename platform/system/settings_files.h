@@ -2,12 +2,20 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <utility>
 
 #include "contracts/system.h"
 
 namespace Ombrey {
+
+/// The value of a key in a settings file; none where file, section or key is absent. These raise ErreurExécution when
+/// the file can't be read, or written.
+[[nodiscard]] std::optional<std::string> LireRéglage(const std::filesystem::path& Fichier, const std::string& Section,
+                                                     const std::string& Clé);
+void EcrireRéglage(const std::filesystem::path& Fichier, const std::string& Section, const std::string& Clé,
+                   const std::string& Valeur);
 
 /// Reads the file anew at each LireValeur, so that it sees what others wrote meanwhile.
 class LecteurIniFichier final : public ILecteurIni {

@@ -214,6 +214,12 @@ std::string TexteFormaté(const DateHeure& Moment, std::string_view Modèle) {
   return Texte;
 }
 
+std::string MomentLisible(const ValeurChamp& Valeur, const Régional& Formes) {
+  const auto Jours = Comme<double>(Valeur);
+  const bool EstAuCalendrier = Jours && *Jours >= PremierJour && *Jours < JourDeFin;
+  return EstAuCalendrier ? TexteFormaté(DepuisNuméroDeJour(*Jours), "jj/mm/aaaa hh:nn") : TexteOuVide(Valeur, Formes);
+}
+
 double NuméroDeJour(const DateHeure& Moment) {
   const std::chrono::sys_days Jour = std::chrono::year_month_day(std::chrono::year{Moment.Année},
                                                                  std::chrono::month{static_cast<unsigned>(Moment.Mois)},

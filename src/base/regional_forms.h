@@ -49,6 +49,8 @@ namespace Ombrey {
 /// any other character stands for itself.
 [[nodiscard]] std::string TexteFormaté(const DateHeure& Moment, std::string_view Modèle);
 
+/// A column's date and time as people read it, to the minute; what is no moment of the calendar as it stands.
+[[nodiscard]] std::string MomentLisible(const ValeurChamp& Valeur, const Régional& Formes = {});
 /// Days since 1899-12-30, the time of day being the fraction.
 [[nodiscard]] double NuméroDeJour(const DateHeure& Moment);
 /// The way back, to the nearest second. Raises "Dépassement de capacité" outside the years 100 to 9999.

@@ -41,6 +41,8 @@ struct ÉtatPartagé {
   void Avertir(const std::string& Texte, const std::string& Titre = NomPlugIn) {
     Plateforme.Fenêtres().Boîte(Texte, Titre, BoutonsBoîte::Ok);
   }
+  /// The host's open database. Raises "Variable objet non définie" when there is none.
+  [[nodiscard]] std::shared_ptr<IDatabase> BaseDAO() const { return Exiger(Exiger(BaseDeD)->BaseDAO()); }
   [[nodiscard]] Régional Formes() const { return Plateforme.Système().FormesRégionales(); }
 };
 

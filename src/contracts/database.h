@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -15,6 +16,12 @@ namespace Ombrey {
 using ValeurChamp = std::variant<std::monostate, std::int64_t, double, std::string>;
 
 [[nodiscard]] inline bool EstNull(const ValeurChamp& V) { return std::holds_alternative<std::monostate>(V); }
+/// The value where it is of this kind, else none.
+template <class Genre>
+[[nodiscard]] std::optional<Genre> Comme(const ValeurChamp& Valeur) {
+  const auto* const Sienne = std::get_if<Genre>(&Valeur);
+  return Sienne ? std::optional(*Sienne) : std::nullopt;
+}
 
 /// The values are those of the database objects that this interface stands for.
 enum class TypeRecordset {

@@ -49,8 +49,8 @@ void VérificationExploitation::VérifierCoopérateur(std::string& Code) {
 }
 
 bool VérificationExploitation::ChercherCoopérateur(const std::string& Numéro, std::string& Code) {
-  const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Rangées = BaseDAO->OpenRecordset("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '" + Numéro + "'");
+  const auto Rangées =
+      État_.BaseDAO()->OpenRecordset("SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '" + Numéro + "'");
   if (Rangées->Eof()) return false;
   Code = TexteValeur(Rangées->FieldsNommé("IdCoopérateur"), État_.Formes());
   return true;
@@ -58,8 +58,7 @@ bool VérificationExploitation::ChercherCoopérateur(const std::string& Numéro,
 
 bool VérificationExploitation::ChercherExploitation(const std::string& Propriétaire, const std::string& Récoltant,
                                                     std::string& Part, const std::string& Groupe, std::string& Code) {
-  const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Rangées = BaseDAO->OpenRecordset(
+  const auto Rangées = État_.BaseDAO()->OpenRecordset(
       "SELECT IdMétayage,* FROM Métayage"
       " WHERE Clng(Propriétaire) = '" +
       Nombre(Propriétaire) + "' AND Clng(Récoltant) = '" + Nombre(Récoltant) + "'");

@@ -33,9 +33,8 @@ std::string MiseEnFormeImport::MiseEnFormePourImport(const std::vector<std::stri
 }
 
 bool MiseEnFormeImport::LireDéfinition(Définition& Lue) {
-  const auto BaseDAO = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  const auto Rangées = BaseDAO->OpenRecordset("SELECT * FROM MSysEtats WHERE Titre = " + TexteSql(TitreImport) +
-                                              " AND Exportation = FALSE");
+  const auto Rangées = État_.BaseDAO()->OpenRecordset("SELECT * FROM MSysEtats WHERE Titre = " + TexteSql(TitreImport) +
+                                                      " AND Exportation = FALSE");
   if (Rangées->Eof()) return false;
   const Régional Formes = État_.Formes();
   Lue.Colonnes = TexteValeur(Rangées->FieldsNommé("LongChps"), Formes);

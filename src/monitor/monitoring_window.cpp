@@ -134,8 +134,7 @@ void FSuiviChargnt::RelireListe() {
 }
 
 void FSuiviChargnt::RemplirGrille() {
-  const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
-  auto Tableau = LireChargementsDuJour(*Base, État_.Formes());
+  auto Tableau = LireChargementsDuJour(*État_.BaseDAO(), État_.Formes());
   Vue_->RemplirGrille(std::move(Tableau.Entêtes), std::move(Tableau.Rangées));
   GrilleRemplie_ = true;
 }

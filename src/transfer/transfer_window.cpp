@@ -139,7 +139,7 @@ std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Je
   std::vector<std::string> Omissions;
   ErreurEnAttente Levée;
   const bool Mené = Ignorer(Levée, [&] {
-    const auto Base = Exiger(Exiger(État_.BaseDeD)->BaseDAO());
+    const auto Base = État_.BaseDAO();
     Omissions = ConstruireFichier(Jeu, {*Base, État_.Formes()}, Titrer, Lignes);
     Attendre(Jeu.Pause);
     if (État_.Abandon) return;

@@ -74,7 +74,8 @@ TEST(TextHelpers, WrongSeparatorIsPutRight) {
     EXPECT_EQ(Texte, Après);
   }
   std::string Texte = "12,5";
-  EXPECT_TRUE(NormaliserNombre(Texte, {'.'}) && Texte == "12.5");
+  EXPECT_TRUE(NormaliserNombre(Texte, {'.'}));
+  EXPECT_EQ(Texte, "12.5");
 }
 
 TEST(TextHelpers, ZerosAtTheEnds) {

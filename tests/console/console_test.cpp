@@ -100,9 +100,9 @@ struct CasSéance {
   Arguments Plus = {};
 };
 
-#define DEDANS "boîte «Dedans» (Recommencer, Annuler) : Une ⏎ ligne\n"
-#define DEHORS "boîte «Dehors» (OK) : Une ⏎ ligne\n"
-#define TRANSFERT "fenêtre « Transfert » ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n"
+const std::string Dedans = "boîte «Dedans» (Recommencer, Annuler) : Une ⏎ ligne\n";
+const std::string Dehors = "boîte «Dehors» (OK) : Une ⏎ ligne\n";
+const std::string Ouverte = "fenêtre « Transfert » ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n";
 
 TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
   const DossierEssai Dossier;
@@ -126,21 +126,21 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
        "console : ligne trop longue, ignorée.\nconsole : aucune boîte n'attend de réponse.\n> fin\n"},
       // Boxes are answered from the inside, by buttons that they have, and by themselves when nobody can.
       {"configurer\nok\nbouton\nRecommencer\nannuler\nOK\n",
-       DEHORS DEDANS "console : la boîte n'a pas ce bouton.\nconsole : répondez d'abord à la boîte ouverte.\n"
+       Dehors + Dedans + "console : la boîte n'a pas ce bouton.\nconsole : répondez d'abord à la boîte ouverte.\n"
        "> recommencer\nconsole : la boîte n'a pas ce bouton.\n> ok\n> fin\n"},
-      {"quotas\nannuler\nconfigurer\n", DEDANS "> annuler\n" DEHORS DEDANS "> annuler\n> ok\n", {"--duree", "60"}},
-      {"configurer\nfin\nquotas\n", DEHORS DEDANS "> fin\n> annuler\n> ok\n" DEDANS "> annuler\n> fin\n"},
-      {"quotas\nconfigurer\n", DEDANS "> annuler\n" DEHORS "> ok\n", {"--sans-operateur"}},
+      {"quotas\nannuler\nconfigurer\n", Dedans + "> annuler\n" + Dehors + Dedans + "> annuler\n> ok\n", {"--duree", "60"}},
+      {"configurer\nfin\nquotas\n", Dehors + Dedans + "> fin\n> annuler\n> ok\n" + Dedans + "> annuler\n> fin\n"},
+      {"quotas\nconfigurer\n", Dedans + "> annuler\n" + Dehors + "> ok\n", {"--sans-operateur"}},
       // A command on its way to a window holds the next ones back, but not the end; so does the transfer window.
       {"bouton\nmasquer\nok\n", "fenêtre « Liste » ouverte\n> retour\n"
        "console : aucune boîte n'attend de réponse.\n> fin\n"},
       {"bouton\nfin\n", "> fin\nfenêtre « Liste » ouverte\n> retour\n> fin\n"},
       {"transferer\nmenu\ndécocher COOPERATEURS\ncocher rien\ninterroger\ntransferer\nfermer\n",
-       "console : la fenêtre de transfert n'est pas ouverte ; « menu » l'ouvre.\n" TRANSFERT
+       "console : la fenêtre de transfert n'est pas ouverte ; « menu » l'ouvre.\n" + Ouverte +
        "  [ ] Coopérateurs [x] Badges\nconsole : il n'y a pas de case « rien ».\n"
        "console : fermez d'abord la fenêtre de transfert.\n  [ ] Coopérateurs [ ] Badges\ntitre : Badges\n"
        "fenêtre « Badges » fermée\n> fin\n"},
-      {"menu\nfin\n", TRANSFERT "> fin\nfenêtre « Transfert » fermée\n> fin\n"},
+      {"menu\nfin\n", Ouverte + "> fin\nfenêtre « Transfert » fermée\n> fin\n"},
   };
   // clang-format on
   for (const CasSéance& C : Cas) EXPECT_EQ(Séance(C.Tapé, C.Plus).Jouer(), C.Vu);
@@ -257,65 +257,70 @@ TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
   EXPECT_EQ(Dits, "panne");
 }
 
-#define REGLAGES(PORT) \
-  "[PlugInOmbrey]\nTailleMots=8\nBitsStop=1\nParité=aucune\nBauds=9600\nPort=" PORT "\nPériode interrogation=2000\n"
-constexpr const char* Absent = REGLAGES("/dev/absent");
-constexpr const char* SansPort = "[PlugInOmbrey]\nPériode interrogation=2000\n";
+std::string Réglages(const std::string& Port) {
+  return "[PlugInOmbrey]\nTailleMots=8\nBitsStop=1\nParité=aucune\nBauds=9600\nPort=" + Port +
+         "\nPériode interrogation=2000\n";
+}
+const std::string Absent = Réglages("/dev/absent"), Autre = Réglages("/dev/autre");
+const std::string SansPort = "[PlugInOmbrey]\nPériode interrogation=2000\n";
 
 /// The settings, what is typed and seen, the settings afterwards, more options.
 struct CasVie {
-  const char *Réglages, *Tapé;
+  std::string Réglés, Tapé;
   Arguments Vus;
-  const char* Gardés;
+  std::string Gardés;
   Arguments Plus = {};
 };
 
+// clang-format off
+const CasVie Vies[] = {
+    {Absent, "menu\nok\nok\nbouton\nok\nmasquer\nfin\n",
+     {"message [x] ", " : Module initialisé.\n", "commande « bouton » : Comm. au RG80\n",
+      "commande « menu » : Charger les données vers le RG80\n", "fenêtre « Liste des chargements » masquée\n",
+      "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
+    {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
+    {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
+     {"réglages du port : retenus.\nhôte : Les réglages du port ont changé : le greffon repart avec eux.\nmessage [x] ",
+      "(OK) : Le port /dev/autre est absent"}, Autre},
+    {"", "/dev/autre\n\n\n\n\noui\nconfigurer\nannuler\nfin\n", {"Module initialisé."}, Autre},
+    {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
+    {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
+    {"", "", {"README.md » ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
+    {"", "", {"est fait pour la version 1 de l'interface des greffons, et ce programme pour la 2"}, "",
+     {"--greffon", BIN_DIR "/../tests/former_plugin.so"}},
+};
+// clang-format on
+
 /// The real plug-in on a console, with a host in memory and no terminal on the line.
-TEST(Station, LivesWithThePlugInAndLetsItGo) {
-  // clang-format off
-  const CasVie Cas[] = {
-      {Absent, "menu\nok\nok\nbouton\nok\nmasquer\nfin\n",
-       {"message [x] ", " : Module initialisé.\n", "commande « bouton » : Comm. au RG80\n",
-        "commande « menu » : Charger les données vers le RG80\n", "fenêtre « Liste des chargements » masquée\n",
-        "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
-      {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
-      {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
-       {"réglages du port : retenus.\nhôte : Les réglages du port ont changé : le greffon repart avec eux.\nmessage [x] ",
-        "(OK) : Le port /dev/autre est absent"}, REGLAGES("/dev/autre")},
-      {"", "/dev/autre\n\n\n\n\noui\nconfigurer\nannuler\nfin\n", {"Module initialisé."}, REGLAGES("/dev/autre")},
-      {"", "annuler\nfin\n", {"Le greffon n'est pas initialisé. Erreur de configuration du port"}, SansPort},
-      {"", "", {"Erreur de configuration du port"}, SansPort, {"--sans-operateur", "--duree", "0"}},
-      {"", "", {"README.md » ne se charge pas"}, "", {"--greffon", SOURCE_DIR "/README.md"}},
-      {"", "", {"est fait pour la version 1 de l'interface des greffons, et ce programme pour la 2"}, "",
-       {"--greffon", BIN_DIR "/../tests/former_plugin.so"}},
-  };
-  // clang-format on
-  for (const CasVie& C : Cas) {
-    SCOPED_TRACE(C.Tapé);
-    const DossierEssai Dossier;
-    const std::string D = Dossier.Chemin();
-    setenv("XDG_CONFIG_HOME", D.c_str(), 1);
-    std::ofstream(D + "/tarvel.ini") << C.Réglages;
-    Tarvel::Options Voulues = Choisies(D, C.Plus);
-    if (Voulues.Greffon.empty()) Voulues.Greffon = BIN_DIR "/PlgInOmbrey.so";
-    auto Base = std::make_shared<FausseBaseDeD>();
-    Base->Dossier = D + "/";
-    const Terminal T(C.Tapé);
-    std::string Vu;
-    try {
-      Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
-      Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
-    } catch (const ErreurExécution& Erreur) {
-      Vu = Erreur.what();
-    }
-    EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
-    EXPECT_EQ(Base->Écouteur, nullptr);
-    Vu += T.Vu();
-    for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
-    const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };
-    EXPECT_EQ(Repart(Vu), std::ranges::any_of(C.Vus, Repart));
-    EXPECT_EQ(Contenu(D + "/tarvel.ini"), C.Gardés);
+struct VieDeStation : testing::TestWithParam<CasVie> {};
+INSTANTIATE_TEST_SUITE_P(Table, VieDeStation, testing::ValuesIn(Vies));
+
+TEST_P(VieDeStation, GoesWithThePlugInAndLetsItGo) {
+  const CasVie& C = GetParam();
+  SCOPED_TRACE(C.Tapé);
+  const DossierEssai Dossier;
+  const std::string D = Dossier.Chemin();
+  setenv("XDG_CONFIG_HOME", D.c_str(), 1);
+  std::ofstream(D + "/tarvel.ini") << C.Réglés;
+  Tarvel::Options Voulues = Choisies(D, C.Plus);
+  if (Voulues.Greffon.empty()) Voulues.Greffon = BIN_DIR "/PlgInOmbrey.so";
+  auto Base = std::make_shared<FausseBaseDeD>();
+  Base->Dossier = D + "/";
+  const Terminal T(C.Tapé);
+  std::string Vu;
+  try {
+    Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
+    Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
+  } catch (const ErreurExécution& Erreur) {
+    Vu = Erreur.what();
   }
+  EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
+  EXPECT_EQ(Base->Écouteur, nullptr);
+  Vu += T.Vu();
+  for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
+  const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };
+  EXPECT_EQ(Repart(Vu), std::ranges::any_of(C.Vus, Repart));
+  EXPECT_EQ(Contenu(D + "/tarvel.ini"), C.Gardés);
 }
 
 }  // namespace Ombrey::Essais

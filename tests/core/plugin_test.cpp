@@ -56,8 +56,10 @@ TEST_F(Vie, StartSetsThePortInOrderAndFirstPollComesAfterTenSeconds) {
   EXPECT_EQ(Hôte->Activations, 1);
   const auto Suivante = std::make_shared<FausseBaseDeD>();
   LePlugIn->IPlugInTarvel_FixerBaseDeD(Suivante);
-  EXPECT_TRUE(!Hôte->Écouteur && !Hôte->ÉcouteurSynchro);
-  EXPECT_TRUE(Suivante->Écouteur && Suivante->ÉcouteurSynchro);
+  for (const auto& [Base, EstÉcoutée] : {std::pair(Hôte, false), {Suivante, true}}) {
+    EXPECT_EQ(Base->Écouteur != nullptr, EstÉcoutée);
+    EXPECT_EQ(Base->ÉcouteurSynchro != nullptr, EstÉcoutée);
+  }
   EXPECT_FALSE(Vue().Visible);
   Laisser(9999);
   EXPECT_TRUE(Port->Ecrits.empty());
@@ -96,7 +98,7 @@ TEST_F(Vie, KeepsTheFirstNumbersThatItIsOffered) {
   }
   LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(4, "");  // another plug-in's
   LePlugIn->IPlugInTarvel_MenuAppelé(4, "");
-  EXPECT_TRUE(Port->Ecrits.empty() && Fenêtres.Dites().empty());
+  EXPECT_EQ(Port->Ecrits.size() + Fenêtres.Dites().size(), 0U);
   EXPECT_EQ(Texte, "&Charger les données vers le RG80");
   EXPECT_EQ(Style, 7);
   ASSERT_EQ(Fenêtres.PressePapiers.size(), 2U);
@@ -240,7 +242,9 @@ TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {
   }
   Laisser(20000);
   EXPECT_NE(Arrivée, 0U) << "the end never came";
-  EXPECT_TRUE(Faible.expired() && !Fenêtres.VueSuivi && !Fenêtres.VueChargntDonnées);
+  EXPECT_TRUE(Faible.expired());
+  EXPECT_EQ(Fenêtres.VueSuivi, nullptr);
+  EXPECT_EQ(Fenêtres.VueChargntDonnées, nullptr);
   EXPECT_EQ(Port->Ecrits.size(), Ecrits);
   EXPECT_EQ(Fenêtres.Dites(), Mots());
   EXPECT_FALSE(Fenêtres.Sablier);

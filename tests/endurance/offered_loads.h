@@ -142,8 +142,7 @@ CREATE TRIGGER Correction AFTER UPDATE ON Chargement BEGIN
     if (PasseMinuit) Chiffres[2].insert(Reste(DuJour, {Un.Groupe, Un.Sélection}, 0));
   }
   [[nodiscard]] std::string Reste(const char* Quota, const std::vector<ValeurChamp>& Clés, double Pris) const {
-    const ValeurChamp Lu = Base_->Lire(Quota, Clés);
-    const auto* Total = std::get_if<double>(&Lu);
+    const auto Total = Comme<double>(Base_->Lire(Quota, Clés));
     return EnChiffres(Total ? static_cast<std::int64_t>(std::max(0.0, std::nearbyint(*Total - Pris))) : 0, 6);
   }
 

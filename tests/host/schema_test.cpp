@@ -67,32 +67,39 @@ TEST_F(Schema, RefusesALaterProgramsBase) {
                 "installez-la sur ce poste");
 }
 
-/// The sums that the engine keeps, and those of the rows.
-TEST_P(SurChaqueMoteur, TheSeasonsSumsFollowTheRowsWhoeverChangesThem) {
+struct Sommes : SurChaqueMoteur {
   const bool EstUnFichier = Moteur_ == Ombrey::Essais::Moteur::Sqlite;
-  const auto Vérifier = [&](const std::string& Derrière) {
+
+  /// The base as the release before the sums left it.
+  void Désapprendre() {
+    if (EstUnFichier)
+      for (std::string Nom; !(Nom = Lire("SELECT min(name) FROM sqlite_master WHERE type = 'trigger'")).empty();)
+        Connexion_->ExécuterTout("DROP TRIGGER " + Nom);
+    else
+      Ombrey::Essais::ServeurDEssai::Faire(Adresse_, "DROP FUNCTION \\\"TenirCumulSaison\\\" CASCADE");
+    Connexion_->ExécuterTout("DROP TABLE CumulSaison; UPDATE Schéma SET Numéro = 2");
+    if (EstUnFichier) Connexion_->ExécuterTout("DROP TABLE CumulSaisonRemplacé");
+  }
+  /// The sums that the engine keeps are those of the rows.
+  void Vérifier(const std::string& Derrière) {
     EXPECT_EQ(
-        Lire("SELECT Métayage, Sélection, Année, CAST(Masse AS INTEGER) FROM CumulSaison WHERE Masse <> 0 ORDER BY 1, "
-             "2, 3"),
+        Lire("SELECT Métayage, Sélection, Année, CAST(Masse AS INTEGER) FROM CumulSaison WHERE Masse <> 0"
+             " ORDER BY 1, 2, 3"),
         Lire("SELECT Métayage, S, A, CAST(SUM(M) AS INTEGER) FROM (SELECT Métayage, coalesce(Sélection, '') AS S, CASE"
              " WHEN DateCh < 46023 THEN 2025 ELSE 2026 END AS A, coalesce(Masse, 0) AS M FROM Chargement UNION ALL"
              " SELECT Métayage, coalesce(Sélection, ''), 2026, coalesce(Masse, 0) FROM ChargementArchive) AS T"
              " GROUP BY 1, 2, 3 HAVING SUM(M) <> 0 ORDER BY 1, 2, 3"))
         << Derrière;
-  };
-  // A base of the release before this one.
-  if (EstUnFichier)
-    for (std::string Nom; !(Nom = Lire("SELECT min(name) FROM sqlite_master WHERE type = 'trigger'")).empty();)
-      Connexion_->ExécuterTout("DROP TRIGGER " + Nom);
-  else
-    Ombrey::Essais::ServeurDEssai::Faire(Adresse_, "DROP FUNCTION \\\"TenirCumulSaison\\\" CASCADE");
-  Connexion_->ExécuterTout("DROP TABLE CumulSaison; UPDATE Schéma SET Numéro = 2");
-  if (EstUnFichier) Connexion_->ExécuterTout("DROP TABLE CumulSaisonRemplacé");
-  for (const char* Numéro : {"11", "12", "13", "14"})
+  }
+};
+SUR_CHAQUE_MOTEUR(Sommes);
+
+TEST_P(Sommes, FollowTheRowsWhoeverChangesThem) {
+  Désapprendre();
+  for (const std::string Numéro : {"11", "12", "13", "14"})
     Connexion_->ExécuterTout(
-        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Masse)"
-        " VALUES ('1', " +
-        std::string(Numéro) + ", 46287.25, '4', '05', 10" + Numéro + ")");
+        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Masse) VALUES ('1', " + Numéro +
+        ", 46287.25, '4', '05', 10" + Numéro + ")");
   MettreAJourSchéma(*Connexion_);
   Vérifier("the upgrade");
   EXPECT_EQ(CumulsDuRouge().substr(0, 5), "4050 ");

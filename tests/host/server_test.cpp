@@ -112,7 +112,8 @@ TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePaint
     Dit = Refus([&] { Connexion->Exécuter("DELETE FROM Métayage"); });
   });
   Connexion->Exécuter("SELECT pg_sleep(0.3)");
-  EXPECT_TRUE(Dit.find("une autre question") != Dit.npos && Peints > 2) << Dit;
+  EXPECT_NE(Dit.find("une autre question"), std::string::npos) << Dit;
+  EXPECT_GT(Peints, 2);
   EXPECT_EQ(Connexion->Lire("SELECT count(*) FROM Métayage"), Ombrey::ValeurChamp{std::int64_t{15}});
   Autre_->Exécuter("SELECT pg_terminate_backend(pid) FROM pg_stat_activity WHERE pid <> pg_backend_pid()");
   Peints = 0;

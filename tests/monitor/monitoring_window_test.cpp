@@ -19,6 +19,11 @@ struct Suivi : AvecCoopérative {
     Fenêtre = std::make_unique<FSuiviChargnt>(État, Services);
   }
   FausseVueSuivi& Vue() { return *Fenêtres.VueSuivi; }
+  /// Those of the messages, and that of the errors.
+  using Montrés = std::array<bool, 3>;
+  Montrés Boutons() {
+    return {Vue().Visibles[BtnInterroger], Vue().Visibles[BtnForcerCumulsRG80], Vue().Visibles[BtnImprimer]};
+  }
 };
 
 TEST_F(Suivi, ReplacesATextAmongTheTwoNewestLines) {
@@ -46,12 +51,13 @@ TEST_F(Suivi, TurnsToTheErrorListAtAnErrorAndShowsItsLinesInFull) {
   Fenêtre->ListeMessages_DblClick(Onglet::Erreurs);  // nothing yet
   EXPECT_FALSE(Vue().Offert[Onglet::Erreurs]);
   Fenêtre->AjouterErreur("panne");
-  EXPECT_TRUE(Vue().Offert[Onglet::Erreurs] && Vue().OngletChoisi == Onglet::Erreurs);
-  EXPECT_TRUE(Vue().Visibles[BtnImprimer] && !Vue().Visibles[BtnInterroger]);
+  EXPECT_TRUE(Vue().Offert[Onglet::Erreurs]);
+  EXPECT_EQ(Vue().OngletChoisi, Onglet::Erreurs);
+  EXPECT_EQ(Boutons(), (Montrés{false, false, true}));
   EXPECT_EQ(Vue().Lignes[Onglet::Suivis].at(0), std::pair(Heure + "panne", false));
   Vue().OngletChoisi = Onglet::Suivis;
   Fenêtre->Onglets_Click();
-  EXPECT_TRUE(!Vue().Visibles[BtnImprimer] && Vue().Visibles[BtnForcerCumulsRG80]);
+  EXPECT_EQ(Boutons(), (Montrés{true, true, false}));
   Fenêtre->AjouterMessage("seconde", true);
   Vue().Courante[Onglet::Suivis] = 1;
   Fenêtre->ListeMessages_DblClick(Onglet::Suivis);
@@ -62,7 +68,8 @@ TEST_F(Suivi, PrintsEveryErrorOldestFirstAndBreaksBehindNineTenthsOfAPage) {
   Fenêtre->BtnImprimer_Click();  // nothing to print
   for (int Rang = 2; Rang <= 21; ++Rang) Fenêtre->AjouterErreur("erreur " + std::to_string(Rang / 2));
   Fenêtre->BtnImprimer_Click();
-  ASSERT_TRUE(Fenêtres.Imprimé.size() == 25 && Fenêtres.Imprimé[24] == "end");
+  ASSERT_EQ(Fenêtres.Imprimé.size(), 25U);
+  EXPECT_EQ(Fenêtres.Imprimé[24], "end");
   EXPECT_EQ(Fenêtres.Imprimé[1], "1 14gs      22/09/2026 08:30:00 - Liste des erreurs survenues :");
   EXPECT_EQ(Fenêtres.Imprimé[4], "1 10      08:30:00 : erreur 1");
   // Twenty lines to a page: a line at position 18 still stands on it, one at 19 doesn't.
@@ -102,7 +109,8 @@ TEST_F(Suivi, ListsTodaysLoadsAndStaysAsItWasWhenTheDatabaseIsGone) {
   const auto Ligne = État.Liaison.PrendreOuReporter(DemandeLiaison::Bouton, {});
   for (int Fois = 0; Fois < 2; ++Fois) Fenêtre->Rafraîchir();
   EXPECT_EQ(Vue().Grille, Attendues) << "whoever waits for an ACK doesn't wait for the list";
-  EXPECT_TRUE(Système.Pomper({}) && !Système.Pomper({})) << "once for both";
+  EXPECT_TRUE(Système.Pomper({}));
+  EXPECT_FALSE(Système.Pomper({})) << "once for both";
   EXPECT_EQ(Vue().Grille.size(), 1U);
 }
 
@@ -125,12 +133,15 @@ TEST_F(Suivi, LaysItsControlsOutByTheMargins) {
   }
 }
 
+std::map<std::string, std::string> Place(Mot Gauche, Mot Haut, Mot Hauteur, Mot Largeur) {
+  return {{"FSuiviChargnt/Left", Gauche},
+          {"FSuiviChargnt/Top", Haut},
+          {"FSuiviChargnt/Height", Hauteur},
+          {"FSuiviChargnt/Width", Largeur}};
+}
+
 TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
   // clang-format off
-  const auto Place = [](Mot Gauche, Mot Haut, Mot Hauteur, Mot Largeur) {
-    return std::map<std::string, std::string>{{"FSuiviChargnt/Left", Gauche}, {"FSuiviChargnt/Top", Haut},
-                                              {"FSuiviChargnt/Height", Hauteur}, {"FSuiviChargnt/Width", Largeur}};
-  };
   const std::pair<std::map<std::string, std::string>, Rectangle> Table[] = {
       {{}, {1000, 800, 11265, 9525}}, {Place("0", "0", "0", "0"), {0, 0, 11265, 9525}},
       {Place("-1", "haut", "7000", "2000000000"), {1000, 800, 11265, 7000}},
@@ -149,12 +160,16 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
   EXPECT_EQ(std::exchange(Réglages, {}), Place("0", "45", "7000", "5000"));
   Ouvrir();
   Vue().Visible = true;
-  EXPECT_TRUE(!Fenêtre->Form_QueryUnload(false) && Réglages.empty());
-  EXPECT_TRUE(Fenêtre->Form_QueryUnload(true) && !Vue().Visible);
+  EXPECT_FALSE(Fenêtre->Form_QueryUnload(false));
+  EXPECT_EQ(Réglages.size(), 0U);
+  EXPECT_TRUE(Fenêtre->Form_QueryUnload(true));
+  EXPECT_FALSE(Vue().Visible);
   EXPECT_EQ(std::exchange(Réglages, {}), Place("1000", "800", "9525", "11265"));
   Fenêtre.reset();
   EXPECT_EQ(Réglages, Place("1000", "800", "9525", "11265"));
-  // On a screen that is missing today; moved by a frame's width, then by hand; then made to fill the screen.
+}
+
+TEST_F(Suivi, KeepsThePlaceOfAScreenThatIsMissingTodayUntilAHandMovesItOrItFillsTheScreen) {
   struct {
     int Écart;
     bool Agrandie;
@@ -197,7 +212,7 @@ TEST_F(Suivi, SendsTheFiguresAndPrintsOnceTheLineIsFreeUnlessTheWindowHasGone) {
     }
     if (Partie) Fenêtre.reset();
     Système.Laisser(milliseconds(100));
-    EXPECT_TRUE(Services.Cumuls.empty() && Fenêtres.Imprimé.empty());
+    EXPECT_EQ(Services.Cumuls.size() + Fenêtres.Imprimé.size(), 0U);
     Prise.reset();
     Système.Laisser(milliseconds(100));
     EXPECT_EQ(Services.Cumuls, Mots(!Partie));

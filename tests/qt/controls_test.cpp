@@ -4,7 +4,6 @@
 #include "monitor/monitoring_window.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
-#include "tests/transfer/small_cooperative.h"
 #include "transfer/transfer_window.h"
 
 namespace Ombrey::Essais {
@@ -26,20 +25,17 @@ std::string Tour(const QWidget& Fenêtre) {
   return Noms;
 }
 
-TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
-  const PetiteCoopérative Coopérative;
-  const auto Hôte = std::make_shared<FausseBaseDeD>();
-  Hôte->Base = Coopérative.Base;
-  État.BaseDeD = Hôte;
-  LesVraies.RépondreSeul();
-  LesVraies.Observer({{}, [&](const std::string& Titre, const std::string&) { Trace += Titre; }, {}});
-  État.DernierNoChargement = "7";
-  Services.SurInterrogation = [&] { Trace += "interroge"; };
-  Services.SurCumuls = [&] { Trace += "cumule"; };
-  Services.SurTransmission = [&](auto, auto&) { return Trace += "transmet ", "refus"; };
-  QuestionnairePortQt Questionnaire(
-      LesVraies.Contexte(), [] { return std::vector<PortTrouvé>(); }, ChoixUsuels());
-  const auto Principale = [&](const Geste& Faire, int Page) {
+/// Windows whose buttons write down what they do.
+struct Commandes : BureauAvecBase {
+  Commandes() {
+    LesVraies.RépondreSeul();
+    LesVraies.Observer({{}, [&](const std::string& Titre, const std::string&) { Trace += Titre; }, {}});
+    État.DernierNoChargement = "7";
+    Services.SurInterrogation = [&] { Trace += "interroge"; };
+    Services.SurCumuls = [&] { Trace += "cumule"; };
+    Services.SurTransmission = [&](auto, auto&) { return Trace += "transmet ", "refus"; };
+  }
+  void Principale(const Geste& Faire, int Page) {
     Tarvel::Veille Veille;
     FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
     Fenêtre.Raccorder({[&] { Trace += "bouton"; }, {}, {}, {}});
@@ -50,23 +46,45 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
     Vider();
     Faire(Fenêtre);
     if (Page == 5) Trace += " " + Le<QTabWidget>(Fenêtre).tabText(5).toStdString();
-  };
-  const auto Suivre = [&](const Geste& Faire, const std::string& Erreur) {
+  }
+  void Suivre(const Geste& Faire, const std::string& Erreur) {
     FSuiviChargnt Suivi(État, Services);
     if (!Erreur.empty()) Suivi.AjouterErreur(Erreur);
     Dès("Liste des chargements", Faire);
     Suivi.Afficher();
-  };
-  const auto Transférer = [&](const Geste& Faire) {
+  }
+  void Transférer(const Geste& Faire) {
     FChargntDonnées Transfert(État);
     Dès("Chargement des données vers le RG80", Faire);
     Transfert.Afficher(Services);
-  };
-  const auto Régler = [&](const Geste& Faire) {
+  }
+  void Régler(const Geste& Faire) {
     RéglagesPort Ligne{"COM2:", "9600", "N", "1", "8"};
     Dès("Port du RG80", Faire);
     if (Questionnaire.Demander(Ligne, [&](auto&) { return Trace += "essaie", ""; })) Trace += " garde";
-  };
+  }
+  /// What the button of this rank does; the result is how many there are.
+  qsizetype Presser(QWidget& Fenêtre, qsizetype Rang) {
+    QList<QAbstractButton*> Boutons;
+    for (auto* Un : Fenêtre.findChildren<QAbstractButton*>())
+      if (Un->isVisible() && Un->isEnabled() && !Nom(*Un).starts_with("ToolButton")) Boutons << Un;
+    const QPointer<QAbstractButton> Cliqué = Boutons[Rang];
+    const bool Coché = Cliqué->isChecked();
+    Trace = Nom(*Cliqué) + ": ";
+    QTest::mouseClick(Cliqué, Qt::LeftButton, {}, {8, Cliqué->height() / 2});
+    Vider();
+    if (Cliqué->isCheckable() && Cliqué->isChecked() != Coché) Trace += Coché ? "décoche" : "coche";
+    if (Fenêtre.isVisible())
+      Cadre(Fenêtre);
+    else
+      Trace += " ferme";
+    return Boutons.size();
+  }
+
+  QuestionnairePortQt Questionnaire{LesVraies.Contexte(), [] { return std::vector<PortTrouvé>(); }, ChoixUsuels()};
+};
+
+TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
   // The window, the way of the Tab key, and what each button does.
   // clang-format off
   const std::tuple<std::function<void(const Geste&)>, std::string, std::string> Table[] = {
@@ -80,10 +98,12 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},
       {[&](const Geste& Faire) { Suivre(Faire, "panne"); },
        "Chargements du jour|Messages et erreurs|Erreurs|Imprimer|", "Imprimer: Liste des erreurs|Masquer:  ferme|"},
-      {Transférer, "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
+      {[&](const Geste& Faire) { Transférer(Faire); },
+       "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
        "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: décoche|"
        "Transférer: transmet Transmission des données|Fermer:  ferme|"},
-      {Régler, "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"},
+      {[&](const Geste& Faire) { Régler(Faire); },
+       "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"},
   };
   // clang-format on
   for (const auto& [Montrer, OrdreVoulu, EffetsVoulus] : Table) {
@@ -94,18 +114,7 @@ TEST_F(Bureau, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       Trace.clear();
       Montrer([&](QWidget& Fenêtre) {
         if (Rang == 0) Ordre = Tour(Fenêtre);
-        QList<QAbstractButton*> Boutons;
-        for (auto* Un : Fenêtre.findChildren<QAbstractButton*>())
-          if (Un->isVisible() && Un->isEnabled() && !Nom(*Un).starts_with("ToolButton")) Boutons << Un;
-        Nombre = Boutons.size();
-        const QPointer<QAbstractButton> Cliqué = Boutons[Rang];
-        const bool Coché = Cliqué->isChecked();
-        Trace = Nom(*Cliqué) + ": ";
-        QTest::mouseClick(Cliqué, Qt::LeftButton, {}, {8, Cliqué->height() / 2});
-        Vider();
-        if (Cliqué->isCheckable() && Cliqué->isChecked() != Coché) Trace += Coché ? "décoche" : "coche";
-        if (Fenêtre.isVisible()) return Cadre(Fenêtre);
-        Trace += " ferme";
+        Nombre = Presser(Fenêtre, Rang);
       });
       Effets += Trace + "|";
     }

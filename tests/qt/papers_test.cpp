@@ -56,7 +56,7 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
 
   ÉcrirePdf(Tarvel::TexteTicket(Tous[5], ""), QPageSize::A6, Dossier.Chemin() / "ticket.pdf");
   const QString Ticket = PagesDe(Dossier.Chemin() / "ticket.pdf").simplified();
-  EXPECT_TRUE(Ticket.contains("Chargement n° 1005") && Ticket.contains("1000 kg") && Ticket.contains("Page 1 / 1"));
+  for (const char* Dit : {"Chargement n° 1005", "1000 kg", "Page 1 / 1"}) EXPECT_TRUE(Ticket.contains(Dit)) << Dit;
   EXPECT_THROW(ÉcrirePdf("x", QPageSize::A4, Dossier.Chemin() / "absent/x.pdf"), ErreurExécution);
 }
 

@@ -10,6 +10,7 @@
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
+#include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {
 
@@ -65,6 +66,16 @@ struct Bureau : testing::Test, FaussePlateforme {
   FauxServices Services;
   std::string Trace;
   std::vector<IBoucle::Jeton> Jetons;
+};
+
+/// And a host with a small cooperative.
+struct BureauAvecBase : Bureau {
+  BureauAvecBase() {
+    Hôte->Base = Coopérative.Base;
+    État.BaseDeD = Hôte;
+  }
+  PetiteCoopérative Coopérative;
+  std::shared_ptr<FausseBaseDeD> Hôte = std::make_shared<FausseBaseDeD>();
 };
 
 }  // namespace Ombrey::Essais

@@ -3,7 +3,6 @@
 #include "monitor/monitoring_window.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
-#include "tests/transfer/small_cooperative.h"
 #include "transfer/transfer_window.h"
 
 namespace Ombrey::Essais {
@@ -13,7 +12,7 @@ constexpr const char* TitreTransmission = "Transmission des données";
 constexpr const char* TitrePort = "Port du RG80";
 constexpr const char* TitreSuivi = "Liste des chargements";
 
-struct FenêtresDeQt : Bureau {
+struct FenêtresDeQt : BureauAvecBase {
   QuestionnairePortQt Questionnaire{LesVraies.Contexte(),
                                     [] {
                                       return std::vector<PortTrouvé>{{"COM1:", "ttyS0"}, {"COM2:", ""}};
@@ -26,6 +25,7 @@ struct FenêtresDeQt : Bureau {
   std::function<bool()> Transférer = [this] { return Transfert.Afficher(Services), false; };
 };
 
+bool EstLà(const QWidget& Fenêtre) { return Fenêtre.isVisible() && !Fenêtre.isMinimized(); }
 void Réduire(QWidget& Fenêtre) { Fenêtre.setWindowState(Qt::WindowMinimized); }
 
 TEST_F(FenêtresDeQt, ABoxTakesNothingAtFirstAndALoneOkStepsAsideUnread) {
@@ -45,7 +45,7 @@ TEST_F(FenêtresDeQt, ABoxTakesNothingAtFirstAndALoneOkStepsAsideUnread) {
         EXPECT_TRUE(Boîte.isVisible());
         Réduire(Boîte);
         Laisser(500ms);
-        EXPECT_TRUE(Boîte.isVisible() && !Boîte.isMinimized());
+        EXPECT_TRUE(EstLà(Boîte));
         Touche(Qt::Key_Return)(Boîte);
       });
     }
@@ -77,7 +77,7 @@ TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
     SCOPED_TRACE(std::string(Cas.Titre) + " " + std::to_string(&Cas - Table));
     Dès(Cas.Titre, [&](QWidget& Fenêtre) {
       const auto* const Texte = Fenêtre.findChild<QTextEdit*>();
-      EXPECT_TRUE(!Texte || Texte->document()->size().height() <= Texte->viewport()->height()) << "cut off";
+      if (Texte) EXPECT_LE(Texte->document()->size().height(), Texte->viewport()->height()) << "cut off";
       for (QComboBox* Saisie : Fenêtre.findChildren<QComboBox*>()) Saisie->setEditText("COM9:");
       Cas.Faire(Fenêtre);
     });
@@ -103,10 +103,6 @@ TEST_F(FenêtresDeQt, ALongTextStaysOnTheScreenAndTheStationsEndClosesAllThatSta
 }
 
 TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetriesFromTheFailedSet) {
-  const PetiteCoopérative Coopérative;
-  const auto Hôte = std::make_shared<FausseBaseDeD>();
-  Hôte->Base = Coopérative.Base;
-  État.BaseDeD = Hôte;
   Dès(TitreTransfert, [&](QWidget& Vue) {
     EXPECT_EQ(Vue.minimumSize(), Vue.maximumSize());
     EXPECT_LE(Le<QLabel>(Vue).sizeHint().width(), Le<QLabel>(Vue).width());
@@ -115,12 +111,14 @@ TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetri
     EXPECT_EQ(Compter(&QCheckBox::isChecked), 5);
     Services.SurTransmission = [&](std::int32_t Numéro, std::vector<Octets>&) -> std::string {
       Trace += std::to_string(Numéro);
-      EXPECT_TRUE(QApplication::overrideCursor() != nullptr && !Vue.isEnabled() && Compter(EnGras) == 1);
+      EXPECT_NE(QApplication::overrideCursor(), nullptr);
+      EXPECT_FALSE(Vue.isEnabled());
+      EXPECT_EQ(Compter(EnGras), 1);
       Touche(Qt::Key_Escape)(Vue);
       Cadre(Vue);
       Réduire(Vue);
       Vider();
-      EXPECT_TRUE(Vue.isVisible() && !Vue.isMinimized());
+      EXPECT_TRUE(EstLà(Vue));
       EXPECT_EQ(Le<QLabel>(Vue).text(), Vue.windowTitle()) << "a title bar may cut it off";
       return Trace == "41" ? "Le RG80 n'est pas prêt (NACK)." : "";
     };
@@ -134,7 +132,8 @@ TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetri
     });
     Vider();
     EXPECT_EQ(Trace, "411526");
-    EXPECT_TRUE(QApplication::overrideCursor() == nullptr && Compter(&QCheckBox::isChecked) + Compter(EnGras) == 0);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+    EXPECT_EQ(Compter(&QCheckBox::isChecked) + Compter(EnGras), 0);
     EXPECT_TRUE(Le<QCheckBox>(Vue).text().startsWith("Appelations – ")) << "and when it went";
     EXPECT_EQ(Le<QLabel>(Vue).text(), "Le RG80 doit être en attente de fichiers (F6).");
     EXPECT_EQ(Le<QCheckBox>(Vue).font().families().first(), "MS Sans Serif");
@@ -221,33 +220,36 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   EXPECT_TRUE(static_cast<QTextBrowser*>(*Guide)->toPlainText().contains("RG80"));
 }
 
-TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
-  const PetiteCoopérative Coopérative;
-  const auto Hôte = std::make_shared<FausseBaseDeD>();
-  Hôte->Base = Coopérative.Base;
-  Tarvel::Veille Veille;
-  auto Fenêtre = std::make_unique<FenêtrePrincipaleQt>(LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"},
-                                                       LesRéglages, Veille);
-  const auto Onglets = [&] {
+struct Principale : FenêtresDeQt {
+  Principale() {
+    Fenêtre->show();
+    Fenêtre->Suivre(Hôte);
+  }
+  std::string Onglets() {
     std::string Tous;
     const auto& Pages = Le<QTabWidget>(*Fenêtre);
     for (int Rang = 0; Rang < Pages.count(); ++Rang) Tous += Pages.tabText(Rang).remove('&').toStdString() + "|";
     return Tous;
-  };
-  const auto Dit = [&](const QString& Début) {
-    return std::ranges::any_of(Fenêtre->findChildren<QLabel*>(),
-                               [&](QLabel* Un) { return Un->text().startsWith(Début); });
-  };
-  Fenêtre->Raccorder({{}, [&] { Trace = Dit("Collecte suspendue depuis ") ? "suspendue" : ""; }, {}, {}});
-  Fenêtre->OffrirMenu("&Charger");
-  Fenêtre->show();
-  Fenêtre->Suivre(Hôte);
-  EXPECT_TRUE(Dit("Le RG80 n'a pas encore") && Dit("○") && Dit("Base locale : cave.db"));
+  }
+  /// Those of the beginnings that stand in no label.
+  QStringList Manquent(QStringList Débuts) {
+    for (const QLabel* Un : Fenêtre->findChildren<QLabel*>())
+      Débuts.removeIf([&](const QString& Début) { return Un->text().startsWith(Début); });
+    return Débuts;
+  }
+
+  Tarvel::Veille Veille;
+  std::unique_ptr<FenêtrePrincipaleQt> Fenêtre = std::make_unique<FenêtrePrincipaleQt>(
+      LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"}, LesRéglages, Veille);
+};
+
+TEST_F(Principale, TellsTheStateOfThings) {
+  EXPECT_EQ(Manquent({"Le RG80 n'a pas encore", "○", "Base locale : cave.db"}), QStringList());
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire|");
   Veille.NoterLigne("08:30:00 : Aucune réponse du RG80.");
-  EXPECT_TRUE(Dit("Le RG80 est muet depuis 0 s") && Dit("▲"));
+  EXPECT_EQ(Manquent({"Le RG80 est muet depuis 0 s", "▲"}), QStringList());
   Veille.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
-  EXPECT_TRUE(Dit("Le port COM1: est absent.") && Dit("■"));
+  EXPECT_EQ(Manquent({"Le port COM1: est absent.", "■"}), QStringList());
   for (int Fois = 0; Fois < 2; ++Fois)
     Veille.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
   Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
@@ -257,11 +259,17 @@ TEST_F(FenêtresDeQt, TheMainWindowTellsTheStateOfThingsAndKeepsItsPlace) {
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
   Veille.NoterReçu();
   Fenêtre->Dire("ChargementAjouté:7");
-  EXPECT_TRUE(Dit("Chargement n° 7 reçu, 1310 kg") && Dit("Dernier : n° 7, 1310 kg, 08:05"));
+  EXPECT_EQ(Manquent({"Chargement n° 7 reçu, 1310 kg", "Dernier : n° 7, 1310 kg, 08:05"}), QStringList());
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
   Fenêtre->Dire("ChargementAjouté:8");
-  EXPECT_TRUE(Dit("Dernier : n° 7")) << "what was read stays";
+  EXPECT_EQ(Manquent({"Dernier : n° 7"}), QStringList()) << "what was read stays";
+}
+
+TEST_F(Principale, SaysThatNothingIsCollectedInAPlugInsWindowAndKeepsItsPlace) {
+  Fenêtre->Raccorder(
+      {{}, [&] { Trace = Manquent({"Collecte suspendue depuis "}).isEmpty() ? "suspendue" : ""; }, {}, {}});
+  Fenêtre->OffrirMenu("&Charger");
   for (const QAction* Menu : Fenêtre->menuBar()->actions())
     if (Menu->text() == "&Greffons") Menu->menu()->actions().front()->trigger();
   Vider();

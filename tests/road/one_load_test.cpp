@@ -139,25 +139,26 @@ static Panne Sans(const std::string& Table, const std::string& Boîte) {
   return {"ALTER TABLE " + Table + " RENAME TO Ailleurs", "ALTER TABLE Ailleurs RENAME TO " + Table, Boîte};
 }
 
+static const std::string Refusé = "Erreur d'importation des données issues du RG80.";
+static const std::string Lecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
+static const std::string Écriture = Lecture + "Impossible d'écrire le fichier ";
+static const Panne Pannes[] = {
+    // clang-format off
+    Sans("Chargement", Refusé), Sans("ChargementArchive", Refusé), Sans("Métayage", "Table introuvable : Métayage"),
+    Sans("MSysEtats", "TraiterDonnéesReçues : Table introuvable : MSysEtats"),
+    {"UPDATE MSysEtats SET Titre = 'x' || Titre", "UPDATE MSysEtats SET Titre = substr(Titre, 2)", ""},
+    {"UPDATE MSysEtats SET LongChps = LongChps || char(13) || 'Rien' || char(9) || 'texte'",
+     "UPDATE MSysEtats SET LongChps = substr(LongChps, 1, length(LongChps) - 11)", Refusé},
+    {"UPDATE Métayage SET Part = NULL; INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant) VALUES (0, 123, 456)",
+     "UPDATE Métayage SET Part = 100; DELETE FROM Métayage WHERE IdGrp IS NULL", "Utilisation incorrecte de Null"},
+    {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
+    {"$ mkdir -p 'poste/" + FichierImport + "/x'", "$ rm -r poste/import", Écriture},
+    {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
+    {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
+    // clang-format on
+};
+
 TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
-  const std::string Refusé = "Erreur d'importation des données issues du RG80.";
-  const std::string Lecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
-  const std::string Écriture = Lecture + "Impossible d'écrire le fichier ";
-  const Panne Pannes[] = {
-      // clang-format off
-      Sans("Chargement", Refusé), Sans("ChargementArchive", Refusé), Sans("Métayage", "Table introuvable : Métayage"),
-      Sans("MSysEtats", "TraiterDonnéesReçues : Table introuvable : MSysEtats"),
-      {"UPDATE MSysEtats SET Titre = 'x' || Titre", "UPDATE MSysEtats SET Titre = substr(Titre, 2)", ""},
-      {"UPDATE MSysEtats SET LongChps = LongChps || char(13) || 'Rien' || char(9) || 'texte'",
-       "UPDATE MSysEtats SET LongChps = substr(LongChps, 1, length(LongChps) - 11)", Refusé},
-      {"UPDATE Métayage SET Part = NULL; INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant) VALUES (0, 123, 456)",
-       "UPDATE Métayage SET Part = 100; DELETE FROM Métayage WHERE IdGrp IS NULL", "Utilisation incorrecte de Null"},
-      {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
-      {"$ mkdir -p 'poste/" + FichierImport + "/x'", "$ rm -r poste/import", Écriture},
-      {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
-      {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
-      // clang-format on
-  };
   Relever(Octets("\x15\x41"));
   Plateforme.LeSystème.Laisser(std::chrono::seconds(3));  // the line is nobody else's any more
   Relever(Octets("\x15\x41"));

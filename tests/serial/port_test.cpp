@@ -40,7 +40,7 @@ class Port : public testing::Test {
   }
   static void ExpectErreur(const IPortComm& LePort, const std::string& Nom, const std::string& Mots) {
     const std::string Texte = LePort.DernièreErreurPort();
-    EXPECT_TRUE(Texte.find(Nom) != std::string::npos && Texte.find(Mots) != std::string::npos) << Mots << Texte;
+    for (const std::string& Un : {Nom, Mots}) EXPECT_NE(Texte.find(Un), std::string::npos) << Un << "\n" << Texte;
   }
 
   BouclePoll Boucle_;
@@ -109,9 +109,11 @@ TEST_F(Port, WritesAtThePaceOfTheLineAndCatchesUpWithTheClock) {
     const double Durée = Depuis();
     EXPECT_EQ(Arrivés + Loin_.Recevoir(), Fichier);
     // Room for a busy machine; unpaced, the write would be over at once, and without catching up take 2.5 s.
-    EXPECT_TRUE(Durée >= 1 && Durée < 2) << Durée;
+    EXPECT_GE(Durée, 1);
+    EXPECT_LT(Durée, 2);
     EXPECT_LT(Avance, 0.101);
-    EXPECT_TRUE(Sommeil > 0ms || (Avance > 0.05 && Battements > 20)) << Avance << " s ahead, rounds: " << Battements;
+    EXPECT_GT(Sommeil > 0ms ? 1 : Avance, 0.05) << "nothing was given ahead";
+    EXPECT_GT(Sommeil > 0ms ? 99 : Battements, 20) << "the loop was held";
   }
   LePort_->FixerBauds(50);  // one character takes longer than the advance
   ASSERT_TRUE(LePort_->Ouvrir());

@@ -15,7 +15,7 @@ namespace Ombrey {
 struct PseudoTerminal {
   PseudoTerminal() {
     char Place[128] = "";
-    EXPECT_TRUE(unlockpt(Maître.Numéro()) == 0 && ptsname_r(Maître.Numéro(), Place, sizeof Place) == 0);
+    EXPECT_EQ(unlockpt(Maître.Numéro()) + ptsname_r(Maître.Numéro(), Place, sizeof Place), 0);
     Nom_ = Place;
   }
   [[nodiscard]] const std::string& Nom() const { return Nom_; }

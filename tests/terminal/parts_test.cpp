@@ -41,7 +41,8 @@ TEST(RandomLoads, AreWellFormedAndTheSameForTheSameSeed) {
   const auto Second = ChargementsAuHasard(300, 9990, std::chrono::year(2026) / 9 / 5, Again);
   for (std::size_t Rank = 0; Rank < Made.size(); ++Rank) {
     const std::string& Text = Made[Rank].Enregistrement;
-    ASSERT_TRUE(Text.size() == LongueurChargement && Text.find_first_not_of("0123456789") == std::string::npos);
+    ASSERT_EQ(Text.size(), LongueurChargement);
+    ASSERT_EQ(Text.find_first_not_of("0123456789"), std::string::npos);
     EXPECT_EQ(std::stoul(Text.substr(0, 10)), (9990 + Rank) % 10000 * 1000000 + 50926);
     EXPECT_EQ(Text, Second[Rank].Enregistrement);
   }

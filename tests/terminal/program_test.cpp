@@ -26,10 +26,7 @@ struct ProgramTest : testing::Test {
     return Ombrey::Essais::Programme("cd " + In("") + "; " + Command);
   }
   [[nodiscard]] std::string In(const std::string& Name) const { return (Folder.Chemin() / Name).string(); }
-  [[nodiscard]] std::string Text(const std::string& Name) const {
-    std::ifstream Stream(In(Name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(Stream), {}};
-  }
+  [[nodiscard]] std::string Text(const std::string& Name) const { return Ombrey::Essais::Contenu(In(Name)); }
 
   Ombrey::Essais::DossierEssai Folder;
 };

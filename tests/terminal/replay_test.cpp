@@ -48,35 +48,36 @@ struct Heard : ISuite {
   long Now = 0;
 };
 
+// One poll in vain, a load with its reply, a file that the operator sends, a last poll; with their milliseconds.
+const std::string Recorded =
+    "00 s<ENQ>A 01 r<NAK>A 20 s<ENQ>A 21 r<ACK>A 23 r<STX>L<ETX>xx 24 s<ACK> 25 s<ENQ>8 26 r<ACK>8 27 s<STX>F<ETX>yy"
+    " 28 r<ACK> 29 s<EOT> 30 s<ENQ>A 31 r<NAK>A 40 s<ENQ>4 45 r<NAK>4 60 s<ENQ>A";
+struct Row {
+  std::string Station, Said, Told;  ///< what the terminal says when, and the announcements' ends
+};
+// clang-format off
+const Row Rows[] = {
+    {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>4 <ENQ>A",
+     "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>4@705 ",
+     "messages de la station 9, différences 0"},
+    // Polls more and fewer, a message in pieces.
+    {"<ENQ>A <ENQ>A <ACK> <ENQ> 8 <STX>F<ETX>yy <EOT> <ENQ>4 <ENQ>A",
+     "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@401 <ACK>@501 <NAK>4@705 ",
+     "messages de la station 8, différences 0"},
+    {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>A <ENQ>A <ENQ>4 <ENQ>A",
+     "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>A@700 <NAK>A@800 <NAK>4@905 ",
+     "messages de la station 11, différences 0"},
+    // Refused then, other figures then, a link test that wasn't.
+    {"<ENQ>A <ENQ>A <NAK> <ENQ>A <ENQ>4 <ENQ>A", "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <NAK>A@301 <NAK>4@405 ",
+     "messages de la station 6, différences 2"},
+    {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>1 <STX>X<ETX>xx <EOT> <ENQ>4 <ENQ>A",
+     "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <ACK>1@600 <ACK>@700 <NAK>4@905 ",
+     "« <STX>G<ETX>zz » au lieu de « <STX>F<ETX>yy ».|« <ENQ>1 » au lieu de « <ENQ>A ».|station 11, différences 2"},
+    {"<ENQ>A", "<NAK>A@1 ", "(ligne 2 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
+};
+// clang-format on
+
 TEST(Replay, AnswersAtTheSameDistanceAndTellsWhereTheStationSaysOtherwise) {
-  // One poll in vain, a load with its reply, a file that the operator sends, a last poll; with their milliseconds.
-  const std::string Recorded =
-      "00 s<ENQ>A 01 r<NAK>A 20 s<ENQ>A 21 r<ACK>A 23 r<STX>L<ETX>xx 24 s<ACK> 25 s<ENQ>8 26 r<ACK>8 27 s<STX>F<ETX>yy"
-      " 28 r<ACK> 29 s<EOT> 30 s<ENQ>A 31 r<NAK>A 40 s<ENQ>4 45 r<NAK>4 60 s<ENQ>A";
-  struct Row {
-    std::string Station, Said, Told;  ///< what the terminal says when, and the announcements' ends
-  };
-  // clang-format off
-  const Row Rows[] = {
-      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>4 <ENQ>A",
-       "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>4@705 ",
-       "messages de la station 9, différences 0"},
-      // Polls more and fewer, a message in pieces.
-      {"<ENQ>A <ENQ>A <ACK> <ENQ> 8 <STX>F<ETX>yy <EOT> <ENQ>4 <ENQ>A",
-       "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@401 <ACK>@501 <NAK>4@705 ",
-       "messages de la station 8, différences 0"},
-      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>F<ETX>yy <EOT> <ENQ>A <ENQ>A <ENQ>A <ENQ>4 <ENQ>A",
-       "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <NAK>A@601 <NAK>A@700 <NAK>A@800 <NAK>4@905 ",
-       "messages de la station 11, différences 0"},
-      // Refused then, other figures then, a link test that wasn't.
-      {"<ENQ>A <ENQ>A <NAK> <ENQ>A <ENQ>4 <ENQ>A", "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <NAK>A@301 <NAK>4@405 ",
-       "messages de la station 6, différences 2"},
-      {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>1 <STX>X<ETX>xx <EOT> <ENQ>4 <ENQ>A",
-       "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <ACK>1@600 <ACK>@700 <NAK>4@905 ",
-       "« <STX>G<ETX>zz » au lieu de « <STX>F<ETX>yy ».|« <ENQ>1 » au lieu de « <ENQ>A ».|station 11, différences 2"},
-      {"<ENQ>A", "<NAK>A@1 ", "(ligne 2 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
-  };
-  // clang-format on
   for (const Row& Row : Rows) {
     std::vector<MessageTracé> Messages;
     std::istringstream Lines(Recorded), Turns(Row.Station);

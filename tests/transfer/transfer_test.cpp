@@ -38,7 +38,8 @@ struct Transfert : AvecCoopérative {
 
   Transfert() {
     Services.SurTransmission = [this](std::int32_t Numéro, auto&) {
-      EXPECT_TRUE(Fenêtres.Sablier && !Fenêtres.VueChargntDonnées->Active);
+      EXPECT_TRUE(Fenêtres.Sablier);
+      EXPECT_FALSE(Fenêtres.VueChargntDonnées->Active);
       Noter(std::to_string(Numéro));
       return Numéro == Refusé ? Muet : "";
     };
@@ -60,7 +61,9 @@ struct Transfert : AvecCoopérative {
   void Ouvrir(const std::function<void(FausseVueChargntDonnées&)>& Geste) {
     Fenêtres.SurVueChargntDonnées = [this, Geste](FausseVueChargntDonnées& Vue) {
       Geste(Vue);
-      EXPECT_TRUE(Vue.Active && !Fenêtres.Sablier && Vue.Titres.back() == "Transmission des données");
+      EXPECT_TRUE(Vue.Active);
+      EXPECT_FALSE(Fenêtres.Sablier);
+      EXPECT_EQ(Vue.Titres.back(), "Transmission des données");
       Journal += " ";
       for (const auto& [Case, Cochée] : Vue.Cases) Journal += Cochée ? 'x' : '-';
       Vue.Gestes.BtnFermer_Click();
@@ -201,7 +204,8 @@ TEST_F(Transfert, EndsQuietlyInAPauseASendingAndABox) {
     Fenêtres.SurVueChargntDonnées = Transférer;
     Fenêtre.Afficher(Services);
     EXPECT_EQ(Fenêtres.Dites().size(), Ici == "box") << Ici;
-    EXPECT_FALSE(Fenêtres.Sablier || Fenêtres.VueChargntDonnées) << Ici;
+    EXPECT_FALSE(Fenêtres.Sablier) << Ici;
+    EXPECT_EQ(Fenêtres.VueChargntDonnées, nullptr) << Ici;
   }
   EXPECT_EQ(Services.Transmis.size(), 3U);
 }
