@@ -77,7 +77,9 @@ TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
     SCOPED_TRACE(std::string(Cas.Titre) + " " + std::to_string(&Cas - Table));
     Dès(Cas.Titre, [&](QWidget& Fenêtre) {
       const auto* const Texte = Fenêtre.findChild<QTextEdit*>();
-      if (Texte) EXPECT_LE(Texte->document()->size().height(), Texte->viewport()->height()) << "cut off";
+      if (Texte) {
+        EXPECT_LE(Texte->document()->size().height(), Texte->viewport()->height()) << "cut off";
+      }
       for (QComboBox* Saisie : Fenêtre.findChildren<QComboBox*>()) Saisie->setEditText("COM9:");
       Cas.Faire(Fenêtre);
     });
