@@ -12,7 +12,7 @@
 #include "bench/memory_meter.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 #include "platform/database/sqlite/sqlite_dialect.h"
-#include "transfer/data_sets.h"
+#include "transfer/file_builder.h"
 
 namespace Ombrey::Mesures {
 namespace {
