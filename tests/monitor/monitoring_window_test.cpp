@@ -170,6 +170,7 @@ TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
 }
 
 TEST_F(Suivi, KeepsThePlaceOfAScreenThatIsMissingTodayUntilAHandMovesItOrItFillsTheScreen) {
+  Fenêtre.reset();
   struct {
     int Écart;
     bool Agrandie;
