@@ -65,6 +65,17 @@ install_tools() {
     { tail -5 "$log" >&2; fail "Missing and not to be installed here"; }
 }
 
+# Leaves in clock what a program is started with so that it still is the day $1 for it. Midnight may have passed since: then
+# in a part of the world where it hasn't.
+clock_of() {
+  local hours
+  clock=(env)
+  for hours in {0..24}; do
+    [ "$("${clock[@]}" date +%d%m%y)" != "$1" ] || break
+    clock=(env "TZ=ILE$hours")
+  done
+}
+
 # $1: preset; the rest: targets, all of them unless given. Configures each time: a package may have come since.
 build() {
   local preset=$1 targets=() windows=ON
