@@ -54,7 +54,7 @@ class IRecordset {
 class IDatabase {
  public:
   virtual ~IDatabase() = default;
-  /// The database's name: the path of its file.
+  /// The database's name: the path of its file, or its address on a server.
   [[nodiscard]] virtual std::string Name() const = 0;
   /// Runs a SELECT in the dialect of the cooperative's database. Raises ErreurExécution with a French description
   /// when the text is no SELECT or the engine refuses it; nothing is then open.
