@@ -11,8 +11,8 @@
 set -uo pipefail
 cd "$(dirname "$(readlink -f "$0")")/../.."
 list=$PWD/tests/faults/faults.txt
-work=${FAULTS_DIR:-/tmp/ombrey-faults} tree=$work/tree build=$work/build log=$work/log
-fast=--gtest_fail_fast fits= on=
+work=${FAULTS_DIR:-/tmp/ombrey-faults} tree=$work/tree build=$work/tree/build/faults log=$work/log
+fast=--gtest_fail_fast fits="" on=""
 while [[ ${1:-} == --* ]]; do
   case $1 in
     --all) fast= ;;
@@ -69,9 +69,12 @@ run() {
 verdict() {
   local p room targets=
   case $1 in
+    host/windows/*) room=qt ;;
     host/*) room="host console" ;;
     platform/database/*) room=database ;;
     terminal/*) room=terminal targets=rg80 ;;
+    src/contracts/*) room="link import quotas transfer" ;;
+    src/common/*) room="core link monitor" ;;
     *) room=$(basename "$(dirname "$1")") ;;
   esac
   for p in $room; do targets+=" test_$p"; done
@@ -89,6 +92,7 @@ mkdir -p "$tree.new" && git ls-files -z | tar --null -T - -cf - | tar -xmf - -C 
   die "No copy of the tree in $work"
 if [ -d "$tree" ]; then
   (cd "$tree.new" && find . -type f -exec sh -c 'for f; do cmp -s "$f" "$0/$f" && touch -r "$0/$f" "$f"; done' "$tree" {} +)
+  [ ! -d "$tree/build" ] || mv "$tree/build" "$tree.new/"
 fi
 rm -rf "$tree"
 mv "$tree.new" "$tree"

@@ -1,7 +1,7 @@
 # Runs in the guest. A line that begins with "@" asks the outside for something, which answers with a line; one that
 # begins with "=" is a case: its name, "bon" or "mauvais", its figure. Each lane of cases works in a folder of its own:
 #   driver  its name          port  the device          line  where the terminal stands: a line outside, "dans" (on
-#   this machine's own gadget) or "pty"
+#   this machine's own gadget, whose far side is "far") or "pty"     pace  at which a long file goes
 ask() {
   exec 9>/tmp/asking
   flock 9
@@ -62,7 +62,7 @@ all_in() { loads && [ "$loads" = '8|8' ]; }
 terminal() {
   rm -rf reçus
   case $line in
-    dans) rg80 --port /dev/ttyGS0 --cadence "$bauds" --sortie reçus "$@" >rg80.log 2>&1 & terminal=$! ;;
+    dans) rg80 --port "$far" --cadence "$bauds" --sortie reçus "$@" >rg80.log 2>&1 & terminal=$! ;;
     pty) rg80 --lien "$port" --cadence "$bauds" --sortie reçus "$@" >rg80.log 2>&1 & terminal=$!; await 20 [ -L "$port" ] ;;
     *) ask rg80 "$line" "$bauds" --sortie "$line.reçus" "$@" ;;
   esac
@@ -130,10 +130,10 @@ eight_loads() { # $1: bauds
   verdict $? "$figure, $loads"
 }
 
-whole_files() { # $1: what happens on the way
-  fresh_base 19200 /full.db
+whole_files() { # $1: bauds, $2: what happens on the way
+  fresh_base "$1" /full.db
   terminal --f6
-  [ -z "$1" ] || alone=
+  [ -z "$2" ] || alone=
   idle_station
   alone=--sans-operateur
   tell menu
@@ -142,7 +142,7 @@ whole_files() { # $1: what happens on the way
   begun=$now
   tell transferer
   await 60 heard 'coopérateurs) : prêt'
-  $1
+  $2
   await 120 heard 'observations) reçu'
   figure=$(since "$begun")
   files_alike
@@ -157,9 +157,9 @@ whole_files() { # $1: what happens on the way
 end_in_a_file() {
   best=60000 best_pty=60000
   for turn in 1 2 3; do
-    (line=pty port=$PWD/pty.link && into_a_file 1200 && sleep 1 && stop "$1"; echo $took >pty.took; dismiss)
+    (line=pty port=$PWD/pty.link && into_a_file "${pace:-1200}" && sleep 1 && stop "$1"; echo $took >pty.took; dismiss)
     least best_pty "$(cat pty.took)"
-    into_a_file 1200 && sleep 1
+    into_a_file "${pace:-1200}" && sleep 1
     code=$?
     ${2:-true}
     stop "$1" && [ $code = 0 ]
@@ -186,7 +186,7 @@ both_ways() {
   [ -c "$port" ] && exec 8<>"$port" || { stop; return 1; }
   stop
   case $line in
-    dans) stty -F /dev/ttyGS0 raw -echo; cat </dev/ttyGS0 >/dev/ttyGS0 & terminal=$! ;;
+    dans) stty -F "$far" raw -echo; cat <"$far" >"$far" & terminal=$! ;;
     *) ask echo "$line" "$bauds" ;;
   esac
   sleep 0.5
@@ -260,17 +260,20 @@ set_up() {
   verdict $? "LCR $line_control, diviseur $divisor"
 }
 
-# What an adapter was told, as "9600 N 8 1".
+# What an adapter was told, as "9600 N 8 1". QEMU's chip refuses mark and space: then the word of the request itself, in
+# which they stand as such.
 device_told() {
   answer=
-  case $line in
-    usb) ask puce ;;
-    *)
-      word=$(grep ' s 21 20 ' /tmp/usbmon | tail -n 1 | sed 's/.*= //; s/ //g')
-      [ -n "$word" ] || return
-      answer="$((0x$(echo "$word" | sed 's/^\(..\)\(..\)\(..\)\(..\).*/\4\3\2\1/'))) $(echo "$word" | cut -c11-12 | sed 's/00/N/; s/01/O/; s/02/E/; s/03/M/; s/04/S/') $((0x$(echo "$word" | cut -c13-14))) $(echo "$word" | cut -c9-10 | sed 's/00/1/; s/02/2/')"
-      ;;
-  esac
+  if [ "$line" = dans ]; then
+    word=$(grep ' s 21 20 ' /tmp/usbmon | tail -n 1 | sed 's/.*= //; s/ //g')
+    [ -n "$word" ] || return
+    answer="$((0x$(echo "$word" | sed 's/^\(..\)\(..\)\(..\)\(..\).*/\4\3\2\1/'))) $(echo "$word" | cut -c11-12 | sed 's/00/N/; s/01/O/; s/02/E/; s/03/M/; s/04/S/') $((0x$(echo "$word" | cut -c13-14))) $(echo "$word" | cut -c9-10 | sed 's/00/1/; s/02/2/')"
+    return
+  fi
+  device=$(cat "$(readlink -f "/sys/class/tty/${port##*/}/device")/../../devnum")
+  ask puce
+  word=$(grep "Co:[0-9]*:$(printf %03d "$device"):.* s 40 04 " /tmp/usbmon | tail -n 1 | sed 's/.* s 40 04 \(....\).*/\1/')
+  case $word in ?[34]*) answer="${answer%% *} $(echo "$word" | sed 's/.\(.\).*/\1/; y/34/MS/') $((0x$word & 255)) $((1 + (0x$word >> 12)))" ;; esac
 }
 tell_device() { # as for settings
   fresh_base "$1"
@@ -285,7 +288,8 @@ tell_device() { # as for settings
 }
 
 refused() { # $1: bauds, $2: what is said; the rest: who runs it
-  rm -rf /tmp/refused && mkdir /tmp/refused && cd /tmp/refused || return
+  place=/tmp/refused-${port##*/}
+  rm -rf "$place" && mkdir "$place" && cd "$place" || return
   fresh_base "$1"
   words=$2
   shift 2
@@ -295,7 +299,7 @@ refused() { # $1: bauds, $2: what is said; the rest: who runs it
   good=$?
   stop
   cd "$HOME" || return
-  verdict $good "$(grep -m1 -o 'Le port.*\|Vous n.*' /tmp/refused/said | cut -c1-150)"
+  verdict $good "$(grep -m1 -o 'Le port.*\|Vous n.*' "$place/said" | cut -c1-150)"
 }
 
 two_stations() {
@@ -323,9 +327,51 @@ killed_and_started() {
   verdict $? "$loads"
 }
 
+# The carrier of an open port falls and rises three times, once more while loads come where that can be done: nothing is
+# lost, and nobody is told of a lost port. $1: what lets it.
+carrier_falls() {
+  fresh_base 9600
+  seen=
+  idle_station
+  $1
+  terminal --hasard 8 --jusqu-a-vide
+  [ "$line" = dans ] || $1
+  await 120 served
+  full=$?
+  lost=$(grep -c 'Erreur du port\|perdu' said)
+  stop
+  all_in && [ $full = 0 ] && [ "$lost" = 0 ] && [ "$(echo "$seen" | tr -d ' ' | sed 's/nonoui//g')" = '' ] && [ -n "$seen" ]
+  verdict $? "$loads, porteuse :$seen"
+}
+outside_carrier() {
+  ask porteuse "$line" oui
+  for turn in 1 2 3; do
+    for state in non oui; do
+      ask porteuse "$line" $state
+      sleep 0.3
+      grep '3E8' /proc/tty/driver/serial | grep -q '|CD' && seen="$seen oui" || seen="$seen non"
+    done
+  done
+}
+# The gadget has one as long as its far side is open.
+gadget_carrier() {
+  exec 8<>"$far"
+  for turn in 1 2 3; do
+    for state in non oui; do
+      before=$(told_carrier)
+      case $state in non) exec 8>&- ;; *) exec 8<>"$far" ;; esac
+      sleep 0.3
+      after=$(told_carrier)
+      [ "$after" -gt "$before" ] && seen="$seen $state"
+    done
+  done
+  exec 8>&-
+}
+told_carrier() { grep -c ' C Ii:.* = a1200000' /tmp/usbmon; }
+
 # The adapter, whose chip stands outside.
-there() { [ -e /dev/ttyUSB0 ]; }
-gone() { [ ! -e /dev/ttyUSB0 ]; }
+there() { [ -e "$node" ]; }
+gone() { [ ! -e "$node" ]; }
 out() { ask debrancher && await 10 gone; }
 back() { ask brancher && await 10 there; }
 out_and_back() { out; ${1:-true}; back; }
@@ -367,21 +413,21 @@ in_a_file() {
 
 # The name that udev would give moves on to the adapter's new number, as the former one is held by somebody.
 another_number() {
-  ln -sf ttyUSB0 /dev/ombrey-chai
+  ln -sf "${node##*/}" /dev/ombrey-chai
   port=/dev/ombrey-chai
   pulled_out moved_on
-  port=/dev/ttyUSB0
+  port=$node
   out_and_back
 }
 moved_on() {
   await 60 heard acquitté
-  sleep 100 </dev/ttyUSB0 &
+  sleep 100 <"$node" &
   holder=$!
   sleep 0.5
   ask debrancher
   sleep 1
   ask brancher
-  await 10 [ -e /dev/ttyUSB1 ]
-  ln -sf ttyUSB1 /dev/ombrey-chai
+  await 10 [ -e "$next" ]
+  ln -sf "${next##*/}" /dev/ombrey-chai
   kill $holder
 }

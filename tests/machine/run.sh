@@ -8,7 +8,7 @@ bin=$(readlink -f "$1")
 shift
 work=${MACHINE_DIR:-$here/../../build/machine}
 mkdir -p "$work" && cd "$work"
-rm -rf guest said ./*.log ./*.link ./*.reçus && mkdir guest
+rm -rf guest said carrier ./*.log ./*.link ./*.reçus && mkdir guest
 
 fail() { printf 'machine: %s\n' "$*" >&2; exit 1; }
 
@@ -60,7 +60,7 @@ build_guest() {
   for program in "$(command -v setpriv)" "$(command -v flock)" "$(command -v sqlite3)" "$bin"/{tarvel,PlgInOmbrey.so,rg80}; do
     put_program "$program"
   done
-  for module in xhci-pci usbmon ftdi_sio usbserial cdc-acm dummy_hcd g_serial usb_f_acm usb_f_serial; do
+  for module in xhci-pci usbmon ftdi_sio usbserial cdc-acm dummy_hcd libcomposite configfs usb_f_acm usb_f_serial; do
     modprobe -d "$PWD/kernel" -S "$release" --show-depends "$module" | sed -n 's|^insmod .*/kernel/\(lib/modules/[^ ]*\).*|\1|p'
   done | sort -u | while read -r module; do (cd kernel && cp --parents "$module" ../guest/); done
   cp "kernel/lib/modules/$release"/modules.{builtin,builtin.modinfo,order} "guest/lib/modules/$release/"
@@ -151,8 +151,10 @@ answer() {
     debrancher) monitor 'device_del adaptateur' >/dev/null ;;
     rebrancher) monitor $'device_del adaptateur\n'"device_add $adapter" >/dev/null && plug_in ;;
     pareils) [ "$(cat "$line.reçus"/fichier-*.txt | sha256sum)" = "$(cat files.sum)" ] || good=false ;;
-    puce) echo "$(sed -n 's/.*baud rate //p' machine.log | tail -1)" \
-      "$(sed -n 's/.*parity \(.\), data bits \(.\), stop bits \(.\)/\1 \2 \3/p' machine.log | tail -1)" && return ;;
+    # The adapter that stays is the first that the machine finds.
+    puce) echo "$(sed -n "s/.*:1 baud rate //p" machine.log | tail -1)" \
+      "$(sed -n "s/.*:1 parity \(.\), data bits \(.\), stop bits \(.\)/\1 \2 \3/p" machine.log | tail -1)" && return ;;
+    porteuse) [ "$2" = oui ] && : >carrier || rm -f carrier ;;
     rythme) echo "$*" >&5 ;; # 0 bauds: a break
   esac
   $good && echo ok || echo non
@@ -160,6 +162,7 @@ answer() {
 
 unpack_kernel
 c++ -std=c++20 -O1 "$here/pacer.cpp" -o pacer
+cc -shared -fPIC "$here/modem.c" -o modem.so
 build_bases
 take_files
 release=$(ls kernel/lib/modules)
@@ -173,12 +176,12 @@ bare=$!
 trap 'kill $bare; for line in "${!terminals[@]}"; do end_terminal "$line"; done; [ -z "${machine:-}" ] || kill "$machine" 2>/dev/null || true' EXIT
 until [ -e nu.tty ] && [ -e chip.tty ]; do sleep 0.05; done
 exec 7<>nu.tty
-./pacer serie="!$PWD/serie.link" usb="$PWD/usb.link" -- qemu-system-x86_64 -accel tcg,thread=multi -cpu max -smp 2 -m 512 -nodefaults -no-reboot \
+./pacer serie="!$PWD/serie.link" usb="$PWD/usb.link" fixe="$PWD/fixe.link" -- env LD_PRELOAD="$PWD/modem.so" qemu-system-x86_64 -accel tcg,thread=multi -cpu max -smp 2 -m 512 -nodefaults -no-reboot \
   -display none -kernel kernel/vmlinux -initrd initrd -append 'console=ttyS0 quiet no_timer_check nokaslr apparmor=0 audit=0 panic=-1 random.trust_cpu=on mitigations=off' \
   -chardev stdio,id=console,signal=off -device isa-serial,chardev=console,iobase=0x3f8,irq=4 \
   -chardev 'socket,id=serie,fd={serie},mux=on' -device isa-serial,chardev=serie,iobase=0x2f8,irq=3 \
   -chardev "serial,id=nu,path=$PWD/chip.tty" -device isa-serial,chardev=nu,iobase=0x3e8,irq=5 \
-  -chardev 'socket,id=usb,fd={usb}' -device qemu-xhci \
+  -chardev 'socket,id=usb,fd={usb}' -chardev 'socket,id=fixe,fd={fixe}' -device qemu-xhci -device usb-serial,chardev=fixe,serial=A0 \
   -trace usb_serial_set_baud -trace usb_serial_set_data -monitor unix:monitor.socket,server=on,wait=off 3<input <pace >output 2>machine.log 5<&- &
 machine=$!
 exec 6<output # whose end is the machine's
