@@ -40,6 +40,8 @@ class IÉdition {
   virtual void Raccorder(IGestesStation& Gestes) = 0;
   /// The station's database, from its opening on: what the edition shows of the day is read from it.
   virtual void Suivre(std::shared_ptr<Ombrey::IBaseDeD> /*Base*/) {}
+  /// Another station has brought something in.
+  virtual void MontrerNouveau() {}
   /// What passes on the line, as it grows; outlives the edition's windows.
   virtual void SuivreLiaison(const Ombrey::JournalLiaison& /*Journal*/) {}
   /// The work couldn't begin; there is no station behind the edition. Shows why and waits until it was read.

@@ -99,7 +99,10 @@ void Travailler(const Tarvel::Options& Choisies) {
   try {
     Station.Exécuter(Ouvrir, [&] {
       Connexion->RangerJournal();
-      if (Connexion->ADuNouveau()) Base->Actualiser();
+      if (Connexion->ADuNouveau()) {
+        Base->Actualiser();
+        Édition->MontrerNouveau();
+      }
       Registre->Signaler();
     });
   } catch (const std::exception& Erreur) {

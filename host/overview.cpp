@@ -70,6 +70,14 @@ std::string Champs(const std::string& Trame) {
   return Texte;
 }
 
+/// The time of day alone.
+DateHeure HeureDe(system_clock::time_point Quand) {
+  const std::time_t Instant = system_clock::to_time_t(Quand);
+  std::tm Locale{};
+  localtime_r(&Instant, &Locale);
+  return {.Heure = Locale.tm_hour, .Minute = Locale.tm_min, .Seconde = Locale.tm_sec};
+}
+
 /// The time of day, and the day where it is another one.
 std::string Moment(const DateHeure& Quand) {
   const DateHeure Ici = HeureLocale();
@@ -82,7 +90,8 @@ std::string Moment(const DateHeure& Quand) {
 Ombrey::TémoinsFenêtres Veille::Témoins() {
   return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
           [this](const std::string& Titre, const std::string& Message) { NoterBoîte(Titre, Message); },
-          [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); }};
+          [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); },
+          [this](bool Ouverte) { NoterTransfert(Ouverte); }};
 }
 
 void Veille::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
@@ -130,6 +139,12 @@ void Veille::NoterRelevé(std::optional<std::int32_t> Attente) {
   if (Attente) Relevé_ = system_clock::now() + std::chrono::milliseconds(*Attente);
 }
 
+void Veille::NoterTransfert(bool Ouverte) {
+  SuspendueDepuis_.reset();
+  if (Ouverte) SuspendueDepuis_ = system_clock::now();
+  Changer();
+}
+
 void Veille::NoterTexte(const std::string& Texte) {
   Refus Lu = LireRefus(Texte);
   if (!Lu.Sujet.empty()) Refuser(std::move(Lu), "");
@@ -168,15 +183,15 @@ void Veille::Changer() const {
   if (Dire_) Dire_();
 }
 
-std::string Veille::TexteLiaison() const { return Liaison_.Texte(std::time(nullptr)); }
+std::string Veille::TexteLiaison() const {
+  if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
+  return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") +
+         " : la fenêtre de transfert est ouverte";
+}
 
 std::string Veille::TexteRelevé() const {
-  if (!Relevé_) return "Relevé en cours";
-  const std::time_t Instant = system_clock::to_time_t(*Relevé_);
-  std::tm Locale{};
-  localtime_r(&Instant, &Locale);
-  return "Prochain relevé à " +
-         Ombrey::TexteHeure({.Heure = Locale.tm_hour, .Minute = Locale.tm_min, .Seconde = Locale.tm_sec});
+  if (SuspendueDepuis_) return "Aucun relevé d'ici là";
+  return Relevé_ ? "Prochain relevé à " + Ombrey::TexteHeure(HeureDe(*Relevé_)) : "Relevé en cours";
 }
 
 Rangées Veille::Refusés() const {

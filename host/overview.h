@@ -28,6 +28,8 @@ class Veille {
   void NoterOctets(const Ombrey::Octets& Reçus);
   /// The next poll is due in Attente milliseconds; none: one is under way, or the collection stands still.
   void NoterRelevé(std::optional<std::int32_t> Attente);
+  /// Nothing is collected while the transfer window is open.
+  void NoterTransfert(bool Ouverte);
   void NoterRefus(const ImportRefusé& Import);
   /// A load has come in. The terminal offers the head of its queue alone: what it offered before is settled.
   void NoterReçu();
@@ -37,10 +39,11 @@ class Veille {
   void SurChangement(std::function<void()> Dire) { Dire_ = std::move(Dire); }
   /// The station's folders: what nobody has read goes on where an earlier run left it.
   void Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés);
-  /// These three, for an edition's windows.
+  /// What an edition's windows have to tell.
   [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
 
-  [[nodiscard]] SantéLiaison État() const { return Liaison_.État(); }
+  [[nodiscard]] SantéLiaison État() const { return SuspendueDepuis_ ? SantéLiaison::Suspendue : Liaison_.État(); }
+  [[nodiscard]] auto SuspendueDepuis() const { return SuspendueDepuis_; }
   [[nodiscard]] std::string TexteLiaison() const;
   [[nodiscard]] std::string TexteRelevé() const;
   /// Rows with their headings first, the latest on top.
@@ -62,6 +65,7 @@ class Veille {
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
   std::optional<std::chrono::system_clock::time_point> Relevé_;
+  std::optional<std::chrono::system_clock::time_point> SuspendueDepuis_;
   std::string Tampon_;       ///< what came over the line last
   std::string Trame_;        ///< the last whole load record
   std::size_t Passage_ = 0;  ///< counts them

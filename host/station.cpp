@@ -22,7 +22,9 @@ using namespace std::chrono_literals;
 constexpr std::uint8_t NumBouton = 1;
 constexpr std::uint8_t NumMenu = 1;
 /// As often the station looks whether other sites have brought something in.
-constexpr auto AttenteParPompe = 1s;
+constexpr auto EntreRepos = 1s;
+/// Nothing is missed in a pump without an event: what comes by the clock is an action of the loop.
+constexpr auto AttenteParPompe = 1h;
 /// Between two tries of a loop that fails by itself, so that it can't eat the machine.
 constexpr auto RépitAprèsPanne = 100ms;
 
@@ -47,11 +49,12 @@ Station::Station(const Options& Choisies, IÉdition& Édition)
           Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); },
           [this] { RepartirAuBesoin(); }) {}
 
-void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos) {
+void Station::Exécuter(const OuvrirBase& Ouvrir, std::function<void()> AuRepos) {
+  AuRepos_ = std::move(AuRepos);
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
                                        &Journal_,
                                        {[this](const Ombrey::Octets& Reçus) { Édition_.LaVeille().NoterOctets(Reçus); },
-                                        [this](auto Attente) { Édition_.LaVeille().NoterRelevé(Attente); },
+                                        [this](auto Attente) { NoterRelevé(Attente); },
                                         [this](const Ombrey::Avancement& Où) { return Édition_.Avancer(Où); }});
   const Ombrey::ÉcouteAppels Appels(Boucle_, Options_.Dossier, [this] { Édition_.SePrésenter(); });
   Plateforme_ = &Plateforme;
@@ -69,7 +72,9 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, const std::function<void()>& A
   Édition_.SuivreLiaison(Journal_);
   Démarrer();
   Service_.Prêt("Collecte des chargements du RG80");
-  while (!EnFin_) Pomper(AuRepos);
+  ProgrammerRepos(0ms);
+  while (!EnFin_) Pomper();
+  Repos_.reset();
   PlugIn_.reset();
   Base_.reset();
 }
@@ -155,10 +160,26 @@ void Station::Tenter(Appel Faire) {
   }
 }
 
-void Station::Pomper(const std::function<void()>& AuRepos) {
+void Station::NoterRelevé(std::optional<std::int32_t> Attente) {
+  if (Attente)
+    ProgrammerRepos(0ms);
+  else
+    Repos_.reset();
+  Édition_.LaVeille().NoterRelevé(Attente);
+}
+
+/// From the loop, so that it goes on behind a list of loads that stands open all day.
+void Station::ProgrammerRepos(std::chrono::milliseconds Dans) {
+  Repos_ = Boucle_.Après(Dans, [this] {
+    ProgrammerRepos(EntreRepos);
+    if (!EnFin_) AuRepos_();
+  });
+}
+
+void Station::Pomper() {
   try {
     Boucle_.Pomper(AttenteParPompe);
-    AuRepos();
+    if (!Repos_) ProgrammerRepos(0ms);  // a poll that has failed to arm the next
   } catch (const std::exception& Erreur) {
     Édition_.Dire(Erreur.what());
     std::this_thread::sleep_for(RépitAprèsPanne);

@@ -1,8 +1,10 @@
 // The station: drives the plug-in by the host's rules, and ends it properly.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "contracts/host.h"
@@ -29,10 +31,10 @@ class Station final : public IGestesStation, private Ombrey::IQuestionnairePort 
   using OuvrirBase = std::function<std::shared_ptr<Ombrey::IBaseDeD>(Ombrey::ISystème&)>;
 
   /// Runs on the database that Ouvrir gives until the operator, a signal or the time limit ends it. Once. AuRepos is
-  /// called whenever nothing is in the midst of anything, the line above all. Raises ErreurExécution when the work
-  /// can't begin: no database, no working folder, no plug-in.
+  /// called behind each poll and once a second, not in the midst of a poll or a transfer. Raises ErreurExécution when
+  /// the work can't begin: no database, no working folder, no plug-in.
   void Exécuter(
-      const OuvrirBase& Ouvrir, const std::function<void()>& AuRepos = [] {});
+      const OuvrirBase& Ouvrir, std::function<void()> AuRepos = [] {});
 
   void Bouton() override;
   void Menu() override;
@@ -46,7 +48,9 @@ class Station final : public IGestesStation, private Ombrey::IQuestionnairePort 
   void Charger();
   void Démarrer();
   void RepartirAuBesoin();
-  void Pomper(const std::function<void()>& AuRepos);
+  void NoterRelevé(std::optional<std::int32_t> Attente);
+  void ProgrammerRepos(std::chrono::milliseconds Dans);
+  void Pomper();
   template <class Appel>
   void Tenter(Appel Faire);
 
@@ -61,6 +65,8 @@ class Station final : public IGestesStation, private Ombrey::IQuestionnairePort 
   bool Offerts_ = false;  ///< button and menu entry
   bool EnFin_ = false;
   bool RéglagesChangés_ = false;
+  std::function<void()> AuRepos_;
+  Ombrey::IBoucle::Jeton Repos_;  ///< none while a poll or a transfer is under way
 };
 
 }  // namespace Tarvel

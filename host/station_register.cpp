@@ -17,7 +17,7 @@ std::string DernierChargement(Ombrey::IDatabase& Base, const std::string& Site, 
   const auto Dernier = Base.OpenRecordset(
       "SELECT NoChargement, Format([DateCh],'dd/mm/yyyy hh:nn') FROM Chargement"
       " WHERE CodeSite = " +
-          Ombrey::TexteSql(Site) + " ORDER BY IdChargement DESC",
+          Ombrey::TexteSql(Site) + " ORDER BY IdChargement DESC LIMIT 1",
       Ombrey::TypeRecordset::VersLAvant);
   if (Dernier->Eof()) return "";
   return "n° " + TexteOuVide(Dernier->Fields(0), Formes) + ", " + TexteOuVide(Dernier->Fields(1), Formes);

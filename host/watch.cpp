@@ -85,6 +85,7 @@ std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
       return (Raison_.empty() ? "Le port est en panne" : Raison_) + " (" + Depuis.substr(1) + ")";
     case SantéLiaison::SansPort:
       return Phrase::AucunPort;
+    case SantéLiaison::Suspendue:
     case SantéLiaison::Inconnue:
       break;
   }

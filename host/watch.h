@@ -12,7 +12,7 @@
 
 namespace Tarvel {
 
-enum class SantéLiaison { Inconnue, Répond, Muette, PortEnPanne, SansPort };
+enum class SantéLiaison { Inconnue, Répond, Muette, PortEnPanne, SansPort, Suspendue };
 
 /// Moments are counted in seconds of one clock.
 using Secondes = std::int64_t;

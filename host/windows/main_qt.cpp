@@ -78,6 +78,7 @@ class ÉditionFenêtrée final : public IÉdition {
     Principale_.show();
   }
   void Suivre(std::shared_ptr<Ombrey::IBaseDeD> Base) override { Principale_.Suivre(std::move(Base)); }
+  void MontrerNouveau() override { Principale_.Actualiser(); }
   void SuivreLiaison(const Ombrey::JournalLiaison& Journal) override { Principale_.SuivreLiaison(Journal); }
   /// Who started the station by its icon sees no stream.
   void Échouer(const std::string& Raison) override {

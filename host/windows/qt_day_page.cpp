@@ -117,8 +117,10 @@ void PageJournéeQt::Montrer(Tarvel::Journée Toute) {
   Afficher();
 }
 
-std::optional<double> PageJournéeQt::MasseDe(const std::string& Numéro) const {
-  const auto Un = std::ranges::find(Toute_.Chargements, Numéro, &Tarvel::ChargementDuJour::Numéro);
+std::optional<double> PageJournéeQt::MasseDe(const std::string& Site, const std::string& Numéro) const {
+  const auto Un = std::ranges::find_if(Toute_.Chargements, [&](const Tarvel::ChargementDuJour& Celui) {
+    return Celui.Site == Site && Celui.Numéro == Numéro;
+  });
   return Un == Toute_.Chargements.end() ? std::nullopt : std::optional(Un->Masse);
 }
 

@@ -36,7 +36,7 @@ class PageJournéeQt : public QWidget {
   /// Toute is the day of all sites or of one, as TousLesSites says. The lists keep their place.
   void Montrer(Tarvel::Journée Toute);
   /// The weight of the newest load of this number, if the day has one.
-  [[nodiscard]] std::optional<double> MasseDe(const std::string& Numéro) const;
+  [[nodiscard]] std::optional<double> MasseDe(const std::string& Site, const std::string& Numéro) const;
   [[nodiscard]] bool TousLesSites() const { return Tous_->isChecked(); }
   std::function<void()> SurSites;  ///< the operator wants all sites, or his own
 

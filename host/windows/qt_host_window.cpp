@@ -31,7 +31,7 @@ constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;
 /// Seconds between two readings of the database: another station's loads, and midnight.
 constexpr int ToursParLecture = 30;
-constexpr qint64 RappelTransfert = 300;  ///< seconds
+constexpr std::chrono::minutes RappelTransfert(5);
 constexpr const char* Section = "FenêtrePrincipale";
 constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
@@ -221,19 +221,7 @@ void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& 
   connect(Bouton, &QAction::triggered, this, Différé(Gestes_.Bouton));
 }
 
-void FenêtrePrincipaleQt::OffrirMenu(const std::string& Entrée) {
-  Offrir(MenuGreffons(), Entrée, [this] { Transférer(); });
-}
-
-/// The plug-in collects nothing while its transfer window is open.
-void FenêtrePrincipaleQt::Transférer() {
-  SuspendueDepuis_ = QDateTime::currentDateTime();
-  Rappelée_ = false;
-  ActualiserBandeau();
-  if (Gestes_.Menu) Gestes_.Menu();
-  SuspendueDepuis_.reset();
-  ActualiserBandeau();
-}
+void FenêtrePrincipaleQt::OffrirMenu(const std::string& Entrée) { Offrir(MenuGreffons(), Entrée, Gestes_.Menu); }
 
 QMenu& FenêtrePrincipaleQt::MenuGreffons() {
   if (Greffons_ == nullptr) Greffons_ = menuBar()->addMenu(QStringLiteral("&Greffons"));
@@ -258,7 +246,7 @@ void FenêtrePrincipaleQt::Dire(const std::string& Message) {
 
 std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
   const std::string Dit = "Chargement n° " + Numéro + " reçu";
-  const auto Masse = Journée_->MasseDe(Numéro);
+  const auto Masse = Journée_->MasseDe(Site_, Numéro);
   return Masse ? Dit + ", " + std::to_string(std::llround(*Masse)) + " kg" : Dit;
 }
 
@@ -282,10 +270,11 @@ void FenêtrePrincipaleQt::Actualiser() {
   Chrono.start();
   QString Délai;
   const bool Lue = Ignorer(Erreur, [&] {
-    const auto Base = Exiger(Base_->BaseDAO());
-    const std::string Site = Exiger(Base_->KVSynchro())->CodeSiteCourant();
+    // What one question and its answer take.
+    if (Sujet_.EstSurServeur) (void)Exiger(Base_->BaseDAO())->OpenRecordset("SELECT 1", TypeRecordset::VersLAvant);
     if (Sujet_.EstSurServeur) Délai = QStringLiteral(", %1 ms").arg(Chrono.elapsed());
-    Lire(*Base, Journée_->TousLesSites() ? "" : Site);
+    const auto Base = Exiger(Base_->BaseDAO());
+    Lire(*Base, Exiger(Base_->KVSynchro())->CodeSiteCourant());
   });
   const QString Nom = QString::fromUtf8(Sujet_.EstSurServeur ? "Base sur serveur : " : "Base locale : ");
   Bandeau_->DireBase(Nom + Texte(Sujet_.Base) + Délai, Lue ? QString() : Texte(Erreur.Texte()));
@@ -293,7 +282,8 @@ void FenêtrePrincipaleQt::Actualiser() {
 }
 
 void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
-  Tarvel::Journée Jour = Tarvel::LireJournée(Base, Site);
+  Site_ = Site;
+  Tarvel::Journée Jour = Tarvel::LireJournée(Base, Journée_->TousLesSites() ? "" : Site);
   if (!Jour.Chargements.empty()) {
     const Tarvel::ChargementDuJour& Un = Jour.Chargements.front();
     Bandeau_->DireDernier(QStringLiteral("Dernier : n° %1, %2 kg, %3")
@@ -312,12 +302,11 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
 }
 
 void FenêtrePrincipaleQt::ActualiserBandeau() {
-  Bandeau_->DireRelevé(SuspendueDepuis_ ? QStringLiteral("Aucun relevé d'ici là") : Texte(Veille_.TexteRelevé()));
-  if (!SuspendueDepuis_) return Bandeau_->MontrerLiaison(Veille_.État(), Texte(Veille_.TexteLiaison()));
-  Bandeau_->MontrerSuspension(QStringLiteral("Collecte suspendue depuis %1 : la fenêtre de transfert est ouverte")
-                                  .arg(SuspendueDepuis_->toString(QStringLiteral("HH:mm"))));
-  if (Rappelée_ || SuspendueDepuis_->secsTo(QDateTime::currentDateTime()) < RappelTransfert) return;
-  Rappelée_ = true;
+  Bandeau_->DireRelevé(Texte(Veille_.TexteRelevé()));
+  Bandeau_->MontrerLiaison(Veille_.État(), Texte(Veille_.TexteLiaison()));
+  const auto Depuis = Veille_.SuspendueDepuis();
+  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + RappelTransfert) return;
+  Rappelée_ = Depuis;
   QApplication::beep();
   QApplication::alert(this);
 }

@@ -51,6 +51,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void Raccorder(Gestes LesGestes);
   /// The database whose loads are shown, from now on.
   void Suivre(std::shared_ptr<IBaseDeD> Base);
+  /// Reads anew what the pages show of the base.
+  void Actualiser();
   /// What passes on the line is shown as well; Journal outlives the window.
   void SuivreLiaison(const JournalLiaison& Journal);
   void OffrirBouton(const QIcon& Icône, const std::string& Infobulle);
@@ -79,10 +81,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void ReprendrePlace();
   void SauverPlace();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;
-  void Transférer();
   void VenirDevant();
   void Diagnostiquer();
-  void Actualiser();
   void Lire(IDatabase& Base, const std::string& Site);
   void ActualiserBandeau();
   void ActualiserFaits();
@@ -99,8 +99,9 @@ class FenêtrePrincipaleQt : public QMainWindow {
   std::function<std::string()> Diagnostic_;
   AideQt Aide_;
   VeilleFermeture Fermeture_;
-  std::optional<QDateTime> SuspendueDepuis_;
-  bool Rappelée_ = false;  ///< attention was called for to a transfer window left open
+  /// Attention was called for to the transfer window that stands open since then.
+  std::optional<std::chrono::system_clock::time_point> Rappelée_;
+  std::string Site_;  ///< this station's
   QTimer Montre_;
   int Tours_ = 0;
 

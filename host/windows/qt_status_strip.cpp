@@ -17,10 +17,8 @@ struct Enseigne {
 constexpr Enseigne Enseignes[] = {
     {Tarvel::SantéLiaison::Répond, "●", "#1b7f3b"},      {Tarvel::SantéLiaison::Muette, "▲", "#b45f00"},
     {Tarvel::SantéLiaison::PortEnPanne, "■", "#b00020"}, {Tarvel::SantéLiaison::SansPort, "■", "#b00020"},
-    {Tarvel::SantéLiaison::Inconnue, "○", "#606060"},
+    {Tarvel::SantéLiaison::Inconnue, "○", "#606060"},    {Tarvel::SantéLiaison::Suspendue, "❚❚", "#b45f00"},
 };
-constexpr const char* SigneSuspendu = "❚❚";
-constexpr const char* CouleurSuspendue = "#b45f00";
 constexpr const char* CouleurPanne = "color: #b00020";
 constexpr int CaractèresAuMoins = 8;
 }  // namespace
@@ -67,18 +65,11 @@ BandeauQt::BandeauQt(QWidget* Parent)
 }
 
 void BandeauQt::MontrerLiaison(Tarvel::SantéLiaison État, const QString& Phrase) {
-  for (const Enseigne& Une : Enseignes)
-    if (Une.État == État) Montrer(QString::fromUtf8(Une.Signe), QString::fromUtf8(Une.Couleur), Phrase);
-}
-
-void BandeauQt::MontrerSuspension(const QString& Phrase) {
-  Montrer(QString::fromUtf8(SigneSuspendu), QString::fromUtf8(CouleurSuspendue), Phrase);
-}
-
-void BandeauQt::Montrer(const QString& Signe, const QString& Couleur, const QString& Phrase) {
+  const auto* const Sienne = std::ranges::find(Enseignes, État, &Enseigne::État);
+  const QString Signe = QString::fromUtf8(Sienne->Signe);
   if (Liaison_->text() == Phrase && Signe_->text() == Signe) return;
   Signe_->setText(Signe);
-  Signe_->setStyleSheet(QStringLiteral("color: ") + Couleur);
+  Signe_->setStyleSheet(QStringLiteral("color: ") + QString::fromUtf8(Sienne->Couleur));
   Signe_->setAccessibleName(Phrase);
   Liaison_->Dire(Phrase);
 }

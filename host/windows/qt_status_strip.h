@@ -23,15 +23,12 @@ class BandeauQt : public QWidget {
   explicit BandeauQt(QWidget* Parent);
   /// A state has its own words, shape and colour.
   void MontrerLiaison(Tarvel::SantéLiaison État, const QString& Phrase);
-  void MontrerSuspension(const QString& Phrase);
   void DireRelevé(const QString& Phrase) { Relevé_->Dire(Phrase); }
   void DireDernier(const QString& Phrase) { Dernier_->Dire(Phrase); }
   /// Pourquoi: why it doesn't answer; empty when all is well.
   void DireBase(const QString& Phrase, const QString& Pourquoi);
 
  private:
-  void Montrer(const QString& Signe, const QString& Couleur, const QString& Phrase);
-
   QLabel* Signe_;
   LigneÉlidée* Liaison_;
   LigneÉlidée* Relevé_;

@@ -37,10 +37,12 @@ void VueChargntConsole::MontrerModale() {
   FenêtresConsole& Fenêtres = Fenêtres_;
   *Montrée = true;
   Fenêtres.LigneFenêtre(Titre_, "ouverte");
+  if (Fenêtres.Témoins().Transfert) Fenêtres.Témoins().Transfert(true);
   for (const std::string& Libellé : Libellés_) Fenêtres.Ligne("  " + Libellé);
   DireCases();
   // With nobody left to close it, the open window would keep the polling stopped.
   Fenêtres.PomperTantQue([&] { return *Montrée && !Fenêtres.EntréeFermée(); });
+  if (Fenêtres.Témoins().Transfert) Fenêtres.Témoins().Transfert(false);
   if (*Montrée) Cacher();
 }
 
@@ -51,6 +53,7 @@ void VueChargntConsole::Cacher() {
 }
 
 void VueChargntConsole::Activer(bool Active) {
+  if (!Active) Fenêtres_.ReprendreEnvoi();
   if (!std::exchange(Active_, Active) && Active) DireCases();
 }
 

@@ -96,6 +96,8 @@ class FenêtresConsole : public IFenêtres {
   /// A line now and then; false once the operator has asked for the end of it.
   [[nodiscard]] bool Avancer(const Avancement& Où);
   void ArrêterEnvoi() { Arrêt_ = true; }
+  /// What was asked before a transfer began doesn't concern it.
+  void ReprendreEnvoi() { Arrêt_ = false; }
 
  private:
   struct BoîteEnCours {

@@ -17,7 +17,7 @@ class RetardBoucle final : public IRetard {
   using Événement = std::function<void(const std::string&)>;
 
   RetardBoucle(IBoucle& Boucle, Événement FinTempo);
-  /// A delay below zero counts as zero.
+  /// A delay below 20 ms counts as 20.
   void Démarrer(std::int32_t Délai, const std::string& Code) override;
   void Arrêter() override { Attente_.reset(); }
 

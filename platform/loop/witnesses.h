@@ -13,6 +13,7 @@ struct TémoinsFenêtres {
   std::function<void(const std::string& Ligne)> Ligne;                                ///< into its message list
   std::function<void(const std::string& Titre, const std::string& Message)> Boîte;    ///< shown now
   std::function<void(const std::string& Titre, const std::string& Message)> Retirée;  ///< went unread
+  std::function<void(bool Ouverte)> Transfert = nullptr;  ///< the transfer window, which stops the collection
 };
 
 /// How far a long sending is.

@@ -40,6 +40,7 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
                                          const std::string& Titre, const Rectangle& Intérieur,
                                          std::span<const DessinContrôle> Dessin)
     : Gestes_(Gestes),
+      Transfert_(Contexte.Témoins.Transfert),
       Fenêtre_(Contexte, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowSystemMenuHint |
                              Qt::WindowCloseButtonHint),
       Progression_(std::make_shared<ProgressionQt>(&*Fenêtre_)) {
@@ -101,7 +102,10 @@ void VueChargntDonnéesQt::MontrerModale() {
   QRect Place = Fenêtre_->rect();
   Place.moveCenter(Fenêtre_->screen()->availableGeometry().center());
   Fenêtre_->move(Place.topLeft());
+  const auto Dire = Transfert_;
+  if (Dire) Dire(true);
   Fenêtre_.MontrerModale();
+  if (Dire) Dire(false);
 }
 
 void VueChargntDonnéesQt::FixerTitre(const std::string& Titre) {

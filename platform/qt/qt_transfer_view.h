@@ -41,6 +41,7 @@ class VueChargntDonnéesQt : public IVueChargntDonnées {
   [[nodiscard]] QAbstractButton& LaCase(const std::string& Nom) const;
 
   IGestesChargntDonnées& Gestes_;
+  std::function<void(bool)> Transfert_;
   TenueFenêtre Fenêtre_;
   std::shared_ptr<ProgressionQt> Progression_;
   std::string EnCours_;  ///< name of the box whose data set goes

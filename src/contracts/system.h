@@ -44,7 +44,7 @@ class ISystème {
 class IRetard {
  public:
   virtual ~IRetard() = default;
-  /// After Délai milliseconds the event comes once, with Code. Replaces a delay that is running.
+  /// After Délai milliseconds, or a little more, the event comes once, with Code. Replaces a delay that is running.
   /// May be dropped or started again from within its own event.
   virtual void Démarrer(std::int32_t Délai, const std::string& Code) = 0;
   /// No event comes until Démarrer.

@@ -90,7 +90,14 @@ void Échange::FaireTaire() {
 
 bool Échange::Acquitter(const Octets& Trame) {
   Relever();
-  if (!Doute_.EstCalme() && !TamponRéception_.EstVide()) return false;
+  // The terminal's answers to waiting requests follow one another, with a gap that a slow line makes wider.
+  while (!Doute_.EstCalme()) {
+    if (!TamponRéception_.EstVide() || État_.Abandon) return false;
+    const auto Manque = PortRéglé()->SilenceFinMessage() - Doute_.Silence();
+    if (Manque.count() <= 0) break;
+    État_.Plateforme.Système().Pomper(Manque);
+    Relever();
+  }
   Doute_.Acquitter(Trame);
   Ecrire(ACK);
   return true;

@@ -226,7 +226,7 @@ bool FSuiviChargnt::Form_QueryUnload(bool ParUtilisateur) {
 void FSuiviChargnt::ReprendrePlace() {
   const Rectangle Présente = Vue_->PlaceFenêtre();
   const Rectangle Réglée = RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LirePlace(Présente);
-  if (Réglée == Présente) return;
+  if (Réglée == Présente) return PlaceDEmprunt_.reset();
   Vue_->PlacerFenêtre(Réglée);
   const Rectangle Obtenue = Vue_->PlaceFenêtre();
   if (Voisines(Obtenue, Réglée))

@@ -269,13 +269,19 @@ TEST_F(Principale, TellsTheStateOfThings) {
 }
 
 TEST_F(Principale, SaysThatNothingIsCollectedInAPlugInsWindowAndKeepsItsPlace) {
-  Fenêtre->Raccorder(
-      {{}, [&] { Trace = Manquent({"Collecte suspendue depuis "}).isEmpty() ? "suspendue" : ""; }, {}, {}});
+  LesVraies.Observer(Veille.Témoins());
+  Fenêtre->Raccorder({{}, [this] { Transférer(); }, {}, {}});
+  Dès(TitreTransfert, [this](QWidget& Vue) {
+    Trace =
+        Manquent({"❚❚", "Collecte suspendue depuis ", "Aucun relevé d'ici là"}).join('/').toStdString() + "suspendue";
+    Cadre(Vue);
+  });
   Fenêtre->OffrirMenu("&Charger");
   for (const QAction* Menu : Fenêtre->menuBar()->actions())
     if (Menu->text() == "&Greffons") Menu->menu()->actions().front()->trigger();
   Vider();
   EXPECT_EQ(Trace, "suspendue");
+  EXPECT_EQ(Manquent({"○"}), QStringList()) << "and it goes on";
   Fenêtre->setGeometry(60, 60, 700, 500);
   Vider();
   const QRect Place = Fenêtre->geometry();

@@ -31,9 +31,10 @@ TEST(Transfer, GoesOnFromTheSetThatFailedOnceTheTerminalIsBackAndIsRightToTheByt
   Poste P;
   P.Faire("INSERT INTO Coopérateur (IdCoopérateur, Nom) VALUES ('900', 'Sans terre')");
   P.LancerTerminal("");
-  P.LancerStation("menu", "");
+  P.LancerStation("arreter\nmenu", "");  // there is nothing to stop yet, and nothing is kept for later
   EXPECT_TRUE(P.Station->Attendre("Communication établie avec le RG80.")) << P.Dit();
-  P.Station->Taper("transferer");
+  P.Station->Taper("etat\ntransferer");
+  EXPECT_TRUE(P.Station->Attendre("état : Collecte suspendue depuis ")) << P.Dit();
   EXPECT_TRUE(P.Station->Attendre("(Recommencer, Annuler) : Appelations ⏎ Le RG80 n'est pas prêt (NACK).")) << P.Dit();
   // The terminal goes away altogether and comes back waiting for files.
   P.Rg80.reset();
