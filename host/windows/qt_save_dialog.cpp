@@ -3,6 +3,7 @@
 
 #include <QDateTime>
 #include <QFileDialog>
+#include <QFileIconProvider>
 #include <system_error>
 #include <utility>
 
@@ -13,6 +14,18 @@
 namespace Ombrey {
 
 namespace {
+/// By the name alone. Qt's own look into the files of the folder, and a file of the base that is closed again takes all
+/// locks of this process on it away: another program would then replace the base under the station at work.
+class IcônesSansLecture : public QObject, public QFileIconProvider {
+ public:
+  using QFileIconProvider::icon;
+  using QObject::QObject;
+  [[nodiscard]] QIcon icon(const QFileInfo& Lequel) const override { return icon(Lequel.isDir() ? Folder : File); }
+  [[nodiscard]] QString type(const QFileInfo& Lequel) const override {
+    return Lequel.isDir() ? QStringLiteral("Dossier") : Lequel.suffix();
+  }
+};
+
 std::string Accomplir(const std::filesystem::path& Fichier,
                       const std::function<std::string(const std::filesystem::path&)>& Écrire) {
   std::error_code Erreur;
@@ -30,6 +43,7 @@ void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierD
   Dialogue->setAttribute(Qt::WA_DeleteOnClose);
   // Qt's own confirmation would wait in a loop of Qt's own, and the line with it.
   Dialogue->setOptions(QFileDialog::DontConfirmOverwrite | QFileDialog::DontUseNativeDialog);
+  Dialogue->setIconProvider(new IcônesSansLecture(Dialogue));
   Dialogue->setAcceptMode(QFileDialog::AcceptSave);
   Dialogue->setFileMode(QFileDialog::AnyFile);
   Dialogue->setDefaultSuffix(Quoi.Suffixe);

@@ -1,4 +1,6 @@
 // The day as PDF, read back by another program, and the page that shows the line.
+#include <fcntl.h>
+
 #include <QCheckBox>
 #include <QDir>
 #include <QFileDialog>
@@ -9,6 +11,8 @@
 #include "host/day_slip.h"
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_paper.h"
+#include "host/windows/qt_save_dialog.h"
+#include "platform/loop/descriptor.h"
 #include "tests/qt/qt_fixture.h"
 
 namespace Ombrey::Essais {
@@ -23,23 +27,12 @@ static QString PagesDe(const std::filesystem::path& Fichier) {
 TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
   if (QStandardPaths::findExecutable("pdftotext").isEmpty()) GTEST_SKIP() << "pdftotext isn't installed";
   std::vector<Tarvel::ChargementRelaté> Tous;
+  // clang-format off
   for (int Rang = 0; Rang < 120; ++Rang)
-    Tous.push_back({"1",
-                    std::to_string(1000 + Rang),
-                    46287 + Rang / 150.0,
-                    46288,
-                    Rang % 2 ? "4" : "6",
-                    {"123", "Delmas & <Fils>"},
-                    {"456", "Maurin"},
-                    {"7", "Garrigue"},
-                    Rang % 3 ? Tarvel::Nommé{"05", "Côteaux rouges"} : Tarvel::Nommé{"99", ""},
-                    "Syrah",
-                    {"01", "Saine"},
-                    "12,5",
-                    "2",
-                    "1000",
-                    "7",
-                    Rang == 3});
+    Tous.push_back({"1", std::to_string(1000 + Rang), 46287 + Rang / 150.0, 46288, Rang % 2 ? "4" : "6", {"123", "Delmas & <Fils>"},
+                    {"456", "Maurin"}, {"7", "Garrigue"}, Rang % 3 ? Tarvel::Nommé{"05", "Côteaux rouges"} : Tarvel::Nommé{"99", ""},
+                    "Syrah", {"01", "Saine"}, "12,5", "2", "1000", "7", Rang == 3});
+  // clang-format on
   ÉcrirePdf(Tarvel::TexteBordereau(Tous, "Cave d'Oriel", 46287), QPageSize::A4, Dossier.Chemin() / "jour.pdf");
   const QString Texte = PagesDe(Dossier.Chemin() / "jour.pdf").simplified();
   const QStringList Pages = PagesDe(Dossier.Chemin() / "jour.pdf").split('\f', Qt::SkipEmptyParts);
@@ -70,11 +63,7 @@ TEST_F(Bureau, TheLineIsShownARowAMessageFaultsMarkedAndSavedAsATrace) {
   PageLigneQt Page(nullptr, LesVraies.Contexte(), Journal);
   Page.show();
   auto& Liste = *Page.findChild<QTableView*>();
-  for (int Rang = 0; Rang < 20000; ++Rang)
-    Dire(Rang % 4 ? "\x15"
-                    "A"
-                  : "\6A",
-         Rang % 4 == 0);
+  for (int Rang = 0; Rang < 20000; ++Rang) Dire(Rang % 4 ? "\25A" : "\6A", Rang % 4 == 0);
   Laisser(600ms);
   EXPECT_EQ(Liste.model()->rowCount(), static_cast<int>(Journal.Messages().size()));
   EXPECT_EQ(Liste.model()->index(1, 3).data().toString(), "<NAK>A");
@@ -95,6 +84,24 @@ TEST_F(Bureau, TheLineIsShownARowAMessageFaultsMarkedAndSavedAsATrace) {
   }
   EXPECT_NE(Trace.find("existe déjà"), std::string::npos) << Trace;
   EXPECT_GT(std::filesystem::file_size(Fichier.toStdString()), 15000U * 20);
+}
+
+// A lock of this process ends when the process closes the file, whoever of it had opened it.
+TEST_F(Bureau, TheChoiceOfANameLooksIntoNoFile) {
+  const auto Base = Dossier.Chemin() / "cave.db";
+  const Descripteur Tenue(open(Base.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
+  struct flock Verrou {};
+  Verrou.l_type = F_WRLCK;
+  ASSERT_EQ(fcntl(Tenue.Numéro(), F_SETLK, &Verrou), 0);
+  QWidget Page;
+  EnregistrerSous(&Page, LesVraies.Contexte(), {"Bordereau", "bordereau", "db"}, {});
+  Page.findChild<QFileDialog*>()->setDirectory(QString::fromStdString(Dossier.Chemin()));
+  auto& Fichiers = *Page.findChild<QFileSystemModel*>();
+  const auto Genre = [&] { return Fichiers.type(Fichiers.index(QString::fromStdString(Base))); };
+  for (int Reste = 1000; Reste > 0 && Genre().isEmpty(); --Reste) Laisser(10ms);
+  EXPECT_EQ(Genre(), "db");
+  ASSERT_EQ(fcntl(Tenue.Numéro(), F_OFD_GETLK, &Verrou), 0);
+  EXPECT_EQ(Verrou.l_type, F_WRLCK) << "the lock has gone";
 }
 
 }  // namespace Ombrey::Essais
