@@ -77,7 +77,7 @@ std::vector<std::string> Tenants(dev_t Appareil) {
   std::error_code Code;
   for (fs::directory_iterator Processus("/proc", Code), Fin; !Code && Processus != Fin; Processus.increment(Code)) {
     const std::string Numéro = Processus->path().filename();
-    if (Numéro.find_first_not_of("0123456789") != std::string::npos || Numéro == std::to_string(getpid())) continue;
+    if (Numéro.find_first_not_of("0123456789") != std::string::npos) continue;
     std::error_code Fermé;
     for (fs::directory_iterator Lien(Processus->path() / "fd", Fermé), Bout; !Fermé && Lien != Bout;
          Lien.increment(Fermé)) {

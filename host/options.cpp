@@ -83,7 +83,7 @@ constexpr bool Précise = false;
 constexpr Option Connues[] = {
     {"--base", "B", "base de la coopérative : un fichier, ou une adresse postgresql://…", SurUneBase, Précise,
      [](Options& O, Mots V) { O.Base = V[0]; }},
-    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite, Dossier et Trace",
+    {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite, Dossier, Trace, DuréeBoîtes",
      SurUneBase, Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--site", "CODE", "code du site de cette station (sinon celui de la base)", UneStation, Précise,
      [](Options& O, Mots V) { O.CodeSite = V[0]; }},

@@ -1,6 +1,8 @@
 // The module of the windows: the station as the operator sees it on a screen.
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
+#include <QTranslator>
 #include <chrono>
 #include <clocale>
 #include <cstdio>
@@ -39,6 +41,9 @@ class ApplicationQt {
     const QtMessageHandler Avant = qInstallMessageHandler(DireÉchecDeQt);
     Application_ = std::make_unique<QApplication>(Nombre_, Arguments_);
     qInstallMessageHandler(Avant);
+    // What Qt says itself, such as in the choice of a file, where the machine has its translation.
+    if (Français_.load(QLocale(QLocale::French), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
+      QApplication::installTranslator(&Français_);
     std::setlocale(LC_NUMERIC, "C");  // Qt took the user's; numbers in files and queries have a point
     QApplication::setQuitOnLastWindowClosed(false);
   }
@@ -47,6 +52,7 @@ class ApplicationQt {
   int Nombre_ = 1;
   char Nom_[7] = "tarvel";
   char* Arguments_[2] = {Nom_, nullptr};
+  QTranslator Français_;
   std::unique_ptr<QApplication> Application_;
 };
 

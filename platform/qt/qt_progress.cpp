@@ -27,6 +27,7 @@ class FenêtreProgression : public QDialog {
 void ProgressionQt::Commencer(const QStringList& Jeux) {
   Fermer();
   Jeux_ = Jeux;
+  Dits_.clear();
   Arrêtée_ = false;
   Depuis_.start();
 }
@@ -36,7 +37,7 @@ void ProgressionQt::Créer() {
   Fenêtre_->setWindowTitle(QStringLiteral("Avancement de l'envoi"));
   auto* const Plan = new QGridLayout(Fenêtre_);
   for (const QString& Jeu : Jeux_) {
-    auto* const État = new QLabel(QStringLiteral("à envoyer"), Fenêtre_);
+    auto* const État = new QLabel(Dits_.try_emplace(Jeu, QStringLiteral("à envoyer")).first->second, Fenêtre_);
     État->setTextFormat(Qt::PlainText);
     État->setMinimumWidth(État->fontMetrics().averageCharWidth() * ColonnesÉtat);
     const int Rang = Plan->rowCount();
@@ -78,6 +79,7 @@ void ProgressionQt::Entamer(const QString& Jeu) {
 }
 
 void ProgressionQt::Dire(const QString& Jeu, const QString& État) {
+  Dits_[Jeu] = État;
   Montrer();
   const auto Sien = États_.find(Jeu);
   if (Sien != États_.end()) Sien->second->setText(État);

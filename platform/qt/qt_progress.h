@@ -40,6 +40,7 @@ class ProgressionQt {
   QPointer<QWidget> Parent_;
   QPointer<QDialog> Fenêtre_;
   QProgressBar* Barre_ = nullptr;
+  std::map<QString, QString> Dits_;  ///< of each set, also before there is a window
   std::map<QString, QLabel*> États_;
   QStringList Jeux_;
   QString EnCours_;

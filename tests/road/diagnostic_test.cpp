@@ -5,6 +5,7 @@
 #include <sys/file.h>
 
 #include "platform/serial/udev_rule.h"
+#include "platform/system/folder_lock.h"
 #include "tests/road/post.h"
 
 namespace Ombrey::Essais {
@@ -64,6 +65,12 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
   Constater("est déjà utilisé par un autre programme. À faire : arrêtez ce qui le tient : ");
+  {  // asked in the station itself, as from its menu
+    P.Faire("$ mkdir poste");
+    const VerrouDossier Sien(P.En("poste"));
+    std::string Mots[] = {"--diagnostic", "--ini", P.En("tarvel.ini"), "--dossier", P.En("poste")};
+    EXPECT_NE(TexteDiagnostic(Tarvel::LireOptions(Mots)).find("bon     port : "), std::string::npos);
+  }
   close(Autre);
   P.LancerStation();
   EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
