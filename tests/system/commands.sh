@@ -46,6 +46,7 @@ mkdir -p "$work/tree/build/dev" && cp CMakePresets.json "$work/tree/" && : >"$wo
 ! grep -qi 'no such preset\|could not read' "$work/said" || fail "$(<"$work/said")"
 
 command -v faketime >/dev/null && command -v sqlite3 >/dev/null || { echo "midnight isn't tried: faketime or sqlite3 isn't installed"; exit 0; }
+! ldd "$bin/tarvel" | grep -q libasan || { echo "midnight isn't tried: the sanitizer wants to be loaded first"; exit 0; }
 "$bin/tarvel" --creer-base "$work/cave.db" --exemple
 sqlite3 "$work/cave.db" "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 77, 46349.99, '4')"
 printf '[PlugInOmbrey]\nPort=%s\nBauds=9600\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=500\n' "$work/absent" >"$work/tarvel.ini"
