@@ -1,6 +1,7 @@
 // Delimited text: cutting, counting and searching its items.
 #include "base/delimited_list.h"
 
+#include <cstddef>
 #include <limits>
 #include <utility>
 

@@ -6,7 +6,9 @@
 #include <charconv>
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <limits>
+#include <variant>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"

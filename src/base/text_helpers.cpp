@@ -2,6 +2,7 @@
 #include "base/text_helpers.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/regional_forms.h"

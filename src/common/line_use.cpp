@@ -1,6 +1,9 @@
 // One user of the line at a time.
 #include "common/line_use.h"
 
+#include <string>
+#include <utility>
+
 namespace Ombrey {
 
 std::optional<UsageLiaison::Prise> UsageLiaison::PrendreOuReporter(DemandeLiaison Demande,

@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "contracts/platform.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 

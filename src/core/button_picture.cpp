@@ -1,6 +1,7 @@
 // The toolbar button's picture, drawn character by character.
 #include "core/button_picture.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string_view>

@@ -1,11 +1,13 @@
 // The plug-in towards its host: name, button, menu, database, and the calls that lead into the rooms.
 #include "core/plugin.h"
 
+#include <exception>
 #include <utility>
 
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"
 #include "core/button_picture.h"
+#include "link/transmission.h"
 
 namespace Ombrey {
 namespace {

@@ -7,7 +7,6 @@
 #include <string>
 #include <vector>
 
-#include "base/text_helpers.h"
 #include "common/context.h"
 #include "contracts/host.h"
 #include "core/operator_window.h"
@@ -18,7 +17,6 @@
 #include "link/collection.h"
 #include "link/exchange.h"
 #include "link/polling.h"
-#include "link/transmission.h"
 #include "quotas/reply.h"
 #include "transfer/transfer_window.h"
 

@@ -1,5 +1,6 @@
 // End of the plug-in: files cleaned, window, port and host released, each step on its own.
 #include <filesystem>
+#include <string_view>
 #include <system_error>
 #include <vector>
 

@@ -1,6 +1,9 @@
 // Finding, checking and taking apart the terminal's data frame.
 #include "import/frame_processing.h"
 
+#include <cstddef>
+#include <exception>
+
 #include "base/ansi_text.h"
 #include "base/checksum.h"
 #include "base/regional_forms.h"

@@ -1,6 +1,9 @@
 // Looking up and creating cooperators and holdings.
 #include "import/holding_checks.h"
 
+#include <cstdint>
+#include <exception>
+
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"

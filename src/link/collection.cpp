@@ -1,6 +1,8 @@
 // The collection dialogue, read from top to bottom as it runs on the line.
 #include "link/collection.h"
 
+#include <cstddef>
+#include <exception>
 #include <filesystem>
 #include <system_error>
 

@@ -2,6 +2,7 @@
 #include "link/exchange.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
 
 #include "contracts/phrases.h"

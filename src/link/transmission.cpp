@@ -1,6 +1,8 @@
 // Request, frame, answer, EOT; and once more on a refusal.
 #include "link/transmission.h"
 
+#include <cstddef>
+
 #include "base/ansi_text.h"
 #include "base/checksum.h"
 #include "contracts/line_protocol.h"

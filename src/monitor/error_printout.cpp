@@ -1,6 +1,8 @@
 // The error list on paper.
 #include "monitor/error_printout.h"
 
+#include <cstddef>
+
 #include "base/regional_forms.h"
 
 namespace Ombrey {

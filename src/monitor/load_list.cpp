@@ -1,6 +1,8 @@
 // Today's loads: the query and its rows as texts.
 #include "monitor/load_list.h"
 
+#include <cstddef>
+
 #include "base/regional_forms.h"
 
 namespace Ombrey {

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "base/failures.h"
+#include "base/regional_forms.h"
 
 namespace Ombrey {
 namespace {

@@ -5,7 +5,6 @@
 #include <span>
 #include <string>
 
-#include "base/regional_forms.h"
 #include "contracts/system.h"
 #include "contracts/toolkit.h"
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <vector>
 
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"

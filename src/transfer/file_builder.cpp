@@ -1,7 +1,9 @@
 // From one query to one file of fixed-width records for the terminal.
 #include "transfer/file_builder.h"
 
+#include <cstddef>
 #include <memory>
+#include <span>
 #include <utility>
 
 #include "base/failures.h"

@@ -1,6 +1,8 @@
 // The fields of the terminal's file records: fixed width, no separators.
 #include "transfer/record_encoders.h"
 
+#include <cstddef>
+
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"

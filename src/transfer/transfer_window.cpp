@@ -1,6 +1,9 @@
 // The window that sends the cooperative's reference data to the terminal.
 #include "transfer/transfer_window.h"
 
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
 #include <utility>
 
 #include "base/ansi_text.h"
