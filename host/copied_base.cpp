@@ -162,6 +162,21 @@ void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte
   }
 }
 
+/// What the office keeps beside the cooperative's tables: nothing of it is in the copy.
+std::string Laissées(IConnexion& Source, IConnexion& Cible) {
+  Instruction Noms = Source.Préparer(
+      Source.SonFichier()
+          ? "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT GLOB 'sqlite_*'"
+          : "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema()");
+  std::string Liste;
+  while (Noms.Avancer()) {
+    const std::string Nom = Forme(Noms.Valeur(0));
+    if (!Nom.starts_with(TableCumuls) && Cible.ColonnesDe(Nom).empty())
+      Liste += (Liste.empty() ? "\nRestent sur place : " : ", ") + Nom;
+  }
+  return Liste;
+}
+
 }  // namespace
 
 std::string CopierBase(const std::string& De, const std::string& Vers, const Ombrey::Progrès& Dire) {
@@ -182,6 +197,7 @@ std::string CopierBase(const std::string& De, const std::string& Vers, const Omb
       Comparer(*Source, Cible, Sienne, LeCompte);
       Fait += "\n  " + Nom + " : " + std::to_string(Nombre);
     }
+    Fait += Laissées(*Source, Cible);
     for (const char* Nom : {TableChargements, TableArchive}) Cible.ReprendreNumérotation(Nom, "IdChargement");
   });
   return Fait;

@@ -15,9 +15,11 @@
 #include "base/failures.h"
 #include "base/files.h"
 #include "base/regional_forms.h"
+#include "host/overview.h"
 #include "host/plugin_loader.h"
 #include "host/schema.h"
 #include "host/schema_upgrade.h"
+#include "host/station_register.h"
 #include "host/windows_module.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/machine_system.h"
@@ -35,7 +37,7 @@ constexpr std::uintmax_t DisqueTropPlein = 50 * Mio;
 constexpr std::uintmax_t DisqueÀVoir = 500 * Mio;
 /// No clock of a machine that runs this program shows an earlier year.
 constexpr int AnnéePlausible = 2026;
-/// A terminal's clock may be ahead of ours, but not by a day.
+/// A terminal's clock may be ahead of ours, but not by a day; by hours, it lives in another zone.
 constexpr double AvancePermise = 1;
 /// Seconds between this clock and a server's.
 constexpr double ÉcartPermis = 60;
@@ -105,8 +107,7 @@ bool EstRégléeParRéseau() {
 /// The server's clock stamps what other stations see as new.
 void ExaminerHorlogeServeur(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
   if (Connexion.SonFichier()) return;
-  const auto Secondes =
-      Ombrey::Comme<double>(Connexion.Lire("SELECT CAST(EXTRACT(EPOCH FROM now()) AS DOUBLE PRECISION)"));
+  const auto Secondes = Ombrey::Comme<double>(Connexion.Lire("SELECT date_part('epoch', now())"));
   if (!Secondes) return;
   const double Écart = static_cast<double>(std::time(nullptr)) - *Secondes;
   const std::string Texte =
@@ -127,38 +128,75 @@ Constat ExaminerHorloge(double AvanceDesChargements) {
   if (AvanceDesChargements > AvancePermise)
     return {Jugement::Mauvais, "horloge", Texte + ", et la base a un chargement d'un jour à venir.",
             "comparez avec l'heure du terminal ; " + Remède};
+  if (AvanceDesChargements > AvanceDHorloge)
+    return {Jugement::ÀVoir, "horloge", Texte + ", et la base a un chargement d'une heure à venir.",
+            "comparez l'heure et le fuseau avec ceux du terminal : timedatectl"};
   if (!EstRégléeParRéseau())
     return {Jugement::ÀVoir, "horloge", Texte + " ; aucun serveur de temps ne la règle.", Remède};
   return {Jugement::Bon, "horloge", Texte + "."};
 }
 
-double ExaminerBase(const Options& Choisies, std::vector<Constat>& Constats) {
+/// What the station would be refused, or go without.
+void ExaminerDroits(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
+  if (Connexion.SonFichier() || NuméroSchémaDe(Connexion) != NuméroSchéma) return;
+  constexpr const char* Remède = "le propriétaire des tables les donne par GRANT : docs/server.md, « Rights »";
+  Ombrey::ErreurEnAttente Refus;
+  const bool LesA = Ignorer(Refus, [&] { VérifierDroits(Connexion); });
+  const std::string Sans = SansSigneDeVie(Connexion);
+  if (!LesA)
+    Constats.push_back({Jugement::Mauvais, "droits", Refus.Texte(), Remède});
+  else if (!Sans.empty())
+    Constats.push_back({Jugement::ÀVoir, "droits", Sans, Remède});
+  else
+    Constats.push_back({Jugement::Bon, "droits", "ce compte a tous ceux d'une station.", ""});
+}
+
+std::string RemèdeLectureSeule(const Options& Choisies) {
+  const auto Fichier = FichierDeBase(Choisies.Base);
+  return Fichier ? DonnerÀCeCompte(*Fichier)
+                 : "donnez l'adresse du serveur qui écrit, ou target_session_attrs=read-write";
+}
+
+/// What mends a base that can't be opened.
+std::string RemèdeBase(const Options& Choisies, const LieuxMachine& Lieux) {
+  const std::string Nom = PourCommande(Choisies.Base);
+  const std::string Créer = "tarvel --creer-base " + Nom;
+  const auto Fichier = FichierDeBase(Choisies.Base);
+  if (!Fichier)
+    return "voyez si le serveur tourne, et si l'adresse, le compte, ~/.pgpass et le certificat sont bons (psql " + Nom +
+           " en dit plus) ; " + Créer + " met les tables dans une base vide";
+  const std::string Remettre = "tarvel --base " + Nom + " --restaurer SAUVEGARDE la remet";
+  std::error_code Code;
+  if (!fs::exists(*Fichier, Code)) return Créer + " en crée une ; " + Remettre;
+  if (!Ombrey::DisqueRéseau(*Fichier, Lieux.Montages).empty())
+    return "arrêtez les stations, puis tarvel --base " + Nom +
+           " --sauvegarder FICHIER_SUR_CE_POSTE, et mettez Base= à "
+           "ce fichier";
+  return Remettre;
+}
+
+double ExaminerBase(const Options& Choisies, const LieuxMachine& Lieux, std::vector<Constat>& Constats) {
   constexpr const char* Sujet = "base";
   if (Choisies.Base.empty()) {
     Constats.push_back({Jugement::Mauvais, Sujet, "aucune n'est nommée.",
                         "mettez Base= dans la section [Tarvel] des réglages, ou donnez --base"});
     return 0;
   }
-  const std::string Nom = PourCommande(Choisies.Base);
   try {
-    const auto Connexion = OuvrirCoopérative(Choisies.Base);
+    const auto Connexion = OuvrirCoopérative(Choisies.Base, {}, Lieux.Montages);
     const auto Nombre = Ombrey::TexteOuVide(Connexion->Lire("SELECT COUNT(*) FROM Chargement"), {});
     if (Connexion->EstEnLectureSeule())
       Constats.push_back({Jugement::Mauvais, Sujet,
                           Choisies.Base + " ne peut être que lue : rien n'y serait enregistré.",
-                          DonnerÀCeCompte(Chemin(Choisies.Base))});
+                          RemèdeLectureSeule(Choisies)});
     else
       Constats.push_back({Jugement::Bon, Sujet, Choisies.Base + " s'ouvre, chargements : " + Nombre});
     ExaminerSchéma(*Connexion, Constats);
+    ExaminerDroits(*Connexion, Constats);
     ExaminerHorlogeServeur(*Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
   } catch (const Ombrey::ErreurExécution& Erreur) {
-    std::error_code Code;
-    const auto Fichier = FichierDeBase(Choisies.Base);
-    const bool Présente = !Fichier || fs::exists(*Fichier, Code);
-    const std::string Remettre = "tarvel --base " + Nom + " --restaurer SAUVEGARDE la remet";
-    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(),
-                        Présente ? Remettre : "tarvel --creer-base " + Nom + " en crée une ; " + Remettre});
+    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(), RemèdeBase(Choisies, Lieux)});
     return 0;
   }
 }
@@ -223,7 +261,7 @@ std::vector<Constat> Diagnostiquer(const Options& Choisies, const LieuxMachine& 
   std::vector<Constat> Constats = {ExaminerVersions(Choisies)};
   ExaminerCompte(Choisies, Constats);
   ExaminerLigne(Choisies, Lieux, Constats);
-  const double AvanceDesChargements = ExaminerBase(Choisies, Constats);
+  const double AvanceDesChargements = ExaminerBase(Choisies, Lieux, Constats);
   ExaminerDisque(Choisies, Constats);
   Constats.push_back(ExaminerHorloge(AvanceDesChargements));
   if (!Choisies.Dossier.empty()) Constats.push_back(ExaminerDossier(Choisies));

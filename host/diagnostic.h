@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "host/options.h"
+#include "platform/system/network_drive.h"
 
 namespace Tarvel {
 
@@ -19,10 +20,11 @@ struct Constat {
   std::string ÀFaire{};  ///< what mends it, the command where there is one; empty when nothing is to be done
 };
 
-/// Where the machine tells of its ports and takes the rules for their names.
+/// Where the machine tells of its ports and drives and takes the rules for their names.
 struct LieuxMachine {
   std::filesystem::path Ports = "/sys/class/tty";
   std::filesystem::path Règles = "/etc/udev/rules.d";
+  std::filesystem::path Montages = Ombrey::MontagesDuSystème;
 };
 
 /// Looks at settings, port, name of the adapter, base, disk, clock and working folder of the station that the options

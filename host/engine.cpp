@@ -34,9 +34,10 @@ std::string FauteDAdresse(const std::string& Base) {
   if (Base.starts_with("postgres://")) return "l'adresse d'un serveur commence par postgresql://";
   if (!EstSurServeur(Base)) return "";
   const std::size_t Début = ProtocoleServeur.size();
-  const std::string AvantLesOptions = Base.substr(Début, Base.find('?') - Début);
-  const std::size_t Compte = AvantLesOptions.rfind('@');
-  const bool DansLeCompte = Compte != std::string::npos && AvantLesOptions.find(':') < Compte;
+  // An account goes up to the first "/", whatever else stands in it.
+  const std::string AvantLeNom = Base.substr(Début, Base.find('/', Début) - Début);
+  const std::size_t Compte = AvantLeNom.rfind('@');
+  const bool DansLeCompte = Compte != std::string::npos && AvantLeNom.find(':') < Compte;
   // Others of this machine see a command line, and a settings file is copied without a thought.
   if (DansLeCompte || Base.find("password=") != std::string::npos)
     return "le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass";

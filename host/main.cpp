@@ -72,6 +72,7 @@ std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, 
     Édition.Dire("La base « " + Choisies.Base + " » est en lecture seule : rien n'y sera enregistré.");
     return Connexion;
   }
+  if (const std::string Sans = Tarvel::SansSigneDeVie(*Connexion); !Sans.empty()) Édition.Dire(Sans);
   Ombrey::ErreurEnAttente SansDroit;
   if (!Ignorer(SansDroit, [&] { Tarvel::CompléterArchive(*Connexion); }))
     Édition.Dire("ChargementArchive n'a pas toutes les colonnes de Chargement ; son propriétaire doit les ajouter. " +
@@ -171,7 +172,9 @@ int Accomplir(const Tarvel::Options& Choisies) {
       Copier("copie", [&](const auto& Dire) { return Tarvel::CopierBase(Choisies.Base, Choisies.Vers, Dire); });
       break;
     case Tarvel::Tâche::Exporter: {
-      Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
+      const auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base);
+      const Ombrey::SansHâte Patiente(*Connexion);
+      Ombrey::BaseLue Base(Connexion);
       std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
       break;
     }

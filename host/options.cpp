@@ -202,8 +202,10 @@ void PréciserChemins(Options& Lues) {
     const fs::path Vrai = fs::weakly_canonical(fs::absolute(*Fichier));
     Lues.Base = Ombrey::TexteChemin(Vrai);
     if (Lues.Dossier.empty()) Lues.Dossier = Vrai.parent_path();
-  } else if (!Lues.Base.empty() && Lues.Dossier.empty()) {
-    Lues.Dossier = DossierUtilisateur();
+  } else if (!Lues.Base.empty()) {
+    if (Contient(Tâche::Sauvegarder | Tâche::Restaurer, Lues.QueFaire))
+      throw ErreurOptions("la base d'un serveur se sauvegarde par pg_dump, et se remet par pg_restore");
+    if (Lues.Dossier.empty()) Lues.Dossier = DossierUtilisateur();
   }
   if (!Lues.Dossier.empty()) Lues.Dossier = fs::absolute(Lues.Dossier);
 }

@@ -1,6 +1,7 @@
 // What the operator is told at a glance.
 #include "host/overview.h"
 
+#include <cmath>
 #include <ctime>
 #include <utility>
 
@@ -14,6 +15,7 @@
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
 #include "contracts/system.h"
+#include "host/load_report.h"
 #include "host/unread_file.h"
 #include "platform/system/machine_system.h"
 
@@ -29,6 +31,8 @@ namespace Place = Ombrey::PositionFixe;
 
 constexpr const char* RemèdeBase =
     "Voir si la base peut être écrite (autre programme, disque plein) : le chargement revient de lui-même.";
+
+constexpr double EntreAvis = 1 / 24.;  ///< of clocks that differ, in days
 
 /// A field of the load record as the operator knows it.
 struct ChampLisible {
@@ -61,6 +65,16 @@ std::string Numéro(const std::string& Trame) {
   return EstNombre ? Ombrey::SupprZéroDébut(Lu) : SansNuméro;
 }
 
+/// By the terminal's clock; none when it names no moment.
+std::optional<double> ArrivéeDe(const std::string& Trame) {
+  if (Trame.empty()) return std::nullopt;
+  const auto Lire = [&](Position Place) { return std::string(Place.Dans(Enregistrement(Trame)).Bruts()); };
+  const std::string Texte = Lire(Place::Jour) + "/" + Lire(Place::Mois) + "/" + Lire(Place::Année) + " " +
+                            Lire(Place::Heure) + ":" + Lire(Place::Minute);
+  const auto Lue = Ombrey::LireDate(Texte, HeureLocale().Année);
+  return Lue ? std::optional(NuméroDeJour(*Lue)) : std::nullopt;
+}
+
 std::string Champs(const std::string& Trame) {
   std::string Texte;
   if (Trame.empty()) return Texte;
@@ -76,6 +90,11 @@ DateHeure HeureDe(system_clock::time_point Quand) {
   std::tm Locale{};
   localtime_r(&Instant, &Locale);
   return {.Heure = Locale.tm_hour, .Minute = Locale.tm_min, .Seconde = Locale.tm_sec};
+}
+
+bool EstValeurIllisible(const std::string& Raison) {
+  return Raison.find(Ombrey::Description::IncompatibilitéDeType) != std::string::npos ||
+         Raison.find(Ombrey::Description::DépassementDeCapacité) != std::string::npos;
 }
 
 /// The time of day, and the day where it is another one.
@@ -114,6 +133,10 @@ void Veille::NoterLigne(const std::string& Ligne) {
 
 void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
   if (Titre == Ombrey::Phrase::TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
+  if (Titre == Ombrey::Phrase::TitreExploitation) {
+    Panne_ = Message;
+    PassageDePanne_ = Passage_;
+  }
   NoterTexte(Message);
 }
 
@@ -147,6 +170,9 @@ void Veille::NoterTransfert(bool Ouverte) {
 
 void Veille::NoterTexte(const std::string& Texte) {
   Refus Lu = LireRefus(Texte);
+  // A holding that couldn't be looked for isn't known to be missing.
+  if (Lu.Motif.starts_with(Ombrey::Phrase::ExploitationIntrouvable) && EstSansRecherche())
+    Lu = {std::move(Lu.Sujet), Panne_, EstValeurIllisible(Panne_) ? RemèdeValeur : RemèdeBase};
   if (!Lu.Sujet.empty()) Refuser(std::move(Lu), "");
   Changer();
 }
@@ -168,9 +194,16 @@ void Veille::Refuser(Refus Lu, std::string Contenu) {
                                .Passage = Passage_});
 }
 
-void Veille::NoterReçu() {
+std::string Veille::NoterReçu() {
   Refus_.Vider();
   Changer();
+  const double Maintenant = NuméroDeJour(HeureLocale());
+  const double Avance = ArrivéeDe(Trame_).value_or(Maintenant) - Maintenant;
+  if (Avance < AvanceDHorloge || (Horloges_ && std::abs(Maintenant - *Horloges_) < EntreAvis)) return {};
+  Horloges_ = Maintenant;
+  return "Le chargement n° " + Numéro(Trame_) + " est arrivé au RG80 à " + TexteMoment(Maintenant + Avance) +
+         ", et cette station n'en est qu'à " + TexteMoment(Maintenant) +
+         " : comparez l'heure et le fuseau des deux, sinon des chargements manquent dans la liste du jour.";
 }
 
 void Veille::ToutEstLu() {

@@ -18,6 +18,10 @@
 
 namespace Tarvel {
 
+/// A load that is so many days ahead of this machine's clock was timed by one of another zone, or a wrong one. One that
+/// is late has waited.
+inline constexpr double AvanceDHorloge = 15 / 1440.;
+
 /// Is told what happens, and words it. Times are those of the machine.
 class Veille {
  public:
@@ -31,8 +35,9 @@ class Veille {
   /// Nothing is collected while the transfer window is open.
   void NoterTransfert(bool Ouverte);
   void NoterRefus(const ImportRefusé& Import);
-  /// A load has come in. The terminal offers the head of its queue alone: what it offered before is settled.
-  void NoterReçu();
+  /// A load has come in. The terminal offers the head of its queue alone: what it offered before is settled. What is
+  /// to be said of the terminal's clock, once an hour; mostly empty.
+  [[nodiscard]] std::string NoterReçu();
   void ToutEstLu();
 
   /// Called behind whatever changes the tables, or the link's state.
@@ -54,6 +59,8 @@ class Veille {
 
  private:
   void NoterTexte(const std::string& Texte);
+  /// True when this frame's holding couldn't be looked for.
+  [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);
   void Changer() const;
   void GarderNonLus();
@@ -66,9 +73,12 @@ class Veille {
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
   std::optional<std::chrono::system_clock::time_point> Relevé_;
   std::optional<std::chrono::system_clock::time_point> SuspendueDepuis_;
-  std::string Tampon_;       ///< what came over the line last
-  std::string Trame_;        ///< the last whole load record
-  std::size_t Passage_ = 0;  ///< counts them
+  std::optional<double> Horloges_;  ///< when they were last told to differ, in days
+  std::string Tampon_;              ///< what came over the line last
+  std::string Trame_;               ///< the last whole load record
+  std::size_t Passage_ = 0;         ///< counts them
+  std::string Panne_;               ///< why a holding couldn't be looked for
+  std::size_t PassageDePanne_ = 0;
 };
 
 }  // namespace Tarvel

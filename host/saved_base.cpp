@@ -23,7 +23,11 @@ fs::path NomLibre(const fs::path& Base, const char* Raison) {
 }  // namespace
 
 std::string SauvegarderBase(const fs::path& Base, const fs::path& Copie, const Ombrey::Progrès& Dire) {
-  static_cast<void>(OuvrirCoopérative(Base));
+  // What a station on another machine has not yet put into the file can't be had from here.
+  if (!Ombrey::DisqueRéseau(Base).empty() && EstOuvertAilleurs(Base))
+    throw ErreurExécution("La base « " + TexteChemin(Base) +
+                          " » est sur un disque de réseau, et un programme y travaille : arrêtez-le d'abord.");
+  static_cast<void>(OuvrirAuRepos(Base));
   CopierFichier(Base, Copie, Dire);
   return "La base « " + TexteChemin(Base) + " » est sauvegardée dans « " + TexteChemin(Copie) + " ».";
 }
@@ -36,7 +40,7 @@ std::string RestaurerBase(const fs::path& Base, const fs::path& Copie, const Omb
   if (YEnAUne && EstOuvertAilleurs(Base))
     throw ErreurExécution("Une station ou un autre programme travaille sur la base « " + TexteChemin(Base) +
                           " » : arrêtez-les avant de la remplacer.");
-  static_cast<void>(OuvrirCoopérative(Copie));
+  static_cast<void>(OuvrirAuRepos(Copie));
   CopierFichier(Copie, Neuve, Dire);
   std::string Fait = "La base « " + TexteChemin(Base) + " » est celle de la sauvegarde « " + TexteChemin(Copie) + " ».";
   if (YEnAUne) {

@@ -98,6 +98,15 @@ void CréerTables(IConnexion& Connexion) {
   for (int Numéro = PremierSchéma; Numéro < NuméroSchéma; ++Numéro) PasserAuSchémaSuivant(Connexion, Numéro);
 }
 
+void RefuserDisqueRéseau(const std::string& Base, const std::filesystem::path& Montages) {
+  const auto Fichier = FichierDeBase(Base);
+  const std::string Genre = Fichier ? Ombrey::DisqueRéseau(*Fichier, Montages) : "";
+  if (!Genre.empty())
+    throw ErreurExécution("La base « " + Base + " » est sur un disque de réseau (" + Genre +
+                          ") : deux machines y perdraient des chargements. Un seul poste tient sa base sur un disque à"
+                          " lui ; plusieurs postes en ont une sur un serveur (postgresql://…)");
+}
+
 }  // namespace
 
 void CréerBase(const std::string& Base, bool AvecExemple) {
@@ -109,6 +118,7 @@ void CréerBase(const std::string& Base, bool AvecExemple) {
 std::span<const char* const> TablesCoopérative() { return Tables; }
 
 void CréerBase(const std::string& Base, const std::function<void(IConnexion&)>& Remplir) {
+  RefuserDisqueRéseau(Base, Ombrey::MontagesDuSystème);
   auto Connexion = CréerMoteur(Base);
   try {
     const Ombrey::SansHâte Patiente(*Connexion);
@@ -126,7 +136,13 @@ void CréerBase(const std::string& Base, const std::function<void(IConnexion&)>&
   }
 }
 
-std::shared_ptr<IConnexion> OuvrirCoopérative(const std::string& Base, Ombrey::Horloge Maintenant) {
+std::shared_ptr<IConnexion> OuvrirCoopérative(const std::string& Base, Ombrey::Horloge Maintenant,
+                                              const std::filesystem::path& Montages) {
+  RefuserDisqueRéseau(Base, Montages);
+  return OuvrirAuRepos(Base, std::move(Maintenant));
+}
+
+std::shared_ptr<IConnexion> OuvrirAuRepos(const std::string& Base, Ombrey::Horloge Maintenant) {
   auto Connexion = OuvrirMoteur(Base, std::move(Maintenant));
   std::string Absentes;
   for (const char* Table : Tables)

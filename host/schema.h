@@ -1,6 +1,7 @@
 // The cooperative's tables: a new database, and a look at whether a database has them.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <span>
@@ -8,6 +9,7 @@
 
 #include "contracts/host.h"
 #include "platform/database/connection.h"
+#include "platform/system/network_drive.h"
 
 namespace Tarvel {
 
@@ -23,10 +25,15 @@ void CréerBase(const std::string& Base, const std::function<void(Ombrey::IConne
 /// All tables that hold what a cooperative has.
 [[nodiscard]] std::span<const char* const> TablesCoopérative();
 
-/// Opens a database that has all the tables that a station needs. Raises ErreurExécution when it can't be opened, or
-/// with the names of those that are missing.
-[[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirCoopérative(const std::string& Base,
-                                                                    Ombrey::Horloge Maintenant = {});
+/// Opens a database that has all the tables that a station needs. Raises ErreurExécution when it can't be opened, with
+/// the names of those that are missing, or when it is a file on a network drive: programs on two machines share neither
+/// the memory nor always the locks that keep them from losing each other's loads.
+[[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirCoopérative(
+    const std::string& Base, Ombrey::Horloge Maintenant = {},
+    const std::filesystem::path& Montages = Ombrey::MontagesDuSystème);
+/// The same for one that nobody works on, on whatever drive.
+[[nodiscard]] std::shared_ptr<Ombrey::IConnexion> OuvrirAuRepos(const std::string& Base,
+                                                                Ombrey::Horloge Maintenant = {});
 
 /// Raises ErreurExécution with the rights that a station's user lacks. A base that can only be read wants none.
 void VérifierDroits(Ombrey::IConnexion& Connexion);

@@ -32,8 +32,10 @@ class ÉchoHôte final : public Ombrey::IEventPlugin {
  public:
   explicit ÉchoHôte(IÉdition& Édition) : Édition_(Édition) {}
   void Signaler(const std::string& Texte) override {
-    if (Texte.starts_with(Ombrey::Phrase::ChargementAjouté)) Édition_.LaVeille().NoterReçu();
+    const bool EstReçu = Texte.starts_with(Ombrey::Phrase::ChargementAjouté);
+    const std::string Horloges = EstReçu ? Édition_.LaVeille().NoterReçu() : "";
     Édition_.Dire(Texte);
+    if (!Horloges.empty()) Édition_.Dire(Horloges);
   }
 
  private:

@@ -40,6 +40,13 @@ void RegistreStations::Signaler() {
   });
 }
 
+std::string SansSigneDeVie(Ombrey::IConnexion& Connexion) {
+  const std::string Manquants = Connexion.DroitsManquants("Station", {"SELECT", "INSERT", "UPDATE"});
+  return Manquants.empty()
+             ? ""
+             : "Cette station ne sera pas dans la liste des stations : il manque " + Manquants + " sur Station.";
+}
+
 Rangées TableauStations(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes) {
   Rangées Tableau{{"Site", "Machine", "Dernier chargement", "Dernier signe de vie"}};
   const auto Lignes = Base.OpenRecordset(SqlStations, Ombrey::TypeRecordset::VersLAvant);

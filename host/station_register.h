@@ -25,6 +25,9 @@ class RegistreStations {
   std::chrono::steady_clock::time_point Prochain_{};
 };
 
+/// Why a station of this account stays unlisted; mostly empty.
+[[nodiscard]] std::string SansSigneDeVie(Ombrey::IConnexion& Connexion);
+
 /// Site, machine, last load and last sign of life of each station.
 [[nodiscard]] Rangées TableauStations(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes);
 

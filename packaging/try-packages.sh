@@ -57,6 +57,7 @@ look_at_packages() {
   silent lintian --allow-root --fail-on none --display-level '>=warning' "$work"/one/*.changes
   local unpacked=$work/unpacked deb page program
   for deb in $(packages_of one); do dpkg-deb -x "$deb" "$unpacked"; done
+  [ -f "$unpacked/usr/share/doc/ombrey/docs/guide-operateur.md" ] || fail "the guide isn't where F1 looks for it"
   silent desktop-file-validate "$unpacked"/usr/share/applications/*.desktop
   appstreamcli validate --no-net "$unpacked"/usr/share/metainfo/*.xml >"$work/appstream" 2>&1 || fail "$(cat "$work/appstream")"
   while read -r page; do

@@ -28,6 +28,7 @@ inline constexpr const char* TrameEnÉchec = "TraiterDonnéesReçues : ";
 inline constexpr const char* DuChargement = "chargement n° ";
 inline constexpr const char* ExploitationIntrouvable = "Code exploitation introuvable : /";
 // src/import/holding_checks.cpp
+inline constexpr const char* TitreExploitation = "Vérification d'exploitation";
 inline constexpr const char* CrééParRG80 = "-Crée par le RG80";
 // src/import/import_notifications.cpp
 inline constexpr const char* NouveauChargement = "Importation d'un nouveau chargement : Site ";

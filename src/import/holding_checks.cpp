@@ -11,7 +11,6 @@
 namespace Ombrey {
 namespace {
 
-constexpr const char* TitreBoîte = "Vérification d'exploitation";
 constexpr const char* CodeInconnu = "0";
 
 std::string SujetGroupe(const std::string& Groupe) { return "groupe « " + Groupe + " »"; }
@@ -32,7 +31,7 @@ std::string VérificationExploitation::VérifierExploitation(std::string& Propri
     if (ChercherExploitation(Propriétaire, Récoltant, Part, Groupe, Code)) return Code;
     return CréerExploitation(Propriétaire, Récoltant, Part, Groupe);
   } catch (const std::exception& Erreur) {
-    if (!État_.Abandon) État_.Avertir(Erreur.what(), TitreBoîte);
+    if (!État_.Abandon) État_.Avertir(Erreur.what(), Phrase::TitreExploitation);
     return {};
   }
 }

@@ -233,6 +233,10 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
        "postgresql://h:5432,g/cave?user=a@b  " + D + "/ombrey"},
       {"[Tarvel]\nBase=postgresql://moi:secret@h/cave", {"--ini", Ini},
        "le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass"},
+      {"", {"--ini", "absent", "--base", "postgresql://u:a?b@h/db"},
+       "le mot de passe n'a pas sa place dans l'adresse de la base : il se met dans ~/.pgpass"},
+      {"", {"--base", "postgresql://h/cave", "--restaurer", "f"},
+       "la base d'un serveur se sauvegarde par pg_dump, et se remet par pg_restore"},
       // clang-format on
   };
   setenv("XDG_DATA_HOME", D.c_str(), 1);

@@ -6,6 +6,8 @@
 #include <thread>
 
 #include "host/copied_base.h"
+#include "host/diagnostic.h"
+#include "host/station_register.h"
 #include "platform/loop/descriptor.h"
 #include "tests/host/cooperative_fixture.h"
 
@@ -121,15 +123,36 @@ TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePaint
   EXPECT_GT(Peints, 20) << "the silent server was waited for with the windows alive";
 }
 
-TEST_F(Serveur, ARoleIsToldWhichRightsItLacks) {
+/// What the session finds ahead of the server's own functions stands for a clock and for a pooler.
+TEST_F(Serveur, ARoleIsToldWhichRightsItLacksAndTheDiagnosisSaysWhatMendsABase) {
   ServeurDEssai::Faire(Adresse_,
                        "CREATE ROLE poste2 LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO poste2;"
-                       " GRANT INSERT ON \\\"Métayage\\\" TO poste2");
-  std::string Sienne = Adresse_;
-  const auto Compte = OuvrirMoteur(Sienne.replace(Sienne.find("tarvel@"), 7, "poste2@"));
-  const std::string Dit = Refus([&] { VérifierDroits(*Compte); });
-  EXPECT_NE(Dit.find("\n  INSERT sur Coopérateur\n  INSERT, UPDATE, DELETE sur Chargement\n"), std::string::npos)
-      << Dit;
+                       " GRANT INSERT ON \\\"Métayage\\\" TO poste2; CREATE SCHEMA tard; CREATE FUNCTION tard.now() "
+                       "RETURNS timestamptz LANGUAGE sql AS"
+                       " 'SELECT pg_catalog.now() - interval ''90 s'''; CREATE SCHEMA lent;"
+                       " CREATE FUNCTION lent.pg_backend_pid() RETURNS int LANGUAGE sql AS 'SELECT 1'");
+  const auto Sous = [&](std::string Compte) { return "postgresql://" + Compte + Adresse_.substr(Adresse_.find('@')); };
+  const std::string Chemin = Adresse_ + "&options=-csearch_path%3D";
+  const std::array<std::string, 3> Cas[] = {
+      // clang-format off
+      {Adresse_, "bon     droits : ", ""},
+      {Sous("poste2"), "mauvais droits : Il manque", "   INSERT sur Coopérateur   INSERT, UPDATE, DELETE sur Chargement "},
+      {Sous("poste2"), "mauvais droits : Il manque", "par GRANT"},
+      {Sous("personne"), "mauvais base : Le serveur de la base ne peut pas être joint", "~/.pgpass"},
+      {Chemin + "tard,public,pg_catalog", "à voir  horloge du serveur : ", ", le serveur retarde. À faire : sudo tim"},
+      {Chemin + "lent,public,pg_catalog", "mauvais base : L'adresse de la base est celle d'un répartiteur", ""},
+      // clang-format on
+  };
+  for (const auto& [Base, Dit, ÀFaire] : Cas) {
+    Options Choisies;
+    Choisies.Base = Base;
+    const std::string Texte = "\n" + TexteDiagnostic(Choisies);
+    const std::size_t Début = Texte.find("\n" + Dit);
+    ASSERT_NE(Début, std::string::npos) << Texte;
+    EXPECT_NE(Texte.substr(Début + 1, Texte.find('\n', Début + 1) - Début).find(ÀFaire), std::string::npos) << Texte;
+  }
+  const auto Compte = OuvrirMoteur(Sous("poste2"));
+  EXPECT_NE(SansSigneDeVie(*Compte).find("il manque INSERT, UPDATE sur Station"), std::string::npos);
   EXPECT_TRUE(Refus([&] { Compte->Exécuter("DELETE FROM Chargement"); }).starts_with("Droit refusé par le serveur ("));
 }
 
@@ -142,11 +165,12 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
   Départ->ExécuterTout(
       "ALTER TABLE Chargement ADD COLUMN [N° de ticket] VARCHAR(9); UPDATE Métayage SET Surface = '8,5';"
       "INSERT INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Degré, [N° de ticket])"
-      " VALUES (7, '1', 12, 46287.5, '4', 12.5, 'l''été')");
-  EXPECT_NE(CopierBase(Fichier, Autre).find("\n  Métayage : 15"), std::string::npos);
+      " VALUES (7, '1', 12, 46287.5, '4', 12.5, 'l''été'); CREATE TABLE Visite (Quoi TEXT)");
+  const std::string Fait = CopierBase(Fichier, Autre);
+  EXPECT_TRUE(Fait.find("\n  Métayage : 15") != Fait.npos && Fait.ends_with("\nRestent sur place : Visite")) << Fait;
   OuvrirMoteur(Autre)->ExécuterTout(
       "ALTER TABLE Chargement ADD COLUMN [Vu le] TIMESTAMP; UPDATE Chargement SET [Vu le] = '2026-09-22 12:00:00'");
-  EXPECT_NE(CopierBase(Autre, Retour).find("\n  Chargement : 1"), std::string::npos);
+  EXPECT_TRUE(CopierBase(Autre, Retour).ends_with("\n  Paramètre : 2"));
   for (const std::string& Base : {Autre, Retour}) {
     const auto Copie = OuvrirCoopérative(Base);
     EXPECT_EQ(Copie->Lire("SELECT Surface FROM Métayage WHERE IdMétayage = '4'"), Ombrey::ValeurChamp{8.5}) << Base;

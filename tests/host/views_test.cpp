@@ -4,6 +4,7 @@
 #include "base/files.h"
 #include "contracts/line_protocol.h"
 #include "host/overview.h"
+#include "platform/system/machine_system.h"
 #include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
 
@@ -93,8 +94,9 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
   Veille Vue;
   Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
-  const auto Offrir = [&Vue](std::size_t Taille = Ombrey::LongTrameChargement) {
-    const std::string Trame = "\002001222092608050806000123000456001100000005011x510850007\00342";
+  std::string Année = "26";
+  const auto Offrir = [&](std::size_t Taille = Ombrey::LongTrameChargement) {
+    const std::string Trame = "\00200122209" + Année + "08050806000123000456001100000005011x510850007\00342";
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(0, 20)));
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(20, Taille - 20)));
   };
@@ -109,6 +111,9 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
     Vue.NoterLigne(Dit);
   EXPECT_EQ(Résumé(), "12 1 TraiterDonnéesReçues : degré du chargement n° 12|") << "one frame counts once";
   Offrir();
+  Vue.NoterBoîte("Vérification d'exploitation", "Le serveur de la base ne répond pas");
+  Vue.NoterLigne("Code exploitation introuvable : /12");
+  EXPECT_EQ(Résumé(), "12 2 Le serveur de la base ne répond pas|") << Vue.Détail(0);
   Vue.NoterRefus({"La base est verrouillée.", "ligne", false});
   EXPECT_EQ(Résumé(), "12 2 La base est verrouillée.|");
   for (const char* Su : {"Récoltant : 000456", "Degré (dixièmes) : 1x5", "gardé"})
@@ -116,8 +121,12 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Offrir(30);
   Vue.NoterBoîte("RG80 Ombrey", "Données trop courtes");
   EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
-  Vue.NoterReçu();
-  EXPECT_EQ(Résumé() + Vue.Détail(0), "");
+  const std::string Dit = Vue.NoterReçu();
+  EXPECT_EQ(Dit + Résumé() + Vue.Détail(0), "");
+  Année = std::to_string(Ombrey::HeureLocale().Année % 100 + 1);
+  Offrir();
+  EXPECT_TRUE(Vue.NoterReçu().starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
+  EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
   Veille Suivante;
   Suivante.Ouvrir(Dossier.Chemin(), Dossier.Chemin());

@@ -35,6 +35,7 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
       {"rmdir poste; : > poste", "", "mauvais dossier : ", "--dossier"},
       {"chmod 555 poste", Autre, "mauvais dossier : ", "sudo chown -R "},
       {"true", "", "bon     schéma : ", ""},
+      {"true", "env sh -c 'exec \"$@\" --greffon absent' - ", "mauvais versions : ", "--reinstall ombrey"},
       // clang-format on
   };
   for (const auto& [Acte, Par, Dit, ÀFaire] : Cas) {
@@ -87,6 +88,10 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   P.Finir("1 1 0");
   P.Faire("UPDATE Chargement SET DateCh = DateCh + 90000");
   Constater("mauvais horloge : ");
+  P.Faire("UPDATE Chargement SET DateCh = DateCh - 89999.9");
+  Constater("à voir  horloge : ");
+  P.Faire("UPDATE Schéma SET Numéro = 3");
+  Constater("à voir  schéma : ");
   P.Faire("UPDATE Schéma SET Numéro = 99");
   Constater("mauvais schéma : ");
 }
@@ -98,7 +103,7 @@ TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
       "printf 0403 > usb/idVendor && printf A1 > usb/serial && sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini");
   Tarvel::Options Choisies;
   Choisies.Ini = P.En("tarvel.ini");
-  const Tarvel::LieuxMachine Lieux{P.En("tty"), P.En("regles")};
+  const Tarvel::LieuxMachine Lieux{P.En("tty"), P.En("regles"), P.En("montages")};
   const auto Constater = [&](const std::string& Attendu) {
     std::string Textes;
     for (const auto& Un : Tarvel::Diagnostiquer(Choisies, Lieux)) Textes += TexteConstat(Un) + "\n";
@@ -112,6 +117,9 @@ TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
   P.Faire("$ cp -a tty/ttyUSB0 tty/ttyUSB1 && rm regles/*");
   Constater("n'est pas reconnu. À faire : branchez cet adaptateur seul");
   EXPECT_TRUE(std::filesystem::is_empty(P.En("regles")));
+  P.Faire("$ stat -c '9 1 %Hd:%Ld / / rw shared:1 - nfs4 nas:/cave rw' . > montages");
+  Choisies.Base = P.En("cave.db");
+  Constater("est sur un disque de réseau (nfs4) : deux machines y perdraient des chargements");
 }
 
 }  // namespace Ombrey::Essais

@@ -79,8 +79,13 @@ ConnexionPostgresql::ConnexionPostgresql(const std::string& Adresse, Horloge Mai
 void ConnexionPostgresql::Relier() {
   Lien_.Ouvrir();
   try {
-    const Résultat Lus = Lien_.Demander("SELECT current_setting('transaction_read_only')");
+    const Résultat Lus = Lien_.Demander("SELECT current_setting('transaction_read_only'), pg_backend_pid()");
     EstEnLectureSeule_ = std::string_view(PQgetvalue(Lus.get(), 0, 0)) == "on";
+    // Somebody between us and the server lends out its sessions: a site's lock would be the next one's.
+    if (PQgetvalue(Lus.get(), 0, 1) != std::to_string(Lien_.Processus()))
+      throw ErreurExécution(
+          "L'adresse de la base est celle d'un répartiteur de liaisons (PgBouncer) : une station veut la session du"
+          " serveur pour elle seule ; donnez l'adresse du serveur même");
     if (Site_) VerrouillerSite();
   } catch (const ErreurExécution&) {
     Lien_.Fermer();
