@@ -37,6 +37,9 @@ struct ÉtatPartagé {
   ErreurEnAttente Erreur;           ///< the pending run-time failure
   UsageLiaison Liaison;
 
+  /// True for who began with this base and has nobody left to answer for: the plug-in is ending, or works on another
+  /// base now. Holding, row and figures of one load come from one database.
+  [[nodiscard]] bool EstRompu(const std::shared_ptr<IBaseDeD>& Début) const { return Abandon || BaseDeD != Début; }
   /// A box with an OK button. Without a title it bears the plug-in's name.
   void Avertir(const std::string& Texte, const std::string& Titre = NomPlugIn) {
     Plateforme.Fenêtres().Boîte(Texte, Titre, BoutonsBoîte::Ok);

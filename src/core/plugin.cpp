@@ -121,6 +121,8 @@ std::shared_ptr<IBaseDeD> PlugIn::IPlugInTarvel_BaseDeD() const { return État_.
 
 void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
   ErreurEnAttente Ignorée;
+  // The new base may have a load of its own under this number.
+  if (Objet != État_.BaseDeD) État_.DernierNoChargement.clear();
   // The former base's objects go even when the new one can't give its own: no load of one goes into the other.
   DéconnecterÉvénements();
   État_.BaseDeD = std::move(Objet);

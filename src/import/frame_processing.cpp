@@ -100,8 +100,9 @@ std::string TraitementTrame::TrouverExploitation(const Octets& Enregistrement) {
   std::string Part =
       Lire(Enregistrement, PositionFixe::PartEntière) + "." + Lire(Enregistrement, PositionFixe::PartDécimale);
   std::string Groupe = Lire(Enregistrement, PositionFixe::Groupe);
+  const auto Base = État_.BaseDeD;
   std::string Code = Exploitations_.VérifierExploitation(Propriétaire, Récoltant, Part, Groupe);
-  if (Code.empty() && !État_.Abandon) {
+  if (Code.empty() && !État_.EstRompu(Base)) {
     const std::string Texte = Phrase::ExploitationIntrouvable + Lire(Enregistrement, PositionFixe::FinPropriétaire) +
                               "/" + Lire(Enregistrement, PositionFixe::FinRécoltant) + "/" + Part + "/" + Groupe;
     État_.Canal.AjouterErreur(Texte);

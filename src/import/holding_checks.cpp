@@ -22,16 +22,17 @@ std::string VérificationExploitation::VérifierExploitation(std::string& Propri
   const Régional Formes = État_.Formes();
   if (!EstNumérique(Propriétaire, Formes) || !EstNumérique(Récoltant, Formes)) return {};
   if (EnRéel(Propriétaire, Formes) == 0) Propriétaire = Récoltant;
+  const auto Base = État_.BaseDeD;
   try {
-    VérifierCoopérateur(Propriétaire);
-    if (État_.Abandon) return {};
-    VérifierCoopérateur(Récoltant);
-    if (État_.Abandon) return {};
+    for (std::string* const Code : {&Propriétaire, &Récoltant}) {
+      VérifierCoopérateur(*Code);
+      if (État_.EstRompu(Base)) return {};
+    }
     std::string Code;
     if (ChercherExploitation(Propriétaire, Récoltant, Part, Groupe, Code)) return Code;
     return CréerExploitation(Propriétaire, Récoltant, Part, Groupe);
   } catch (const std::exception& Erreur) {
-    if (!État_.Abandon) État_.Avertir(Erreur.what(), Phrase::TitreExploitation);
+      if (!État_.EstRompu(Base)) État_.Avertir(Erreur.what(), Phrase::TitreExploitation);
     return {};
   }
 }

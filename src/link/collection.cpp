@@ -77,12 +77,11 @@ void Collecte::SuivreLeCours() {
   if (!EstRompu()) Conclure();
 }
 
-/// True when there is nobody left to answer for: the plug-in is ending, or works on another database now. Holding, row
-/// and figures of one load come from one database, and the terminal offers the load again.
+/// A load that wasn't acknowledged is offered again.
 bool Collecte::EstRompu() {
-  const bool Changée = !État_.Abandon && État_.BaseDeD != BaseDeD_;
-  if (Changée) Résultat_ = "La base de données a été changée pendant le dialogue.";
-  return État_.Abandon || Changée;
+  const bool Rompu = État_.EstRompu(BaseDeD_);
+  if (Rompu && !État_.Abandon) Résultat_ = "La base de données a été changée pendant le dialogue.";
+  return Rompu;
 }
 
 void Collecte::OuvrirFichierErreurs() {
@@ -212,8 +211,8 @@ void Collecte::EnvoyerCumuls() {
   Traitement_.MettreAJourCumuls(NoChargement_);
   VérifierErreurEnAttente();
   Etape_ = EtapeActualisation;
-  if (État_.Abandon) return;
-  Exiger(État_.BaseDeD)->Actualiser();
+  if (EstRompu()) return;
+  Exiger(BaseDeD_)->Actualiser();
   VérifierErreurEnAttente();
   Etape_ = EtapeAnnonce;
   ErreurEnAttente Ignorée;

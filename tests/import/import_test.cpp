@@ -124,9 +124,17 @@ TEST_F(Import, UnknownCodesAreCreatedAndListed) {
       "Création d'une exploitation inconnue : Code = 0, Proprio:00123, Exploit:000901, Part:050.0000, Groupe:007, "
       "erreur -3"};
   EXPECT_EQ(Canal.Erreurs, Erreurs);
+  Canal.Erreurs.clear();
+  const auto Autre = std::make_shared<FausseBaseDeD>();
+  Autre->Base = Hôte->Base;
+  Fenêtres.PendantBoîte = [&] { État.BaseDeD = Autre; };
+  EXPECT_EQ(Record(19, "000902"), "");
+  EXPECT_EQ(Autre->Métayages.size(), 0U) << "nothing is created in another base";
+  EXPECT_EQ(Canal.Erreurs, Mots{"Création d'un coopérateur inconnu : 000902"});
+  État.BaseDeD = Hôte;
   Fenêtres.PendantBoîte = [&] { État.Abandon = true; };
   EXPECT_EQ(Vérifier("000900", "000901", "050.0000", "007"), "");
-  EXPECT_EQ(Hôte->Coopérateurs.size() + Hôte->Métayages.size(), 5U) << "nothing is created once the plug-in ends";
+  EXPECT_EQ(Hôte->Coopérateurs.size() + Hôte->Métayages.size(), 6U) << "nothing is created once the plug-in ends";
 }
 
 TEST_F(Import, FailuresAreShownAndGiveNoHolding) {

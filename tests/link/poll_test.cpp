@@ -61,6 +61,7 @@ const Issue Issues[] = {
          Ecrit == Ligne("^") ? d.AutreBase() : Avant(Ecrit);
        };
      }, "?A^", Changée, {}, 0, 1},
+    {"another base in the figures", [](Banc& d) { d.PendantCumuls = d.AutreBase; }, "?A^", Changée, {}, 0, 1},
     {"end in the frame", [](Banc& d) { d.PendantTrame = d.Fin; }, "?A", "", {}, 0, 0},
     {"end in the box", [](Banc& d) { d.Refuser(d.Fin); }, "?A", "", {Refus}, 1, 1},
     {"end in the figures", [](Banc& d) { d.PendantCumuls = [&d] { d.Panne(), d.Fin(); }; }, "?A^",

@@ -74,7 +74,10 @@ TEST_F(OneLoad, AFrameCutOrDamagedAtAnyByteIsLeftAndTheNextOneTaken) {
   EXPECT_EQ(Relever(Entière.Extrait(30) + Offre(Enregistrement(0, "0013").replace(40, 2, "'\""))), "ACK");
   EXPECT_EQ(Valeur("SELECT Sélection FROM Chargement WHERE NoChargement = 13"), "'\"");
   EXPECT_EQ(Rentrés(), "2 2 0");
-  EXPECT_EQ(Cumuls, 2);
+  LePlugIn->IPlugInTarvel_FixerBaseDeD(std::make_shared<Tarvel::BaseDeDTarvel>(Base(), Plateforme.LeSystème));
+  std::string DuDernier;
+  LePlugIn->MettreAJourCumuls(DuDernier);
+  EXPECT_EQ(Cumuls, 2) << "the last load was another base's";
 }
 
 TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
