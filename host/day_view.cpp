@@ -11,7 +11,7 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
-#include "host/figures.h"
+#include "host/load_columns.h"
 
 namespace Tarvel {
 namespace {
@@ -19,17 +19,19 @@ namespace {
 using Ombrey::SansBlancs;
 using Ombrey::ValeurChamp;
 
-constexpr const char* SqlChargements =
-    "SELECT Chargement.CodeSite, Chargement.NoChargement, Format([DateCh],'hh:nn'), Chargement.Masse, Chargement.Degré"
-    ", Sélection.Désignation, Qualité.Désignation, Propriétaire.Nom & ' ' & Propriétaire.Prénom"
-    ", Récoltant.Nom & ' ' & Récoltant.Prénom, Chargement.Sélection, Chargement.Qualité"
-    " FROM ((((Chargement LEFT JOIN Métayage ON Métayage.IdMétayage = Chargement.Métayage)"
-    " LEFT JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur)"
-    " LEFT JOIN Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur)"
-    " LEFT JOIN Qualité ON Qualité.IdQualité = Chargement.Qualité)"
-    " LEFT JOIN Sélection ON Sélection.IdSélection = Chargement.Sélection"
-    " WHERE DateCh BETWEEN Date() AND Date()+1"
-    " ORDER BY Chargement.DateCh DESC, Chargement.NoChargement DESC";
+/// A table's loads of today, and what stands behind the number of each.
+std::string SqlChargements(const std::string& Table, const std::string& Marque) {
+  return "SELECT C.CodeSite, C.NoChargement, Format([DateCh],'hh:nn'), C.Masse, C.Degré"
+         ", Sélection.Désignation, Qualité.Désignation, Propriétaire.Nom & ' ' & Propriétaire.Prénom"
+         ", Récoltant.Nom & ' ' & Récoltant.Prénom, C.Sélection, C.Qualité, '" +
+         Marque + "', C.DateCh FROM ((((" + Table +
+         " AS C LEFT JOIN Métayage ON Métayage.IdMétayage = C.Métayage)"
+         " LEFT JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur)"
+         " LEFT JOIN Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur)"
+         " LEFT JOIN Qualité ON Qualité.IdQualité = C.Qualité)"
+         " LEFT JOIN Sélection ON Sélection.IdSélection = C.Sélection"
+         " WHERE DateCh BETWEEN Date() AND Date()+1";
+}
 
 constexpr const char* SqlQuotas =
     "SELECT Sélection.Désignation, QuotasGrp.QuotaJournalier FROM Sélection"
@@ -48,9 +50,7 @@ std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Form
 /// A value that is no number counts nothing: the office may have written anything into the column.
 std::optional<double> NombreDe(const ValeurChamp& Valeur) {
   // Read as the figures read it: the page and the terminal show the same.
-  std::string Texte = SansEspaces(TexteDe(Valeur));
-  if (Texte.empty() || !Ombrey::NormaliserNombre(Texte, FormesFrançaises)) return std::nullopt;
-  return EnRéel(Texte, FormesFrançaises);
+  return Ombrey::NombreTapé(TexteDe(Valeur), FormesFrançaises);
 }
 
 /// The name, or the code of what the database has no name for.
@@ -102,11 +102,14 @@ double Journée::Masse() const {
 Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
   Journée Jour;
   std::map<std::string, double> Reçus;
-  const auto Lignes = Base.OpenRecordset(SqlChargements, Ombrey::TypeRecordset::VersLAvant);
+  // A load whose number another one has taken over was brought in all the same.
+  const auto Lignes = Base.OpenRecordset(SqlChargements(TableChargements, "") + " UNION ALL " +
+                                             SqlChargements(TableArchive, "*") + " ORDER BY 13 DESC, 2 DESC",
+                                         Ombrey::TypeRecordset::VersLAvant);
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     const auto Champ = [&](std::size_t Rang) { return Lignes->Fields(Rang); };
     ChargementDuJour Un{TexteDe(Champ(0)),
-                        TexteDe(Champ(1)),
+                        TexteDe(Champ(1)) + TexteDe(Champ(11)),
                         TexteDe(Champ(2)),
                         NombreDe(Champ(3)).value_or(0),
                         NombreDe(Champ(4)),
@@ -114,6 +117,7 @@ Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
                         NomOuCode(Champ(6), Champ(10)),
                         std::string(SansBlancs(TexteDe(Champ(7)))),
                         std::string(SansBlancs(TexteDe(Champ(8))))};
+    if (!NombreDe(Champ(3))) Un.MasseIllisible = TexteDe(Champ(3));
     Reçus[Un.Appellation] += Un.Masse;
     if (Site.empty() || Un.Site == Site) Jour.Chargements.push_back(std::move(Un));
   }
@@ -148,8 +152,9 @@ Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Forme
   Rangées Tableau{
       {"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", "Classe sanitaire", "Propriétaire", "Récoltant"}};
   for (const ChargementDuJour& Un : Jour.Chargements)
-    Tableau.push_back({Un.Site, Un.Numéro, Un.Heure, Entier(Un.Masse), Un.Degré ? TexteNombre(*Un.Degré, Formes) : "",
-                       Un.Appellation, Un.Classe, Un.Propriétaire, Un.Récoltant});
+    Tableau.push_back({Un.Site, Un.Numéro, Un.Heure, Un.MasseIllisible.empty() ? Entier(Un.Masse) : Un.MasseIllisible,
+                       Un.Degré ? TexteNombre(*Un.Degré, Formes) : "", Un.Appellation, Un.Classe, Un.Propriétaire,
+                       Un.Récoltant});
   return Tableau;
 }
 

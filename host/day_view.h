@@ -14,14 +14,15 @@ namespace Tarvel {
 
 struct ChargementDuJour {
   std::string Site;
-  std::string Numéro;
-  std::string Heure;  ///< HH:MM
-  double Masse = 0;   ///< kg
+  std::string Numéro;  ///< with "*" behind it when another load has taken it over
+  std::string Heure;   ///< HH:MM
+  double Masse = 0;    ///< kg
   std::optional<double> Degré;
   std::string Appellation;
   std::string Classe;
   std::string Propriétaire;
   std::string Récoltant;
+  std::string MasseIllisible{};  ///< what was typed there when it is no number
 };
 
 /// The loads of one appellation and class.

@@ -1,9 +1,14 @@
 // Whole copies of an embedded base, and the way back.
 #include "host/saved_base.h"
 
+#include <algorithm>
+#include <set>
+
 #include "base/failures.h"
 #include "base/files.h"
+#include "base/regional_forms.h"
 #include "host/engine.h"
+#include "host/load_columns.h"
 #include "host/schema.h"
 
 namespace Tarvel {
@@ -18,6 +23,42 @@ fs::path NomLibre(const fs::path& Base, const char* Raison) {
   fs::path Libre = Base.string() + Raison;
   for (int Rang = 2; fs::exists(Libre); ++Rang) Libre = Base.string() + Raison + "-" + std::to_string(Rang);
   return Libre;
+}
+
+/// What was received of each load, whatever the office has made of it since.
+std::set<std::string> Faits(Ombrey::IConnexion& Connexion) {
+  std::set<std::string> Tous;
+  for (const char* Table : {TableChargements, TableArchive}) {
+    const auto Siennes = Connexion.ColonnesDe(Table);
+    std::string Noms;
+    for (const ColonneChargement& Une : ColonnesChargement) {
+      const bool EstGardée =
+          std::ranges::find(Siennes, ColonneReçue(Une.Nom), &Ombrey::ColonneDeTable::Nom) != Siennes.end();
+      if (Une.EstReçue) Noms += (Noms.empty() ? "" : ", ") + (EstGardée ? ColonneReçue(Une.Nom) : Une.Nom);
+    }
+    auto Requête = Connexion.Préparer("SELECT " + Noms + " FROM " + Table);
+    while (Requête.Avancer()) {
+      std::string Lus;
+      for (std::size_t Rang = 0; Rang < Requête.Colonnes().size(); ++Rang)
+        Lus += Ombrey::TexteOuVide(Requête.Valeur(Rang), {}) + '\n';
+      Tous.insert(Lus);
+    }
+  }
+  return Tous;
+}
+
+/// What has come in since the copy was made stands in the former base alone. One that can't be read is no hindrance:
+/// it may be why the copy goes back.
+std::string DireManquants(const fs::path& Ancienne, const fs::path& Copie) {
+  std::size_t Manquants = 0;
+  Ombrey::ErreurEnAttente Illisible;
+  if (!Ignorer(Illisible, [&] {
+        const auto Gardés = Faits(*OuvrirCoopérative(Copie));
+        Manquants = static_cast<std::size_t>(std::ranges::count_if(
+            Faits(*OuvrirCoopérative(Ancienne)), [&](const std::string& Un) { return !Gardés.contains(Un); }));
+      }))
+    return " Ses chargements ne sont pas comptés : " + Illisible.Texte();
+  return " Chargements qu'elle a et que la sauvegarde n'a pas : " + std::to_string(Manquants) + ".";
 }
 
 }  // namespace
@@ -43,15 +84,15 @@ std::string RestaurerBase(const fs::path& Base, const fs::path& Copie, const Omb
   static_cast<void>(OuvrirAuRepos(Copie));
   CopierFichier(Copie, Neuve, Dire);
   std::string Fait = "La base « " + TexteChemin(Base) + " » est celle de la sauvegarde « " + TexteChemin(Copie) + " ».";
+  const fs::path Ancienne = NomLibre(Base, ".remplacee");
   if (YEnAUne) {
-    const fs::path Ancienne = NomLibre(Base, ".remplacee");
     for (const char* Suffixe : {"-wal", "-shm", "-journal", ""})
       if (fs::exists(Base.string() + Suffixe))
         Ombrey::DéplacerFichier(Base.string() + Suffixe, Ancienne.string() + Suffixe);
     Fait += " L'ancienne est gardée sous « " + TexteChemin(Ancienne) + " ».";
   }
   Ombrey::DéplacerFichier(Neuve, Base);
-  return Fait;
+  return YEnAUne ? Fait + DireManquants(Ancienne, Copie) : Fait;
 }
 
 }  // namespace Tarvel

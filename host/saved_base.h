@@ -15,7 +15,8 @@ std::string SauvegarderBase(const std::filesystem::path& Base, const std::filesy
                             const Ombrey::Progrès& Dire = {});
 
 /// Puts a saved copy in the place of the base, on which nobody may work. The base that stood there isn't lost: it keeps
-/// its folder and gets another name, which the result tells. Raises ErreurExécution, and the base then stays as it is,
+/// its folder and gets another name, which the result tells, and how many of its
+/// loads the copy lacks. Raises ErreurExécution, and the base then stays as it is,
 /// when a program has it open or when the copy is damaged or no cooperative's.
 std::string RestaurerBase(const std::filesystem::path& Base, const std::filesystem::path& Copie,
                           const Ombrey::Progrès& Dire = {});

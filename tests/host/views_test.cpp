@@ -24,7 +24,10 @@ struct Vues : AvecCoopérative {
         " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1), ('3', 3, 46286, '10', '05', '9', 1, 1, -1);"
         "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3;"
         "INSERT INTO ChargementArchive"
-        " SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0 FROM ChargementArchive");
+        " SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0 FROM ChargementArchive;"
+        "UPDATE Chargement SET Masse = '1 t' WHERE CodeSite = '4';"
+        "INSERT INTO ChargementArchive SELECT '3', 2, DateCh - 0.2, Métayage, Sélection, Qualité, 10, 80, 0"
+        " FROM Chargement WHERE CodeSite = '3' AND NoChargement = 2");
   }
   /// The rows below the headings.
   static std::string Dire(const Rangées& Tableau) {
@@ -40,27 +43,29 @@ struct Vues : AvecCoopérative {
 
 TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
   const std::string Deux =
-      "3|2|14:05|520||Aligoté|Saine|Dupré Élise|Martin|\n3|1|08:05|1480|12,5|Aligoté|Saine|Dupré Élise|Martin|\n";
-  const std::string Quatre = "4|1|14:06|1000||99 (inconnu)|8 (inconnu)|||\n";
-  const std::string Aligoté = "Aligoté|Saine|2|2000|185|\n", Inconnue = "99 (inconnu)|8 (inconnu)|1|1000|0|\n";
+      "3|2|14:05|520||Aligoté|Saine|Dupré Élise|Martin|\n3|2*|09:17|80|10|Aligoté|Saine|Dupré Élise|Martin|\n"
+      "3|1|08:05|1480|12,5|Aligoté|Saine|Dupré Élise|Martin|\n";
+  const std::string Quatre = "4|1|14:06|1 t||99 (inconnu)|8 (inconnu)|||\n";
+  const std::string Aligoté = "Aligoté|Saine|3|2080|193|\n", Inconnue = "99 (inconnu)|8 (inconnu)|1|0|0|\n";
   const struct {
     const char *Site, *Mots;
     std::string Chargements, Sommes;
     double Après14h;
-  } Table[] = {{"", "", Quatre + Deux, Inconnue + Aligoté, 1520},
+  } Table[] = {{"", "", Quatre + Deux, Inconnue + Aligoté, 520},
                {"3", "", Deux, Aligoté, 520},
-               {"4", "", Quatre, Inconnue, 1000},
-               {"", "ÉLISE  8:05", Deux.substr(Deux.find('\n') + 1), "Aligoté|Saine|1|1480|185|\n", 0},
-               {"", "inconnu", Quatre, Inconnue, 1000},
+               {"4", "", Quatre, Inconnue, 0},
+               {"", "ÉLISE  8:05", Deux.substr(Deux.rfind("3|1")), "Aligoté|Saine|1|1480|185|\n", 0},
+               {"", "inconnu", Quatre, Inconnue, 0},
                {"", "aligoté zzz", "", "", 0}};
   for (const auto& Cas : Table) {
     const Journée Jour = Filtrer(LireJournée(Base, Cas.Site), Cas.Mots);
     EXPECT_EQ(Dire(TableauChargements(Jour, {})), Cas.Chargements);
     EXPECT_EQ(Dire(TableauSommes(Jour, {})), Cas.Sommes);
-    EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2000|5500|\n") << "the quotas are those of all sites";
+    EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2080|5420|\n") << "the quotas are those of all sites";
     EXPECT_EQ(Jour.MasseParHeure[14], Cas.Après14h);
   }
-  EXPECT_EQ(Dire(TableauArchive(Base, {})), "5|9|hier|1|1|05|9|10|\n3|3|21/09/2026 00:00|1|1|05|9|10|\n");
+  EXPECT_EQ(Dire(TableauArchive(Base, {})),
+            "5|9|hier|1|1|05|9|10|\n3|2|22/09/2026 09:17|80|10|05|9|10|\n3|3|21/09/2026 00:00|1|1|05|9|10|\n");
 }
 
 TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
