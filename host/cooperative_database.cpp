@@ -35,8 +35,12 @@ constexpr const char* CoopérateurParCode =
 constexpr const char* ExploitationParPaire =
     "SELECT IdMétayage FROM Métayage WHERE CAST(Propriétaire AS INTEGER) = CAST(?1 AS INTEGER)"
     " AND CAST(Récoltant AS INTEGER) = CAST(?2 AS INTEGER) ORDER BY CAST(IdMétayage AS INTEGER) LIMIT 1";
-/// The lowest code that no holding bears, and no load of one that was deleted. Each holding that a load bears or has
-/// borne stands in the table of sums.
+/// Behind each code that a holding bears, or a load of one that was deleted: the holdings of all loads stand in the
+/// table of sums.
+constexpr const char* CodeSuivant =
+    "SELECT COALESCE(MAX(Code), 0) + 1 FROM (SELECT CAST(IdMétayage AS INTEGER) AS Code FROM Métayage"
+    " UNION ALL SELECT CAST(Métayage AS INTEGER) FROM CumulSaison) AS Pris";
+/// The lowest code that no holding bears, and no load of one that was deleted.
 constexpr const char* PremierCodeLibre =
     "SELECT MIN(Code) + 1 FROM (SELECT 0 AS Code UNION SELECT CAST(IdMétayage AS INTEGER) FROM Métayage"
     " UNION SELECT CAST(Métayage AS INTEGER) FROM CumulSaison) AS Pris WHERE Code >= 0"
@@ -46,6 +50,11 @@ constexpr const char* PremierCodeLibre =
 constexpr const char* GroupeParCode = "SELECT IdGrp FROM Groupement WHERE CAST(IdGrp AS INTEGER) = ?1";
 
 std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
+
+/// As the import file, whose bytes are those of the line, can write it: else the site wouldn't find its own loads.
+std::string CodeÉcrivable(const std::string& Code) {
+  return Code.empty() ? SiteParDéfaut : DepuisAnsi(Ombrey::VersAnsi(Code));
+}
 
 struct TexteErreur {
   ErreurBase Erreur;
@@ -61,11 +70,23 @@ constexpr std::array<TexteErreur, 4> Textes = {{
 
 }  // namespace
 
-std::string KVSynchroTarvel::CodeSiteCourant() {
-  const std::string Code =
-      CodeSite_.empty() ? TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'")) : CodeSite_;
-  // As the import file, whose bytes are those of the line, can write it: else the site wouldn't find its own loads.
-  return Code.empty() ? SiteParDéfaut : DepuisAnsi(Ombrey::VersAnsi(Code));
+KVSynchroTarvel::KVSynchroTarvel(std::shared_ptr<IConnexion> Connexion, const std::string& CodeSite, Avis LAvis)
+    : Connexion_(std::move(Connexion)),
+      Avis_(std::move(LAvis)),
+      CodeSite_(CodeSite.empty() ? CodeSiteRéglé() : CodeÉcrivable(CodeSite)) {
+  if (CodeSite.empty()) CodeVu_ = CodeSite_;
+}
+
+std::string KVSynchroTarvel::CodeSiteRéglé() const {
+  return CodeÉcrivable(TexteDe(Connexion_->Lire("SELECT Valeur FROM Paramètre WHERE Nom = 'CodeSite'")));
+}
+
+void KVSynchroTarvel::DireCodeChangé() {
+  if (!CodeVu_) return;
+  const std::string Ancien = std::exchange(CodeVu_, CodeSiteRéglé()).value_or("");
+  if (Avis_ && Ancien != *CodeVu_)
+    Avis_("Le code du site est réglé sur « " + *CodeVu_ + " » dans la base : cette station travaille sous « " +
+          CodeSite_ + " » jusqu'à son prochain démarrage.");
 }
 
 std::int64_t KVSynchroTarvel::DernierChargement() {
@@ -74,6 +95,7 @@ std::int64_t KVSynchroTarvel::DernierChargement() {
 }
 
 void KVSynchroTarvel::AnnoncerNouveautés() {
+  DireCodeChangé();
   // What another program commits between the two queries is news of the next time.
   const std::int64_t Dernier = DernierChargement();
   std::vector<std::string> Sites;
@@ -138,11 +160,11 @@ std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::strin
   return Dossier + Nom;
 }
 
-BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<IConnexion> Connexion, Ombrey::ISystème& Système, std::string CodeSite,
-                             Avis LAvis)
+BaseDeDTarvel::BaseDeDTarvel(std::shared_ptr<IConnexion> Connexion, Ombrey::ISystème& Système,
+                             const std::string& CodeSite, Avis LAvis)
     : Connexion_(std::move(Connexion)),
       Système_(Système),
-      KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_, std::move(CodeSite))),
+      KVSynchro_(std::make_shared<KVSynchroTarvel>(Connexion_, CodeSite, LAvis)),
       EtatBdD_(std::make_shared<EtatBdDTarvel>(Connexion_, Système, KVSynchro_, LAvis)),
       BaseDAO_(std::make_shared<Ombrey::BaseLue>(Connexion_)),
       Figures_(*Connexion_, Système, std::move(LAvis)) {
@@ -215,7 +237,7 @@ std::int16_t BaseDeDTarvel::AjouterCoopérateur(Ombrey::NouveauCoopérateur& Nou
 
 std::int64_t BaseDeDTarvel::CodeLibre() const {
   const auto Lire = [this](const char* Sql) { return std::get<std::int64_t>(Connexion_->Lire(Sql)); };
-  const std::int64_t Suivant = Lire("SELECT COALESCE(MAX(CAST(IdMétayage AS INTEGER)), 0) + 1 FROM Métayage");
+  const std::int64_t Suivant = Lire(CodeSuivant);
   return Suivant <= CodeLePlusHaut ? Suivant : Lire(PremierCodeLibre);
 }
 

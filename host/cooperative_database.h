@@ -29,12 +29,11 @@ enum class ErreurBase : std::int16_t {
 
 class KVSynchroTarvel : public Ombrey::IKVSynchro {
  public:
-  /// CodeSite: the station's own code; empty: the database names it.
-  KVSynchroTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, std::string CodeSite)
-      : Connexion_(std::move(Connexion)), CodeSite_(std::move(CodeSite)) {}
-  /// The station's own code, else the setting "CodeSite" of the table Paramètre; "1" without one, as the loads then
-  /// bear it.
-  [[nodiscard]] std::string CodeSiteCourant() override;
+  /// CodeSite: the station's own code; empty: the setting "CodeSite" of the table Paramètre as it stands now, and "1"
+  /// without one. LAvis, when it is there, is told once of a setting that was changed since.
+  KVSynchroTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, const std::string& CodeSite, Avis LAvis = {});
+  /// The same from the start to the end: no other running station may have it.
+  [[nodiscard]] std::string CodeSiteCourant() override { return CodeSite_; }
   void Connecter(Ombrey::IÉcouteurKVSynchro* Écouteur) override { Écouteur_ = Écouteur; }
   void Déconnecter(const Ombrey::IÉcouteurKVSynchro* Écouteur) override {
     if (Écouteur_ == Écouteur) Écouteur_ = nullptr;
@@ -48,9 +47,13 @@ class KVSynchroTarvel : public Ombrey::IKVSynchro {
  private:
   /// The highest number of a load, or the one known already when there are none.
   [[nodiscard]] std::int64_t DernierChargement();
+  [[nodiscard]] std::string CodeSiteRéglé() const;
+  void DireCodeChangé();
 
   std::shared_ptr<Ombrey::IConnexion> Connexion_;
-  std::string CodeSite_;
+  Avis Avis_;
+  const std::string CodeSite_;
+  std::optional<std::string> CodeVu_;  ///< the setting as it was last seen; none for a code of the station's own
   Ombrey::IÉcouteurKVSynchro* Écouteur_ = nullptr;
   std::int64_t DernierConnu_ = 0;
 };
@@ -92,8 +95,8 @@ class EtatBdDTarvel : public Ombrey::IEtatBdD {
 /// be read.
 class BaseDeDTarvel : public Ombrey::IBaseDeD {
  public:
-  BaseDeDTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, Ombrey::ISystème& Système, std::string CodeSite = {},
-                Avis LAvis = {});
+  BaseDeDTarvel(std::shared_ptr<Ombrey::IConnexion> Connexion, Ombrey::ISystème& Système,
+                const std::string& CodeSite = {}, Avis LAvis = {});
 
   [[nodiscard]] std::shared_ptr<Ombrey::IEtatBdD> EtatBdD() override { return EtatBdD_; }
   void SurRefus(std::function<void(const ImportRefusé&)> Dire) { EtatBdD_->SurRefus(std::move(Dire)); }

@@ -77,11 +77,10 @@ ValeurChamp Convertie(const ValeurChamp& Valeur, const Ombrey::ColonneDeTable& C
   const bool EstDeTextes = GenreNeutre(Colonne.Type, false) == "TEXT";
   if (EstDeTextes && !Texte && !Ombrey::EstNull(Valeur)) return TexteOuVide(Valeur, Ombrey::Régional{'.'});
   if (!Texte || EstDeTextes) return Valeur;
-  std::string Nombre = *Texte;
-  std::erase(Nombre, ' ');
-  if (Nombre.empty()) return {};
-  if (!Ombrey::NormaliserNombre(Nombre, {})) throw ErreurExécution("« " + *Texte + " » n'est pas un nombre");
-  return Ombrey::EnRéel(Nombre, {});
+  if (Ombrey::SansEspaces(*Texte).empty()) return {};
+  const auto Nombre = Ombrey::NombreTapé(*Texte, {});
+  if (!Nombre) throw ErreurExécution("« " + *Texte + " » n'est pas un nombre");
+  return *Nombre;
 }
 
 /// Row by row; a number may be whole on one side and have decimals of zero on the other.

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <string_view>
 #include <utility>
 
 #include "base/regional_forms.h"
@@ -28,41 +27,58 @@ std::int32_t EntierBorné(double Valeur) {
   return static_cast<std::int32_t>(std::clamp(std::nearbyint(Valeur), Bas, Haut));
 }
 
-/// A weight that the office has typed with a decimal comma is a text to the database.
-constexpr const char* SommeDesMasses =
-    "SELECT SUM(CAST(replace(replace(CAST(C.Masse AS TEXT), ' ', ''), ',', '.') AS DOUBLE PRECISION)) FROM ";
-
-}  // namespace
-
-std::string SansEspaces(std::string Texte) {
-  for (const std::string_view Espace : {" ", "\u00A0", "\u202F"})
-    for (std::size_t Place = 0; (Place = Texte.find(Espace)) != std::string::npos;) Texte.erase(Place, Espace.size());
-  return Texte;
-}
-
-double Figures::Masse(const FiltreChargements& Filtre) const {
+/// The sums of a season stand in the base; loads are chosen by their days.
+Conditions Choisir(const FiltreChargements& Filtre, bool ParSaison) {
   Conditions Choix;
   const auto SiDonné = [&](const char* Début, const std::string& Valeur, const char* Fin = "") {
     if (!Valeur.empty()) Choix.Et(Début, Valeur, Fin);
-  };
-  const auto Sommer = [&](const std::string& Calcul, const char* Table) {
-    const auto Somme = Ombrey::Comme<double>(Connexion_.Lire(Calcul + Table + " AS C" + Choix.Sql(), Choix.Valeurs()));
-    return Somme.value_or(0);
   };
   SiDonné("C.Métayage IN (SELECT IdMétayage FROM Métayage WHERE CAST(IdGrp AS INTEGER) = CAST(", Filtre.Groupe,
           " AS INTEGER))");
   SiDonné("C.Métayage = ", Filtre.Métayage);
   SiDonné("C.Sélection = ", Filtre.Sélection);
-  // The loads of a season are many; their sum stands in the base, as long as nothing else narrows the choice.
-  if (Filtre.Saison && Filtre.Cépage.empty() && Filtre.Qualité.empty() && ACumuls()) {
+  if (ParSaison) {
     Choix.Et("C.Année = ", std::int64_t{*Filtre.Saison});
-    return Sommer("SELECT CAST(SUM(C.Masse) AS DOUBLE PRECISION) FROM ", TableCumuls);
+    return Choix;
   }
   SiDonné("C.Cépage = ", Filtre.Cépage);
   SiDonné("C.Qualité = ", Filtre.Qualité);
   if (Filtre.Du) Choix.Et("C.DateCh >= ", std::floor(*Filtre.Du));
   if (Filtre.Au) Choix.Et("C.DateCh < ", std::floor(*Filtre.Au) + 1);
-  return Sommer(SommeDesMasses, TableChargements) + Sommer(SommeDesMasses, TableArchive);
+  return Choix;
+}
+
+}  // namespace
+
+double Figures::Masse(const FiltreChargements& Filtre) const {
+  const auto Sommer = [this](const Conditions& Choix, const char* Table) {
+    const auto Somme =
+        Ombrey::Comme<double>(Connexion_.Lire("SELECT CAST(SUM(" + Connexion_.NombreDans("C.Masse") +
+                                                  ") AS DOUBLE PRECISION) FROM " + Table + " AS C" + Choix.Sql(),
+                                              Choix.Valeurs()));
+    return Somme.value_or(0);
+  };
+  const Conditions Choix = Choisir(Filtre, false);
+  if (!Filtre.Métayage.empty()) DireIllisibles(Choix);
+  // The loads of a season are many; their sum stands in the base, as long as nothing else narrows the choice.
+  if (Filtre.Saison && Filtre.Cépage.empty() && Filtre.Qualité.empty() && ACumuls())
+    return Sommer(Choisir(Filtre, true), TableCumuls);
+  return Sommer(Choix, TableChargements) + Sommer(Choix, TableArchive);
+}
+
+/// What the office has typed for a weight may be no number. A server keeps numbers only.
+void Figures::DireIllisibles(const Conditions& Choix) const {
+  if (!Avis_ || !Connexion_.SonFichier()) return;
+  for (const char* Table : {TableChargements, TableArchive}) {
+    Ombrey::Instruction Requête = Connexion_.Préparer(
+        "SELECT C.NoChargement, C.CodeSite, C.Masse FROM " + std::string(Table) + " AS C" + Choix.Sql() +
+        " AND C.Masse IS NOT NULL AND " + Connexion_.NombreDans("C.Masse") + " IS NULL");
+    Requête.Lier(Choix.Valeurs());
+    const auto Texte = [&](std::size_t Rang) { return TexteOuVide(Requête.Valeur(Rang), Ombrey::Régional{}); };
+    while (Requête.Avancer())
+      Avis_("Masse du chargement n° " + Texte(0) + " du site " + Texte(1) + " : « " + Texte(2) +
+            " » n'est pas un nombre ; il compte pour 0 kg.");
+  }
 }
 
 /// A former base that may only be read has none.
@@ -78,9 +94,8 @@ std::optional<double> Figures::Nombre(const char* Colonne, const char* Sql,
   if (EstNull(Lue)) return std::nullopt;
   const Ombrey::Régional Formes = Système_.FormesRégionales();
   const std::string Écrit = TexteValeur(Lue, Formes);
-  std::string Texte = SansEspaces(Écrit);
-  if (Texte.empty()) return std::nullopt;
-  if (NormaliserNombre(Texte, Formes)) return EnRéel(Texte, Formes);
+  if (Ombrey::SansEspaces(Écrit).empty()) return std::nullopt;
+  if (const auto Nombre = Ombrey::NombreTapé(Écrit, Formes)) return Nombre;
   if (Avis_) Avis_(std::string(Colonne) + " : « " + Écrit + " » n'est pas un nombre ; il n'y a donc pas de quota.");
   return std::nullopt;
 }

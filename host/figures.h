@@ -9,12 +9,10 @@
 #include <vector>
 
 #include "contracts/system.h"
+#include "host/conditions.h"
 #include "platform/database/connection.h"
 
 namespace Tarvel {
-
-/// Without the blanks that people write between thousands, the two that don't break a line among them.
-[[nodiscard]] std::string SansEspaces(std::string Texte);
 
 /// Tells the operator one sentence.
 using Avis = std::function<void(const std::string&)>;
@@ -55,6 +53,7 @@ class Figures {
   [[nodiscard]] std::optional<double> Nombre(const char* Colonne, const char* Sql,
                                              const std::vector<Ombrey::ValeurChamp>& Valeurs) const;
   [[nodiscard]] double Masse(const FiltreChargements& Filtre) const;
+  void DireIllisibles(const Conditions& Choix) const;
   [[nodiscard]] bool ACumuls() const;
   void BornerALaSaison(FiltreChargements& Filtre) const;
 

@@ -22,11 +22,12 @@ struct ColonneChargement {
   bool EstObligatoire;  ///< an import layout names it, and each of its lines has a value there
   const char* Genre;    ///< kind of its values in an import file
   int Largeur;          ///< their greatest width there; 0 for the cooperative's own names, which have none
-  bool EstReçue;        ///< sent by the terminal: kept a second time as it came, apart from what the office corrects
+  bool EstReçue;  ///< the site's and the terminal's word: kept a second time as it came, apart from what the office
+                  ///< corrects
 };
 
 inline constexpr std::array<ColonneChargement, 18> ColonnesChargement = {{
-    {"CodeSite", "TEXT", true, "texte", 0, false},
+    {"CodeSite", "TEXT", true, "texte", 0, true},
     {"NoChargement", "INTEGER", true, "entier", 4, true},
     {"DateCh", "REAL", true, "date", 19, true},
     {"DateSortie", "REAL", false, "date", 19, true},

@@ -41,8 +41,7 @@ std::string TexteDe(const ValeurChamp& Valeur) {
 }
 
 std::optional<double> NombreDe(const ValeurChamp& Valeur) {
-  const std::string Texte = TexteOuVide(Valeur, FormesFrançaises);
-  return EstNumérique(Texte, FormesFrançaises) ? std::optional(EnRéel(Texte, FormesFrançaises)) : std::nullopt;
+  return Ombrey::NombreTapé(TexteOuVide(Valeur, FormesFrançaises), FormesFrançaises);
 }
 
 void Ajouter(std::vector<ChargementRelaté>& Tous, Ombrey::IDatabase& Base, const Période& Jours, const char* Table) {
@@ -103,9 +102,7 @@ void AjouterRangée(std::string& Texte, const Cases& Valeurs) {
 
 }  // namespace
 
-double ChargementRelaté::Kilos() const {
-  return EstNumérique(Masse, FormesFrançaises) ? EnRéel(Masse, FormesFrançaises) : 0;
-}
+double ChargementRelaté::Kilos() const { return Ombrey::NombreTapé(Masse, FormesFrançaises).value_or(0); }
 
 std::vector<ChargementRelaté> LireChargements(Ombrey::IDatabase& Base, const Période& Jours) {
   std::vector<ChargementRelaté> Tous;

@@ -61,7 +61,6 @@ const ValeurChamp& TableDesChargements::Valeur(const LigneImport& Ligne, const c
 
 std::optional<std::int64_t> TableDesChargements::Chercher(const char* Table, const LigneImport& Ligne) const {
   Conditions Choix;
-  Choix.Et("CodeSite = ", Valeur(Ligne, "CodeSite"));
   for (const ColonneChargement& Colonne : ColonnesChargement) {
     const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
     if (Place) ExigerFait(Choix, ColonneReçue(Colonne.Nom), Définition_.Colonnes[*Place], Ligne[*Place]);

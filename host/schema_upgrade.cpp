@@ -1,6 +1,7 @@
 // The schema's number, and what brings an older base up to it.
 #include "host/schema_upgrade.h"
 
+#include <algorithm>
 #include <array>
 #include <filesystem>
 #include <string>
@@ -26,12 +27,14 @@ std::string Valeur1Vers2(const ColonneChargement& Colonne) {
 void GarderCeQuiFutReçu(IConnexion& Connexion, const std::string& Table) {
   std::string Colonnes;
   std::string Valeurs;
+  const auto Connues = Connexion.ColonnesDe(Table);
   for (const ColonneChargement& Colonne : ColonnesChargement) {
-    if (!Colonne.EstReçue) continue;
     const std::string Nom = ColonneReçue(Colonne.Nom);
+    if (!Colonne.EstReçue || std::ranges::find(Connues, Nom, &Ombrey::ColonneDeTable::Nom) != Connues.end()) continue;
     Colonnes += "ALTER TABLE " + Table + " ADD COLUMN " + Nom + " " + Colonne.Type + ";";
     Valeurs += (Valeurs.empty() ? " SET " : ", ") + Nom + " = " + Valeur1Vers2(Colonne);
   }
+  if (Valeurs.empty()) return;
   Connexion.ExécuterTout(Colonnes);
   Connexion.Exécuter("UPDATE " + Table + Valeurs);
 }
@@ -56,8 +59,8 @@ CREATE VIEW ChargementLisible AS
 void De1Vers2(IConnexion& Connexion) {
   for (const char* Table : {TableChargements, TableArchive}) GarderCeQuiFutReçu(Connexion, Table);
   Connexion.ExécuterTout(
-      "CREATE INDEX ChargementParNuméroReçu ON Chargement (CodeSite, ReçuNoChargement);"
-      "CREATE INDEX ArchiveParNuméroReçu ON ChargementArchive (CodeSite, ReçuNoChargement);"
+      "CREATE INDEX ChargementParNuméroReçu ON Chargement (ReçuCodeSite, ReçuNoChargement);"
+      "CREATE INDEX ArchiveParNuméroReçu ON ChargementArchive (ReçuCodeSite, ReçuNoChargement);"
       "CREATE TABLE Schéma (Numéro INTEGER NOT NULL);"
       "INSERT INTO Schéma (Numéro) VALUES (1);");
   Connexion.ExécuterTout(VueLisible(Connexion));
@@ -77,8 +80,20 @@ void De3Vers4(IConnexion& Connexion) {
       "REAL NOT NULL)");
 }
 
+/// The office may correct the site, too; weights with the blanks that break no line count as what they are.
+void De4Vers5(IConnexion& Connexion) {
+  for (const char* Table : {TableChargements, TableArchive}) GarderCeQuiFutReçu(Connexion, Table);
+  Connexion.ExécuterTout(
+      "DROP INDEX ChargementParNuméroReçu; DROP INDEX ArchiveParNuméroReçu;"
+      "CREATE INDEX ChargementParNuméroReçu ON Chargement (ReçuCodeSite, ReçuNoChargement);"
+      "CREATE INDEX ArchiveParNuméroReçu ON ChargementArchive (ReçuCodeSite, ReçuNoChargement);"
+      "CREATE INDEX IF NOT EXISTS ArchiveParDate ON ChargementArchive (DateCh);");
+  De2Vers3(Connexion);
+}
+
 /// The step from each number to the next, from the first on.
-constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {{De1Vers2, De2Vers3, De3Vers4}};
+constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {
+    {De1Vers2, De2Vers3, De3Vers4, De4Vers5}};
 
 /// Whole and on the disk, beside the base, under a name that nothing bears yet; another station may take one meanwhile.
 void GarderUneCopie(const std::string& Base, int Numéro) {

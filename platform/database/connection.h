@@ -131,8 +131,12 @@ class IConnexion {
   [[nodiscard]] virtual std::string CléNumérotée(bool JamaisReprise) const = 0;
   /// Rows with keys of their own have come into the table: the engine goes on behind the highest.
   virtual void ReprendreNumérotation(const std::string& /*Table*/, const std::string& /*Colonne*/) {}
-  /// Makes a table of sums, fills it, and has the engine keep it.
+  /// Makes a table of sums, fills it, and has the engine keep it. One that is there already is brought up to how the
+  /// engine reads weights now.
   virtual void TenirSommes(const SommesTenues& Sommes) = 0;
+  /// What stands in a column of numbers, as a number; Null for what is none. An embedded base keeps there what was
+  /// typed, with a comma or with blanks.
+  [[nodiscard]] virtual std::string NombreDans(const std::string& Colonne) const = 0;
   /// The condition that a text has neither semicolon nor control character.
   [[nodiscard]] virtual std::string SansCoupure(const std::string& Colonne) const = 0;
   /// A date as day, month, year, hour and minute, by what the engine itself can do.

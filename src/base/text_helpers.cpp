@@ -32,6 +32,18 @@ bool NormaliserNombre(std::string& Texte, const Régional& Formes) {
   return true;
 }
 
+std::string SansEspaces(std::string Texte) {
+  for (const std::string_view Espace : {" ", "\t", "\u00A0", "\u202F"})
+    for (std::size_t Place = 0; (Place = Texte.find(Espace)) != std::string::npos;) Texte.erase(Place, Espace.size());
+  return Texte;
+}
+
+std::optional<double> NombreTapé(const std::string& Texte, const Régional& Formes) {
+  std::string Nombre = SansEspaces(Texte);
+  if (!NormaliserNombre(Nombre, Formes)) return std::nullopt;
+  return EnRéel(Nombre, Formes);
+}
+
 std::string_view SansBlancs(std::string_view Texte) {
   const std::size_t Début = Texte.find_first_not_of(Blancs);
   if (Début == std::string_view::npos) return {};

@@ -15,6 +15,11 @@ namespace Ombrey {
 /// for point, by the locale) is put right is rewritten so; else it stays as it came.
 bool NormaliserNombre(std::string& Texte, const Régional& Formes);
 
+/// Without tabs and the blanks that people write between thousands, the two that don't break a line among them.
+[[nodiscard]] std::string SansEspaces(std::string Texte);
+/// The number that somebody typed, with either decimal separator and such blanks; none when it is none.
+[[nodiscard]] std::optional<double> NombreTapé(const std::string& Texte, const Régional& Formes);
+
 inline constexpr std::string_view Blancs = " \t";
 /// Without the blanks and tabs at both ends.
 [[nodiscard]] std::string_view SansBlancs(std::string_view Texte);

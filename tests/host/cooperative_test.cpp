@@ -15,7 +15,8 @@ TEST_F(SurFichier, LooksUpByIndexSoThatGrowthCostsNothing) {
   for (const char* Sql : {"SELECT * FROM Chargement WHERE DateCh > Date() ORDER BY DateCh DESC",
                           "SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
                           "SELECT * FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'",
-                          "SELECT * FROM ChargementArchive WHERE CodeSite = '1' AND ReçuNoChargement = 12",
+                          "SELECT * FROM ChargementArchive WHERE ReçuCodeSite = '1' AND ReçuNoChargement = 12",
+                          "SELECT * FROM ChargementArchive WHERE DateCh BETWEEN Date() AND Date()+1",
                           "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
                           "WHERE NoChargement = 12 AND CodeSite = '1'"}) {
     const std::string Plan = Lire("EXPLAIN QUERY PLAN " + Ombrey::TraduireEnSqlite(Sql));
@@ -45,6 +46,8 @@ TEST_P(Base, CreatesHoldingsUnderCodesThatAreFree) {
       {"", "101", "305", "100", "042", "18: 101 305 100 42 "},
       {"", "101", "318", "100", "1000", "19: 101 318 100  "},
       {"", "101", "402", "100", "", "20: 101 402 100  "},
+      {"DELETE FROM Métayage WHERE IdMétayage = '20'; INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage)"
+       " VALUES ('1', 2, 46287, '20')", "101", "402", "100", "", "21: 101 402 100  "},
       {"", "101", "999", "100", "7", "0le propriétaire ou le récoltant est inconnu"},
       {"", "101", "456", "ABC.DEFG", "7", "0la part n'est pas un nombre entre 0 et 999,9999"},
       // The highest code is taken: the first that is free, and that no load of a deleted holding bears.
@@ -96,6 +99,10 @@ TEST_F(SurFichier, ReadsNumbersAsPeopleWriteThem) {
       {"UPDATE Sélection SET QuotasSurface = '7\u202F500.5'", "1234 58770", ""},
       {"UPDATE Métayage SET Part = '50,0000'", "1234 28766", ""},
       {"UPDATE Chargement SET Masse = '1 234,5'", "1234 58766", ""},  // a half to the even number
+      {"UPDATE Chargement SET Masse = '1\u00A0234\u202F567.0 '", "1234567 -1174567", ""},
+      {"UPDATE Chargement SET Masse = ' '", "0 60000", ""},
+      {"UPDATE Chargement SET Masse = '12 t'", "0 60000",
+       "Masse du chargement n° 12 du site 1 : « 12 t » n'est pas un nombre ; il compte pour 0 kg.\n"},
       {"UPDATE Chargement SET Masse = '1234,75'", "1235 58765", ""},
       {"UPDATE Métayage SET Surface = ''", "1234 999999", ""},
       {"UPDATE Métayage SET Surface = '8 ha'", "1234 999999",
@@ -153,9 +160,15 @@ struct Nouvelles : Ombrey::IÉcouteurKVSynchro {
 };
 
 TEST_P(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
-  for (const auto& [Changement, Site] :
-       {std::pair{"UPDATE Paramètre SET Valeur = 'Œ Ω'", "Œ ?"}, {"DELETE FROM Paramètre", "1"}}) {
+  for (const auto& [Changement, Site, Ancien] :
+       {std::array{"UPDATE Paramètre SET Valeur = 'Œ Ω'", "Œ ?", "1"}, {"DELETE FROM Paramètre", "1", "Œ ?"}}) {
     Connexion_->Exécuter(Changement);
+    for (int Fois = 0; Fois < 2; ++Fois) Base_->Actualiser();
+    EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), Ancien) << "another station may have the new one";
+    EXPECT_EQ(std::exchange(Avis_, ""), "Le code du site est réglé sur « " + std::string(Site) +
+                                            " » dans la base : cette station travaille sous « " + Ancien +
+                                            " » jusqu'à son prochain démarrage.\n");
+    Rouvrir();
     EXPECT_EQ(Base_->KVSynchro()->CodeSiteCourant(), Site);
   }
   std::string Rouge = "05", Inconnue = "'";

@@ -24,6 +24,7 @@ const std::tuple<const char*, Actes, const char*, const char*, const char*> Suit
   {"a holding that was corrected, or added, between the two sendings", {Ligne(), Ligne("12", Matin, "5")}, "4 1234 08:30", "1234 58766", "mis à jour"},
   {"the office's corrections stay", {Ligne(), "SET Masse = 1300, DateCh = DateCh + 0.125, Sélection = '10'", Ligne()}, "4 1300 11:30", "0 60000", "mis à jour"},
   {"a number that the office corrected", {Ligne(), "SET NoChargement = 99", Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
+  {"a site that the office corrected", {Ligne(), "SET CodeSite = '2'", Ligne()}, "4 1234 08:30", "1234 58766", "mis à jour"},
   {"a number that the office gave to another load", {Ligne(), "SET NoChargement = 13", Ligne("13", Matin, "4", "05", "20")}, "4 20 08:30+4 1234 08:30", "1254 58746", "importé"},
   {"another load of the same number, minute and holding", {Ligne(), Ligne("12", Matin, "4", "05", "1235")}, "4 1235 08:30+4 1234 08:30", "2469 57531", "importé"},
   {"another load of a later minute", {Ligne(), Ligne("12", "22/09/26 08:31")}, "4 1234 08:31+4 1234 08:30", "2468 57532", "importé"},

@@ -1,6 +1,7 @@
 // Every query of the plug-in, run by the room that has it, on a base with odd values and on an empty one.
 #include "base/text_helpers.h"
 #include "common/context.h"
+#include "host/day_view.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
 #include "monitor/load_list.h"
@@ -38,8 +39,8 @@ UPDATE Paramètre SET Valeur = 'S''1')";
     Fermer();
     Adresse_ = NouvelleBase(Moteur_, Gardé_);
     CréerBase(Adresse_, false);
+    OuvrirMoteur(Adresse_)->ExécuterTout(Sql);
     Rouvrir();
-    Connexion_->ExécuterTout(Sql);
     // The engine that has types keeps a number in such a column; the other one what was typed.
     if (Moteur_ == Moteur::Sqlite)
       Connexion_->ExécuterTout("UPDATE Métayage SET Part = '33,3333' WHERE IdMétayage = '5'");
@@ -109,6 +110,7 @@ TEST_P(Requêtes, ReadOddValuesAsTheyAreAndNothingWhereNothingIs) {
        "S'1|2|23/09 00:00|||||L'Hôte \"[x]\"; ?1 Élise| |33,3333|7 Côteau; [sud]|1|/"
        "1|1|22/09 06:00|0|0|ORDER BY \"x\"||%_[Nom] Zoé|%_[Nom] Zoé|0| |0|/"
        "S'1|1|22/09 00:00|1234|12,5|Côteaux [d'Oc]|Saine 'bio'|L'Hôte \"[x]\"; ?1 Élise| |33,3333|7 Côteau; [sud]|0|/", ""},
+      {[&] { return std::to_string(LireJournée(*Lu_, "").Chargements.size()); }, "5", "0"},
       {[&] { return Exploitation("000012", "000007", "066.6667", "007"); }, "6", "1"},
       {[&] { return Exploitation("000012", "000007", "001.0000", "007"); }, "5", "1"},  // by its group
       {[&] { return Cumuls("1"); }, "Mise à jour des cumuls : Exploitation : 5 - Appellation : 05 - Groupe : 7", ""},

@@ -60,10 +60,10 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
-  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 5");
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 6");
   EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
             "La base « " + Fichier_.string() +
-                " » est celle d'une version plus récente de tarvel (schéma n° 5, et cette version connaît le n° 4) : "
+                " » est celle d'une version plus récente de tarvel (schéma n° 6, et cette version connaît le n° 5) : "
                 "installez-la sur ce poste");
 }
 
@@ -132,14 +132,17 @@ TEST_P(Sommes, FollowTheRowsWhoeverChangesThem) {
 
 TEST_F(Coopérative, ASavedBaseGoesBackAndTheFormerOneIsKept) {
   const auto Copie = Dossier_ / "copie.db";
-  const auto Restaurer = [&](const std::filesystem::path& De) { static_cast<void>(RestaurerBase(Fichier_, De)); };
+  std::string Dit;
+  const auto Restaurer = [&](const std::filesystem::path& De) { Dit = RestaurerBase(Fichier_, De); };
   ASSERT_EQ(Importer(Ligne("12")), "");
   static_cast<void>(SauvegarderBase(Fichier_, Copie));
   ASSERT_EQ(Importer(Ligne("13")), "");
+  Connexion_->Exécuter("UPDATE Chargement SET Masse = 1, CodeSite = '2'");
   EXPECT_NE(Refus([&] { Restaurer(Copie); }), "") << "a station works on it";
   Fermer();
   EXPECT_NE(Refus([&] { Restaurer(Fichier_); }), "");
   EXPECT_EQ(Refus([&] { Restaurer(Copie); }), "");
+  EXPECT_TRUE(Dit.ends_with("remplacee ». Chargements qu'elle a et que la sauvegarde n'a pas : 1.")) << Dit;
   std::ofstream(Copie) << "no base any more";
   EXPECT_NE(Refus([&] { Restaurer(Copie); }), "");
   for (const auto& [Base, Attendus] : {std::pair("coopé.db", "1"), std::pair("coopé.db.remplacee", "2")}) {

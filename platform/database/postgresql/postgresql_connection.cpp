@@ -164,6 +164,7 @@ void ConnexionPostgresql::ReprendreNumérotation(const std::string& Table, const
 }
 
 void ConnexionPostgresql::TenirSommes(const SommesTenues& Sommes) {
+  if (!ColonnesDe(Sommes.Table).empty()) return;  // a server has always had numbers only
   const Résultat Lu = Demander("SELECT current_schema()", {}, true);
   for (const std::string& Étape : SommesPostgresql(Sommes, PQgetvalue(Lu.get(), 0, 0)))
     static_cast<void>(Demander(Étape, {}, false));

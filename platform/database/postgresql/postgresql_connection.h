@@ -33,6 +33,7 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   void TenirSommes(const SommesTenues& Sommes) override;
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
+  [[nodiscard]] std::string NombreDans(const std::string& Colonne) const override { return Colonne; }
   [[nodiscard]] std::string DroitsManquants(const std::string& Table, const std::vector<std::string>& Droits) override;
   void PrendreSite(const std::string& Code) override;
   [[nodiscard]] bool ADuNouveau() override;

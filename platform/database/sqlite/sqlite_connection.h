@@ -57,6 +57,7 @@ class ConnexionSqlite final : public IConnexion {
   void TenirSommes(const SommesTenues& Sommes) override { ExécuterTout(SommesSqlite(Sommes)); }
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
+  [[nodiscard]] std::string NombreDans(const std::string& Colonne) const override { return NombreSqlite(Colonne); }
 
   /// What was committed since moves from the log into the file itself, so that a plain copy of the file has it. Costs
   /// nothing when nothing was; what another program's reading holds up waits for the next call.

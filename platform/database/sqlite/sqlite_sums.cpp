@@ -11,10 +11,10 @@ constexpr const char* Sélection = "coalesce(§.Sélection, '')";
 constexpr const char* Année =
     "CASE WHEN typeof(§.DateCh) <> 'text' AND §.DateCh >= 1 AND §.DateCh < 2958466"
     " THEN CAST(strftime('%Y', CAST(§.DateCh AS INTEGER) + 2415018.5) AS INTEGER) ELSE 0 END";
-/// A weight that was typed with a comma or with blanks is a text.
-constexpr const char* Masse =
-    "coalesce((SELECT CASE WHEN M > -1e15 AND M < 1e15 THEN M END FROM (SELECT CASE typeof(§.Masse) WHEN 'text'"
-    " THEN CAST(replace(replace(§.Masse, ' ', ''), ',', '.') AS REAL) ELSE §.Masse END AS M)), 0)";
+std::string Masse() {
+  return "coalesce((SELECT CASE WHEN M > -1e15 AND M < 1e15 THEN M END FROM (SELECT " + NombreSqlite("§.Masse") +
+         " AS M)), 0)";
+}
 
 std::string Termes() { return std::string(Métayage) + " AS M, " + Sélection + " AS S, " + Année + " AS A"; }
 
@@ -36,8 +36,9 @@ class Déclencheurs {
 
  private:
   [[nodiscard]] std::string Un(const char* Nom, const char* Quand, const std::string& Quoi) const {
-    return "CREATE TRIGGER " + Sommes_.Table + Nom + Source_ + " " + Quand + " ON " + Source_ + " BEGIN " + Quoi +
-           " END;";
+    const std::string Déclencheur = Sommes_.Table + Nom + Source_;
+    return "DROP TRIGGER IF EXISTS " + Déclencheur + "; CREATE TRIGGER " + Déclencheur + " " + Quand + " ON " +
+           Source_ + " BEGIN " + Quoi + " END;";
   }
   [[nodiscard]] static std::string ÀSaPlace(const std::string& Rangée) {
     return PourRangée(Rangée, std::string(" WHERE Métayage = ") + Métayage + " AND Sélection = " + Sélection +
@@ -49,7 +50,7 @@ class Déclencheurs {
            ", 0 WHERE NOT EXISTS (SELECT 1 FROM " + Sommes_.Table + ÀSaPlace(Rangée) + ");" + Changer(Rangée, "+");
   }
   [[nodiscard]] std::string Changer(const std::string& Rangée, const char* Signe) const {
-    return "UPDATE " + Sommes_.Table + " SET Masse = Masse " + Signe + PourRangée(Rangée, Masse) + ÀSaPlace(Rangée) +
+    return "UPDATE " + Sommes_.Table + " SET Masse = Masse " + Signe + PourRangée(Rangée, Masse()) + ÀSaPlace(Rangée) +
            ";";
   }
   /// A row that gives way to another one (REPLACE) isn't deleted in a trigger's sight.
@@ -58,7 +59,7 @@ class Déclencheurs {
     for (const std::string& Colonne : Sommes_.SansDouble)
       Double += (Double.empty() ? "L." : " AND L.") + Colonne + " = NEW." + Colonne;
     return "DELETE FROM " + Remplacés_ + "; INSERT INTO " + Remplacés_ + " SELECT L." + Sommes_.Identité + ", " +
-           PourRangée("L", Termes() + ", " + Masse) + " FROM " + Source_ + " AS L WHERE (L." + Sommes_.Identité +
+           PourRangée("L", Termes() + ", " + Masse()) + " FROM " + Source_ + " AS L WHERE (L." + Sommes_.Identité +
            " = NEW." + Sommes_.Identité + " OR (" + Double + "))" + Sauf + ";";
   }
   [[nodiscard]] std::string RetirerRemplacés() const {
@@ -79,16 +80,27 @@ class Déclencheurs {
 
 }  // namespace
 
+std::string NombreSqlite(const std::string& Colonne) {
+  // A text that is compared with a number counts as one when all of it spells one, and never equals it otherwise.
+  return PourRangée(Colonne,
+                    "CASE WHEN typeof(§) IN ('text', 'blob') THEN (SELECT CASE WHEN T = '' THEN 0 WHEN T NOT GLOB"
+                    " '*[^-+.0-9eE]*' AND CAST(T AS REAL) = T THEN CAST(T AS REAL) END FROM (SELECT"
+                    " replace(replace(replace(replace(replace(§, ' ', ''), char(9), ''), char(160), ''), char(8239),"
+                    " ''), ',', '.') AS T)) ELSE § END");
+}
+
 std::string SommesSqlite(const SommesTenues& Sommes) {
   const std::string Colonnes =
       "Métayage TEXT NOT NULL, Sélection TEXT NOT NULL, Année INTEGER NOT NULL, Masse REAL NOT NULL";
-  std::string Script = "CREATE TABLE " + Sommes.Table + " (" + Colonnes +
-                       ", PRIMARY KEY (Métayage, Sélection, Année));" + "CREATE TABLE " + Sommes.Table +
-                       "Remplacé (Id INTEGER NOT NULL, " + Colonnes + ");";
+  const std::string Remplacés = Sommes.Table + "Remplacé";
+  std::string Script = "DROP TABLE IF EXISTS " + Sommes.Table + "; DROP TABLE IF EXISTS " + Remplacés +
+                       "; CREATE TABLE " + Sommes.Table + " (" + Colonnes +
+                       ", PRIMARY KEY (Métayage, Sélection, Année));" + "CREATE TABLE " + Remplacés +
+                       " (Id INTEGER NOT NULL, " + Colonnes + ");";
   std::string Toutes;
   for (const std::string& Source : Sommes.Sources) {
     Toutes += (Toutes.empty() ? "SELECT " : " UNION ALL SELECT ") + PourRangée("L", Termes()) + ", " +
-              PourRangée("L", Masse) + " AS X FROM " + Source + " AS L";
+              PourRangée("L", Masse()) + " AS X FROM " + Source + " AS L";
     Script += Déclencheurs(Sommes, Source).Script();
   }
   return Script + "INSERT INTO " + Sommes.Table + " SELECT M, S, A, sum(X) FROM (" + Toutes + ") GROUP BY M, S, A;";

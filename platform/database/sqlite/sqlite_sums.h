@@ -7,6 +7,9 @@
 
 namespace Ombrey {
 
+/// What stands in a column of numbers, as a number; Null for what is none.
+[[nodiscard]] std::string NombreSqlite(const std::string& Colonne);
+
 /// The script that makes the table of sums, fills it, and makes the triggers. It needs no function of ours, so that any
 /// other tool may change rows.
 [[nodiscard]] std::string SommesSqlite(const SommesTenues& Sommes);
