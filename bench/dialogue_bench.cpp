@@ -121,6 +121,7 @@ void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string
     Greffon->Retard_FinTempo("");
     std::this_thread::sleep_for(Rang == 0 ? DélaiRéponse + 100ms : 0ms);
   }
+  Cave.Connexion->RangerJournal();  // as the station does at rest
   const auto Avant = Cave.Connexion->Passée();
   const auto Début = Horloge::now();
   for ([[maybe_unused]] auto Tour : État) Greffon->Retard_FinTempo("");

@@ -37,17 +37,18 @@ idle() {
   xdotool key F5
   await window '^Liste des chargements$'
   sleep 15 # the first poll comes ten seconds after the start
-  local before begin polls_before cpu elapsed
+  local before woken_before begin polls_before cpu elapsed
   before=$(spent)
+  woken_before=$(woken)
   begin=$(date +%s%N)
   polls_before=$(polls)
   sleep "$seconds"
   cpu=$(($(spent) - before))
   elapsed=$(($(date +%s%N) - begin))
   awk -v name="$name" -v cpu="$cpu" -v elapsed="$elapsed" -v polls=$(($(polls) - polls_before)) \
-    -v resident="$(memory VmRSS)" -v peak="$(memory VmHWM)" 'BEGIN {
-      printf "%s terminal: %d polls in %.1f s: %.1f ms of processor time, %.3f %% of one core; %.1f MiB resident, %.1f at most\n",
-        name, polls, elapsed / 1e9, cpu / 1e6, 100 * cpu / elapsed, resident / 1024, peak / 1024 }'
+    -v resident="$(memory VmRSS)" -v peak="$(memory VmHWM)" -v woken=$(($(woken) - woken_before)) 'BEGIN {
+      printf "%s terminal: %d polls in %.1f s: %.1f ms of processor time, %.3f %% of one core, woken %d times; %.1f MiB resident, %.1f at most\n",
+        name, polls, elapsed / 1e9, cpu / 1e6, 100 * cpu / elapsed, woken, resident / 1024, peak / 1024 }'
   window '^Liste des chargements$' >/dev/null || { echo "the list has closed" >&2; exit 1; }
   [ "$(polls)" -gt "$polls_before" ] || { echo "no poll took place" >&2; exit 1; }
   [ $((cpu * 1000)) -lt $((elapsed * max_permille)) ] || missed=1

@@ -64,6 +64,8 @@ base.commit()' "$work/cave.db" "$1"
 
 memory() { awk -v name="$1:" '$1 == name {print $2}' "/proc/$station/status"; }         # KiB
 spent() { awk '{sum += $1} END {print sum}' "/proc/$station/task/"*/schedstat; } # nanoseconds on a processor
+# How often the station was woken: unlike its time, whatever else the machine does.
+woken() { awk '$1 == "voluntary_ctxt_switches:" {sum += $2} END {print sum}' "/proc/$station/task/"*/status; }
 
 # A screen of its own, for the station in windows. Exit code 77 for want of that, or of one of these tools.
 need_screen() {

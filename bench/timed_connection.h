@@ -61,6 +61,10 @@ class ConnexionChronométrée final : public IConnexion {
   }
   [[nodiscard]] std::string CléNumérotée(bool Reprise) const override { return Réelle_->CléNumérotée(Reprise); }
   void TenirSommes(const SommesTenues& Sommes) override { Réelle_->TenirSommes(Sommes); }
+  void RefaireSommes(const SommesTenues& Sommes) override { Réelle_->RefaireSommes(Sommes); }
+  [[nodiscard]] ValeurChamp SommesFausses(const SommesTenues& Sommes) override {
+    return Réelle_->SommesFausses(Sommes);
+  }
   [[nodiscard]] std::string SansCoupure(const std::string& Une) const override { return Réelle_->SansCoupure(Une); }
   [[nodiscard]] std::string DateLisible(const std::string& Une) const override { return Réelle_->DateLisible(Une); }
   void RangerJournal() override { Réelle_->RangerJournal(); }

@@ -79,6 +79,17 @@ void ExaminerCompte(const Options& Choisies, std::vector<Constat>& Constats) {
                       "runuser -u " + NomCompte(État.st_uid) + " -- tarvel --diagnostic --ini " + Ini});
 }
 
+/// A tool that works around the engine's triggers leaves figures that nobody sees to be wrong.
+Constat ExaminerCumuls(Ombrey::IConnexion& Connexion) {
+  const Ombrey::SansHâte Patiente(Connexion);
+  const Ombrey::ValeurChamp Faux = Connexion.SommesFausses(CumulsDeSaison());
+  if (Faux == Ombrey::ValeurChamp{std::int64_t{0}})
+    return {Jugement::Bon, "cumuls", "ceux de la saison sont la somme des chargements."};
+  return {Jugement::Mauvais, "cumuls",
+          "ceux de la saison qui ne sont pas la somme des chargements : " + Ombrey::TexteOuVide(Faux, {}) + ".",
+          "tarvel --base " + PourCommande(Connexion.Nom()) + " --refaire-cumuls"};
+}
+
 void ExaminerSchéma(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constats) {
   const int Numéro = NuméroSchémaDe(Connexion);
   const std::string Texte =
@@ -90,6 +101,7 @@ void ExaminerSchéma(Ombrey::IConnexion& Connexion, std::vector<Constat>& Consta
                         "rien : la station la mettra à jour à son démarrage et en gardera une copie à côté"});
   else
     Constats.push_back({Jugement::Mauvais, "schéma", Texte, "installez la version récente de tarvel sur ce poste"});
+  if (Numéro == NuméroSchéma) Constats.push_back(ExaminerCumuls(Connexion));
 }
 
 /// The newest load's date, counted in days from now.

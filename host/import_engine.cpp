@@ -2,6 +2,7 @@
 #include "host/import_engine.h"
 
 #include <string_view>
+#include <utility>
 
 #include "base/ansi_text.h"
 #include "base/files.h"
@@ -36,25 +37,24 @@ std::vector<std::string> Lignes(std::string_view Contenu) {
 }  // namespace
 
 std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre, const std::string& Fichier) {
-  const DéfinitionImport Définition = LireDéfinition(Connexion_, Titre);
+  Définition_ = LireDéfinition(Connexion_, Titre, std::exchange(Définition_, {}));
   std::vector<LigneImport> Chargements;
   for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
-    Chargements.push_back(LireLigne(Définition, Ligne, Système_));
+    Chargements.push_back(LireLigne(Définition_, Ligne, Système_));
 
   const auto Ensemble = Connexion_.DélaiCommun();
   try {
-    return EcrireTout(Définition, Chargements);
+    return EcrireTout(Chargements);
   } catch (const Ombrey::ÉchecPassager&) {
-    return EcrireTout(Définition, Chargements);
+    return EcrireTout(Chargements);
   }
 }
 
-std::vector<ChargementImporté> MoteurImport::EcrireTout(const DéfinitionImport& Définition,
-                                                        const std::vector<LigneImport>& Chargements) {
+std::vector<ChargementImporté> MoteurImport::EcrireTout(const std::vector<LigneImport>& Chargements) {
   std::vector<ChargementImporté> Importés;
   Importés.reserve(Chargements.size());
   Ombrey::Transaction Tout(Connexion_);
-  TableDesChargements Table(Connexion_, Définition);
+  TableDesChargements Table(Connexion_, Définition_);
   for (const LigneImport& Ligne : Chargements) Importés.push_back(Table.Ecrire(Ligne));
   Tout.Valider();
   return Importés;

@@ -33,11 +33,11 @@ class MoteurImport {
   [[nodiscard]] std::vector<ChargementImporté> Importer(const std::string& Titre, const std::string& Fichier);
 
  private:
-  [[nodiscard]] std::vector<ChargementImporté> EcrireTout(const DéfinitionImport& Définition,
-                                                          const std::vector<LigneImport>& Chargements);
+  [[nodiscard]] std::vector<ChargementImporté> EcrireTout(const std::vector<LigneImport>& Chargements);
 
   Ombrey::IConnexion& Connexion_;
   const Ombrey::ISystème& Système_;
+  DéfinitionImport Définition_;  ///< of the last import
 };
 
 }  // namespace Tarvel

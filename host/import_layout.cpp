@@ -135,15 +135,17 @@ std::size_t DéfinitionImport::Place(std::string_view Nom) const {
   return *Trouvée;
 }
 
-DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre) {
+DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre, DéfinitionImport Connue) {
   Ombrey::Instruction Requête =
       Connexion.Préparer("SELECT LongChps, Format FROM MSysEtats WHERE Titre = ?1 AND Exportation = 0");
   if (!Requête.Lier({Titre}).Avancer()) throw ErreurExécution("Définition d'import inconnue : " + Titre);
 
-  DéfinitionImport Définition{{}, Ombrey::TexteOuVide(Requête.Valeur(1), {})};
+  DéfinitionImport Définition{
+      {}, Ombrey::TexteOuVide(Requête.Valeur(1), {}), Ombrey::TexteOuVide(Requête.Valeur(0), {})};
+  if (Définition.Texte == Connue.Texte && Définition.Séparateur == Connue.Séparateur) return Connue;
   if (Définition.Séparateur.empty()) throw ErreurExécution("Définition d'import sans séparateur : " + Titre);
   const std::vector<Ombrey::ColonneDeTable> Connues = Connexion.ColonnesDe(TableChargements);
-  for (const std::string& Texte : ListeChamps("\r").Décomposer(Ombrey::TexteOuVide(Requête.Valeur(0), {}))) {
+  for (const std::string& Texte : ListeChamps("\r").Décomposer(Définition.Texte)) {
     Définition.Colonnes.push_back(LireColonne(Texte));
     const std::string& Nom = Définition.Colonnes.back().Nom;
     if (std::ranges::find(Connues, Nom, &Ombrey::ColonneDeTable::Nom) == Connues.end())

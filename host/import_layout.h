@@ -31,6 +31,7 @@ struct ColonneImport {
 struct DéfinitionImport {
   std::vector<ColonneImport> Colonnes;
   std::string Séparateur;
+  std::string Texte;  ///< of the columns, as the base has it
 
   [[nodiscard]] std::optional<std::size_t> Chercher(std::string_view Nom) const;
   /// Place of the column, which must be there.
@@ -46,8 +47,10 @@ struct ValeurImport {
 using LigneImport = std::vector<ValeurImport>;
 
 /// Reads the import layout of this title. Raises ErreurExécution when there is none, when it can't be understood, when
-/// it names a column that the table of loads lacks, or when it leaves out one that no load can do without.
-[[nodiscard]] DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre);
+/// it names a column that the table of loads lacks, or when it leaves out one that no load can do without. One that is
+/// known from before, and is still written the same, comes back as it is.
+[[nodiscard]] DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::string& Titre,
+                                              DéfinitionImport Connue);
 
 /// Cuts a line and reads its values; years of two digits are the nearest to the present one. Raises ErreurContenu.
 [[nodiscard]] LigneImport LireLigne(const DéfinitionImport& Définition, std::string_view Ligne,

@@ -178,6 +178,9 @@ int Accomplir(const Tarvel::Options& Choisies) {
       std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
       break;
     }
+    case Tarvel::Tâche::RefaireCumuls:
+      std::puts(Tarvel::RefaireCumuls(*Tarvel::OuvrirCoopérative(Choisies.Base)).c_str());
+      break;
     case Tarvel::Tâche::Station:
       Travailler(Choisies);
       break;

@@ -40,7 +40,8 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
 }
 
 constexpr Tâche UneStation = Tâche::Station | Tâche::Diagnostic;
-constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::Exporter;
+constexpr Tâche SurUneBase =
+    UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::Exporter | Tâche::RefaireCumuls;
 
 /// A task, how it is called, and what it can't do without.
 struct TâcheConnue {
@@ -60,6 +61,7 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::Restaurer, "--base B --restaurer F", false, true},
     {Tâche::CopierBase, "--copier-base DE VERS", false, true},
     {Tâche::Exporter, "--base B --exporter-csv F [--du D] [--au D]", false, true},
+    {Tâche::RefaireCumuls, "--base B --refaire-cumuls", false, true},
     {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
@@ -117,6 +119,8 @@ constexpr Option Connues[] = {
      [](Options& O, Mots V) { O.Jours.Au = LireJourDonné(V[0]); }},
     {"--diagnostic", "", "regarde tout ce qu'il faut à la station : bon, à voir ou mauvais, et ce qu'il faut faire",
      Tâche::Diagnostic, Demande, [](Options&, Mots) {}},
+    {"--refaire-cumuls", "", "refait les cumuls de la saison d'après les chargements, si le diagnostic les dit faux",
+     Tâche::RefaireCumuls, Demande, [](Options&, Mots) {}},
     {"--copier-base", "DE VERS",
      "copie une coopérative d'un fichier vers un serveur, ou l'inverse, et vérifie la copie", Tâche::CopierBase,
      Demande,

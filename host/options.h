@@ -30,7 +30,8 @@ enum class Tâche : unsigned {
   Restaurer = 32,
   Diagnostic = 64,
   CopierBase = 128,
-  Exporter = 256
+  Exporter = 256,
+  RefaireCumuls = 512
 };
 
 struct Options {

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "base/failures.h"
+#include "base/regional_forms.h"
 #include "host/engine.h"
 #include "host/load_columns.h"
 
@@ -66,12 +67,7 @@ void De1Vers2(IConnexion& Connexion) {
   Connexion.ExécuterTout(VueLisible(Connexion));
 }
 
-void De2Vers3(IConnexion& Connexion) {
-  Connexion.TenirSommes({.Table = TableCumuls,
-                         .Sources = {TableChargements, TableArchive},
-                         .Identité = "IdChargement",
-                         .SansDouble = {"CodeSite", "NoChargement"}});
-}
+void De2Vers3(IConnexion& Connexion) { Connexion.TenirSommes(CumulsDeSaison()); }
 
 /// Which stations work on the base, and when each was last known to live.
 void De3Vers4(IConnexion& Connexion) {
@@ -116,6 +112,22 @@ int NuméroSchémaDe(IConnexion& Connexion) {
   if (!ANuméro) return PremierSchéma;
   const auto Numéro = Ombrey::Comme<std::int64_t>(Connexion.Lire("SELECT MAX(Numéro) FROM Schéma"));
   return static_cast<int>(Numéro.value_or(PremierSchéma));
+}
+
+Ombrey::SommesTenues CumulsDeSaison() {
+  return {.Table = TableCumuls,
+          .Sources = {TableChargements, TableArchive},
+          .Identité = "IdChargement",
+          .SansDouble = {"CodeSite", "NoChargement"}};
+}
+
+std::string RefaireCumuls(IConnexion& Connexion) {
+  const Ombrey::SansHâte Patiente(Connexion);
+  Ombrey::Transaction Tout(Connexion);
+  const std::string Faux = Ombrey::TexteOuVide(Connexion.SommesFausses(CumulsDeSaison()), {});
+  Connexion.RefaireSommes(CumulsDeSaison());
+  Tout.Valider();
+  return "Les cumuls de la saison sont refaits d'après les chargements. Ceux qui étaient faux : " + Faux;
 }
 
 void PasserAuSchémaSuivant(IConnexion& Connexion, int Numéro) {

@@ -1,6 +1,8 @@
 // The schema's number, and what brings an older base up to it.
 #pragma once
 
+#include <string>
+
 #include "platform/database/connection.h"
 
 namespace Tarvel {
@@ -11,6 +13,12 @@ inline constexpr int NuméroSchéma = 5;
 
 /// The number of the base's schema.
 [[nodiscard]] int NuméroSchémaDe(Ombrey::IConnexion& Connexion);
+
+/// The season's weights, which the engine keeps.
+[[nodiscard]] Ombrey::SommesTenues CumulsDeSaison();
+
+/// Works the season's weights out anew from the loads; what the operator is told about it.
+[[nodiscard]] std::string RefaireCumuls(Ombrey::IConnexion& Connexion);
 
 /// From one number to the next, inside a transaction of the caller's.
 void PasserAuSchémaSuivant(Ombrey::IConnexion& Connexion, int Numéro);

@@ -137,6 +137,10 @@ class IConnexion {
   /// What stands in a column of numbers, as a number; Null for what is none. An embedded base keeps there what was
   /// typed, with a comma or with blanks.
   [[nodiscard]] virtual std::string NombreDans(const std::string& Colonne) const = 0;
+  /// Fills that table anew.
+  virtual void RefaireSommes(const SommesTenues& Sommes) = 0;
+  /// How many of the kept sums aren't what the rows add up to.
+  [[nodiscard]] virtual ValeurChamp SommesFausses(const SommesTenues& Sommes) = 0;
   /// The condition that a text has neither semicolon nor control character.
   [[nodiscard]] virtual std::string SansCoupure(const std::string& Colonne) const = 0;
   /// A date as day, month, year, hour and minute, by what the engine itself can do.

@@ -18,6 +18,13 @@ struct SommesTenues {
   std::array<std::string, 2> SansDouble;  ///< columns that two rows of a source may not have both alike
 };
 
+/// What an engine is told about its sums, in its own language.
+struct ÉcrituresSommes {
+  std::vector<std::string> Tenir;    ///< makes table and triggers, and fills the table
+  std::vector<std::string> Refaire;  ///< fills it anew
+  std::string Fausses;               ///< counts the sums that differ from those of the rows by half a unit or more
+};
+
 /// The text with the row's name wherever § stands for it.
 [[nodiscard]] inline std::string PourRangée(const std::string& Nom, std::string Modèle) {
   const std::string Signe = "§";

@@ -38,12 +38,12 @@ class RecordsetDeColonnes : public IRecordset {
   std::vector<std::string> Noms_;
 };
 
-/// All rows, value by value.
+/// All rows, value by value, from a query that stands on its first (Une) or at its end.
 class RecordsetGardé : public RecordsetDeColonnes {
  public:
-  explicit RecordsetGardé(Instruction Requête) : RecordsetDeColonnes(Requête.Colonnes()) {
+  RecordsetGardé(Instruction Requête, bool Une) : RecordsetDeColonnes(Requête.Colonnes()) {
     const std::size_t Largeur = Colonnes().size();
-    for (; Requête.Avancer(); ++Nombre_)
+    for (; Une; Une = Requête.Avancer(), ++Nombre_)
       for (std::size_t Rang = 0; Rang < Largeur; ++Rang) Valeurs_.push_back(Requête.Valeur(Rang));
   }
 
@@ -79,8 +79,8 @@ class RecordsetGardé : public RecordsetDeColonnes {
 /// One row at a time, as the engine gives them.
 class RecordsetVersLAvant : public RecordsetDeColonnes {
  public:
-  explicit RecordsetVersLAvant(Instruction Requête)
-      : RecordsetDeColonnes(Requête.Colonnes()), Requête_(std::move(Requête)), Fin_(!Requête_.Avancer()) {}
+  RecordsetVersLAvant(Instruction Requête, bool Une)
+      : RecordsetDeColonnes(Requête.Colonnes()), Requête_(std::move(Requête)), Fin_(!Une) {}
 
   [[nodiscard]] bool Eof() const override { return Fin_; }
   void MoveNext() override {
@@ -100,17 +100,22 @@ class RecordsetVersLAvant : public RecordsetDeColonnes {
   bool Fin_;
 };
 
+/// The rows come ahead of the columns: a statement that was kept learns from them how a table has changed.
+template <class Genre>
+std::unique_ptr<IRecordset> Ouvert(Instruction Requête) {
+  const bool Une = Requête.Avancer();
+  return std::make_unique<Genre>(std::move(Requête), Une);
+}
+
 }  // namespace
 
 std::unique_ptr<IRecordset> BaseLue::OpenRecordset(const std::string& Sql, TypeRecordset Type) {
   if (!CommenceParSelect(Sql)) throw ErreurExécution(PasUnSelect);
   Instruction Requête = Connexion_->PréparerLecture(Sql);
-  if (Type == TypeRecordset::VersLAvant) return std::make_unique<RecordsetVersLAvant>(std::move(Requête));
+  if (Type == TypeRecordset::VersLAvant) return Ouvert<RecordsetVersLAvant>(std::move(Requête));
   return Instantané(std::move(Requête));
 }
 
-std::unique_ptr<IRecordset> Instantané(Instruction Requête) {
-  return std::make_unique<RecordsetGardé>(std::move(Requête));
-}
+std::unique_ptr<IRecordset> Instantané(Instruction Requête) { return Ouvert<RecordsetGardé>(std::move(Requête)); }
 
 }  // namespace Ombrey

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <string>
 #include <string_view>
+#include <thread>
 
 #include "platform/serial/serial_port.h"
 
@@ -19,6 +20,8 @@ constexpr std::chrono::nanoseconds AvanceMin = 100ms;
 constexpr int CaractèresAvance = 2;
 /// A far side that has taken nothing for this long takes nothing any more.
 constexpr std::chrono::seconds AttenteProgrès = 5s;
+/// A closing waits no longer for characters to leave.
+constexpr std::chrono::milliseconds DernierDépart = 250ms;
 /// A shorter text is gone before anybody could read how far it is.
 constexpr std::size_t TexteLong = 256;
 
@@ -52,7 +55,8 @@ bool PortSérie::Ecrire(const Octets& Texte) {
   return true;
 }
 
-/// Hands the bytes over, then stays until the last has left. After each pump the port may be closed, lost or another.
+/// Hands the bytes over, then stays until the last has left: a single character goes out while its sender works on.
+/// After each pump the port may be closed, lost or another.
 bool PortSérie::Envoyer(Envoi& Travail) {
   for (;;) {
     Remettre(Travail);
@@ -61,7 +65,8 @@ bool PortSérie::Envoyer(Envoi& Travail) {
     const std::size_t EnAttente = Appareil_->EnAttente();
     if (EnAttente < Travail.EnAttente) Travail.Progrès = std::max(Travail.Progrès, Maintenant);
     Travail.EnAttente = EnAttente;
-    if (Travail.Reste.empty() && EnAttente == 0 && Maintenant >= FinDeLigne_) return true;
+    const bool EstPartie = Travail.Total == 1 || (EnAttente == 0 && Maintenant >= FinDeLigne_);
+    if (Travail.Reste.empty() && EstPartie) return true;
     if (Maintenant - Travail.Progrès >= AttenteProgrès) {
       Appareil_->JeterEnvoi();
       return Échouer("Le port " + Nom_ + " n'envoie plus : l'appareil au bout de la ligne ne prend rien.");
@@ -90,6 +95,14 @@ bool PortSérie::Céder(const Envoi& Travail) {
   if (Session_ == Travail.Session) return true;
   if (Erreur_.empty()) ÉchouerFermé();
   return false;
+}
+
+/// What nobody has waited for leaves ahead of a closing, which would drop it.
+void PortSérie::LaisserPartir() const {
+  const auto Limite = Horloge::now() + DernierDépart;
+  for (auto Ici = Horloge::now(); Ici < Limite && (Ici < FinDeLigne_ || Appareil_->EnAttente() > 0);
+       Ici = Horloge::now())
+    std::this_thread::sleep_for(1ms);
 }
 
 /// Gives the device what it takes for now, and keeps the line's account.

@@ -92,6 +92,7 @@ void PortSérie::Libérer() {
   Silence_.reset();
   static_cast<void>(Rafale_.Clore());
   if (!Appareil_) return;
+  if (!EnvoiEnCours_) LaisserPartir();
   Appareil_.reset();
   FinDeLigne_ = {};
   ++Session_;

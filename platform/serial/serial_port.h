@@ -72,6 +72,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Envoyer(Envoi& Travail);
   bool Céder(const Envoi& Travail);
   void Remettre(Envoi& Travail);
+  void LaisserPartir() const;
   [[nodiscard]] bool EstArrêté(const Envoi& Travail) const;
 
   ContextePort Contexte_;

@@ -48,8 +48,9 @@ class IPortComm : public IConfigurablePort {
   virtual void Activer(bool Actif) = 0;
   /// True when the port is open with all its settings applied.
   virtual bool Ouvrir() = 0;
-  /// True when all bytes have left the machine. Runs the loop while they leave: anything can happen meanwhile, Fermer
-  /// included, which ends the call at once with false.
+  /// True when all bytes have left the machine; a single character, which asks for nothing, may be on its way out
+  /// still, ahead of the next text. Runs the loop while they leave: anything can happen meanwhile, Fermer included,
+  /// which ends the call at once with false.
   virtual bool Ecrire(const Octets& Texte) = 0;
   /// Puts what has arrived and wasn't handed to the client object into Texte, or empties it; never waits.
   virtual bool Lire(Octets& Texte) = 0;

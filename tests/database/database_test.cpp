@@ -54,6 +54,13 @@ TEST_P(SurChaqueMoteur, RunsTheDialect) {
   for (const auto& [Sql, Attendu] : Cas) EXPECT_EQ(Valeur(Sql), Attendu) << Sql;
 }
 
+TEST_P(SurChaqueMoteur, ReadsATableThatAnotherProgramHasChanged) {
+  const auto Degré = [&] { return TexteOuVide(Base->OpenRecordset("SELECT * FROM Vigne", {})->FieldsNommé("N°"), {}); };
+  EXPECT_EQ(Degré(), "12,5");
+  Tarvel::OuvrirMoteur(Adresse)->ExécuterTout("ALTER TABLE Vigne DROP COLUMN Jour");
+  EXPECT_EQ(Degré(), "12,5");
+}
+
 TEST_P(SurChaqueMoteur, RefusesAllButOneSelect) {
   using namespace std::string_literals;
   for (const std::string& Sql :
@@ -176,6 +183,17 @@ TEST_F(BaseVigne, BringsItsLogHomeAtRestAndIsCopiedWholeAtWork) {
   std::filesystem::copy(Fichier, Ailleurs.Chemin() / "après.db");
   EXPECT_THROW(static_cast<void>(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "avant.db"))), ErreurExécution);
   EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "après.db")), 4);
+
+  // Behind a crash the log is read as far as it goes; a commit doesn't make it longer.
+  const std::string Journal = Fichier.string() + "-wal";
+  const auto Longueur = std::filesystem::file_size(Journal);
+  EXPECT_GT(Longueur, 1'000'000);
+  Connexion->ExécuterTout("INSERT INTO Vigne SELECT * FROM Vigne");
+  for (const char* Suffixe : {"", "-wal"})
+    std::filesystem::copy(Fichier.string() + Suffixe, (Ailleurs.Chemin() / "panne.db").string() + Suffixe);
+  EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / "panne.db")), 8);
+  EXPECT_EQ(std::filesystem::file_size(Journal), Longueur);
+  Connexion->ExécuterTout("DELETE FROM Vigne WHERE rowid > 4");
 
   const auto Copie = Ailleurs.Chemin() / "copie.db";
   const auto AuTravail = ConnexionSqlite::Ouvrir(Fichier);

@@ -103,6 +103,12 @@ TEST_P(Sommes, FollowTheRowsWhoeverChangesThem) {
   MettreAJourSchéma(*Connexion_);
   Vérifier("the upgrade");
   EXPECT_EQ(CumulsDuRouge().substr(0, 5), "4050 ");
+  const auto Fausses = [&] { return Ombrey::TexteOuVide(Connexion_->SommesFausses(CumulsDeSaison()), {}); };
+  Connexion_->Exécuter("UPDATE CumulSaison SET Masse = Masse + 1 WHERE Métayage = '4' AND Sélection = '05'");
+  EXPECT_EQ(Fausses(), "1");
+  static_cast<void>(RefaireCumuls(*Connexion_));
+  EXPECT_EQ(Fausses(), "0");
+  Vérifier("the sums made anew");
 
   const std::string Neuf =
       "INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Masse) VALUES (1, '1', 12, 46287, '5', "

@@ -86,6 +86,10 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   EXPECT_EQ(Regard.Fin(), 0);
   P.Rg80->Signaler(SIGINT);
   P.Finir("1 1 0");
+  P.Faire("UPDATE CumulSaison SET Masse = Masse + 1");
+  Constater("mauvais cumuls : ");
+  P.Faire("$ " BIN_DIR "/tarvel --base cave.db --refaire-cumuls");
+  Constater("bon     cumuls : ");
   P.Faire("UPDATE Chargement SET DateCh = DateCh + 90000");
   Constater("mauvais horloge : ");
   P.Faire("UPDATE Chargement SET DateCh = DateCh - 89999.9");

@@ -117,7 +117,10 @@ TEST_F(Port, WritesAtThePaceOfTheLineAndCatchesUpWithTheClock) {
   }
   LePort_->FixerBauds(50);  // one character takes longer than the advance
   ASSERT_TRUE(LePort_->Ouvrir());
+  const auto Début = Horloge::now();
   EXPECT_TRUE(LePort_->Ecrire(Octets("x"))) << LePort_->DernièreErreurPort();
+  LePort_->Fermer();
+  EXPECT_GE(Horloge::now() - Début, 200ms) << "it hasn't left the machine yet";
 }
 
 TEST_F(Port, AWriteHasItsLineAloneAndEndsWithIt) {

@@ -163,11 +163,22 @@ void ConnexionPostgresql::ReprendreNumérotation(const std::string& Table, const
                              {Table, Colonne}, false));
 }
 
+/// A server has always had numbers only: what it keeps stays right.
 void ConnexionPostgresql::TenirSommes(const SommesTenues& Sommes) {
-  if (!ColonnesDe(Sommes.Table).empty()) return;  // a server has always had numbers only
+  if (ColonnesDe(Sommes.Table).empty()) Suivre(Écritures(Sommes).Tenir);
+}
+
+ÉcrituresSommes ConnexionPostgresql::Écritures(const SommesTenues& Sommes) {
   const Résultat Lu = Demander("SELECT current_schema()", {}, true);
-  for (const std::string& Étape : SommesPostgresql(Sommes, PQgetvalue(Lu.get(), 0, 0)))
-    static_cast<void>(Demander(Étape, {}, false));
+  return SommesPostgresql(Sommes, PQgetvalue(Lu.get(), 0, 0));
+}
+
+void ConnexionPostgresql::Suivre(const std::vector<std::string>& Étapes) {
+  for (const std::string& Étape : Étapes) static_cast<void>(Demander(Étape, {}, false));
+}
+
+ValeurChamp ConnexionPostgresql::SommesFausses(const SommesTenues& Sommes) {
+  return ValeurDe(Demander(Écritures(Sommes).Fausses, {}, true).get(), 0, 0);
 }
 
 std::string ConnexionPostgresql::SansCoupure(const std::string& Colonne) const {

@@ -31,6 +31,8 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
   void ReprendreNumérotation(const std::string& Table, const std::string& Colonne) override;
   void TenirSommes(const SommesTenues& Sommes) override;
+  void RefaireSommes(const SommesTenues& Sommes) override { Suivre(Écritures(Sommes).Refaire); }
+  [[nodiscard]] ValeurChamp SommesFausses(const SommesTenues& Sommes) override;
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
   [[nodiscard]] std::string NombreDans(const std::string& Colonne) const override { return Colonne; }
@@ -51,6 +53,8 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   class InstructionServeur;
   /// Répétable: may run once more when the link turns out to be lost.
   [[nodiscard]] Résultat Demander(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs, bool EstRépétable);
+  [[nodiscard]] ÉcrituresSommes Écritures(const SommesTenues& Sommes);
+  void Suivre(const std::vector<std::string>& Étapes);
   void Relier();
   void VerrouillerSite();
   [[nodiscard]] bool PrendreVerrou();

@@ -20,7 +20,7 @@ std::string Lignes(const std::string& Table, const char* Signe) {
 
 }  // namespace
 
-std::vector<std::string> SommesPostgresql(const SommesTenues& Sommes, const std::string& Schéma) {
+ÉcrituresSommes SommesPostgresql(const SommesTenues& Sommes, const std::string& Schéma) {
   const auto Dans = [&](const std::string& Nom) { return NomPostgresql(Schéma) + "." + NomPostgresql(Nom); };
   const std::string Table = Dans(Sommes.Table);
   const std::string Fonction = Dans("Tenir" + Sommes.Table);
@@ -39,6 +39,8 @@ std::vector<std::string> SommesPostgresql(const SommesTenues& Sommes, const std:
   std::string Toutes;
   for (const std::string& Source : Sommes.Sources)
     Toutes += (Toutes.empty() ? "" : " UNION ALL ") + Lignes(Dans(Source), "");
+  const std::vector<std::string> Refaire = {"LOCK TABLE " + Table + " IN EXCLUSIVE MODE", "DELETE FROM " + Table,
+                                            Compter(Toutes)};
   std::vector<std::string> Étapes = {
       "CREATE TABLE " + Table +
           R"( ("Métayage" text COLLATE "C" NOT NULL, "Sélection" text COLLATE "C" NOT NULL, "Année" bigint NOT NULL,)"
@@ -48,8 +50,8 @@ std::vector<std::string> SommesPostgresql(const SommesTenues& Sommes, const std:
           "() RETURNS trigger LANGUAGE plpgsql SECURITY DEFINER SET search_path = pg_catalog, pg_temp AS $corps$ BEGIN"
           " CASE TG_OP WHEN 'INSERT' THEN " +
           Compter(Nouvelles) + "; WHEN 'UPDATE' THEN " + Compter(Nouvelles + " UNION ALL " + Anciennes) +
-          "; WHEN 'DELETE' THEN " + Compter(Anciennes) + "; ELSE LOCK TABLE " + Table +
-          " IN EXCLUSIVE MODE; DELETE FROM " + Table + "; " + Compter(Toutes) + "; END CASE; RETURN NULL; END $corps$"};
+          "; WHEN 'DELETE' THEN " + Compter(Anciennes) + "; ELSE " + Refaire[0] + "; " + Refaire[1] + "; " +
+          Refaire[2] + "; END CASE; RETURN NULL; END $corps$"};
   constexpr std::pair<const char*, const char*> Gestes[] = {
       {"INSERT", " REFERENCING NEW TABLE AS nouvelles"},
       {"UPDATE", " REFERENCING NEW TABLE AS nouvelles OLD TABLE AS anciennes"},
@@ -60,7 +62,10 @@ std::vector<std::string> SommesPostgresql(const SommesTenues& Sommes, const std:
       Étapes.push_back("CREATE TRIGGER " + NomPostgresql(Sommes.Table + Geste) + " AFTER " + Geste + " ON " +
                        Dans(Source) + Avec + " EXECUTE FUNCTION " + Fonction + "()");
   Étapes.push_back(Compter(Toutes));  // the triggers keep others from writing until all is done
-  return Étapes;
+  return {Étapes, Refaire,
+          "SELECT count(*) FROM (SELECT FROM (" + Toutes +
+              R"( UNION ALL SELECT "Métayage", "Sélection", "Année", -"Masse" FROM )" + Table +
+              ") AS r(m, s, a, x) GROUP BY m, s, a HAVING abs(sum(x)) >= 0.5) AS f"};
 }
 
 }  // namespace Ombrey

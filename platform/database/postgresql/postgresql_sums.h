@@ -8,8 +8,8 @@
 
 namespace Ombrey {
 
-/// The statements that make the table of sums in the schema, fill it, and make the triggers. They work with their
-/// maker's rights: who may change a row needs no right on the sums.
-[[nodiscard]] std::vector<std::string> SommesPostgresql(const SommesTenues& Sommes, const std::string& Schéma);
+/// For a table of sums in the schema. The triggers work with their maker's rights: who may change a row needs no right
+/// on the sums.
+[[nodiscard]] ÉcrituresSommes SommesPostgresql(const SommesTenues& Sommes, const std::string& Schéma);
 
 }  // namespace Ombrey

@@ -6,6 +6,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <array>
 #include <cerrno>
 #include <iostream>
 #include <system_error>
@@ -147,10 +148,8 @@ Instruction ConnexionSqlite::Préparer(std::string_view Sql) {
 }
 
 Instruction ConnexionSqlite::PréparerLecture(std::string_view Sql) {
-  const std::string Traduite = TraduireEnSqlite(Sql);
-  std::string_view Reste;
-  auto Requête = std::make_unique<InstructionSqlite>(Base_.get(), Traduite, Reste);
-  if (!EstRemplissage(Reste) || !Requête->NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
+  auto Requête = std::make_unique<InstructionSqlite>(Base_.get(), TraduireEnSqlite(Sql), Réserve_);
+  if (!Requête->NeFaitQueLire()) throw ErreurExécution(PasUnSelect);
   return Instruction(std::move(Requête));
 }
 
@@ -209,7 +208,29 @@ std::string ConnexionSqlite::DateLisible(const std::string& Colonne) const {
   return "strftime('%d/%m/%Y %H:%M', " + Colonne + " + 2415018.5)";
 }
 
+/// A disk takes longest over a file's new length. A log that is long from the start is written over instead; zeros are
+/// no part of it to the engine. Nobody else lengthens it meanwhile.
+void ConnexionSqlite::AllongerJournal() {
+  constexpr sqlite3_int64 Longueur = 2LL * 1024 * 1024;
+  constexpr std::array<char, 64UL * 1024> Zéros{};
+  EstJournalLong_ = true;
+  if (EstEnLectureSeule()) return;
+  const Transaction Seul(*this);
+  sqlite3_file* Fichier = nullptr;
+  sqlite3_int64 Présente = Longueur;
+  sqlite3_file_control(Base_.get(), "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&Fichier));
+  if (Lire("PRAGMA journal_mode") != ValeurChamp{"wal"} ||
+      Fichier->pMethods->xFileSize(Fichier, &Présente) != SQLITE_OK)
+    return;
+  // A disk that is full shows it at the next commit.
+  int Code = SQLITE_OK;
+  for (; Présente < Longueur && Code == SQLITE_OK; Présente += static_cast<sqlite3_int64>(Zéros.size()))
+    Code = Fichier->pMethods->xWrite(Fichier, Zéros.data(), static_cast<int>(Zéros.size()), Présente);
+  Fichier->pMethods->xSync(Fichier, SQLITE_SYNC_NORMAL);
+}
+
 void ConnexionSqlite::RangerJournal() {
+  if (!EstJournalLong_) AllongerJournal();
   const std::int64_t Changées = sqlite3_total_changes64(Base_.get());
   int DansLeJournal = 0;
   int DansLeFichier = 0;

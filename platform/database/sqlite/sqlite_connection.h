@@ -54,13 +54,18 @@ class ConnexionSqlite final : public IConnexion {
   [[nodiscard]] bool ADuNouveau() override;
   [[nodiscard]] bool EstMêmeNom(const std::string& Un, const std::string& Autre) const override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;
-  void TenirSommes(const SommesTenues& Sommes) override { ExécuterTout(SommesSqlite(Sommes)); }
+  void TenirSommes(const SommesTenues& Sommes) override { ExécuterTout(SommesSqlite(Sommes).Tenir[0]); }
+  void RefaireSommes(const SommesTenues& Sommes) override { ExécuterTout(SommesSqlite(Sommes).Refaire[0]); }
+  [[nodiscard]] ValeurChamp SommesFausses(const SommesTenues& Sommes) override {
+    return Lire(SommesSqlite(Sommes).Fausses);
+  }
   [[nodiscard]] std::string SansCoupure(const std::string& Colonne) const override;
   [[nodiscard]] std::string DateLisible(const std::string& Colonne) const override;
   [[nodiscard]] std::string NombreDans(const std::string& Colonne) const override { return NombreSqlite(Colonne); }
 
   /// What was committed since moves from the log into the file itself, so that a plain copy of the file has it. Costs
-  /// nothing when nothing was; what another program's reading holds up waits for the next call.
+  /// nothing when nothing was, but the first time, which makes the log long enough for the commits to come; what
+  /// another program's reading holds up waits for the next call.
   void RangerJournal() override;
   void FixerPatience(std::function<void()> Patience) override { Patience_ = std::move(Patience); }
   /// Copies the whole database, as it stands at one moment, to a new file for its owner alone, while others work on it.
@@ -86,13 +91,15 @@ class ConnexionSqlite final : public IConnexion {
   void Brancher();
   void Quitter();
   void SePasserDeJournalAnticipé();
+  void AllongerJournal();
   void Transporter(ConnexionSqlite& Vers, const Progrès& Dire);
 
   std::filesystem::path Fichier_;
   Horloge Maintenant_;
   std::function<void()> Patience_;
   std::optional<VerrouFichier> Site_;
-  ValeurChamp Compteur_;      ///< of the changes that other connections have made
+  ValeurChamp Compteur_;  ///< of the changes that other connections have made
+  bool EstJournalLong_ = false;
   std::int64_t Rangées_ = 0;  ///< rows changed by this connection that stand in the file itself
   std::unique_ptr<sqlite3, Fermer> Base_;
   std::shared_ptr<RéserveSqlite> Réserve_;  ///< behind the base: an open statement would keep that open

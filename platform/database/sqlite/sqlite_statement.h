@@ -29,7 +29,7 @@ class RéserveSqlite {
   void Rendre(std::string Sql, InstructionBrute Brute);
 
  private:
-  static constexpr std::size_t TenuesAuPlus = 32;
+  static constexpr std::size_t TenuesAuPlus = 48;
   using Tenue = std::pair<std::string, InstructionBrute>;
   std::list<Tenue> Tenues_;
 };

@@ -89,7 +89,7 @@ std::string NombreSqlite(const std::string& Colonne) {
                     " ''), ',', '.') AS T)) ELSE § END");
 }
 
-std::string SommesSqlite(const SommesTenues& Sommes) {
+ÉcrituresSommes SommesSqlite(const SommesTenues& Sommes) {
   const std::string Colonnes =
       "Métayage TEXT NOT NULL, Sélection TEXT NOT NULL, Année INTEGER NOT NULL, Masse REAL NOT NULL";
   const std::string Remplacés = Sommes.Table + "Remplacé";
@@ -103,7 +103,13 @@ std::string SommesSqlite(const SommesTenues& Sommes) {
               PourRangée("L", Masse()) + " AS X FROM " + Source + " AS L";
     Script += Déclencheurs(Sommes, Source).Script();
   }
-  return Script + "INSERT INTO " + Sommes.Table + " SELECT M, S, A, sum(X) FROM (" + Toutes + ") GROUP BY M, S, A;";
+  const std::string Remplir =
+      "INSERT INTO " + Sommes.Table + " SELECT M, S, A, sum(X) FROM (" + Toutes + ") GROUP BY M, S, A;";
+  return {{Script + Remplir},
+          {"DELETE FROM " + Sommes.Table + ";" + Remplir},
+          "SELECT count(*) FROM (SELECT 1 FROM (" + Toutes +
+              " UNION ALL SELECT Métayage, Sélection, Année, -Masse FROM " + Sommes.Table +
+              ") GROUP BY M, S, A HAVING abs(sum(X)) >= 0.5)"};
 }
 
 }  // namespace Ombrey

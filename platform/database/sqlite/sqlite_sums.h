@@ -1,8 +1,6 @@
 // Sums that SQLite keeps by itself.
 #pragma once
 
-#include <string>
-
 #include "platform/database/kept_sums.h"
 
 namespace Ombrey {
@@ -10,8 +8,7 @@ namespace Ombrey {
 /// What stands in a column of numbers, as a number; Null for what is none.
 [[nodiscard]] std::string NombreSqlite(const std::string& Colonne);
 
-/// The script that makes the table of sums, fills it, and makes the triggers. It needs no function of ours, so that any
-/// other tool may change rows.
-[[nodiscard]] std::string SommesSqlite(const SommesTenues& Sommes);
+/// No trigger needs a function of ours, so that any other tool may change rows.
+[[nodiscard]] ÉcrituresSommes SommesSqlite(const SommesTenues& Sommes);
 
 }  // namespace Ombrey
