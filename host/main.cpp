@@ -74,7 +74,9 @@ std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, 
   }
   if (const std::string Sans = Tarvel::SansSigneDeVie(*Connexion); !Sans.empty()) Édition.Dire(Sans);
   Ombrey::ErreurEnAttente SansDroit;
-  if (!Ignorer(SansDroit, [&] { Tarvel::CompléterArchive(*Connexion); }))
+  const auto Compléter = [&] { Tarvel::CompléterArchive(*Connexion); };
+  // Another station that starts may be at it: a second look finds its columns.
+  if (!Ignorer(SansDroit, Compléter) && !Ignorer(SansDroit, Compléter))
     Édition.Dire("ChargementArchive n'a pas toutes les colonnes de Chargement ; son propriétaire doit les ajouter. " +
                  SansDroit.Texte());
   return Connexion;

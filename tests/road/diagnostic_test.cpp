@@ -75,6 +75,9 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   close(Autre);
   P.LancerStation();
   EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
+  P.Faire("INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('B', 1, 46000, '4')");
+  EXPECT_TRUE(P.Station->Attendre("Importation d'un nouveau chargement de B", 10s)) << P.Dit();
+  P.Faire("DELETE FROM Chargement WHERE CodeSite = 'B'");
   Constater("bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
             P.Station->Numéro() + ")");
   Programme Regard("cd " + P.En("") +

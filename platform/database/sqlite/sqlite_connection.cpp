@@ -209,24 +209,26 @@ std::string ConnexionSqlite::DateLisible(const std::string& Colonne) const {
 }
 
 /// A disk takes longest over a file's new length. A log that is long from the start is written over instead; zeros are
-/// no part of it to the engine. Nobody else lengthens it meanwhile.
+/// no part of it to the engine. Nobody else may lengthen it meanwhile; who is at work isn't waited for.
 void ConnexionSqlite::AllongerJournal() {
   constexpr sqlite3_int64 Longueur = 2LL * 1024 * 1024;
   constexpr std::array<char, 64UL * 1024> Zéros{};
-  EstJournalLong_ = true;
-  if (EstEnLectureSeule()) return;
-  const Transaction Seul(*this);
+  sqlite3_busy_handler(Base_.get(), nullptr, nullptr);
+  const int Code = sqlite3_exec(Base_.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
+  sqlite3_busy_handler(Base_.get(), &PatienterVerrou, &Patience_);
+  EstJournalLong_ = Code != SQLITE_BUSY;
+  if (Code != SQLITE_OK) return;
   sqlite3_file* Fichier = nullptr;
   sqlite3_int64 Présente = Longueur;
   sqlite3_file_control(Base_.get(), "main", SQLITE_FCNTL_JOURNAL_POINTER, static_cast<void*>(&Fichier));
-  if (Lire("PRAGMA journal_mode") != ValeurChamp{"wal"} ||
-      Fichier->pMethods->xFileSize(Fichier, &Présente) != SQLITE_OK)
-    return;
-  // A disk that is full shows it at the next commit.
-  int Code = SQLITE_OK;
-  for (; Présente < Longueur && Code == SQLITE_OK; Présente += static_cast<sqlite3_int64>(Zéros.size()))
-    Code = Fichier->pMethods->xWrite(Fichier, Zéros.data(), static_cast<int>(Zéros.size()), Présente);
-  Fichier->pMethods->xSync(Fichier, SQLITE_SYNC_NORMAL);
+  const auto* const Gestes = Fichier->pMethods;  // none with the ordinary journal, which isn't open yet
+  if (Gestes && Gestes->xFileSize(Fichier, &Présente) == SQLITE_OK && Présente < Longueur) {
+    // A disk that is full shows it at the next commit.
+    while (Présente < Longueur && Gestes->xWrite(Fichier, Zéros.data(), Zéros.size(), Présente) == SQLITE_OK)
+      Présente += Zéros.size();
+    Gestes->xSync(Fichier, SQLITE_SYNC_NORMAL);
+  }
+  Annuler();
 }
 
 void ConnexionSqlite::RangerJournal() {
