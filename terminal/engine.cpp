@@ -21,9 +21,10 @@ constexpr auto DélaiAccord = 10s;
 constexpr auto DélaiTrame = 10s;
 constexpr auto SilenceIgnorés = 1s;
 constexpr auto RetardDePanne = 2500ms;
-// A terminal whose driver is typing: what the line says meanwhile stands in a buffer of 64 requests.
+// A terminal whose driver is typing, for more than two minutes at the longest that was seen: what the line says
+// meanwhile stands in a buffer of 64 requests.
 constexpr unsigned OccupationMin = 10;
-constexpr unsigned OccupationMax = 40;
+constexpr unsigned OccupationMax = 130;
 constexpr std::size_t EmpilésMax = std::size_t{64} * 2;
 constexpr auto AttenteDernièreRéponse = 5s;
 

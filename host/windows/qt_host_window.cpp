@@ -173,7 +173,7 @@ void FenêtrePrincipaleQt::CréerAide() {
   Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
     if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
   });
-  Offrir(*Aide, "À &propos…", [this] { DemanderParBoîte(Contexte_, ÀPropos_, "À propos", BoutonsBoîte::Ok); });
+  Offrir(*Aide, "À &propos…", [this] { MontrerBoîte(Contexte_, this, ÀPropos_, "À propos"); });
 }
 
 QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste) {

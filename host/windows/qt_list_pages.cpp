@@ -9,7 +9,6 @@
 #include <utility>
 #include <vector>
 
-#include "contracts/toolkit.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 
@@ -45,9 +44,7 @@ void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées) {
 ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom) : GrilleChargements(Parent) {
   setAccessibleName(Nom);
   connect(this, &QTableView::activated, this, [this, &Contexte, Nom](const QModelIndex& Place) {
-    const std::string Entière = RangéeEntière(*model(), Place.row());
-    Contexte.Boucle.Poser(
-        [&Contexte, Nom, Entière] { DemanderParBoîte(Contexte, Entière, Nom.toStdString(), BoutonsBoîte::Ok); });
+    MontrerBoîte(Contexte, this, RangéeEntière(*model(), Place.row()), Nom.toStdString());
   });
 }
 

@@ -41,8 +41,7 @@ template <class Dialogue>
 void Poser(const ContexteQt& Contexte, Dialogue* Lequel, std::function<void(Dialogue&)> Faire) {
   Contexte.Boucle.Poser([&Contexte, Tenu = QPointer<Dialogue>(Lequel), Faire = std::move(Faire)] {
     ErreurEnAttente Échec;
-    if (Tenu && !Ignorer(Échec, [&] { Faire(*Tenu); }))
-      DemanderParBoîte(Contexte, Échec.Texte(), "Tarvel", BoutonsBoîte::Ok);
+    if (Tenu && !Ignorer(Échec, [&] { Faire(*Tenu); })) MontrerBoîte(Contexte, Tenu, Échec.Texte(), "Tarvel");
   });
 }
 
@@ -140,8 +139,7 @@ void DialoguePapier::Enregistrer() {
 
 void DialoguePapier::Imprimer() {
   const std::string Imprimante = ImprimerSurPapier(Html(), windowTitle().toStdString());
-  DemanderParBoîte(Contexte_, "Envoyé à l'imprimante " + Imprimante + ".", windowTitle().toStdString(),
-                   BoutonsBoîte::Ok);
+  MontrerBoîte(Contexte_, this, "Envoyé à l'imprimante " + Imprimante + ".", windowTitle().toStdString());
 }
 
 }  // namespace Ombrey

@@ -4,6 +4,7 @@
 #include <QDateTime>
 #include <QFileDialog>
 #include <QFileIconProvider>
+#include <QPointer>
 #include <system_error>
 #include <utility>
 
@@ -52,9 +53,9 @@ void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierD
                        Quoi.Suffixe);
   const std::string Titre = Quoi.Titre.toStdString();
   QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
-                   [&Contexte, Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
-                     Contexte.Boucle.Poser([&Contexte, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
-                       DemanderParBoîte(Contexte, Accomplir(Fichier, Écrire), Titre, BoutonsBoîte::Ok);
+                   [&Contexte, Tenu = QPointer(Parent), Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
+                     Contexte.Boucle.Poser([&Contexte, Tenu, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
+                       MontrerBoîte(Contexte, Tenu, Accomplir(Fichier, Écrire), Titre);
                      });
                    });
   Dialogue->show();

@@ -71,8 +71,9 @@ QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
 /// meant for the window below.
 class BoîteQt : public QDialog {
  public:
-  BoîteQt(QWidget* Parent, const QString& Message, BoutonsBoîte Boutons, std::chrono::milliseconds Répit)
-      : QDialog(Parent), Répit_(Répit) {
+  BoîteQt(QWidget* Parent, const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
+          BoutonsBoîte Boutons)
+      : QDialog(Parent), Répit_(Contexte.Répit) {
     const bool Seul = Boutons == BoutonsBoîte::Ok;
     const int Côté = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
     auto* const Icône = new QLabel(this);
@@ -84,10 +85,10 @@ class BoîteQt : public QDialog {
     if (!Seul) Ajouter(*Rangée, QStringLiteral("&Annuler"), QDialogButtonBox::RejectRole, RéponseBoîte::Annuler);
     auto* const Plan = new QGridLayout(this);
     Plan->addWidget(Icône, 0, 0, Qt::AlignTop);
-    Plan->addWidget(FaireTexte(this, Message), 0, 1);
+    Plan->addWidget(FaireTexte(this, Texte(Message)), 0, 1);
     Plan->addWidget(Rangée, 1, 0, 1, 2);
     Plan->setSizeConstraint(QLayout::SetFixedSize);
-    setWindowModality(Qt::ApplicationModal);
+    setWindowTitle(Texte(Titre));
     setAttribute(Qt::WA_QuitOnClose, false);
   }
   std::optional<RéponseBoîte> Réponse;
@@ -113,7 +114,7 @@ class BoîteQt : public QDialog {
     connect(Bouton, &QPushButton::clicked, this, [this, Valeur] {
       if (EstTropTôt()) return;
       Réponse = Valeur;
-      hide();
+      accept();
     });
     return Bouton;
   }
@@ -127,8 +128,8 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
                               BoutonsBoîte Boutons) {
   const RéponseBoîte Défaut = RéponseSansOpérateur(Boutons);
   if (Contexte.EnFin) return Défaut;
-  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Texte(Message), Boutons, Contexte.Répit));
-  Boîte->setWindowTitle(Texte(Titre));
+  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Contexte, Message, Titre, Boutons));
+  Boîte->setWindowModality(Qt::ApplicationModal);
   bool Retirée = false;
   IBoucle::Jeton Échéance;
   if (Boutons == BoutonsBoîte::Ok && Contexte.Retrait.count() > 0) {
@@ -142,6 +143,15 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
   Boîte.Attendre(Contexte);
   if (Retirée && Contexte.Témoins.Retirée) Contexte.Témoins.Retirée(Titre, Message);
   return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;
+}
+
+void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, const std::string& Message, const std::string& Titre) {
+  if (Contexte.EnFin) return;
+  QWidget* const Modale = QApplication::activeModalWidget();
+  auto* const Boîte = new BoîteQt(Modale != nullptr ? Modale : Parent, Contexte, Message, Titre, BoutonsBoîte::Ok);
+  Boîte->setAttribute(Qt::WA_DeleteOnClose);
+  Boîte->setAttribute(Qt::WA_ShowWithoutActivating, QApplication::activeWindow() == nullptr);
+  Boîte->show();
 }
 
 }  // namespace Ombrey

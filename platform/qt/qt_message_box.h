@@ -14,4 +14,9 @@ namespace Ombrey {
 RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
                               BoutonsBoîte Boutons);
 
+/// Shows a box with a lone OK above Parent, or above a modal window, and returns at once, so that nobody who waits for
+/// the terminal waits for the operator: for what the station itself has to say, whoever uses the line. It stays until
+/// it is answered or Parent goes.
+void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, const std::string& Message, const std::string& Titre);
+
 }  // namespace Ombrey

@@ -141,13 +141,13 @@ TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
 }
 
 TEST_F(Vie, LeavesTheListenerThatHasTakenItsPlace) {
-  struct : IÉcouteurEtatBdD {
-    void EtatBdD_EnregistrementImporté(Mot, IRecordset&) override {}
-    void EtatBdD_EnregistrementMisAJour(Mot, IRecordset&) override {}
-  } Autre;
-  Hôte->Connecter(&Autre);
+  const auto Autre = PlugIn::Créer(Plateforme);
+  Autre->IPlugInTarvel_FixerBaseDeD(Hôte);
+  const std::pair Siens(Hôte->Écouteur, Hôte->ÉcouteurSynchro);
   LePlugIn->IPlugInTarvel_Terminer();
-  EXPECT_EQ(Hôte->Écouteur, &Autre);
+  EXPECT_EQ(std::pair(Hôte->Écouteur, Hôte->ÉcouteurSynchro), Siens);
+  Autre->IPlugInTarvel_Terminer();
+  EXPECT_TRUE(!Hôte->Écouteur && !Hôte->ÉcouteurSynchro);
 }
 
 TEST_F(Vie, EndCleansFilesAndReleasesEverything) {

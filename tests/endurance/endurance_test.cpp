@@ -11,7 +11,7 @@ namespace Ombrey::Essais {
 
 /// What the station must wait out takes it two seconds.
 constexpr const char* TauxLongs =
-    "silence=0.02,nak=0.05,checksum=0.04,bruit=0.03,coupe=0.03,retard=0.02,ack-perdu=0.03,occupe=0.01";
+    "silence=0.02,nak=0.05,checksum=0.04,bruit=0.03,coupe=0.03,retard=0.02,ack-perdu=0.03";
 constexpr const char* TauxCourts = "silence=0.01,nak=0.08,checksum=0.08,bruit=0.02,coupe=0.02,ack-perdu=0.02";
 constexpr const char* MotDeMort = "=== station tuée";
 using Décompte = std::map<std::string, std::size_t>;
@@ -28,13 +28,6 @@ std::string JourCourt() {
   return {Texte, std::strftime(Texte, sizeof Texte, "%d%m%y", localtime_r(&Maintenant, &Local))};
 }
 
-std::vector<std::string> Lignes(const std::string& Texte) {
-  std::vector<std::string> Toutes;
-  std::istringstream Flux(Texte);
-  for (std::string Une; std::getline(Flux, Une);) Toutes.push_back(Une);
-  return Toutes;
-}
-
 /// A terminal with its queue, a station in a folder of its own, and what befalls them.
 class Voie {
  public:
@@ -46,7 +39,8 @@ class Voie {
         VerrouLongDû_(EstLongue && Voisine != nullptr) {
     if (Voisine != nullptr) P_.Faire("$ ln -sf " + Voisine->P_.En("cave.db") + " cave.db");
     std::ofstream File(P_.En("file.txt"));
-    for (const std::string& Un : Offerts_) File << Un << '\n';
+    const std::string& Occupé = Offerts_[EstLongue ? Hasard_(Nombre) : 0];
+    for (const std::string& Un : Offerts_) File << (EstLongue && &Un == &Occupé ? "!occupe " : "") << Un << '\n';
     File.close();
     P_.Faire("$ sed -i s,/ligne$,/adaptateur, tarvel.ini");
     P_.LancerTerminal("--chargements file.txt --journal journal.txt --jusqu-a-vide --graine " + std::to_string(Graine) +
@@ -175,7 +169,8 @@ void Voie::Vérifier(const Suivi& Changements) {
 void Voie::VérifierRéponses(const Suivi& Changements) {
   std::set<std::string> Servis = Mortels_;
   std::size_t Rang = 0;
-  for (const std::string& Ligne : Lignes(P_.Rg80->Dit())) {
+  std::istringstream Terminal(P_.Rg80->Dit()), Stations(Passé_);
+  for (std::string Ligne; std::getline(Terminal, Ligne);) {
     constexpr std::string_view Réponse = "réponse reçue : ", Panne = "[panne : ";
     if (Ligne.find(" offert, essai ") != std::string::npos) {
       ++Comptes["offers"];
@@ -194,7 +189,7 @@ void Voie::VérifierRéponses(const Suivi& Changements) {
     }
   }
   bool EstDit = false;
-  for (const std::string& Ligne : Lignes(Passé_)) {
+  for (std::string Ligne; std::getline(Stations, Ligne);) {
     constexpr std::string_view Ajouté = "hôte : ChargementAjouté:";
     if (Ligne.find("CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS.") != std::string::npos) EstDit = true;
     if (Ligne.starts_with(Ajouté) && EstDit) Servis.insert(EnChiffres(std::stol(Ligne.substr(Ajouté.size())), 4));
@@ -305,6 +300,10 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   std::printf("endurance: seed %u, %lld s, bases %u", Graine, static_cast<long long>(Durée.count()), NombreCaves);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
   std::puts("");
+  for (const char* Nom :
+       {"corrections", "fault ack-perdu", "fault bruit", "fault checksum", "fault coupe", "fault nak", "fault occupe",
+        "fault retard", "fault silence", "kills", "locks", "long locks", "port losses"})
+    EXPECT_TRUE(!EstLongue || Somme[Nom] > 0) << Nom;
 }
 
 }  // namespace Ombrey::Essais

@@ -54,6 +54,7 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
     Base_ = std::make_shared<BaseDeDTarvel>(Connexion_, Système_, "",
                                             [this](const std::string& Texte) { Avis_ += Texte + "\n"; });
     Base_->EtatBdD()->Connecter(this);
+    Base_->EtatBdD()->Déconnecter(nullptr);  // another's
   }
 
   /// Imports a file of these contents; an error text, "faux : " ahead of it when the call gave false.

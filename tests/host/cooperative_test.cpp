@@ -179,8 +179,9 @@ TEST_P(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
   // What stands there at the start is no news, even if nobody activates the base.
   ASSERT_EQ(Importer("3" + Ligne().substr(1)), "");
   Rouvrir();
-  Nouvelles Écouteur;
-  Base_->KVSynchro()->Connecter(&Écouteur);
+  Nouvelles Parti, Écouteur;
+  for (Nouvelles* Un : {&Parti, &Écouteur}) Base_->KVSynchro()->Connecter(Un);
+  Base_->KVSynchro()->Déconnecter(&Parti);
   ASSERT_EQ(Importer(Ligne()), "");
   Base_->Actualiser();
   EXPECT_EQ(Écouteur.Sites, "");
@@ -190,7 +191,11 @@ TEST_P(Base, KnowsItsSiteItsVarietiesAndTheOtherSitesLoads) {
   ASSERT_EQ(Importer("2" + Ligne("9").substr(1)), "");
   Base_->Actualiser();
   Base_->Actualiser();
-  EXPECT_EQ(Écouteur.Sites, "2 ");
+  Base_->KVSynchro()->Déconnecter(&Écouteur);
+  Base_->EtatBdD()->Déconnecter(this);
+  ASSERT_EQ(Importer("2" + Ligne("10").substr(1)), "");
+  Base_->Actualiser();
+  EXPECT_EQ(Écouteur.Sites + Annonces_, "2 ");
 }
 
 }  // namespace Tarvel

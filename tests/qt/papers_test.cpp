@@ -75,12 +75,8 @@ TEST_F(Bureau, TheLineIsShownARowAMessageFaultsMarkedAndSavedAsATrace) {
   ASSERT_NE(Choix, nullptr);
   const QString Fichier = QDir(QString::fromStdString(Dossier.Chemin())).filePath("essai.trace");
   for (int Fois = 0; Fois < 2; ++Fois) {
-    Dès("Enregistrer la trace", [&](QWidget& Boîte) {
-      Trace = Boîte.findChild<QTextEdit*>()->toPlainText().toStdString();
-      Boîte.close();
-    });
     Q_EMIT Choix->fileSelected(Fichier);
-    Laisser(300ms);
+    Trace = Lire("Enregistrer la trace");
   }
   EXPECT_NE(Trace.find("existe déjà"), std::string::npos) << Trace;
   EXPECT_GT(std::filesystem::file_size(Fichier.toStdString()), 15000U * 20);

@@ -50,6 +50,18 @@ struct Bureau : testing::Test, FaussePlateforme {
       LesVraies.Finir();
     }));
   }
+  /// What the text or the box of this title says, which is closed. Pumps meanwhile, as who waits for the terminal: a
+  /// box that holds the pump is gone when it comes back.
+  std::string Lire(const std::string& Titre) {
+    for (int Essais = 0; Essais < 400; ++Essais, Boucle.Pomper(5ms)) {
+      for (const QWidget* Une : QApplication::allWidgets()) {
+        const auto* const Zone = qobject_cast<const QTextEdit*>(Une);
+        if (Zone && Zone->isVisible() && Zone->window()->windowTitle().toStdString() == Titre)
+          return Zone->window()->close(), Zone->toPlainText().toStdString();
+      }
+    }
+    return "";
+  }
   /// Pumps for so long.
   void Laisser(std::chrono::milliseconds Durée) {
     for (const QDeadlineTimer Fin(Durée); !Fin.hasExpired();) Boucle.Pomper(5ms);

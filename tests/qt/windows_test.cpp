@@ -199,6 +199,7 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
 
 TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   Tarvel::Veille Veille;
+  Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
@@ -211,15 +212,13 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   }
   Cadre(Fenêtre);
   EXPECT_EQ(Trace, "") << "nothing runs inside Qt's dispatch";
-  Dès("À propos", [this](QWidget& Boîte) { Trace += Le<QTextEdit>(Boîte).toPlainText().toStdString(), Cadre(Boîte); });
-  for (int Fois = 0; Fois < 200 && Trace.size() < 13; ++Fois) Laisser(50ms);
+  for (int Fois = 0; Fois < 200 && Trace.size() < 6; ++Fois) Laisser(50ms);
+  EXPECT_EQ(Lire("À propos"), "version");
   EXPECT_TRUE(Fenêtre.isVisible());
-  EXPECT_EQ(Trace, "bcqbmqversion");
-  const auto Ouvertes = QApplication::topLevelWidgets();
-  const auto Guide =
-      std::ranges::find_if(Ouvertes, [](const QWidget* Une) { return qobject_cast<const QTextBrowser*>(Une); });
-  ASSERT_NE(Guide, Ouvertes.end());
-  EXPECT_TRUE(static_cast<QTextBrowser*>(*Guide)->toPlainText().contains("RG80"));
+  EXPECT_EQ(Trace, "bcqbmq");
+  for (auto* Liste : Fenêtre.findChildren<QTableView*>()) Q_EMIT Liste->activated(Liste->model()->index(0, 0));
+  EXPECT_NE(Lire("Messages que personne n'a lus").find("Erreur de check-sum"), std::string::npos);
+  EXPECT_NE(Lire("Guide de l'opérateur").find("RG80"), std::string::npos);
 }
 
 struct Principale : FenêtresDeQt {

@@ -77,7 +77,10 @@ class Machine : public testing::Test, public IQuestionnairePort {
   using Essai = std::function<std::string(const RéglagesPort&)>;
   bool Demander(RéglagesPort& Réglages, const Essai& Essayer) override { return Opérateur_(Réglages, Essayer); }
 
+  void DireRetenus() override { Retenus_ = LireFichier(Ini_).value_or(""); }
+
   std::function<bool(RéglagesPort&, const Essai&)> Opérateur_;
+  std::string Retenus_;  ///< what the file held when it was said
   DossierEssai Dossier_;
   fs::path D_ = Dossier_.Chemin();
   fs::path Ini_ = D_ / "tarvel.ini";
@@ -172,12 +175,13 @@ TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
   const std::string Suite = "\r\nBitsStop=2\r\nTailleMots=7\r\n[Autre]\r\n";
   const std::string Avant = Tête + "4800\r\nParit\xE9=E" + Suite;
   const std::string Neuf = "[S]\nTailleMots=8\nBitsStop=1\nParité=impaire\nBauds=1200\nPort=COM3:\n";
-  // What stands in the file, what is shown, the answer, what stands there then.
-  const std::tuple<std::string, RéglagesPort, bool, std::string> Cas[] = {
-      {Avant, {"COM3:", "4800", "E", "2", "7"}, false, Avant},
-      {Avant, {"COM3:", "4800", "E", "2", "7"}, true, Tête + "1200\r\nParit\xE9=impaire" + Suite},
-      {"", {"COM3:", "9600", "aucune", "1", "8"}, true, Neuf}};
-  for (const auto& [Texte, Montrés, Garder, Après] : Cas) {
+  // What stands in the file, what is shown, the answer, the disk's room, what stands there then.
+  const std::tuple<std::string, RéglagesPort, bool, rlim_t, std::string> Cas[] = {
+      {Avant, {"COM3:", "4800", "E", "2", "7"}, false, RLIM_INFINITY, Avant},
+      {Avant, {"COM3:", "4800", "E", "2", "7"}, true, 10, Avant},
+      {Avant, {"COM3:", "4800", "E", "2", "7"}, true, RLIM_INFINITY, Tête + "1200\r\nParit\xE9=impaire" + Suite},
+      {"", {"COM3:", "9600", "aucune", "1", "8"}, true, RLIM_INFINITY, Neuf}};
+  for (const auto& [Texte, Montrés, Garder, Place, Après] : Cas) {
     RemplacerFichier(Ini_, Texte);
     Opérateur_ = [Montrés = Montrés, Garder = Garder](RéglagesPort& Réglages, const Essai&) {
       if (Montrés.TailleMots == "8" && !Réglages.Port.empty()) Réglages.Port = "COM3:";  // was this machine's first
@@ -186,8 +190,14 @@ TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
       Réglages.Parité = "impaire";
       return Garder;
     };
-    EXPECT_EQ(Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"), Garder);
+    bool Gardé = false;
+    ErreurEnAttente Pleine;
+    LimiterFichiers(Place);
+    Ignorer(Pleine, [&] { Gardé = Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"); });
+    LimiterFichiers(RLIM_INFINITY);
+    EXPECT_EQ(Gardé, Garder && Place == RLIM_INFINITY);
     EXPECT_EQ(LireFichier(Ini_), Après);
+    EXPECT_EQ(std::exchange(Retenus_, ""), Gardé ? Après : "");
   }
 }
 
