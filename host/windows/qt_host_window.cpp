@@ -140,10 +140,16 @@ void FenêtrePrincipaleQt::ReprendrePlace() {
   resize(Voulue.boundedTo(screen()->availableSize() * 9 / 10));
   const std::string Gardée = Réglages_.Lire(Application, Section, CléPlace, "");
   restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(Gardée)));
+  const QRect Place(pos(), size());
+  if (isMaximized() || isFullScreen()) return;
+  PlacerSurÉcran(*this, Place);
+  if (const QRect Obtenue(pos(), size()); Obtenue != Place) PlaceDEmprunt_ = Obtenue;
 }
 
-/// Nobody is left to be told of a failure.
+/// The place of a screen that is missing today is kept, unless the operator gave another one. Nobody is left to be told
+/// of a failure.
 void FenêtrePrincipaleQt::SauverPlace() {
+  if (!isMaximized() && PlaceDEmprunt_ == QRect(pos(), size())) return;
   ErreurEnAttente Ignorée;
   Ignorer(Ignorée,
           [this] { Réglages_.Ecrire(Application, Section, CléPlace, saveGeometry().toBase64().toStdString()); });

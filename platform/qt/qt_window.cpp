@@ -3,11 +3,14 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QScreen>
 #include <QShortcut>
 #include <QStyleOptionButton>
 #include <QStylePainter>
 #include <exception>
 #include <utility>
+
+#include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
 
@@ -65,6 +68,30 @@ void FenêtreQt::RendreLesTouches() {
       Autre->activateWindow();
       return QApplication::setActiveWindow(Autre);
     }
+}
+
+namespace {
+void RamenerFenêtres() {
+  for (QWidget* const Une : QApplication::topLevelWidgets()) {
+    const Qt::WindowStates Grande = Qt::WindowMaximized | Qt::WindowFullScreen;
+    if ((Une->windowType() != Qt::Window && Une->windowType() != Qt::Dialog) || (Une->windowState() & Grande)) continue;
+    const QRect Avant(Une->pos(), Une->size());
+    PlacerSurÉcran(*Une, Avant);
+    const auto* const Nôtre = dynamic_cast<FenêtreQt*>(Une);
+    const bool Déplacée = Avant != QRect(Une->pos(), Une->size());
+    if (Déplacée && Nôtre != nullptr && Nôtre->isVisible() && Nôtre->SurActivation) Nôtre->SurActivation();
+  }
+}
+}  // namespace
+
+/// Through the queue: Qt and the window manager move windows as well.
+void GarderFenêtresEnVue(QObject& Garde) {
+  const auto Suivre = [&Garde](QScreen* Écran) {
+    QObject::connect(Écran, &QScreen::availableGeometryChanged, &Garde, &RamenerFenêtres, Qt::QueuedConnection);
+  };
+  for (QScreen* const Écran : QGuiApplication::screens()) Suivre(Écran);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &Garde, Suivre);
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &Garde, &RamenerFenêtres, Qt::QueuedConnection);
 }
 
 void BoutonQt::paintEvent(QPaintEvent* /*Événement*/) {

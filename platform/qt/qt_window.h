@@ -19,10 +19,11 @@ inline constexpr std::chrono::hours PatienceParPompe(1);
 /// A window that reports what happens to it and never closes by itself.
 class FenêtreQt : public QWidget {
  public:
-  std::function<void()> SurFermeture;   ///< by its frame
-  std::function<void()> SurÉchap;       ///< the Esc key, wherever the focus is, and minimising
-  std::function<void()> SurActivation;  ///< it became the active window, but not by the end of a box of our own
-  std::function<void()> SurTaille;      ///< shown for the first time, or resized
+  std::function<void()> SurFermeture;  ///< by its frame
+  std::function<void()> SurÉchap;      ///< the Esc key, wherever the focus is, and minimising
+  /// It became the active window, but not by the end of a box of our own; or the screens' change moved it.
+  std::function<void()> SurActivation;
+  std::function<void()> SurTaille;  ///< shown for the first time, or resized
 
   explicit FenêtreQt(Qt::WindowFlags Drapeaux);
 
@@ -46,6 +47,9 @@ class BoutonQt : public QPushButton {
  protected:
   void paintEvent(QPaintEvent* Événement) override;
 };
+
+/// From now on, as long as Garde lives, a screen that goes or becomes smaller leaves each window whole in sight.
+void GarderFenêtresEnVue(QObject& Garde);
 
 /// What all windows of the station share; outlives them.
 struct ContexteQt {

@@ -36,7 +36,9 @@ std::filesystem::path DossierDocuments() {
 }  // namespace
 
 FenêtresQt::FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail)
-    : Contexte_{Boucle}, DossierTravail_(std::move(DossierTravail)) {}
+    : Contexte_{Boucle}, DossierTravail_(std::move(DossierTravail)) {
+  GarderFenêtresEnVue(Garde_);
+}
 
 RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
   if (RépondSeul_) {

@@ -63,6 +63,7 @@ class FenêtresQt : public IFenêtres {
   bool Sablier_ = false;
   std::weak_ptr<ProgressionQt> Progression_;  ///< of the transfer window that lives
   QIcon Image_;
+  QObject Garde_;  ///< the screens
 };
 
 }  // namespace Ombrey

@@ -2,7 +2,7 @@
 # The whole station in windows, on a screen of its own, driven by keys and mouse as an operator would: eight loads, the
 # printed errors, the five files, the port's dialog, the end; again, with the window's place remembered, and ended in the
 # midst of a load and of a transfer; then under a window manager: a transfer that is stopped, a second start, the frames'
-# buttons, a screen that has gone.
+# buttons, a screen that becomes smaller.
 # station_xvfb.sh BIN [DPI [PICTURES]]: the programs' folder, the screen's resolution, where to leave pictures.
 # Exit code 77: not run, for want of a tool.
 set -euo pipefail
@@ -130,7 +130,9 @@ wait $station || fail "exit code $? in the midst of a transfer"
 await "end of what was on the line" grep -q 'fichier 4.*reçu' "$work/rg80.txt"
 [ "$(grep -c 'fichier.*prêt' "$work/rg80.txt")" -eq 1 ] || fail "a file was sent behind the end"
 
-command -v openbox >/dev/null || { echo "done, but for the window manager: openbox isn't installed"; exit 0; }
+for tool in openbox xrandr; do
+  command -v $tool >/dev/null || { echo "done, but for the window manager: $tool isn't installed"; exit 0; }
+done
 desk_manager
 by_frame() { xdotool windowactivate --sync "$(window "$1")" key --clearmodifiers alt+F4; }
 # Of a window that can't be activated: the X stands at the end of the title, which xdotool counts twice in a place.
@@ -177,19 +179,23 @@ await "monitoring window" shown
 by_frame '^Liste des chargements$'
 await "monitoring window, closed by its frame" gone '^Liste des chargements$'
 await "main window" seen '^Tarvel – réception – '
-xdotool windowsize --sync "$(window '^Tarvel – réception – ')" $((700 * dpi / 96)) $((500 * dpi / 96))
-xdotool windowmove "$(window '^Tarvel – réception – ')" $((560 * dpi / 96)) $((400 * dpi / 96))
-sleep 0.5
+xdotool windowmove --sync "$(window '^Tarvel – réception – ')" $((560 * dpi / 96)) $((400 * dpi / 96))
 by_frame '^Tarvel – réception – '
 wait $station || fail "exit code $? when closed by the frame"
 [ ! -s "$work/tarvel.5" ] || fail "the station complained"
-step "the screen that it stood on has gone"
-kill $screen
-desk_start $((800 * dpi / 96)) $((600 * dpi / 96)) "$dpi"
-desk_manager
+step "a screen smaller than the one that it stood on, and one that becomes so"
+xrandr --newmode small 40 $((800 * dpi / 96)) 0 0 9999 $((600 * dpi / 96)) 0 0 9999
+xrandr --addmode screen small
+xrandr --output screen --mode small
 start 6
-in_sight() { eval "$(place "$1")" && [ $X -ge 0 ] && [ $Y -ge 0 ] && [ $((X + WIDTH)) -le $((800 * dpi / 96)) ] && [ $((Y + HEIGHT)) -le $((600 * dpi / 96)) ]; }
+# xdotool counts the frame's left (1) and top (20) twice.
+in_sight() { eval "$(place "$1")" && [ $X -ge 2 ] && [ $Y -ge 40 ] && [ $((X - 1 + WIDTH)) -le $((800 * dpi / 96)) ] && [ $((Y - 20 + HEIGHT)) -le $((600 * dpi / 96)) ]; }
 await "main window in sight" in_sight '^Tarvel'
+xrandr --output screen --mode $((1280 * dpi / 96))x$((960 * dpi / 96))
+await "monitoring window" shown
+for one in Tarvel Liste; do xdotool windowmove --sync "$(window "^$one")" $((400 * dpi / 96)) $((300 * dpi / 96)); done
+xrandr --output screen --mode small
+for one in Tarvel Liste; do await "window in sight: $one" in_sight "^$one"; done
 kill $station
 wait $station || fail "exit code $? at SIGTERM"
 echo "done"
