@@ -1,12 +1,15 @@
 // The day on paper.
 #include "host/day_slip.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdlib>
 #include <map>
+#include <ranges>
 #include <span>
 #include <utility>
 
+#include "base/failures.h"
 #include "base/regional_forms.h"
 #include "base/visible_text.h"
 
@@ -149,6 +152,16 @@ std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopéra
     if (!Texte.empty())
       Html += std::string("<tr><td>") + Quoi + "&nbsp;&nbsp;</td><td><b>" + Protégé(Texte) + "</b></td></tr>\n";
   return Html + "</table><h2>" + Protégé(Un.Masse) + " kg</h2></body></html>";
+}
+
+std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const std::string& Numéro) {
+  const auto Chargements = LireChargements(Base, {Jour, Jour});
+  if (Numéro.empty()) return TexteBordereau(Chargements, NomCoopérative(Base), Jour);
+  const auto Tous = Chargements | std::views::reverse;
+  const auto Sien = std::ranges::find(Tous, Numéro, &ChargementRelaté::Numéro);
+  if (Sien == Tous.end())
+    throw Ombrey::ErreurExécution("Aucun chargement n° " + Numéro + " le " + TexteJour(Jour) + ".");
+  return TexteTicket(*Sien, NomCoopérative(Base));
 }
 
 }  // namespace Tarvel

@@ -18,4 +18,7 @@ namespace Tarvel {
 
 [[nodiscard]] std::string TexteTicket(const ChargementRelaté& Chargement, const std::string& Coopérative);
 
+/// The day's slip, or the ticket of its latest load of this number. Raises ErreurExécution when there is none.
+[[nodiscard]] std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const std::string& Numéro);
+
 }  // namespace Tarvel

@@ -18,6 +18,7 @@
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/copied_base.h"
+#include "host/day_slip.h"
 #include "host/diagnostic.h"
 #include "host/load_table.h"
 #include "host/long_work.h"
@@ -32,6 +33,7 @@
 #include "platform/database/connection.h"
 #include "platform/database/recordsets.h"
 #include "platform/system/folder_lock.h"
+#include "platform/system/machine_system.h"
 #include "platform/system/service_notice.h"
 #include "platform/system/summons.h"
 
@@ -183,6 +185,14 @@ int Accomplir(const Tarvel::Options& Choisies) {
     case Tarvel::Tâche::RefaireCumuls:
       std::puts(Tarvel::RefaireCumuls(*Tarvel::OuvrirCoopérative(Choisies.Base)).c_str());
       break;
+    case Tarvel::Tâche::Bordereau:
+    case Tarvel::Tâche::Ticket: {
+      Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
+      const int Jour = Choisies.Jours.Du.value_or(static_cast<int>(Ombrey::NuméroDeJour(Ombrey::HeureLocale())));
+      Tarvel::ÉcrirePapier(Tarvel::TextePapier(Base, Jour, Choisies.Numéro), !Choisies.Numéro.empty(), Choisies.Copie);
+      std::puts(("Le document est dans " + Ombrey::TexteChemin(Choisies.Copie) + ".").c_str());
+      break;
+    }
     case Tarvel::Tâche::Station:
       Travailler(Choisies);
       break;

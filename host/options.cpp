@@ -40,8 +40,8 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
 }
 
 constexpr Tâche UneStation = Tâche::Station | Tâche::Diagnostic;
-constexpr Tâche SurUneBase =
-    UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::Exporter | Tâche::RefaireCumuls;
+constexpr Tâche DesJours = Tâche::Exporter | Tâche::Bordereau | Tâche::Ticket;
+constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::RefaireCumuls | DesJours;
 
 /// A task, how it is called, and what it can't do without.
 struct TâcheConnue {
@@ -62,6 +62,8 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::CopierBase, "--copier-base DE VERS", false, true},
     {Tâche::Exporter, "--base B --exporter-csv F [--du D] [--au D]", false, true},
     {Tâche::RefaireCumuls, "--base B --refaire-cumuls", false, true},
+    {Tâche::Bordereau, "--base B --bordereau F [--du D]", false, true},
+    {Tâche::Ticket, "--base B --ticket N F [--du D]", false, true},
     {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
@@ -113,8 +115,15 @@ constexpr Option Connues[] = {
      Demande, [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
     {"--exporter-csv", "F", "écrit les chargements en CSV, pour un tableur", Tâche::Exporter, Demande,
      [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
-    {"--du", "D", "premier jour de l'export : jj/mm/aaaa ou aaaa-mm-jj", Tâche::Exporter, Précise,
-     [](Options& O, Mots V) { O.Jours.Du = LireJourDonné(V[0]); }},
+    {"--bordereau", "F", "écrit le bordereau d'une journée en PDF", Tâche::Bordereau, Demande,
+     [](Options& O, Mots V) { O.Copie = fs::absolute(Ombrey::Chemin(V[0])); }},
+    {"--ticket", "N F", "écrit le ticket du chargement n° N d'une journée en PDF", Tâche::Ticket, Demande,
+     [](Options& O, Mots V) {
+       O.Numéro = V[0];
+       O.Copie = fs::absolute(Ombrey::Chemin(V[1]));
+     }},
+    {"--du", "D", "premier jour de l'export, jour du document (sinon aujourd'hui) : jj/mm/aaaa ou aaaa-mm-jj", DesJours,
+     Précise, [](Options& O, Mots V) { O.Jours.Du = LireJourDonné(V[0]); }},
     {"--au", "D", "dernier jour de l'export", Tâche::Exporter, Précise,
      [](Options& O, Mots V) { O.Jours.Au = LireJourDonné(V[0]); }},
     {"--diagnostic", "", "regarde tout ce qu'il faut à la station : bon, à voir ou mauvais, et ce qu'il faut faire",

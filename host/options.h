@@ -31,7 +31,9 @@ enum class Tâche : unsigned {
   Diagnostic = 64,
   CopierBase = 128,
   Exporter = 256,
-  RefaireCumuls = 512
+  RefaireCumuls = 512,
+  Bordereau = 1024,
+  Ticket = 2048
 };
 
 struct Options {
@@ -40,8 +42,9 @@ struct Options {
   std::string Base;
   std::string CodeSite;           ///< the station's site code; empty: the one that the database names
   std::string Vers;               ///< the database that takes a copy: as Base
-  std::filesystem::path Copie;    ///< a copy of the database, to make or to put back; an export
-  Période Jours;                  ///< of the loads to export
+  std::filesystem::path Copie;    ///< a copy of the database, to make or to put back; an export or a paper
+  std::string Numéro;             ///< of the load whose ticket is asked for
+  Période Jours;                  ///< of the loads to export; the first one is a paper's
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
   std::filesystem::path Greffon;  ///< the plug-in's library; empty: the one beside the program

@@ -141,7 +141,9 @@ void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
 }
 
 void Veille::NoterRetrait(const std::string& Titre, const std::string& Message) {
-  NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message});
+  const std::string Sien = Message == Ombrey::Phrase::ChecksumFaux ? Numéro(Tampon_.empty() ? Trame_ : "") : SansNuméro;
+  const std::string Détail = Sien == SansNuméro ? "" : " (chargement n° " + Sien + ", tel que reçu)";
+  NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message + Détail});
   GarderNonLus();
   Changer();
 }

@@ -40,4 +40,10 @@ std::unique_ptr<IÉdition> CréerÉditionFenêtrée(const Options& Choisies) {
   return Édition;
 }
 
+void ÉcrirePapier(const std::string& Html, bool Ticket, const std::filesystem::path& Fichier) {
+  const auto Écrire = reinterpret_cast<ÉcriturePdf>(
+      SymboleDuModule(Module, NomÉcriturePdf, "Le PDF a besoin du module des fenêtres, qui ne se charge pas", "."));
+  Écrire(Html, Ticket, Fichier);
+}
+
 }  // namespace Tarvel

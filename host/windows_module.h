@@ -1,7 +1,9 @@
 // Loads the module that shows the station in windows, so that a console carries nothing of it.
 #pragma once
 
+#include <filesystem>
 #include <memory>
+#include <string>
 
 #include "host/edition.h"
 #include "host/options.h"
@@ -11,6 +13,12 @@ namespace Tarvel {
 /// The one symbol of the module: fills Édition. Raises ErreurOptions when no display can be had.
 inline constexpr const char* NomFabriqueFenêtres = "Tarvel_CreerEditionFenetree";
 using FabriqueFenêtres = void (*)(const Options& Choisies, std::unique_ptr<IÉdition>& Édition);
+
+/// The module's other symbol: writes HTML as PDF, without a screen. Raises ErreurExécution.
+inline constexpr const char* NomÉcriturePdf = "Tarvel_EcrirePdf";
+using ÉcriturePdf = void (*)(const std::string& Html, bool Ticket, const std::filesystem::path& Fichier);
+/// The same; raises ErreurExécution as well when the module can't be loaded.
+void ÉcrirePapier(const std::string& Html, bool Ticket, const std::filesystem::path& Fichier);
 
 /// True when the module stands beside the program: an edition without windows lacks it.
 [[nodiscard]] bool FenêtresInstallées();

@@ -14,6 +14,7 @@
 #include "base/files.h"
 #include "host/diagnostic.h"
 #include "host/windows/qt_host_window.h"
+#include "host/windows/qt_paper.h"
 #include "host/windows_module.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "platform/qt/qt_windows.h"
@@ -117,4 +118,12 @@ class ÉditionFenêtrée final : public IÉdition {
 extern "C" [[gnu::visibility("default")]] void Tarvel_CreerEditionFenetree(const Tarvel::Options& Choisies,
                                                                            std::unique_ptr<Tarvel::IÉdition>& Édition) {
   Édition = std::make_unique<Tarvel::ÉditionFenêtrée>(Choisies);
+}
+
+/// On Qt's platform without a screen; its program ends behind it.
+extern "C" [[gnu::visibility("default")]] void Tarvel_EcrirePdf(const std::string& Html, bool Ticket,
+                                                                const std::filesystem::path& Fichier) {
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  const Tarvel::ApplicationQt Application;
+  Ombrey::ÉcrirePdf(Html, Ticket ? QPageSize::A6 : QPageSize::A4, Fichier);
 }

@@ -6,6 +6,8 @@
 #include <QPushButton>
 #include <chrono>
 
+#include "platform/qt/qt_measures.h"
+
 namespace Ombrey {
 
 namespace {
@@ -70,7 +72,7 @@ void ProgressionQt::Montrer() {
   const bool ÀNous = Parent_ && Parent_->isActiveWindow();
   Fenêtre_->setAttribute(Qt::WA_ShowWithoutActivating, !ÀNous);
   Fenêtre_->show();
-  if (Parent_) Fenêtre_->move(Parent_->frameGeometry().bottomLeft());
+  if (Parent_) PlacerSurÉcran(*Fenêtre_, {Parent_->frameGeometry().bottomLeft(), Fenêtre_->size()});
 }
 
 void ProgressionQt::Entamer(const QString& Jeu) {

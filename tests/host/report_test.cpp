@@ -1,6 +1,9 @@
 // The loads for spreadsheets and for paper, on each engine.
+#include "host/day_slip.h"
 #include "host/load_report.h"
+#include "host/station_register.h"
 #include "platform/database/recordsets.h"
+#include "platform/system/folder_lock.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
@@ -37,6 +40,19 @@ TEST_P(Rapport, OpensInAFrenchSpreadsheetAndHoldsNoFormula) {
   EXPECT_EQ(Csv("", ""), Entête + Veille + Jour);
   EXPECT_EQ(Csv("21/09/2026", "2026-09-21"), Entête + Veille);
   EXPECT_EQ(Csv("22/09/2026", ""), Entête + Jour);
+}
+
+TEST_P(Rapport, ATicketAndTheStationsTellTheLatestLoad) {
+  Ombrey::BaseLue Base(Connexion_);
+  const int Jour = LireJour("22/09/2026").value();
+  EXPECT_NE(TextePapier(Base, Jour, "13").find("Chargement n° 13"), std::string::npos);
+  EXPECT_THROW(static_cast<void>(TextePapier(Base, Jour - 1, "13")), Ombrey::ErreurExécution);
+  for (const char* Site : {"2", "1", "1"}) RegistreStations(Connexion_, Site).Signaler();
+  Rangées Stations = TableauStations(Base, {});
+  for (auto& Une : Stations) Une[3] = Une[3].substr(0, 10);
+  const std::string Ici = Ombrey::NomMachine(), Jourdhui = TexteJour(NuméroDeJour(Ombrey::HeureLocale()));
+  Stations.erase(Stations.begin());
+  EXPECT_EQ(Stations, (Rangées{{"1", Ici, "n° 14, 22/09/2026 18:05", Jourdhui}, {"2", Ici, "", Jourdhui}}));
 }
 SUR_CHAQUE_MOTEUR(Rapport);
 

@@ -132,11 +132,13 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Offrir();
   EXPECT_TRUE(Vue.NoterReçu().starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
   EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
+  Vue.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
   Veille Suivante;
   Suivante.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   EXPECT_EQ(Suivante.NonLus(), Vue.NonLus()) << "what nobody has read outlives the station";
   EXPECT_EQ(Suivante.NonLus().at(1).at(1) + Suivante.NonLus().at(1).at(2), "un\ndeux2");
+  EXPECT_EQ(Suivante.NonLus().at(3).at(1), "Erreur de check-sum (chargement n° 12, tel que reçu)");
   Suivante.ToutEstLu();
   Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   EXPECT_EQ(Vue.NonLus().size(), 1U);

@@ -150,8 +150,11 @@ await "end of the transfer" seen '^Transmission des données$'
 await "end of the progress" gone "^Avancement de l'envoi$"
 [ "$(ls "$work/received" | grep -c '^fichier')" -eq 1 ] || fail "what was stopped arrived"
 step "the X of the main window behind another, and a second start"
+foot() { eval "$(place '^Tarvel')"; import -window root -crop "$((300 * dpi / 96))x16+$((X + 4))+$((Y - 20 + HEIGHT - 20))" rgb:- | md5sum; }
+said_else() { [ "$(foot)" != "$before" ]; }
+before=$(foot)
 close_frame '^Tarvel'
-sleep 0.5
+await "word in the main window's last line" said_else
 kill -0 $station || fail "the station went behind its own window"
 "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/second" 2>&1 &
 second=$!

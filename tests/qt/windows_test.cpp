@@ -261,6 +261,12 @@ TEST_F(Principale, TellsTheStateOfThings) {
   Veille.NoterReçu();
   Fenêtre->Dire("ChargementAjouté:7");
   EXPECT_EQ(Manquent({"Chargement n° 7 reçu, 1310 kg", "Dernier : n° 7, 1310 kg, 08:05"}), QStringList());
+  EXPECT_FALSE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
+  Coopérative.Connexion->ExécuterTout(
+      "ALTER TABLE Chargement ADD IdChargement INTEGER;"
+      "CREATE TABLE Station AS SELECT '1' CodeSite, 'pc1' Machine, 1.0 Vue UNION SELECT '2', 'pc2', 2.0");
+  Fenêtre->Suivre(Hôte);
+  EXPECT_TRUE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
   Fenêtre->Dire("ChargementAjouté:8");
