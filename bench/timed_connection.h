@@ -65,6 +65,7 @@ class ConnexionChronométrée final : public IConnexion {
   [[nodiscard]] ValeurChamp SommesFausses(const SommesTenues& Sommes) override {
     return Réelle_->SommesFausses(Sommes);
   }
+  [[nodiscard]] std::string NombreDans(const std::string& Une) const override { return Réelle_->NombreDans(Une); }
   [[nodiscard]] std::string SansCoupure(const std::string& Une) const override { return Réelle_->SansCoupure(Une); }
   [[nodiscard]] std::string DateLisible(const std::string& Une) const override { return Réelle_->DateLisible(Une); }
   void RangerJournal() override { Réelle_->RangerJournal(); }

@@ -1,9 +1,11 @@
 // The loads for spreadsheets and for paper, on each engine.
+#include "base/regional_forms.h"
 #include "host/day_slip.h"
 #include "host/load_report.h"
 #include "host/station_register.h"
 #include "platform/database/recordsets.h"
 #include "platform/system/folder_lock.h"
+#include "platform/system/machine_system.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
@@ -50,7 +52,7 @@ TEST_P(Rapport, ATicketAndTheStationsTellTheLatestLoad) {
   for (const char* Site : {"2", "1", "1"}) RegistreStations(Connexion_, Site).Signaler();
   Rangées Stations = TableauStations(Base, {});
   for (auto& Une : Stations) Une[3] = Une[3].substr(0, 10);
-  const std::string Ici = Ombrey::NomMachine(), Jourdhui = TexteJour(NuméroDeJour(Ombrey::HeureLocale()));
+  const std::string Ici = Ombrey::NomMachine(), Jourdhui = TexteJour(Ombrey::NuméroDeJour(Ombrey::HeureLocale()));
   Stations.erase(Stations.begin());
   EXPECT_EQ(Stations, (Rangées{{"1", Ici, "n° 14, 22/09/2026 18:05", Jourdhui}, {"2", Ici, "", Jourdhui}}));
 }

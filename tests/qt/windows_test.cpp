@@ -258,7 +258,7 @@ TEST_F(Principale, TellsTheStateOfThings) {
   Coopérative.Connexion->ExécuterTout(
       "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement;"
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
-  Veille.NoterReçu();
+  EXPECT_EQ(Veille.NoterReçu(), "");
   Fenêtre->Dire("ChargementAjouté:7");
   EXPECT_EQ(Manquent({"Chargement n° 7 reçu, 1310 kg", "Dernier : n° 7, 1310 kg, 08:05"}), QStringList());
   EXPECT_FALSE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
