@@ -32,7 +32,7 @@ std::string VérificationExploitation::VérifierExploitation(std::string& Propri
     if (ChercherExploitation(Propriétaire, Récoltant, Part, Groupe, Code)) return Code;
     return CréerExploitation(Propriétaire, Récoltant, Part, Groupe);
   } catch (const std::exception& Erreur) {
-      if (!État_.EstRompu(Base)) État_.Avertir(Erreur.what(), Phrase::TitreExploitation);
+    if (!État_.EstRompu(Base)) État_.Avertir(Erreur.what(), Phrase::TitreExploitation);
     return {};
   }
 }
