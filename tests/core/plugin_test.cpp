@@ -188,7 +188,7 @@ const Fin Fins[] = {
     {"question put off", [](Vie& H, const Geste& Finir) {
        H.Port->SurConfigurer = [] { return ADD_FAILURE() << "asked behind the end", true; };
        H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
-       H.Dans(10600, Finir); }},
+       H.Dans(10600, Finir), H.Dans(19000, [Tenu = H.LePlugIn] {}); }},
     {"poll", [](Vie& H, const Geste& Finir) { H.Dans(10100, Finir); }},
     {"poll with another put off", [](Vie& H, const Geste& Finir) {
        H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });

@@ -57,7 +57,7 @@ make() { ninja -C "$build" -j2 "$@" >"$log" 2>&1; }
 run() {
   local code names
   [ -x "$build/tests/test_$1" ] || return 0
-  (cd "$build/tests" && exec timeout -k 5 150 "./test_$1" $fast) >"$log" 2>&1 </dev/null
+  (cd "$build/tests" && exec timeout -k 5 400 "./test_$1" $fast) >"$log" 2>&1 </dev/null
   code=$?
   [ $code -eq 0 ] && return 0
   names=$(sed -n 's/^\[  FAILED  \] \([^ ,]*\).* ms)$/\1/p' "$log" | sort -u | paste -sd' ')
