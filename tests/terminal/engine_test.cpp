@@ -56,7 +56,6 @@ const std::string Taken12 = Offer12 + "in <ACK> ";
 const std::string Empty = "in <ENQ>A out <NAK>A ";
 const std::string Ready = "in <ENQ>8 out <ACK>8 ";
 std::string Times(int Count, const std::string& Text) { return Count == 0 ? "" : Text + Times(Count - 1, Text); }
-
 const std::string Groups = "007" + std::string(163, 'x');
 
 struct Dialogue {
@@ -83,10 +82,9 @@ const Dialogue Dialogues[] = {
      "100100"},
     {"late behind its own acknowledgement", "!retard " + Load12, "in <ENQ>A wait 2000 " + Taken12 + "wait 500 " + Answer12 +
      "in <ACK> " + Empty, "210000"},
-    {"busy", "!occupe " + Load12 + "\n" + Load13, "in <ENQ>A wait 9999 in <ENQ>A in <ENQ>8 out - wait 120001 out <ACK>A" +
-     Frame12 + "<ACK>A" + Frame12 + "<ACK>8 ", "200200"},
-    {"busy for more than it holds", "!occupe " + Load12, "in " + Times(65, "<ENQ>A") + " wait 130001 out " +
-     Times(64, "<ACK>A" + Frame12) + " ", "64006400"},
+    {"busy, and asked for more than it holds", "!occupe " + Load12 + "\n" + Load13, "in <ENQ>A wait 9999 in <ENQ>8" +
+     Times(63, "<ENQ>A") + " out - wait 120001 out <ACK>A" + Frame12 + "<ACK>8" + Times(62, "<ACK>A" + Frame12) + " ",
+     "63006300"},
     {"ACK lost once", "!ack-perdu " + Load12, Taken12 + Taken12 + Empty, "210100"},
     {"a reply", "", Ready + "in ??" + ReplyFrame + " out <ACK> in <EOT> " + Empty, "000010"},
     {"wrong sum", "", Ready + "in <STX>000000<ETX>;3 wait 999 out - wait 1 out <NAK>", "000000"},
