@@ -53,9 +53,9 @@ std::string DireManquants(const fs::path& Ancienne, const fs::path& Copie) {
   std::size_t Manquants = 0;
   Ombrey::ErreurEnAttente Illisible;
   if (!Ignorer(Illisible, [&] {
-        const auto Gardés = Faits(*OuvrirCoopérative(Copie));
+        const auto Gardés = Faits(*OuvrirAuRepos(Copie));
         Manquants = static_cast<std::size_t>(std::ranges::count_if(
-            Faits(*OuvrirCoopérative(Ancienne)), [&](const std::string& Un) { return !Gardés.contains(Un); }));
+            Faits(*OuvrirAuRepos(Ancienne)), [&](const std::string& Un) { return !Gardés.contains(Un); }));
       }))
     return " Ses chargements ne sont pas comptés : " + Illisible.Texte();
   return " Chargements qu'elle a et que la sauvegarde n'a pas : " + std::to_string(Manquants) + ".";
