@@ -63,9 +63,7 @@ int NearEnd(int& ForMachine) {
 }
 
 void OpenFar(Line& L) {
-  if (L.Far >= 0) return;
-  L.Far = open(L.Link.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC);
-  if (L.Far < 0) return;
+  if (L.Far >= 0 || (L.Far = open(L.Link.c_str(), O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) < 0) return;
   termios Mode{};
   tcgetattr(L.Far, &Mode);
   cfmakeraw(&Mode);
@@ -80,14 +78,13 @@ void FromTerminal(Line& L) {
     if (Count == 0 || (Count < 0 && errno == EIO)) close(std::exchange(L.Far, -1));
   }
   if (L.Pending.empty()) return;
-  const ssize_t Count = write(L.Near, L.Pending.data(), L.Pending.size());
-  if (Count > 0) L.Pending.erase(0, static_cast<std::size_t>(Count));
+  if (const ssize_t Count = write(L.Near, L.Pending.data(), L.Pending.size()); Count > 0)
+    L.Pending.erase(0, static_cast<std::size_t>(Count));
 }
 
 void ToTerminal(Line& L, Clock::time_point Now) {
-  if (Now < L.Next) return;
   char Character = 0;
-  if (read(L.Near, &Character, 1) != 1) return;
+  if (Now < L.Next || read(L.Near, &Character, 1) != 1) return;
   L.Next = std::max(L.Next, Now - L.Character) + L.Character;
   if (L.Far >= 0 && write(L.Far, &Character, 1) < 0 && errno == EIO) close(std::exchange(L.Far, -1));
 }
