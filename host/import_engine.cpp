@@ -1,7 +1,9 @@
 // From an import file to rows of the table of loads.
 #include "host/import_engine.h"
 
+#include <chrono>
 #include <string_view>
+#include <thread>
 #include <utility>
 
 #include "base/ansi_text.h"
@@ -11,6 +13,8 @@
 
 namespace Tarvel {
 namespace {
+
+using namespace std::chrono_literals;
 
 using Ombrey::ErreurExécution;
 
@@ -42,12 +46,16 @@ std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre,
   for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
     Chargements.push_back(LireLigne(Définition_, Ligne, Système_));
 
+  // Whoever threw this transaction out comes to his own end first, if he is given a moment.
   const auto Ensemble = Connexion_.DélaiCommun();
-  try {
-    return EcrireTout(Chargements);
-  } catch (const Ombrey::ÉchecPassager&) {
-    return EcrireTout(Chargements);
+  for (const auto Répit : {20ms, 200ms}) {
+    try {
+      return EcrireTout(Chargements);
+    } catch (const Ombrey::ÉchecPassager&) {
+      std::this_thread::sleep_for(Répit);
+    }
   }
+  return EcrireTout(Chargements);
 }
 
 std::vector<ChargementImporté> MoteurImport::EcrireTout(const std::vector<LigneImport>& Chargements) {

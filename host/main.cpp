@@ -151,6 +151,21 @@ void Copier(const char* Nom, Faire&& Mener) {
   std::puts(Mener([&](std::size_t Faits, std::size_t Total) { Travail.Avancer(Faits, Total); }).c_str());
 }
 
+void Exporter(const Tarvel::Options& Choisies) {
+  const auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base);
+  const Ombrey::SansHâte Patiente(*Connexion);
+  Ombrey::BaseLue Base(Connexion);
+  std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
+}
+
+/// The slip of a day, or a load's ticket.
+void ÉcrirePapier(const Tarvel::Options& Choisies) {
+  Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
+  const int Jour = Choisies.Jours.Du.value_or(static_cast<int>(Ombrey::NuméroDeJour(Ombrey::HeureLocale())));
+  Tarvel::ÉcrirePapier(Tarvel::TextePapier(Base, Jour, Choisies.Numéro), !Choisies.Numéro.empty(), Choisies.Copie);
+  std::puts(("Le document est dans " + Ombrey::TexteChemin(Choisies.Copie) + ".").c_str());
+}
+
 int Accomplir(const Tarvel::Options& Choisies) {
   switch (Choisies.QueFaire) {
     case Tarvel::Tâche::Aide:
@@ -175,24 +190,16 @@ int Accomplir(const Tarvel::Options& Choisies) {
     case Tarvel::Tâche::CopierBase:
       Copier("copie", [&](const auto& Dire) { return Tarvel::CopierBase(Choisies.Base, Choisies.Vers, Dire); });
       break;
-    case Tarvel::Tâche::Exporter: {
-      const auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base);
-      const Ombrey::SansHâte Patiente(*Connexion);
-      Ombrey::BaseLue Base(Connexion);
-      std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
+    case Tarvel::Tâche::Exporter:
+      Exporter(Choisies);
       break;
-    }
     case Tarvel::Tâche::RefaireCumuls:
       std::puts(Tarvel::RefaireCumuls(*Tarvel::OuvrirCoopérative(Choisies.Base)).c_str());
       break;
     case Tarvel::Tâche::Bordereau:
-    case Tarvel::Tâche::Ticket: {
-      Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
-      const int Jour = Choisies.Jours.Du.value_or(static_cast<int>(Ombrey::NuméroDeJour(Ombrey::HeureLocale())));
-      Tarvel::ÉcrirePapier(Tarvel::TextePapier(Base, Jour, Choisies.Numéro), !Choisies.Numéro.empty(), Choisies.Copie);
-      std::puts(("Le document est dans " + Ombrey::TexteChemin(Choisies.Copie) + ".").c_str());
+    case Tarvel::Tâche::Ticket:
+      ÉcrirePapier(Choisies);
       break;
-    }
     case Tarvel::Tâche::Station:
       Travailler(Choisies);
       break;

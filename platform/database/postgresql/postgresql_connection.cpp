@@ -171,7 +171,8 @@ void ConnexionPostgresql::TenirSommes(const SommesTenues& Sommes) {
 /// In the schema where the loads stand, wherever the account's path begins.
 ÉcrituresSommes ConnexionPostgresql::Écritures(const SommesTenues& Sommes) {
   const Résultat Lu = Demander(
-      "SELECT coalesce((SELECT nspname FROM pg_class JOIN pg_namespace AS n ON n.oid = relnamespace WHERE pg_class.oid ="
+      "SELECT coalesce((SELECT nspname FROM pg_class JOIN pg_namespace AS n ON n.oid = relnamespace WHERE pg_class.oid "
+      "="
       " to_regclass(quote_ident($1))), current_schema())",
       {Sommes.Sources.front()}, true);
   return SommesPostgresql(Sommes, PQgetvalue(Lu.get(), 0, 0));

@@ -18,6 +18,12 @@ std::string Lignes(const std::string& Table, const char* Signe) {
   return "SELECT " + PourRangée("l", Termes) + ", " + Signe + PourRangée("l", Masse) + " FROM " + Table + " AS l";
 }
 
+std::string CompterFausses(const std::string& Toutes, const std::string& Table) {
+  return "SELECT count(*) FROM (SELECT FROM (" + Toutes +
+         R"( UNION ALL SELECT "Métayage", "Sélection", "Année", -"Masse" FROM )" + Table +
+         ") AS r(m, s, a, x) GROUP BY m, s, a HAVING abs(sum(x)) >= 0.5) AS f";
+}
+
 }  // namespace
 
 ÉcrituresSommes SommesPostgresql(const SommesTenues& Sommes, const std::string& Schéma) {
@@ -62,10 +68,7 @@ std::string Lignes(const std::string& Table, const char* Signe) {
       Étapes.push_back("CREATE TRIGGER " + NomPostgresql(Sommes.Table + Geste) + " AFTER " + Geste + " ON " +
                        Dans(Source) + Avec + " EXECUTE FUNCTION " + Fonction + "()");
   Étapes.push_back(Compter(Toutes));  // the triggers keep others from writing until all is done
-  return {Étapes, Refaire,
-          "SELECT count(*) FROM (SELECT FROM (" + Toutes +
-              R"( UNION ALL SELECT "Métayage", "Sélection", "Année", -"Masse" FROM )" + Table +
-              ") AS r(m, s, a, x) GROUP BY m, s, a HAVING abs(sum(x)) >= 0.5) AS f"};
+  return {Étapes, Refaire, CompterFausses(Toutes, Table)};
 }
 
 }  // namespace Ombrey
