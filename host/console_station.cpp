@@ -93,7 +93,7 @@ void ÉditionConsole::AjouterVues() {
   AjouterTableau("journee", "les chargements du jour de ce site", [Jour] { return TableauChargements(Jour(), {}); });
   AjouterTableau("sommes", "leurs sommes par appellation et classe", [Jour] { return TableauSommes(Jour(), {}); });
   AjouterTableau("quotas", "les quotas du jour et ce qui reste", [Jour] { return TableauQuotas(Jour()); });
-  AjouterTableau("archive", "les chargements dont un autre a repris le numéro",
+  AjouterTableau("archive", "les 1000 derniers chargements dont un autre a repris le numéro",
                  [Base] { return TableauArchive(*Base(), {}); });
   AjouterTableau("stations", "les stations qui travaillent sur la base",
                  [Base] { return TableauStations(*Base(), {}); });

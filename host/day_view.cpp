@@ -37,9 +37,11 @@ constexpr const char* SqlQuotas =
     "SELECT Sélection.Désignation, QuotasGrp.QuotaJournalier FROM Sélection"
     " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection ORDER BY Sélection.Désignation";
 
+/// A season of three sites archives 300,000 loads; nobody looks through more than this.
 constexpr const char* SqlArchive =
     "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], DateCh AS [Date]"
-    ", Masse AS [Pesée], Degré AS [%Vol], Sélection, Qualité, Métayage FROM ChargementArchive ORDER BY DateCh DESC";
+    ", Masse AS [Pesée], Degré AS [%Vol], Sélection, Qualité, Métayage FROM ChargementArchive ORDER BY DateCh DESC "
+    "LIMIT 1000";
 
 const Ombrey::Régional FormesFrançaises{};
 

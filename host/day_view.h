@@ -64,7 +64,7 @@ using Rangées = std::vector<std::vector<std::string>>;
 [[nodiscard]] Rangées TableauSommes(const Journée& Jour, const Ombrey::Régional& Formes);
 [[nodiscard]] Rangées TableauQuotas(const Journée& Jour);
 
-/// Loads whose number another one has taken over, the latest first.
+/// The latest 1,000 loads whose number another one has taken over, the latest first.
 [[nodiscard]] Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes);
 
 }  // namespace Tarvel

@@ -108,7 +108,8 @@ void FenêtrePrincipaleQt::CréerPages() {
   Ajouter(Refusés_, QStringLiteral("&Refusés"),
           QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand la file du RG80 "
                          "avance."));
-  Ajouter(Archive_, QStringLiteral("Ar&chive"), QStringLiteral("Chargements dont un autre a repris le numéro."));
+  Ajouter(Archive_, QStringLiteral("Ar&chive"),
+          QStringLiteral("Les 1000 derniers chargements dont un autre a repris le numéro."));
   CréerJournal();
   Ajouter(Stations_, QStringLiteral("Statio&ns"), QStringLiteral("Les stations qui travaillent sur cette base."));
   Pages_->setTabVisible(Pages_->indexOf(Stations_), false);  // until there are several

@@ -122,15 +122,18 @@ PageLigneQt::PageLigneQt(QWidget* Parent, const ContexteQt& Contexte, const Jour
   auto* const Plan = new QVBoxLayout(this);
   Plan->addWidget(Liste_, 1);
   Plan->addLayout(Bas);
-  connect(&Montre_, &QTimer::timeout, this, [this] {
-    if (isVisible()) Suivre();
-  });
-  Montre_.start(Rythme);
+  connect(&Montre_, &QTimer::timeout, this, [this] { Suivre(); });
 }
 
 void PageLigneQt::showEvent(QShowEvent* Événement) {
   QWidget::showEvent(Événement);
   Suivre();
+  Montre_.start(Rythme);
+}
+
+void PageLigneQt::hideEvent(QHideEvent* Événement) {
+  QWidget::hideEvent(Événement);
+  Montre_.stop();
 }
 
 void PageLigneQt::Suivre() {

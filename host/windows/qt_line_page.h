@@ -54,6 +54,7 @@ class PageLigneQt : public QWidget {
 
  protected:
   void showEvent(QShowEvent* Événement) override;
+  void hideEvent(QHideEvent* Événement) override;
 
  private:
   void Suivre();
