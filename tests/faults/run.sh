@@ -51,7 +51,7 @@ apply() {
     close $source or die "$file: $!\n";
   ' "$list" "$1" "$tree" "${2:-}"
 }
-restore() { cp "$1" "$tree/$1"; }  # with a new time, so that the build sees it
+restore() { cp "$work/whole" "$tree/$1"; }  # with a new time, so that the build sees it
 make() { ninja -C "$build" -j2 "$@" >"$log" 2>&1; }
 # Runs one test program; when it fails, prints the tests that failed, or the one that crashed or took too long.
 run() {
@@ -112,7 +112,7 @@ for i in "${!titles[@]}"; do
   grep -qE -- "$pattern" <<<"${titles[i]}" || continue
   result=$(T="${titles[i]}" awk -F' -> ' '$1 == ENVIRON["T"] && $2 !~ /^(ESCAPED|DOESN)/ { print $2; exit }' "$results")
   if [ -z "$result" ]; then
-    apply $((i + 1)) || exit 2
+    cp "$tree/${titles[i]%%:*}" "$work/whole" && apply $((i + 1)) || exit 2
     result=$(verdict "${titles[i]%%:*}")
     restore "${titles[i]%%:*}"
     printf '%s -> %s\n' "${titles[i]}" "$result" >>"$results"
