@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdlib>
 #include <map>
-#include <ranges>
 #include <span>
 #include <utility>
 
@@ -157,9 +156,9 @@ std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopéra
 std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const std::string& Numéro) {
   const auto Chargements = LireChargements(Base, {Jour, Jour});
   if (Numéro.empty()) return TexteBordereau(Chargements, NomCoopérative(Base), Jour);
-  const auto Tous = Chargements | std::views::reverse;
-  const auto Sien = std::ranges::find(Tous, Numéro, &ChargementRelaté::Numéro);
-  if (Sien == Tous.end())
+  const auto Sien = std::find_if(Chargements.rbegin(), Chargements.rend(),
+                                 [&](const ChargementRelaté& Un) { return Un.Numéro == Numéro; });
+  if (Sien == Chargements.rend())
     throw Ombrey::ErreurExécution("Aucun chargement n° " + Numéro + " le " + TexteJour(Jour) + ".");
   return TexteTicket(*Sien, NomCoopérative(Base));
 }

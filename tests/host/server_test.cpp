@@ -185,7 +185,8 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
   Départ->Exécuter("UPDATE Métayage SET Surface = '8 ha'");
   const std::string Neuve = NouvelleBase(Moteur_, Gardé_);
   for (const auto& [Vers, Raison] : {std::pair(Autre, "a déjà une table"), {Neuve, "« 8 ha »"}})
-    EXPECT_NE(Refus([&] { static_cast<void>(CopierBase(Fichier, Vers)); }).find(Raison), std::string::npos) << Raison;
+    EXPECT_NE(Refus([&, Où = Vers] { static_cast<void>(CopierBase(Fichier, Où)); }).find(Raison), std::string::npos)
+        << Raison;
   EXPECT_TRUE(OuvrirMoteur(Neuve)->ColonnesDe("Métayage").empty());
 }
 

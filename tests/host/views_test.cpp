@@ -1,5 +1,4 @@
 // What the operator is shown at a glance: the day, the link, what is refused and what nobody has read.
-#include <ranges>
 
 #include "base/files.h"
 #include "contracts/line_protocol.h"
@@ -30,9 +29,10 @@ struct Vues : AvecCoopérative {
         " FROM Chargement WHERE CodeSite = '3' AND NoChargement = 2");
   }
   /// The rows below the headings.
-  static std::string Dire(const Rangées& Tableau) {
+  static std::string Dire(Rangées Tableau) {
     std::string Tout;
-    for (const auto& Rangée : Tableau | std::views::drop(1)) {
+    Tableau.erase(Tableau.begin());
+    for (const auto& Rangée : Tableau) {
       for (const std::string& Un : Rangée) Tout += Un + '|';
       Tout += '\n';
     }
@@ -107,7 +107,9 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   };
   const auto Résumé = [&Vue] {
     std::string Tout;
-    for (const auto& Une : Vue.Refusés() | std::views::drop(1)) Tout += Une[0] + " " + Une[2] + " " + Une[4] + "|";
+    Rangées Toutes = Vue.Refusés();
+    Toutes.erase(Toutes.begin());
+    for (const auto& Une : Toutes) Tout += Une[0] + " " + Une[2] + " " + Une[4] + "|";
     return Tout;
   };
   Offrir();
