@@ -25,7 +25,11 @@ await() {
     sleep 0.1
   done
 }
-window() { xdotool search --onlyvisible --name "$1" | tail -1; }
+# A window that goes in the midst of the search breaks it off.
+window() {
+  until xdotool search --onlyvisible --name "$1" >"$work/found" 2>"$work/unfound" || ! grep -q 'X Error' "$work/unfound"; do :; done
+  tail -1 "$work/found"
+}
 seen() { [ -n "$(window "$1")" ]; }
 gone() { ! seen "$1"; }
 place() { xdotool getwindowgeometry --shell "$(window "$1")" | grep -E '^(X|Y|WIDTH|HEIGHT)='; }
