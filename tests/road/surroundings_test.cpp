@@ -38,14 +38,15 @@ TEST(Surroundings, AStationCollectsAndEndsWhateverItWasStartedFrom) {
   }
 }
 
-/// A line that isn't there yet has a box at each poll.
+/// A line that isn't there yet has a box at each poll, and none steps aside by itself.
 TEST(Surroundings, WindowsThatNobodyLooksAtAnswerTheirBoxesThemselves) {
   if (!std::filesystem::exists(BIN_DIR "/tarvel-qt.so")) GTEST_SKIP() << "built without windows";
   Poste P;
+  P.Faire("$ printf '[Tarvel]\nDuréeBoîtes=0\n' >> tarvel.ini");
   P.Station = std::make_unique<Programme>("cd " + P.En("") +
                                           " && QT_QPA_PLATFORM=offscreen exec " BIN_DIR
                                           "/tarvel --base cave.db --ini tarvel.ini --dossier poste --sans-operateur");
-  EXPECT_TRUE(Bientôt([&] { return std::filesystem::exists(P.En("poste/données")); }, 60s)) << P.Dit();
+  EXPECT_TRUE(Bientôt([&] { return std::filesystem::exists(P.En("poste/à-lire.txt")); }, 60s)) << P.Dit();
   P.LancerTerminal("--hasard 1 --jusqu-a-vide");
   EXPECT_EQ(P.Rg80->Fin(60s), 0) << P.Dit();
   P.Station->Signaler(SIGTERM);
