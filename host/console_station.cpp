@@ -27,7 +27,7 @@ using Ombrey::QuandPermise;
       Entrée_(Boucle_, Entrée, [this](const std::optional<std::string>& Ligne) { return Prendre(Ligne); }) {
   if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
   Fenêtres_.SurDisponibilité([this] { Entrée_.Relancer(); });
-  Fenêtres_.Observer(Veille_.Témoins());
+  Fenêtres_.Observer(Aperçu_.Témoins());
 }
 
 std::filesystem::path ÉditionConsole::FichierRéglages() const {
@@ -88,7 +88,7 @@ void ÉditionConsole::AjouterVues() {
         {Nom, "", Aide, QuandPermise::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
   };
   Dire("etat", "la liaison et le prochain relevé",
-       [this] { return "état : " + Veille_.TexteLiaison() + ". " + Veille_.TexteRelevé(); });
+       [this] { return "état : " + Aperçu_.TexteLiaison() + ". " + Aperçu_.TexteRelevé(); });
   Dire("diagnostic", "examine réglages, port, base et dossier", [this] { return TexteDiagnostic(Options_); });
   AjouterTableau("journee", "les chargements du jour de ce site", [Jour] { return TableauChargements(Jour(), {}); });
   AjouterTableau("sommes", "leurs sommes par appellation et classe", [Jour] { return TableauSommes(Jour(), {}); });
@@ -97,15 +97,15 @@ void ÉditionConsole::AjouterVues() {
                  [Base] { return TableauArchive(*Base(), {}); });
   AjouterTableau("stations", "les stations qui travaillent sur la base",
                  [Base] { return TableauStations(*Base(), {}); });
-  AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Veille_.Refusés(); });
+  AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Aperçu_.Refusés(); });
   Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
                       QuandPermise::EntreDeux, [this](const std::string& Rang) {
                         Sortie_.Ligne(
-                            Veille_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
+                            Aperçu_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
                       }});
-  AjouterTableau("alire", "les boîtes auxquelles personne n'a répondu", [this] { return Veille_.NonLus(); });
+  AjouterTableau("alire", "les boîtes auxquelles personne n'a répondu", [this] { return Aperçu_.NonLus(); });
   Commandes_.Ajouter(
-      {"lu", "", "vide cette liste", QuandPermise::EntreDeux, [this](const std::string&) { Veille_.ToutEstLu(); }});
+      {"lu", "", "vide cette liste", QuandPermise::EntreDeux, [this](const std::string&) { Aperçu_.ToutEstLu(); }});
 }
 
 void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }

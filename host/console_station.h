@@ -27,7 +27,7 @@ class ÉditionConsole final : public IÉdition {
   [[nodiscard]] Ombrey::IQuestionnairePort& Questionnaire() override { return Questions_; }
   /// Beside the file of the real windows, whose places a console has no right to overwrite.
   [[nodiscard]] std::filesystem::path FichierRéglages() const override;
-  [[nodiscard]] Veille& LaVeille() override { return Veille_; }
+  [[nodiscard]] Aperçu& LAperçu() override { return Aperçu_; }
   void Suivre(std::shared_ptr<Ombrey::IBaseDeD> Base) override { Base_ = std::move(Base); }
   void Raccorder(IGestesStation& Gestes) override;
   void SuivreLiaison(const Ombrey::JournalLiaison& Journal) override;
@@ -53,7 +53,7 @@ class ÉditionConsole final : public IÉdition {
   Ombrey::CommandesConsole Commandes_;
   Ombrey::QuestionsPort Questions_;
   Ombrey::EntréeConsole Entrée_;
-  Veille Veille_;
+  Aperçu Aperçu_;
   std::shared_ptr<Ombrey::IBaseDeD> Base_;
 };
 

@@ -11,7 +11,6 @@
 #include "base/ansi_text.h"
 #include "base/failures.h"
 #include "base/files.h"
-#include "base/kept_files.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "host/load_columns.h"
@@ -130,7 +129,7 @@ bool EtatBdDTarvel::TableImporter(const std::string& Titre, const std::string& F
     DernièreErreur_ = Erreur.what();
   }
   if (!DernièreErreur_.empty() && DireRefus_)
-    DireRefus_({DernièreErreur_, Ombrey::ContenuDe(Ombrey::Chemin(Fichier)), Drapeau});
+    DireRefus_({DernièreErreur_, Ombrey::ContenuOuVide(Ombrey::Chemin(Fichier)), Drapeau});
   for (const ChargementImporté& Chargement : Importés) {
     // The load is on the disk: what a listener meets afterwards is no failure of the import.
     Ombrey::ErreurEnAttente DeLÉcouteur;

@@ -11,6 +11,7 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/phrases.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -151,8 +152,8 @@ Journée Filtrer(const Journée& Toute, const std::string& Mots) {
 }
 
 Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {
-  Rangées Tableau{
-      {"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", "Classe sanitaire", "Propriétaire", "Récoltant"}};
+  Rangées Tableau{{"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", Ombrey::Phrase::ClasseSanitaire,
+                   "Propriétaire", "Récoltant"}};
   for (const ChargementDuJour& Un : Jour.Chargements)
     Tableau.push_back({Un.Site, Un.Numéro, Un.Heure, Un.MasseIllisible.empty() ? Entier(Un.Masse) : Un.MasseIllisible,
                        Un.Degré ? TexteNombre(*Un.Degré, Formes) : "", Un.Appellation, Un.Classe, Un.Propriétaire,

@@ -33,7 +33,7 @@ class IÉdition {
   [[nodiscard]] virtual Ombrey::IFenêtres& Fenêtres() = 0;
   [[nodiscard]] virtual Ombrey::IQuestionnairePort& Questionnaire() = 0;
   /// What it shows at a glance; the station tells it what the windows don't.
-  [[nodiscard]] virtual Veille& LaVeille() = 0;
+  [[nodiscard]] virtual Aperçu& LAperçu() = 0;
   /// Where the places and widths of its windows are kept.
   [[nodiscard]] virtual std::filesystem::path FichierRéglages() const = 0;
   /// From now on the operator's gestures reach the station. Called once, ahead of the first pump.

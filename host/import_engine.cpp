@@ -20,7 +20,7 @@ using Ombrey::ErreurExécution;
 
 constexpr std::string_view FinDeLigne = "\r\n";
 
-std::string LireFichier(const std::string& Nom) {
+std::string TexteImporté(const std::string& Nom) {
   const auto Contenu = Ombrey::LireFichier(Ombrey::Chemin(Nom));
   if (!Contenu) throw ErreurExécution("Fichier d'import illisible : " + Nom);
   return DepuisAnsi(Ombrey::Octets(*Contenu));
@@ -43,7 +43,7 @@ std::vector<std::string> Lignes(std::string_view Contenu) {
 std::vector<ChargementImporté> MoteurImport::Importer(const std::string& Titre, const std::string& Fichier) {
   Définition_ = LireDéfinition(Connexion_, Titre, std::exchange(Définition_, {}));
   std::vector<LigneImport> Chargements;
-  for (const std::string& Ligne : Lignes(LireFichier(Fichier)))
+  for (const std::string& Ligne : Lignes(TexteImporté(Fichier)))
     Chargements.push_back(LireLigne(Définition_, Ligne, Système_));
 
   // Whoever threw this transaction out comes to his own end first, if he is given a moment.

@@ -95,7 +95,7 @@ void Travailler(const Tarvel::Options& Choisies) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
     Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
                                                    [&](const std::string& Texte) { Édition->Dire(Texte); });
-    Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LaVeille().NoterRefus(Import); });
+    Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LAperçu().NoterRefus(Import); });
     Connexion->FixerPatience([&] { Édition->Boucle().Peindre(); });
     Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
     Registre.emplace(Connexion, Base->KVSynchro()->CodeSiteCourant());

@@ -49,7 +49,7 @@ constexpr ChampLisible ChampsLisibles[] = {
     {"Groupe", Place::Groupe},
     {"Part (%, 4 décimales)", Place::Part},
     {"Appellation", Ombrey::PlaceChamp("Sélection")},
-    {"Classe sanitaire", Ombrey::PlaceChamp("Qualité")},
+    {Ombrey::Phrase::ClasseSanitaire, Ombrey::PlaceChamp("Qualité")},
     {"Degré (dixièmes)", Ombrey::PlaceChamp("Degré")},
     {"Quai", Ombrey::PlaceChamp("NoQuai")},
     {"Pesée (kg)", Ombrey::PlaceChamp("Masse")},
@@ -106,14 +106,14 @@ std::string Moment(const DateHeure& Quand) {
 
 }  // namespace
 
-Ombrey::TémoinsFenêtres Veille::Témoins() {
+Ombrey::TémoinsFenêtres Aperçu::Témoins() {
   return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
           [this](const std::string& Titre, const std::string& Message) { NoterBoîte(Titre, Message); },
           [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); },
           [this](bool Ouverte) { NoterTransfert(Ouverte); }};
 }
 
-void Veille::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
+void Aperçu::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
   DossierConservés_ = std::move(Conservés);
   FichierNonLus_ = Dossier / "à-lire.txt";
   NonLus_.Reprendre(LireNonLus(FichierNonLus_));
@@ -121,17 +121,17 @@ void Veille::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path 
 }
 
 /// A list that can't be kept is still shown.
-void Veille::GarderNonLus() {
+void Aperçu::GarderNonLus() {
   Ombrey::ErreurEnAttente Ignorée;
   if (!FichierNonLus_.empty()) Ignorer(Ignorée, [this] { EcrireNonLus(FichierNonLus_, NonLus_.Tous()); });
 }
 
-void Veille::NoterLigne(const std::string& Ligne) {
+void Aperçu::NoterLigne(const std::string& Ligne) {
   Liaison_.Noter(std::time(nullptr), Ligne);
   NoterTexte(Ligne);
 }
 
-void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
+void Aperçu::NoterBoîte(const std::string& Titre, const std::string& Message) {
   if (Titre == Ombrey::Phrase::TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
   if (Titre == Ombrey::Phrase::TitreExploitation) {
     Panne_ = Message;
@@ -140,7 +140,7 @@ void Veille::NoterBoîte(const std::string& Titre, const std::string& Message) {
   NoterTexte(Message);
 }
 
-void Veille::NoterRetrait(const std::string& Titre, const std::string& Message) {
+void Aperçu::NoterRetrait(const std::string& Titre, const std::string& Message) {
   const std::string Sien = Message == Ombrey::Phrase::ChecksumFaux ? Numéro(Tampon_.empty() ? Trame_ : "") : SansNuméro;
   const std::string Détail = Sien == SansNuméro ? "" : " (chargement n° " + Sien + ", tel que reçu)";
   NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message + Détail});
@@ -148,7 +148,7 @@ void Veille::NoterRetrait(const std::string& Titre, const std::string& Message) 
   Changer();
 }
 
-void Veille::NoterOctets(const Octets& Reçus) {
+void Aperçu::NoterOctets(const Octets& Reçus) {
   Tampon_ += Reçus.Bruts();
   const std::size_t Début = Tampon_.rfind(Ombrey::STX);
   if (Début == std::string::npos) return Tampon_.clear();
@@ -159,18 +159,18 @@ void Veille::NoterOctets(const Octets& Reçus) {
   Liaison_.NoterRéponse(std::time(nullptr));
 }
 
-void Veille::NoterRelevé(std::optional<std::int32_t> Attente) {
+void Aperçu::NoterRelevé(std::optional<std::int32_t> Attente) {
   Relevé_.reset();
   if (Attente) Relevé_ = system_clock::now() + std::chrono::milliseconds(*Attente);
 }
 
-void Veille::NoterTransfert(bool Ouverte) {
+void Aperçu::NoterTransfert(bool Ouverte) {
   SuspendueDepuis_.reset();
   if (Ouverte) SuspendueDepuis_ = system_clock::now();
   Changer();
 }
 
-void Veille::NoterTexte(const std::string& Texte) {
+void Aperçu::NoterTexte(const std::string& Texte) {
   Refus Lu = LireRefus(Texte);
   // A holding that couldn't be looked for isn't known to be missing.
   if (Lu.Motif.starts_with(Ombrey::Phrase::ExploitationIntrouvable) && EstSansRecherche())
@@ -179,12 +179,12 @@ void Veille::NoterTexte(const std::string& Texte) {
   Changer();
 }
 
-void Veille::NoterRefus(const ImportRefusé& Import) {
+void Aperçu::NoterRefus(const ImportRefusé& Import) {
   Refuser({SansNuméro, Import.Motif, Import.ParSaValeur ? RemèdeValeur : RemèdeBase}, Import.Contenu);
   Changer();
 }
 
-void Veille::Refuser(Refus Lu, std::string Contenu) {
+void Aperçu::Refuser(Refus Lu, std::string Contenu) {
   // A frame that was cut off stays in the buffer: the one before it says nothing of this load.
   const std::string Trame = Tampon_.empty() ? Trame_ : "";
   if (Lu.Sujet == SansNuméro) Lu.Sujet = Numéro(Trame);
@@ -196,7 +196,7 @@ void Veille::Refuser(Refus Lu, std::string Contenu) {
                                .Passage = Passage_});
 }
 
-std::string Veille::NoterReçu() {
+std::string Aperçu::NoterReçu() {
   Refus_.Vider();
   Changer();
   const double Maintenant = NuméroDeJour(HeureLocale());
@@ -208,42 +208,42 @@ std::string Veille::NoterReçu() {
          " : comparez l'heure et le fuseau des deux, sinon des chargements manquent dans la liste du jour.";
 }
 
-void Veille::ToutEstLu() {
+void Aperçu::ToutEstLu() {
   NonLus_.Vider();
   GarderNonLus();
   Changer();
 }
 
-void Veille::Changer() const {
+void Aperçu::Changer() const {
   if (Dire_) Dire_();
 }
 
-std::string Veille::TexteLiaison() const {
+std::string Aperçu::TexteLiaison() const {
   if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
   return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") +
          " : la fenêtre de transfert est ouverte";
 }
 
-std::string Veille::TexteRelevé() const {
+std::string Aperçu::TexteRelevé() const {
   if (SuspendueDepuis_) return "Aucun relevé d'ici là";
   return Relevé_ ? "Prochain relevé à " + Ombrey::TexteHeure(HeureDe(*Relevé_)) : "Relevé en cours";
 }
 
-Rangées Veille::Refusés() const {
+Rangées Aperçu::Refusés() const {
   Rangées Toutes{{"Chargement", "Depuis", "Fois", "Dernière fois", "Motif", "Que faire"}};
   for (const FaitRépété& Un : Refus_.Tous())
     Toutes.push_back({Un.Sujet, Moment(Un.Premier), std::to_string(Un.Fois), Moment(Un.Dernier), Un.Texte, Un.ÀFaire});
   return Toutes;
 }
 
-Rangées Veille::NonLus() const {
+Rangées Aperçu::NonLus() const {
   Rangées Toutes{{"Titre", "Message", "Fois", "Première fois", "Dernière fois"}};
   for (const FaitRépété& Un : NonLus_.Tous())
     Toutes.push_back({Un.Sujet, Un.Texte, std::to_string(Un.Fois), Moment(Un.Premier), Moment(Un.Dernier)});
   return Toutes;
 }
 
-std::string Veille::Détail(std::size_t Rang) const {
+std::string Aperçu::Détail(std::size_t Rang) const {
   if (Rang >= Refus_.Tous().size()) return {};
   const FaitRépété& Un = Refus_.Tous()[Rang];
   std::string Texte = Un.Texte + "\n" + Un.ÀFaire + "\n\n";

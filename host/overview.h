@@ -23,7 +23,7 @@ namespace Tarvel {
 inline constexpr double AvanceDHorloge = 15 / 1440.;
 
 /// Is told what happens, and words it. Times are those of the machine.
-class Veille {
+class Aperçu {
  public:
   void NoterLigne(const std::string& Ligne);
   void NoterBoîte(const std::string& Titre, const std::string& Message);

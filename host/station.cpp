@@ -33,7 +33,7 @@ class ÉchoHôte final : public Ombrey::IEventPlugin {
   explicit ÉchoHôte(IÉdition& Édition) : Édition_(Édition) {}
   void Signaler(const std::string& Texte) override {
     const bool EstReçu = Texte.starts_with(Ombrey::Phrase::ChargementAjouté);
-    const std::string Horloges = EstReçu ? Édition_.LaVeille().NoterReçu() : "";
+    const std::string Horloges = EstReçu ? Édition_.LAperçu().NoterReçu() : "";
     Édition_.Dire(Texte);
     if (!Horloges.empty()) Édition_.Dire(Horloges);
   }
@@ -55,12 +55,12 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, std::function<void()> AuRepos)
   AuRepos_ = std::move(AuRepos);
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
                                        &Journal_,
-                                       {[this](const Ombrey::Octets& Reçus) { Édition_.LaVeille().NoterOctets(Reçus); },
+                                       {[this](const Ombrey::Octets& Reçus) { Édition_.LAperçu().NoterOctets(Reçus); },
                                         [this](auto Attente) { NoterRelevé(Attente); },
                                         [this](const Ombrey::Avancement& Où) { return Édition_.Avancer(Où); }});
   const Ombrey::ÉcouteAppels Appels(Boucle_, Options_.Dossier, [this] { Édition_.SePrésenter(); });
   Plateforme_ = &Plateforme;
-  Édition_.LaVeille().Ouvrir(Options_.Dossier, Plateforme.Système().DossierImportsConservés());
+  Édition_.LAperçu().Ouvrir(Options_.Dossier, Plateforme.Système().DossierImportsConservés());
   if (!Options_.Trace.empty())
     Journal_.FixerTrace(std::make_unique<Ombrey::FichierTrace>(
         Options_.Trace, [this](const std::string& Texte) { Édition_.Dire(Texte); }));
@@ -167,7 +167,7 @@ void Station::NoterRelevé(std::optional<std::int32_t> Attente) {
     ProgrammerRepos(0ms);
   else
     Repos_.reset();
-  Édition_.LaVeille().NoterRelevé(Attente);
+  Édition_.LAperçu().NoterRelevé(Attente);
 }
 
 /// From the loop, so that it goes on behind a list of loads that stands open all day.

@@ -6,7 +6,7 @@
 #include <sstream>
 #include <string>
 
-#include "base/kept_files.h"
+#include "base/files.h"
 #include "base/regional_forms.h"
 #include "platform/system/safe_file.h"
 
@@ -30,7 +30,7 @@ std::string SurUneLigne(std::string Texte) {
 
 std::vector<FaitRépété> LireNonLus(const std::filesystem::path& Fichier) {
   std::vector<FaitRépété> Faits;
-  std::istringstream Flux(Ombrey::ContenuDe(Fichier));
+  std::istringstream Flux(Ombrey::ContenuOuVide(Fichier));
   for (std::string Ligne; std::getline(Flux, Ligne);) {
     std::array<std::string, Colonnes> Champs;
     std::istringstream Morceaux(Ligne);

@@ -63,10 +63,10 @@ class ÉditionFenêtrée final : public IÉdition {
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
         Réglages_(FichierRéglages()),
-        Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), !FichierDeBase(Choisies.Base)}, Réglages_, Veille_) {
+        Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), !FichierDeBase(Choisies.Base)}, Réglages_, Aperçu_) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
     Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
-    Fenêtres_.Observer(Veille_.Témoins());
+    Fenêtres_.Observer(Aperçu_.Témoins());
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
     Principale_.Présenter(TexteVersion() + "\n\nBase : " + Choisies.Base +
                               "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
@@ -77,7 +77,7 @@ class ÉditionFenêtrée final : public IÉdition {
   Ombrey::IBoucle& Boucle() override { return Boucle_; }
   Ombrey::IFenêtres& Fenêtres() override { return Fenêtres_; }
   Ombrey::IQuestionnairePort& Questionnaire() override { return Questionnaire_; }
-  Veille& LaVeille() override { return Veille_; }
+  Aperçu& LAperçu() override { return Aperçu_; }
   std::filesystem::path FichierRéglages() const override { return Ombrey::FichierRéglagesUtilisateur(); }
   void Raccorder(IGestesStation& Gestes) override {
     Principale_.Raccorder({[&Gestes] { Gestes.Bouton(); }, [&Gestes] { Gestes.Menu(); },
@@ -108,7 +108,7 @@ class ÉditionFenêtrée final : public IÉdition {
   Ombrey::FenêtresQt Fenêtres_;
   Ombrey::QuestionnairePortQt Questionnaire_;
   Ombrey::RéglagesFichier Réglages_;
-  Veille Veille_;
+  Aperçu Aperçu_;
   Ombrey::FenêtrePrincipaleQt Principale_;
 };
 

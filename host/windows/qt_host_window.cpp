@@ -40,11 +40,11 @@ const std::string SignalReçu = Phrase::ChargementAjouté;
 }  // namespace
 
 FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages,
-                                         Tarvel::Veille& Veille, const Régional& Formes)
+                                         Tarvel::Aperçu& Aperçu, const Régional& Formes)
     : Contexte_(Contexte),
       Sujet_(LeSien),
       Réglages_(Réglages),
-      Veille_(Veille),
+      Aperçu_(Aperçu),
       Formes_(Formes),
       Fermeture_(*this, Différé([this] {
         Dire("Fermez d'abord la fenêtre qui est devant : la station ne se ferme pas derrière elle.");
@@ -54,10 +54,10 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
       Bandeau_(new BandeauQt(this)),
       Pages_(new QTabWidget(this)),
       Journée_(new PageJournéeQt(this, Contexte, Formes)),
-      Refusés_(new PageRefusésQt(this, Contexte, Veille)),
+      Refusés_(new PageRefusésQt(this, Contexte, Aperçu)),
       Archive_(new ListeQt(this, Contexte, QStringLiteral("Archive"))),
       Stations_(new ListeQt(this, Contexte, QStringLiteral("Stations"))),
-      NonLues_(new PageNonLuesQt(this, Contexte, Veille)),
+      NonLues_(new PageNonLuesQt(this, Contexte, Aperçu)),
       Journal_(new QPlainTextEdit(this)),
       État_(new LigneÉlidée(this)) {
   setWindowTitle(QStringLiteral("Tarvel – réception – ") + Texte(Sujet_.Base));
@@ -86,7 +86,7 @@ void FenêtrePrincipaleQt::SuivreLaVeille() {
     ActualiserBandeau();
     ActualiserFaits();
   };
-  Veille_.SurChangement(Tout);
+  Aperçu_.SurChangement(Tout);
   connect(&Montre_, &QTimer::timeout, this, [this] {
     // Through the loop: the base that lets the window be painted while it waits can't be asked meanwhile.
     if (++Tours_ % ToursParLecture == 0) Différé([this] { Actualiser(); })();
@@ -97,7 +97,7 @@ void FenêtrePrincipaleQt::SuivreLaVeille() {
 }
 
 FenêtrePrincipaleQt::~FenêtrePrincipaleQt() {
-  Veille_.SurChangement({});
+  Aperçu_.SurChangement({});
   SauverPlace();
 }
 
@@ -263,8 +263,8 @@ void FenêtrePrincipaleQt::ActualiserFaits() {
     const std::string Compte = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
     Pages_->setTabText(Pages_->indexOf(Page), Texte(Titre + Compte));
   };
-  Titrer(Refusés_, "&Refusés", Veille_.Refusés());
-  Titrer(NonLues_, "À l&ire", Veille_.NonLus());
+  Titrer(Refusés_, "&Refusés", Aperçu_.Refusés());
+  Titrer(NonLues_, "À l&ire", Aperçu_.NonLus());
   Refusés_->Montrer();
   NonLues_->Montrer();
 }
@@ -309,9 +309,9 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
 }
 
 void FenêtrePrincipaleQt::ActualiserBandeau() {
-  Bandeau_->DireRelevé(Texte(Veille_.TexteRelevé()));
-  Bandeau_->MontrerLiaison(Veille_.État(), Texte(Veille_.TexteLiaison()));
-  const auto Depuis = Veille_.SuspendueDepuis();
+  Bandeau_->DireRelevé(Texte(Aperçu_.TexteRelevé()));
+  Bandeau_->MontrerLiaison(Aperçu_.État(), Texte(Aperçu_.TexteLiaison()));
+  const auto Depuis = Aperçu_.SuspendueDepuis();
   if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + RappelTransfert) return;
   Rappelée_ = Depuis;
   QApplication::beep();

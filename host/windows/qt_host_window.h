@@ -43,7 +43,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   };
 
   /// Its place is kept in Réglages; all four outlive the window.
-  FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages, Tarvel::Veille& Veille,
+  FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages, Tarvel::Aperçu& Aperçu,
                       const Régional& Formes = {});
   ~FenêtrePrincipaleQt() override;
 
@@ -92,7 +92,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   Gestes Gestes_;
   Sujet Sujet_;
   IRéglages& Réglages_;
-  Tarvel::Veille& Veille_;
+  Tarvel::Aperçu& Aperçu_;
   Régional Formes_;
   std::shared_ptr<IBaseDeD> Base_;
   std::string ÀPropos_;

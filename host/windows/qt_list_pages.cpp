@@ -48,9 +48,9 @@ ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom
   });
 }
 
-PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Veille& Veille)
+PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Aperçu& Aperçu)
     : QWidget(Parent),
-      Veille_(Veille),
+      Aperçu_(Aperçu),
       Liste_(new ListeQt(this, Contexte, QStringLiteral("Chargements refusés"))),
       Détail_(Lecture(this, QStringLiteral("Le chargement refusé"))) {
   auto* const Moitiés = new QSplitter(Qt::Vertical, this);
@@ -63,30 +63,30 @@ PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, cons
 }
 
 void PageRefusésQt::Montrer() {
-  Remplir(*Liste_, Veille_.Refusés());
+  Remplir(*Liste_, Aperçu_.Refusés());
   MontrerDétail();
 }
 
 void PageRefusésQt::MontrerDétail() {
   const int Rang = std::max(0, Liste_->currentIndex().row());
   const QString Texte =
-      Ombrey::Texte(Liste_->model()->rowCount() == 0 ? "" : Veille_.Détail(static_cast<std::size_t>(Rang)));
+      Ombrey::Texte(Liste_->model()->rowCount() == 0 ? "" : Aperçu_.Détail(static_cast<std::size_t>(Rang)));
   if (Détail_->toPlainText() != Texte) Détail_->setPlainText(Texte);
 }
 
-PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Veille& Veille)
+PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu)
     : QWidget(Parent),
-      Veille_(Veille),
+      Aperçu_(Aperçu),
       Liste_(new ListeQt(this, Contexte, QStringLiteral("Messages que personne n'a lus"))) {
   auto* const Lu = new QPushButton(QStringLiteral("&Tout est lu"), this);
   Lu->setToolTip(QStringLiteral("Vide cette liste."));
-  connect(Lu, &QPushButton::clicked, this, [this] { Veille_.ToutEstLu(); });
+  connect(Lu, &QPushButton::clicked, this, [this] { Aperçu_.ToutEstLu(); });
   auto* const Plan = new QVBoxLayout(this);
   Plan->addWidget(Liste_);
   Plan->addWidget(Lu, 0, Qt::AlignRight);
   Montrer();
 }
 
-void PageNonLuesQt::Montrer() { Remplir(*Liste_, Veille_.NonLus()); }
+void PageNonLuesQt::Montrer() { Remplir(*Liste_, Aperçu_.NonLus()); }
 
 }  // namespace Ombrey

@@ -23,24 +23,24 @@ class ListeQt : public GrilleChargements {
 /// Refused loads, one a row, and below them what is known of the chosen one.
 class PageRefusésQt : public QWidget {
  public:
-  PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Veille& Veille);
+  PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Aperçu& Aperçu);
   void Montrer();
 
  private:
   void MontrerDétail();
 
-  const Tarvel::Veille& Veille_;
+  const Tarvel::Aperçu& Aperçu_;
   ListeQt* Liste_;
   QPlainTextEdit* Détail_;
 };
 
 class PageNonLuesQt : public QWidget {
  public:
-  PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Veille& Veille);
+  PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu);
   void Montrer();
 
  private:
-  Tarvel::Veille& Veille_;
+  Tarvel::Aperçu& Aperçu_;
   ListeQt* Liste_;
 };
 

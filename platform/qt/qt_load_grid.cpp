@@ -31,7 +31,7 @@ struct CasÀVoir {
 constexpr const char* Créé = "Créé par le RG80 : nom et fiche à compléter au bureau.";
 constexpr CasÀVoir CasÀVoirs[] = {
     {"Appellation", nullptr, "Appellation inconnue de la base : à créer, ou à corriger dans le chargement."},
-    {"Classe sanitaire", nullptr, "Classe inconnue de la base : à créer, ou à corriger dans le chargement."},
+    {Phrase::ClasseSanitaire, nullptr, "Classe inconnue de la base : à créer, ou à corriger dans le chargement."},
     {"Propriétaire", Phrase::CrééParRG80, Créé},
     {"Récoltant", Phrase::CrééParRG80, Créé},
 };

@@ -78,7 +78,7 @@ constexpr auto BoutsRéponse = std::to_array<Bout>({
     {", reste ", {1 + 3 * ChiffresParCumul, ChiffresParCumul}},
 });
 
-Lecture LireFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
+Lecture RaconterFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
   const std::size_t Reste = Longueur % Lequel.LongEnreg;
   std::string Texte = "fichier des " + std::string(Lequel.Nom) + ", " + std::to_string(Longueur / Lequel.LongEnreg) +
                       " enregistrements";
@@ -89,7 +89,7 @@ Lecture LireFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
 Lecture LireTrameStation(const Octets& Trame, char Code) {
   if (Trame.Taille() < EnrobageTrame) return {"trame sans fin", true};
   const Octets Texte = Trame.Extrait(1, Trame.Taille() - EnrobageTrame);
-  if (const FichierTerminal* Connu = Fichier(Code)) return Juger(Trame, LireFichier(*Connu, Texte.Taille()));
+  if (const FichierTerminal* Connu = Fichier(Code)) return Juger(Trame, RaconterFichier(*Connu, Texte.Taille()));
   const bool EstCumul = Code == CodeRéponse && Texte.Taille() == 4 * ChiffresParCumul;
   return Juger(Trame, {EstCumul ? Raconter(Texte, BoutsRéponse)
                                 : "trame de " + std::to_string(Texte.Taille()) + " caractères sous le code " + Code,

@@ -38,7 +38,6 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   void FixerTailleMots(std::int16_t Bits) override { Demandés_.Bits = Bits; }
   void FixerParité(const std::string& Parité) override { Demandés_.Parité = Parité; }
   void FixerBitsStop(std::int16_t Bits) override { Demandés_.BitsStop = Bits; }
-  /// There is one mode, an open port is always active, and no folder is needed: these four change nothing.
   void FixerMode(std::int16_t) override {}
   void Activer(bool) override {}
   void FixerDossierA(const std::string&) override {}

@@ -3,6 +3,7 @@
 
 #include <cerrno>
 #include <fstream>
+#include <iterator>
 #include <system_error>
 
 #include "base/failures.h"
@@ -32,6 +33,11 @@ std::filesystem::path Chemin(std::string_view Texte) { return {std::u8string(Tex
 std::string TexteChemin(const std::filesystem::path& Fichier) {
   const std::u8string Texte = Fichier.u8string();
   return {Texte.begin(), Texte.end()};
+}
+
+std::string ContenuOuVide(const std::filesystem::path& Fichier) {
+  std::ifstream Flux(Fichier, std::ios::binary);
+  return {std::istreambuf_iterator<char>(Flux), {}};
 }
 
 void CréerDossier(const std::filesystem::path& Dossier) {

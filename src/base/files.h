@@ -1,4 +1,4 @@
-// Writing whole files with every step checked, and paths from UTF-8 text.
+// Whole files: read at one go, written with every step checked; and paths from UTF-8 text.
 #pragma once
 
 #include <filesystem>
@@ -14,6 +14,9 @@ namespace Ombrey {
 
 /// Creates the folder and what is missing above it, for their owner alone. Raises ErreurExécution.
 void CréerDossier(const std::filesystem::path& Dossier);
+
+/// The file's whole content; empty also when it is missing or can't be read.
+[[nodiscard]] std::string ContenuOuVide(const std::filesystem::path& Fichier);
 
 /// Writes a new file of just these bytes, replacing an old one. Raises ErreurExécution when a byte can't be written;
 /// what there is of the file then stays.

@@ -2,11 +2,11 @@
 #include "base/kept_files.h"
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <system_error>
 #include <utility>
 #include <vector>
+
+#include "base/files.h"
 
 namespace Ombrey {
 namespace {
@@ -25,15 +25,10 @@ std::vector<fs::directory_entry> Fichiers(const fs::path& Dossier) {
 
 }  // namespace
 
-std::string ContenuDe(const fs::path& Fichier) {
-  std::ifstream Flux(Fichier, std::ios::binary);
-  return {std::istreambuf_iterator<char>(Flux), {}};
-}
-
 std::optional<fs::path> FichierDeContenu(const fs::path& Dossier, const std::string& Contenu) {
   for (const fs::directory_entry& Un : Fichiers(Dossier)) {
     std::error_code Code;
-    if (Un.file_size(Code) == Contenu.size() && !Code && ContenuDe(Un.path()) == Contenu) return Un.path();
+    if (Un.file_size(Code) == Contenu.size() && !Code && ContenuOuVide(Un.path()) == Contenu) return Un.path();
   }
   return std::nullopt;
 }

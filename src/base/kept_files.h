@@ -12,9 +12,6 @@ namespace Ombrey {
 [[nodiscard]] std::optional<std::filesystem::path> FichierDeContenu(const std::filesystem::path& Dossier,
                                                                     const std::string& Contenu);
 
-/// The file's whole content; empty when it can't be read.
-[[nodiscard]] std::string ContenuDe(const std::filesystem::path& Fichier);
-
 /// Removes the oldest files of the folder until no more than Nombre are left. Raises nothing.
 void LimiterFichiers(const std::filesystem::path& Dossier, std::size_t Nombre);
 

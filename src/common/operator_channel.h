@@ -9,8 +9,8 @@
 
 namespace Ombrey {
 
-/// The monitoring window as the rooms below it see it. It comes into being at the first line; once the plug-in has
-/// ended, every call is dropped.
+/// What a room says to the operator. In the plug-in the monitoring window shows it, made at the first line that is
+/// said; once the plug-in has ended, every call is dropped.
 class ICanalOpérateur {
  public:
   virtual ~ICanalOpérateur() = default;
@@ -25,6 +25,7 @@ class ICanalOpérateur {
   virtual void Afficher() = 0;
 };
 
+/// The one service that the list of loads and the dialogue both ask for.
 class IEnvoiCumuls {
  public:
   virtual ~IEnvoiCumuls() = default;
@@ -35,7 +36,8 @@ class IEnvoiCumuls {
 /// What the windows have done by the plug-in.
 class IServicesLiaison : public virtual IEnvoiCumuls {
  public:
-  /// One poll, now. Put off while the line is taken.
+  /// One poll, now: what the timer's tick does, called by the operator's button as well. Put off while the line is
+  /// taken.
   virtual void Retard_FinTempo(const std::string& CodeRetour) = 0;
   /// True when the terminal answered.
   virtual bool TesterConnexion() = 0;

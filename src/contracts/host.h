@@ -154,7 +154,7 @@ class IPlugInTarvel {
   virtual std::string IPlugInTarvel_Initialiser(std::shared_ptr<IEventPlugin> EventPlugin) = 0;
   /// Starts the link; shows nothing.
   virtual void IPlugInTarvel_Afficher() = 0;
-  /// Has the operator change the port's settings; they count from the next start. May raise ErreurExécution.
+  /// Has the operator change the port's settings; they count from the next Initialiser. May raise ErreurExécution.
   virtual void IPlugInTarvel_Configurer() = 0;
   /// Ends the plug-in; a second call does no harm. Always the empty text.
   virtual std::string IPlugInTarvel_Terminer() = 0;

@@ -32,6 +32,8 @@ inline constexpr const char* TitreExploitation = "Vérification d'exploitation";
 inline constexpr const char* CrééParRG80 = "-Crée par le RG80";
 // src/import/import_notifications.cpp
 inline constexpr const char* NouveauChargement = "Importation d'un nouveau chargement : Site ";
+// src/monitor/load_list.cpp
+inline constexpr const char* ClasseSanitaire = "Classe sanitaire";
 // src/quotas/reply.cpp
 inline constexpr const char* Cumuls = "Mise à jour des cumuls : Exploitation : ";
 // src/link/transmission.cpp, src/quotas/reply.cpp

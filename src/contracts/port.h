@@ -42,10 +42,14 @@ class IPortComm : public IConfigurablePort {
   /// The settings file's text as it stands: a letter or a French word; refused at Ouvrir when it means nothing.
   virtual void FixerParité(const std::string& Parité) = 0;
   virtual void FixerBitsStop(std::int16_t Bits) = 0;
+  /// Mode, activity and the two folders are laid down for every port. Those of this machine have one mode, are always
+  /// active and need no folder: there these four calls change nothing.
   virtual void FixerMode(std::int16_t Mode) = 0;
+  virtual void Activer(bool Actif) = 0;
+  virtual void FixerDossierA(const std::string& Dossier) = 0;
+  virtual void FixerDossierB(const std::string& Dossier) = 0;
   /// Why the last operation failed, as a French sentence that names the port; empty when none did.
   [[nodiscard]] virtual std::string DernièreErreurPort() const = 0;
-  virtual void Activer(bool Actif) = 0;
   /// True when the port is open with all its settings applied.
   virtual bool Ouvrir() = 0;
   /// True when all bytes have left the machine; a single character, which asks for nothing, may be on its way out
@@ -60,8 +64,6 @@ class IPortComm : public IConfigurablePort {
   /// than an adapter may take between two characters.
   [[nodiscard]] virtual std::chrono::milliseconds SilenceFinMessage() const = 0;
   virtual void Fermer() = 0;
-  virtual void FixerDossierA(const std::string& Dossier) = 0;
-  virtual void FixerDossierB(const std::string& Dossier) = 0;
 };
 
 class IServeurPortComm {

@@ -10,8 +10,9 @@ namespace {
 
 /// The port asked for while none is configured: only its configuration is used.
 constexpr const char* PortParDéfaut = "COM1:";
-constexpr const char* DossierPort = "c:\\temp";
-constexpr std::int16_t ModePort = 0;
+/// Laid down for every port; no port of this machine makes anything of them.
+constexpr const char* DossierSansUsage = "c:\\temp";
+constexpr std::int16_t ModeSansUsage = 0;
 
 /// The plug-in's section in the host's settings file.
 constexpr const char* SectionIni = "PlugInOmbrey";
@@ -109,7 +110,7 @@ std::string PlugIn::OuvrirLiaison(const std::string& NomPort) {
   }
   if (!DefParamPort()) return "Erreur des paramètres du port.";
   // The station that stopped, or was killed, a moment ago may have asked a terminal that was busy.
-  Échange_.Reprendre();
+  Échange_.NoterReprise();
   if (Échange_.Port()->Ouvrir()) {
     bool Drapeau = false;
     Exiger(État_.BaseDeD)->ActiverBase(Drapeau);
@@ -129,10 +130,10 @@ bool PlugIn::DefParamPort() {
   Port->FixerParité(Réglages.Lire("Parité"));
   Port->FixerBitsStop(Entier("BitsStop"));
   Port->FixerTailleMots(Entier("TailleMots"));
-  Port->FixerMode(ModePort);
+  Port->FixerMode(ModeSansUsage);
   Port->Activer(true);
-  Port->FixerDossierB(DossierPort);
-  Port->FixerDossierA(DossierPort);
+  Port->FixerDossierB(DossierSansUsage);
+  Port->FixerDossierA(DossierSansUsage);
   return true;
 }
 
@@ -165,7 +166,7 @@ void PlugIn::IPlugInTarvel_Configurer() {
   } else {
     NouvelEventPort("")->Configurer(FichierIni_, SectionIni);
   }
-  Échange_.Reprendre();  // the operator's trial may have asked the terminal
+  Échange_.NoterReprise();  // the operator's trial may have asked the terminal
 }
 
 }  // namespace Ombrey

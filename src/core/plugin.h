@@ -9,7 +9,7 @@
 
 #include "common/context.h"
 #include "contracts/host.h"
-#include "core/operator_window.h"
+#include "core/window_channel.h"
 #include "import/frame_processing.h"
 #include "import/holding_checks.h"
 #include "import/import_notifications.h"

@@ -63,10 +63,10 @@ void Collecte::SuivreLeCours() {
   EtatBdD_->ObtenirFichierImport(Dossier, Nom);
   FichierImport_ = Chemin(Dossier + "RG80 " + Nom);
 
-  if (!DemanderChargement() || !AttendreTrame() || EstRompu() || !EstPourNous()) return;
+  if (!DemanderChargement() || !AttendreTrame() || ConstaterRupture() || !EstPourNous()) return;
   Erreurs_->Ajouter("");
   TexteImport_ = Traitement_.TraiterDonnéesReçues(Échange_.Tampon(), RéponseRG80_, NoChargement_);
-  if (EstRompu()) return;
+  if (ConstaterRupture()) return;
   if (EcrireFichierImport()) {
     Importer();
   } else {
@@ -74,11 +74,11 @@ void Collecte::SuivreLeCours() {
     // An ACK stays unsent: a load that wasn't imported is never acknowledged.
     if (RéponseRG80_ == Octets(1, NAK)) Échange_.Ecrire(NAK);
   }
-  if (!EstRompu()) Conclure();
+  if (!ConstaterRupture()) Conclure();
 }
 
-/// A load that wasn't acknowledged is offered again.
-bool Collecte::EstRompu() {
+/// True when nobody is left to answer for; the result then says why. A load that wasn't acknowledged is offered again.
+bool Collecte::ConstaterRupture() {
   const bool Rompu = État_.EstRompu(BaseDeD_);
   if (Rompu && !État_.Abandon) Résultat_ = "La base de données a été changée pendant le dialogue.";
   return Rompu;
@@ -140,7 +140,7 @@ void Collecte::Importer() {
     return;
   }
   Etape_ = EtapeImportFait;
-  if (EstRompu()) return;
+  if (ConstaterRupture()) return;
   if (!EtatBdD_->DernièreErreur().empty()) {
     RefuserImportAvecErreur();
     return;
@@ -148,7 +148,7 @@ void Collecte::Importer() {
   if (!RépondreAuTerminal()) return;
   État_.Erreur.Effacer();
   Système_.Pomper(std::chrono::milliseconds(0));
-  if (!EstRompu()) EnvoyerCumuls();
+  if (!ConstaterRupture()) EnvoyerCumuls();
 }
 
 /// One name for the whole dialogue: a box may stand open between the moving and the line that tells of it. A load that
@@ -156,7 +156,7 @@ void Collecte::Importer() {
 const std::filesystem::path& Collecte::FichierConservé() {
   if (!FichierConservé_.empty()) return FichierConservé_;
   const std::filesystem::path Dossier = Système_.DossierImportsConservés();
-  const auto Pareil = FichierDeContenu(Dossier, ContenuDe(FichierImport_));
+  const auto Pareil = FichierDeContenu(Dossier, ContenuOuVide(FichierImport_));
   FichierConservé_ =
       Pareil.value_or(Dossier / Chemin("ImportRG80 " + TexteFormaté(Système_.Maintenant(), "jj mm hh nn ss") + ".txt"));
   return FichierConservé_;
@@ -165,7 +165,7 @@ const std::filesystem::path& Collecte::FichierConservé() {
 void Collecte::ConserverFichierImport() {
   const std::filesystem::path Vers = FichierConservé();
   std::error_code Code;
-  if (std::filesystem::exists(Vers, Code) && ContenuDe(Vers) == ContenuDe(FichierImport_)) return;
+  if (std::filesystem::exists(Vers, Code) && ContenuOuVide(Vers) == ContenuOuVide(FichierImport_)) return;
   CréerDossier(Vers.parent_path());
   DéplacerFichier(FichierImport_, Vers);
   LimiterFichiers(Vers.parent_path(), ImportsConservésAuPlus);
@@ -194,7 +194,7 @@ void Collecte::NoterRefus() {
 }
 
 void Collecte::RefuserAuTerminal() {
-  if (!EstRompu()) Échange_.Ecrire(NAK);
+  if (!ConstaterRupture()) Échange_.Ecrire(NAK);
 }
 
 bool Collecte::RépondreAuTerminal() {
@@ -211,7 +211,7 @@ void Collecte::EnvoyerCumuls() {
   Traitement_.MettreAJourCumuls(NoChargement_);
   VérifierErreurEnAttente();
   Etape_ = EtapeActualisation;
-  if (EstRompu()) return;
+  if (ConstaterRupture()) return;
   Exiger(BaseDeD_)->Actualiser();
   VérifierErreurEnAttente();
   Etape_ = EtapeAnnonce;

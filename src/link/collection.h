@@ -49,7 +49,7 @@ class Collecte {
   void Conclure();
   void VérifierErreurEnAttente();
   const std::filesystem::path& FichierConservé();
-  bool EstRompu();
+  bool ConstaterRupture();
   void ConserverFichierImport();
   void Clore();
 

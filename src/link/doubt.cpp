@@ -14,12 +14,12 @@ std::chrono::milliseconds Doute::SilenceManquant() const {
 
 bool Doute::EstCopie(const Octets& Trame) {
   const bool Copie = !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
-  if (Copie && Niveau_ == Niveau::Nouveau) SansRéponse();
+  if (Copie && Niveau_ == Niveau::Reprise) NoterSansRéponse();
   Copies_ = Copie ? Copies_ + 1 : 0;
   return Copie && Copies_ <= CopiesLaissées;
 }
 
-void Doute::Arrivée(bool Attendue) {
+void Doute::NoterArrivée(bool Attendue) {
   Entendu_ = true;
   Depuis_ = Système_.Tics();
   if (Attendue) return;
@@ -27,12 +27,12 @@ void Doute::Arrivée(bool Attendue) {
   if (!std::exchange(Dit_, true)) ÀDire_ = true;
 }
 
-void Doute::SansRéponse() {
+void Doute::NoterSansRéponse() {
   Niveau_ = Niveau::Trouble;
   Depuis_ = Système_.Tics();
 }
 
-void Doute::Demande() {
+void Doute::NoterDemande() {
   if (Niveau_ == Niveau::Convalescence) {
     Niveau_ = Niveau::Calme;
     Dit_ = false;

@@ -37,20 +37,20 @@ class Doute {
   /// True once for each trouble in which characters came that nobody waited for: the operator should know.
   [[nodiscard]] bool EstÀDire() { return std::exchange(ÀDire_, false); }
   /// Characters came, in a wait for an answer or not.
-  void Arrivée(bool Attendue);
+  void NoterArrivée(bool Attendue);
   /// A wait ended without an answer.
-  void SansRéponse();
+  void NoterSansRéponse();
   /// A request is about to go.
-  void Demande();
-  /// Somebody else may have asked on this line a moment ago. Nothing says so: no request waits for silence, but the
-  /// line isn't calm until it has been silent.
-  void Nouvelle() {
-    if (EstCalme()) Niveau_ = Niveau::Nouveau;
+  void NoterDemande();
+  /// The line is taken over: somebody else may have asked on it a moment ago. Nothing says so: no request waits for
+  /// silence, but the line isn't calm until it has been silent.
+  void NoterReprise() {
+    if (EstCalme()) Niveau_ = Niveau::Reprise;
   }
 
  private:
   static constexpr int CopiesLaissées = 5;
-  enum class Niveau { Calme, Convalescence, Nouveau, Trouble };
+  enum class Niveau { Calme, Convalescence, Reprise, Trouble };
 
   const ISystème& Système_;
   Niveau Niveau_ = Niveau::Calme;

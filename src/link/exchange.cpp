@@ -55,7 +55,7 @@ bool Échange::Envoyer(const Octets& Texte) {
 
 void Échange::EventPortComRG80_Lecture(const Octets& Texte) {
   TamponRéception_ += Texte;
-  if (!Texte.EstVide()) Doute_.Arrivée(EnAttente_);
+  if (!Texte.EstVide()) Doute_.NoterArrivée(EnAttente_);
 }
 
 void Échange::Lire() {
@@ -86,7 +86,7 @@ void Échange::FaireTaire() {
     if (État_.Abandon) return;
     Lire();
   }
-  Doute_.Demande();
+  Doute_.NoterDemande();
 }
 
 bool Échange::Acquitter(const Octets& Trame) {
@@ -112,7 +112,7 @@ CodeÉchange Échange::AttendreRéponse(const Attente& Demande, Octets& Réponse
     ~Garde() { EnAttente = false; }
   } const EnAttente(EnAttente_);
   const CodeÉchange Code = Attendre(Demande, Réponse);
-  if (Code == CodeÉchange::Silence || Code == CodeÉchange::ErreurPort) Doute_.SansRéponse();
+  if (Code == CodeÉchange::Silence || Code == CodeÉchange::ErreurPort) Doute_.NoterSansRéponse();
   return Code;
 }
 

@@ -80,7 +80,7 @@ class Échange {
   bool Acquitter(const Octets& Trame);
 
   /// The line is taken over: answers to whoever had it before can still come.
-  void Reprendre() { Doute_.Nouvelle(); }
+  void NoterReprise() { Doute_.NoterReprise(); }
 
   /// The event of the port: characters arrive.
   void EventPortComRG80_Lecture(const Octets& Texte);

@@ -29,7 +29,7 @@ class Interrogation {
   void Armer();
   /// Runs Faire without polls in between. They go on behind it, also when it raises, unless the plug-in has ended.
   void Suspendre(const std::function<void()>& Faire);
-  /// The timer's event, and the operator's button. Put off while the line is taken.
+  /// One poll: the timer's event, which the operator's button calls as well. Put off while the line is taken.
   void Retard_FinTempo(const std::string& CodeRetour);
   /// No poll comes any more.
   void Terminer();

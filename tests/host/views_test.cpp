@@ -94,10 +94,10 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
   EXPECT_EQ(Vue.Texte(1205), "Le port est en panne (depuis 5 s)") << "the reason was an earlier one's";
 }
 
-TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
+TEST(Aperçu, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   const DossierEssai Dossier;
   Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
-  Veille Vue;
+  Aperçu Vue;
   Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   std::string Année = "26";
   const auto Offrir = [&](std::size_t Taille = Ombrey::LongTrameChargement) {
@@ -136,7 +136,7 @@ TEST(Veille, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
   Vue.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
-  Veille Suivante;
+  Aperçu Suivante;
   Suivante.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   EXPECT_EQ(Suivante.NonLus(), Vue.NonLus()) << "what nobody has read outlives the station";
   EXPECT_EQ(Suivante.NonLus().at(1).at(1) + Suivante.NonLus().at(1).at(2), "un\ndeux2");

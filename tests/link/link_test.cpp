@@ -110,7 +110,7 @@ const Suite Suites[] = {
 
 struct DialoguesDeSuite : Banc, testing::WithParamInterface<Suite> {
   std::string Jouer(char Acte) {
-    if (Acte == 'N') UnÉchange.Reprendre();
+    if (Acte == 'N') UnÉchange.NoterReprise();
     if (Acte == 'Z') Système.Laisser(milliseconds(3000));
     if (Acte == 'P') return Collecte(État, UnÉchange, *this).LireDonnéesDeRG80();
     if (Acte == 'T') return UnÉchange.TesterConnexion() ? "yes" : "no";

@@ -36,11 +36,11 @@ struct Commandes : BureauAvecBase {
     Services.SurTransmission = [&](auto, auto&) { return Trace += "transmet ", "refus"; };
   }
   void Principale(const Geste& Faire, int Page) {
-    Tarvel::Veille Veille;
-    FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
+    Tarvel::Aperçu Aperçu;
+    FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
     Fenêtre.Raccorder({[&] { Trace += "bouton"; }, {}, {}, {}});
     Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
-    Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+    Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
     Fenêtre.show();
     Le<QTabWidget>(Fenêtre).setCurrentIndex(Page);
     Vider();

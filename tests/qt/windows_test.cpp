@@ -198,9 +198,9 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
 }
 
 TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
-  Tarvel::Veille Veille;
-  Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
-  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille);
+  Tarvel::Aperçu Aperçu;
+  Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+  FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
   Fenêtre.OffrirMenu("&Charger");
@@ -239,26 +239,26 @@ struct Principale : FenêtresDeQt {
     return Débuts;
   }
 
-  Tarvel::Veille Veille;
+  Tarvel::Aperçu Aperçu;
   std::unique_ptr<FenêtrePrincipaleQt> Fenêtre = std::make_unique<FenêtrePrincipaleQt>(
-      LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"}, LesRéglages, Veille);
+      LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"}, LesRéglages, Aperçu);
 };
 
 TEST_F(Principale, TellsTheStateOfThings) {
   EXPECT_EQ(Manquent({"Le RG80 n'a pas encore", "○", "Base locale : cave.db"}), QStringList());
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire|");
-  Veille.NoterLigne("08:30:00 : Aucune réponse du RG80.");
+  Aperçu.NoterLigne("08:30:00 : Aucune réponse du RG80.");
   EXPECT_EQ(Manquent({"Le RG80 est muet depuis 0 s", "▲"}), QStringList());
-  Veille.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
+  Aperçu.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
   EXPECT_EQ(Manquent({"Le port COM1: est absent.", "■"}), QStringList());
   for (int Fois = 0; Fois < 2; ++Fois)
-    Veille.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
-  Veille.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+    Aperçu.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : Incompatibilité de type : degré « x » du chargement n° 7");
+  Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   EXPECT_EQ(Onglets(), "La journée|Refusés (1)|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout(
       "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement;"
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
-  EXPECT_EQ(Veille.NoterReçu(), "");
+  EXPECT_EQ(Aperçu.NoterReçu(), "");
   Fenêtre->Dire("ChargementAjouté:7");
   EXPECT_EQ(Manquent({"Chargement n° 7 reçu, 1310 kg", "Dernier : n° 7, 1310 kg, 08:05"}), QStringList());
   EXPECT_FALSE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
@@ -274,7 +274,7 @@ TEST_F(Principale, TellsTheStateOfThings) {
 }
 
 TEST_F(Principale, SaysThatNothingIsCollectedInAPlugInsWindowAndKeepsItsPlace) {
-  LesVraies.Observer(Veille.Témoins());
+  LesVraies.Observer(Aperçu.Témoins());
   Fenêtre->Raccorder({{}, [this] { Transférer(); }, {}, {}});
   Dès(TitreTransfert, [this](QWidget& Vue) {
     Trace =
@@ -291,7 +291,7 @@ TEST_F(Principale, SaysThatNothingIsCollectedInAPlugInsWindowAndKeepsItsPlace) {
   Vider();
   const QRect Place = Fenêtre->geometry();
   Fenêtre = nullptr;
-  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Veille).geometry(), Place);
+  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu).geometry(), Place);
 }
 
 TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
