@@ -1,10 +1,12 @@
 // The station without a screen: lines out, commands in.
 #pragma once
 
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 
 #include "host/edition.h"
 #include "host/options.h"

@@ -9,8 +9,10 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
 #include <ctime>
 #include <set>
+#include <system_error>
 
 #include "base/failures.h"
 #include "base/files.h"

@@ -6,6 +6,7 @@
 #include <cmath>
 #include <fstream>
 #include <string_view>
+#include <system_error>
 #include <utility>
 
 #include "base/failures.h"

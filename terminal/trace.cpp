@@ -1,7 +1,9 @@
 // The trace of a line, read back.
 #include "terminal/trace.h"
 
+#include <algorithm>
 #include <array>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string_view>

@@ -78,10 +78,10 @@ FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Suj
   État_->setTextFormat(Qt::PlainText);
   statusBar()->addWidget(État_, 1);
   ReprendrePlace();
-  SuivreLaVeille();
+  SuivreLAperçu();
 }
 
-void FenêtrePrincipaleQt::SuivreLaVeille() {
+void FenêtrePrincipaleQt::SuivreLAperçu() {
   const auto Tout = [this] {
     ActualiserBandeau();
     ActualiserFaits();

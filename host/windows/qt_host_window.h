@@ -72,7 +72,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
  private:
   QMenu& MenuGreffons();
   void CréerPages();
-  void SuivreLaVeille();
+  void SuivreLAperçu();
   void CréerJournal();
   void CréerAide();
   QAction* Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste);

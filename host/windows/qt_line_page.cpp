@@ -9,6 +9,8 @@
 #include <QVBoxLayout>
 #include <algorithm>
 #include <array>
+#include <filesystem>
+#include <string>
 
 #include "host/windows/qt_save_dialog.h"
 #include "platform/qt/qt_measures.h"

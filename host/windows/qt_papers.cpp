@@ -5,6 +5,7 @@
 #include <QFormLayout>
 #include <QPointer>
 #include <QPushButton>
+#include <filesystem>
 #include <utility>
 
 #include "base/failures.h"

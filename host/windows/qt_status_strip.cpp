@@ -4,6 +4,7 @@
 #include <QGridLayout>
 #include <QPainter>
 #include <QStyle>
+#include <algorithm>
 
 namespace Ombrey {
 

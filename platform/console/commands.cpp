@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <exception>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "base/failures.h"

@@ -4,6 +4,7 @@
 #include <QAbstractButton>
 #include <QElapsedTimer>
 #include <QLabel>
+#include <functional>
 #include <map>
 #include <memory>
 #include <span>

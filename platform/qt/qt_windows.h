@@ -2,11 +2,13 @@
 #pragma once
 
 #include <QIcon>
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <span>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "contracts/system.h"

@@ -2,6 +2,7 @@
 #include "platform/serial/port_dialogue.h"
 
 #include <chrono>
+#include <cstdint>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"

@@ -1,5 +1,7 @@
 // The port on a serial device: writing at the line's pace.
 #include <algorithm>
+#include <chrono>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <thread>

@@ -244,21 +244,15 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
     std::ofstream(Ini) << Réglages;
     EXPECT_EQ(Lues(Donnés), Attendu);
   }
+}
+
+TEST(Options, TellWhatIsToBeDone) {
   const Tarvel::Options Voulues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
   EXPECT_TRUE(Voulues.SansOpérateur);
   EXPECT_FALSE(Voulues.Console);
   EXPECT_EQ(Voulues.Durée, 9s);
   EXPECT_EQ(Tarvel::LireOptions(Arguments{"--help", "traînard"}).QueFaire, Tarvel::Tâche::Aide);
   EXPECT_EQ(Tarvel::LireOptions(Arguments{"--version"}).QueFaire, Tarvel::Tâche::Version);
-}
-
-TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
-  BouclePoll Boucle;
-  std::string Dits;
-  Tarvel::BoucleGardée Gardée(Boucle, [&](const std::string& Texte) { Dits += Texte; });
-  const auto Jeton = Gardée.Après(0ms, [] { throw ErreurExécution("panne"); });
-  EXPECT_TRUE(Gardée.Pomper(5s));
-  EXPECT_EQ(Dits, "panne");
 }
 
 std::string Réglages(const std::string& Port) {

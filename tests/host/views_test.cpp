@@ -2,7 +2,9 @@
 
 #include "base/files.h"
 #include "contracts/line_protocol.h"
+#include "host/guarded_loop.h"
 #include "host/overview.h"
+#include "platform/loop/poll_loop.h"
 #include "platform/system/machine_system.h"
 #include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
@@ -94,24 +96,27 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
   EXPECT_EQ(Vue.Texte(1205), "Le port est en panne (depuis 5 s)") << "the reason was an earlier one's";
 }
 
-TEST(Aperçu, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
-  const DossierEssai Dossier;
-  Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
-  Aperçu Vue;
-  Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
-  std::string Année = "26";
-  const auto Offrir = [&](std::size_t Taille = Ombrey::LongTrameChargement) {
+struct Aperçus : testing::Test {
+  Aperçus() { Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin()); }
+  /// Number 12 comes over the line, in two pieces; this year's unless another is told.
+  void Offrir(const std::string& Année = "26", std::size_t Taille = Ombrey::LongTrameChargement) {
     const std::string Trame = "\00200122209" + Année + "08050806000123000456001100000005011x510850007\00342";
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(0, 20)));
     Vue.NoterOctets(Ombrey::Octets(Trame.substr(20, Taille - 20)));
-  };
-  const auto Résumé = [&Vue] {
+  }
+  [[nodiscard]] std::string Résumé() const {
     std::string Tout;
     Rangées Toutes = Vue.Refusés();
     Toutes.erase(Toutes.begin());
     for (const auto& Une : Toutes) Tout += Une[0] + " " + Une[2] + " " + Une[4] + "|";
     return Tout;
-  };
+  }
+  const DossierEssai Dossier;
+  Aperçu Vue;
+};
+
+TEST_F(Aperçus, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
+  Ombrey::EcrireFichier(Dossier.Chemin() / "gardé", "ligne");
   Offrir();
   for (const char* Dit : {"Code exploitation introuvable : /12", "TraiterDonnéesReçues : degré du chargement n° 12",
                           "Aucune réponse du RG80."})
@@ -125,25 +130,37 @@ TEST(Aperçu, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   EXPECT_EQ(Résumé(), "12 2 La base est verrouillée.|");
   for (const char* Su : {"Récoltant : 000456", "Degré (dixièmes) : 1x5", "gardé"})
     EXPECT_NE(Vue.Détail(0).find(Su), std::string::npos) << Vue.Détail(0);
-  Offrir(30);
+  Offrir("26", 30);
   Vue.NoterBoîte("RG80 Ombrey", "Données trop courtes");
   EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
   const std::string Dit = Vue.NoterReçu();
   EXPECT_EQ(Dit + Résumé() + Vue.Détail(0), "");
-  Année = std::to_string(Ombrey::HeureLocale().Année % 100 + 1);
-  Offrir();
+}
+
+TEST_F(Aperçus, AClockAheadIsToldOnceAndWhatNobodyHasReadOutlivesTheStation) {
+  const std::string Année = std::to_string(Ombrey::HeureLocale().Année % 100 + 1);
+  Offrir(Année);
   EXPECT_TRUE(Vue.NoterReçu().starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
   EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
   Vue.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
-  Aperçu Suivante;
-  Suivante.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
-  EXPECT_EQ(Suivante.NonLus(), Vue.NonLus()) << "what nobody has read outlives the station";
-  EXPECT_EQ(Suivante.NonLus().at(1).at(1) + Suivante.NonLus().at(1).at(2), "un\ndeux2");
-  EXPECT_EQ(Suivante.NonLus().at(3).at(1), "Erreur de check-sum (chargement n° 12, tel que reçu)");
-  Suivante.ToutEstLu();
+  Aperçu Suivant;
+  Suivant.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
+  EXPECT_EQ(Suivant.NonLus(), Vue.NonLus());
+  EXPECT_EQ(Suivant.NonLus().at(1).at(1) + Suivant.NonLus().at(1).at(2), "un\ndeux2");
+  EXPECT_EQ(Suivant.NonLus().at(3).at(1), "Erreur de check-sum (chargement n° 12, tel que reçu)");
+  Suivant.ToutEstLu();
   Vue.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
   EXPECT_EQ(Vue.NonLus().size(), 1U);
+}
+
+TEST(BoucleGardée, LetsNoFailureOutOfThePump) {
+  Ombrey::BouclePoll Boucle;
+  std::string Dits;
+  BoucleGardée Gardée(Boucle, [&](const std::string& Texte) { Dits += Texte; });
+  const auto Jeton = Gardée.Après(std::chrono::milliseconds(0), [] { throw Ombrey::ErreurExécution("panne"); });
+  EXPECT_TRUE(Gardée.Pomper(std::chrono::seconds(5)));
+  EXPECT_EQ(Dits, "panne");
 }
 
 }  // namespace Tarvel

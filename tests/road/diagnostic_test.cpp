@@ -89,18 +89,15 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   EXPECT_EQ(Regard.Fin(), 0);
   P.Rg80->Signaler(SIGINT);
   P.Finir("1 1 0");
-  P.Faire("UPDATE CumulSaison SET Masse = Masse + 1");
-  Constater("mauvais cumuls : ");
-  P.Faire("$ " BIN_DIR "/tarvel --base cave.db --refaire-cumuls");
-  Constater("bon     cumuls : ");
-  P.Faire("UPDATE Chargement SET DateCh = DateCh + 90000");
-  Constater("mauvais horloge : ");
-  P.Faire("UPDATE Chargement SET DateCh = DateCh - 89999.9");
-  Constater("à voir  horloge : ");
-  P.Faire("UPDATE Schéma SET Numéro = 3");
-  Constater("à voir  schéma : ");
-  P.Faire("UPDATE Schéma SET Numéro = 99");
-  Constater("mauvais schéma : ");
+  for (const auto& [Acte, Constat] : {std::pair("UPDATE CumulSaison SET Masse = Masse + 1", "mauvais cumuls : "),
+                                      {"$ " BIN_DIR "/tarvel --base cave.db --refaire-cumuls", "bon     cumuls : "},
+                                      {"UPDATE Chargement SET DateCh = DateCh + 90000", "mauvais horloge : "},
+                                      {"UPDATE Chargement SET DateCh = DateCh - 89999.9", "à voir  horloge : "},
+                                      {"UPDATE Schéma SET Numéro = 3", "à voir  schéma : "},
+                                      {"UPDATE Schéma SET Numéro = 99", "mauvais schéma : "}}) {
+    P.Faire(Acte);
+    Constater(Constat);
+  }
 }
 
 TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {

@@ -3,6 +3,7 @@
 
 #include <libpq-fe.h>
 
+#include <chrono>
 #include <cstdint>
 #include <string_view>
 #include <utility>

@@ -1,6 +1,7 @@
 // The cooperative's database on a PostgreSQL server.
 #pragma once
 
+#include <chrono>
 #include <memory>
 #include <optional>
 #include <string>

@@ -1,6 +1,7 @@
 // Sums that SQLite keeps by itself.
 #include "platform/database/sqlite/sqlite_sums.h"
 
+#include <string>
 #include <utility>
 
 namespace Ombrey {

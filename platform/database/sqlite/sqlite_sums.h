@@ -1,6 +1,8 @@
 // Sums that SQLite keeps by itself.
 #pragma once
 
+#include <string>
+
 #include "platform/database/kept_sums.h"
 
 namespace Ombrey {
