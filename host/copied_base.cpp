@@ -163,10 +163,7 @@ void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte
 
 /// What the office keeps beside the cooperative's tables: nothing of it is in the copy.
 std::string Laissées(IConnexion& Source, IConnexion& Cible) {
-  Instruction Noms = Source.Préparer(
-      Source.SonFichier()
-          ? "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT GLOB 'sqlite_*'"
-          : "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema()");
+  Instruction Noms = Source.Préparer(Source.NomsDesTables());
   std::string Liste;
   while (Noms.Avancer()) {
     const std::string Nom = Forme(Noms.Valeur(0));

@@ -102,6 +102,8 @@ class IConnexion {
     return Requête.Lier(Valeurs).Avancer() ? Requête.Valeur(0) : ValeurChamp{};
   }
 
+  /// A query for the names of all tables and views, the engine's own apart.
+  [[nodiscard]] virtual std::string NomsDesTables() const = 0;
   /// The columns of a table or view, in order; none when there is no such table.
   [[nodiscard]] virtual std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) = 0;
   /// Gives a table another column. A value that must be there is the default in all its rows.

@@ -14,6 +14,7 @@
 namespace Tarvel {
 
 using namespace std::chrono_literals;
+using Ombrey::Essais::Bientôt;
 using Ombrey::Essais::ServeurDEssai;
 using Temps = std::chrono::steady_clock;
 
@@ -60,9 +61,7 @@ TEST_F(Serveur, AServerThatIsFrozenOrGoneHoldsNobodyUpForLong) {
     EXPECT_TRUE(Importer(Ligne()).starts_with("faux : "));
     EXPECT_LT(Temps::now() - Début, 20s);
     EstParti ? ServeurDEssai::Lui()->Démarrer() : ServeurDEssai::Lui()->Continuer();
-    std::string Dit = "…";
-    for (const auto Limite = Temps::now() + 60s; !Dit.empty() && Temps::now() < Limite;) Dit = Importer(Ligne());
-    EXPECT_EQ(Dit, "");
+    EXPECT_TRUE(Bientôt([this] { return Importer(Ligne()).empty(); }, 60s));
     EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
   }
 }
@@ -86,11 +85,11 @@ TEST_F(Serveur, ALoadThatADeadlockThrewOutComesInAtTheSecondTry) {
   EXPECT_EQ(Lire("SELECT NoChargement, Cuve FROM Chargement ORDER BY 1") + " " +
                 Lire("SELECT NoChargement, Cuve FROM ChargementArchive ORDER BY 1"),
             "12 7,13 7 12 9,13 9");
-  for (const auto Limite = Temps::now() + 30s; Temps::now() < Limite;)
-    if (Autre_->Lire("SELECT count(*) FROM pg_stat_database WHERE datname = current_database() AND deadlocks > 0") ==
-        Ombrey::ValeurChamp{std::int64_t{1}})
-      return;
-  ADD_FAILURE() << "there was no deadlock";
+  const auto YEnEut = [this] {
+    return Autre_->Lire("SELECT count(*) FROM pg_stat_database WHERE datname = current_database() AND deadlocks > 0") ==
+           Ombrey::ValeurChamp{std::int64_t{1}};
+  };
+  EXPECT_TRUE(Bientôt(YEnEut, 30s)) << "there was no deadlock";
 }
 
 /// A server that takes the link and says nothing, ahead of the one that works.
@@ -219,10 +218,7 @@ TEST_P(SurChaqueMoteur, AStationHearsOfWhatOthersCommitAndNotOfItself) {
   Ombrey::Transaction Tout(*Autre);
   Autre->Exécuter("UPDATE Chargement SET CodeSite = '2'");
   Tout.Valider();
-  bool EstAverti = false;
-  for (const auto Limite = Temps::now() + 10s; !EstAverti && Temps::now() < Limite;)
-    EstAverti = Connexion_->ADuNouveau();
-  EXPECT_TRUE(EstAverti);
+  EXPECT_TRUE(Bientôt([this] { return Connexion_->ADuNouveau(); }, 10s));
 }
 SUR_CHAQUE_MOTEUR(SurChaqueMoteur);
 

@@ -46,6 +46,7 @@ struct OneLoad : Poste, testing::Test {
     if (Texte.size() > 1) Plateforme.Port->Envoyer(Octets(std::string_view(Texte[0] == '\5' ? "\6\x38" : "\6")));
     Cumuls += Texte.size() > 2 ? 1 : 0;
   }
+  void Oublier() { Faire("$ rm -rf poste/imports-refusés"), Faire("DELETE FROM Chargement"); }
 
   FaussePlateforme Plateforme;
   std::shared_ptr<PlugIn> LePlugIn = PlugIn::Créer(Plateforme);
@@ -107,8 +108,7 @@ TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
                              " FROM ChargementLisible"),
                 Issue)
           << Place << Texte;
-      Faire("DELETE FROM Chargement");
-      Faire("$ rm -rf poste/imports-refusés");
+      Oublier();
     }
 }
 
@@ -181,8 +181,7 @@ TEST_F(OneLoad, AFailingMachineIsReportedAndTheLoadComesInOnceItIsMended) {
     EXPECT_EQ(Rentrés() + std::to_string(Cumuls), "0 0 00");
     EXPECT_EQ(Relever(Offre(Enregistrement())), "ACK");
     EXPECT_EQ(Rentrés() + std::to_string(std::exchange(Cumuls, 0)), "1 1 01");
-    Faire("DELETE FROM Chargement");
-    Faire("$ rm -rf poste/imports-refusés");
+    Oublier();
   }
   // Figures that can't be worked out don't take a load back.
   Faire(Sans("Sélection", "").Casser);

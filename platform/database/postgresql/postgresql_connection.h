@@ -27,6 +27,9 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   [[nodiscard]] Instruction Préparer(std::string_view Sql) override;
   [[nodiscard]] Instruction PréparerLecture(std::string_view Sql) override;
   void ExécuterTout(std::string_view Script) override;
+  [[nodiscard]] std::string NomsDesTables() const override {
+    return "SELECT table_name FROM information_schema.tables WHERE table_schema = current_schema()";
+  }
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override;
   void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
   [[nodiscard]] std::string CléNumérotée(bool JamaisReprise) const override;

@@ -48,6 +48,9 @@ class ConnexionSqlite final : public IConnexion {
   [[nodiscard]] sqlite3* Brute() const { return Base_.get(); }
   void ExécuterTout(std::string_view Script) override;
 
+  [[nodiscard]] std::string NomsDesTables() const override {
+    return "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT GLOB 'sqlite_*'";
+  }
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override;
   void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
   void PrendreSite(const std::string& Code) override;
