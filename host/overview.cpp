@@ -32,6 +32,8 @@ namespace Place = Ombrey::PositionFixe;
 constexpr const char* RemèdeBase =
     "Voir si la base peut être écrite (autre programme, disque plein) : le chargement revient de lui-même.";
 
+/// A next poll so near is over before its time is read: the distance is told instead, unless one takes longer.
+constexpr std::chrono::milliseconds Rapproché(10000);
 constexpr double EntreAvis = 1 / 24.;  ///< of clocks that differ, in days
 
 /// A field of the load record as the operator knows it.
@@ -127,8 +129,9 @@ void Aperçu::GarderNonLus() {
 }
 
 void Aperçu::NoterLigne(const std::string& Ligne) {
+  const SantéLiaison Avant = Liaison_.État();
   Liaison_.Noter(std::time(nullptr), Ligne);
-  NoterTexte(Ligne);
+  if (!NoterTexte(Ligne) && Liaison_.État() != Avant) Changer();
 }
 
 void Aperçu::NoterBoîte(const std::string& Titre, const std::string& Message) {
@@ -137,7 +140,7 @@ void Aperçu::NoterBoîte(const std::string& Titre, const std::string& Message) 
     Panne_ = Message;
     PassageDePanne_ = Passage_;
   }
-  NoterTexte(Message);
+  if (!NoterTexte(Message)) Changer();
 }
 
 void Aperçu::NoterRetrait(const std::string& Titre, const std::string& Message) {
@@ -160,8 +163,9 @@ void Aperçu::NoterOctets(const Octets& Reçus) {
 }
 
 void Aperçu::NoterRelevé(std::optional<std::int32_t> Attente) {
-  Relevé_.reset();
-  if (Attente) Relevé_ = system_clock::now() + std::chrono::milliseconds(*Attente);
+  EnRelevé_ = !Attente;
+  if (Attente) Attente_ = std::chrono::milliseconds(*Attente);
+  Annoncé_ = system_clock::now();
 }
 
 void Aperçu::NoterTransfert(bool Ouverte) {
@@ -170,13 +174,15 @@ void Aperçu::NoterTransfert(bool Ouverte) {
   Changer();
 }
 
-void Aperçu::NoterTexte(const std::string& Texte) {
+bool Aperçu::NoterTexte(const std::string& Texte) {
   Refus Lu = LireRefus(Texte);
   // A holding that couldn't be looked for isn't known to be missing.
   if (Lu.Motif.starts_with(Ombrey::Phrase::ExploitationIntrouvable) && EstSansRecherche())
     Lu = {std::move(Lu.Sujet), Panne_, EstValeurIllisible(Panne_) ? RemèdeValeur : RemèdeBase};
-  if (!Lu.Sujet.empty()) Refuser(std::move(Lu), "");
+  if (Lu.Sujet.empty()) return false;
+  Refuser(std::move(Lu), "");
   Changer();
+  return true;
 }
 
 void Aperçu::NoterRefus(const ImportRefusé& Import) {
@@ -226,7 +232,9 @@ std::string Aperçu::TexteLiaison() const {
 
 std::string Aperçu::TexteRelevé() const {
   if (SuspendueDepuis_) return "Aucun relevé d'ici là";
-  return Relevé_ ? "Prochain relevé à " + Ombrey::TexteHeure(HeureDe(*Relevé_)) : "Relevé en cours";
+  if (Attente_ < Rapproché && system_clock::now() < Annoncé_ + Rapproché)
+    return "Relevés à " + std::to_string(std::chrono::ceil<std::chrono::seconds>(Attente_).count()) + " s d'intervalle";
+  return EnRelevé_ ? "Relevé en cours" : "Prochain relevé à " + Ombrey::TexteHeure(HeureDe(Annoncé_ + Attente_));
 }
 
 Rangées Aperçu::Refusés() const {

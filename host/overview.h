@@ -58,7 +58,8 @@ class Aperçu {
   [[nodiscard]] std::string Détail(std::size_t Rang) const;
 
  private:
-  void NoterTexte(const std::string& Texte);
+  /// True when it tells of a refused load; who watches knows that then.
+  bool NoterTexte(const std::string& Texte);
   /// True when this frame's holding couldn't be looked for.
   [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);
@@ -71,7 +72,10 @@ class Aperçu {
   ÉtatLiaison Liaison_;
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
-  std::optional<std::chrono::system_clock::time_point> Relevé_;
+  bool EnRelevé_ = true;
+  /// Ahead of this poll, or of the next; none has been announced yet.
+  std::chrono::milliseconds Attente_ = std::chrono::milliseconds::max();
+  std::chrono::system_clock::time_point Annoncé_;  ///< when either was told
   std::optional<std::chrono::system_clock::time_point> SuspendueDepuis_;
   std::optional<double> Horloges_;  ///< when they were last told to differ, in days
   std::string Tampon_;              ///< what came over the line last

@@ -44,7 +44,7 @@ constexpr Secondes Minute = 60;
 constexpr Secondes Heure = 60 * Minute;
 
 std::string Durée(Secondes Passées) {
-  if (Passées < Minute) return std::to_string(Passées) + " s";
+  if (Passées < Minute) return "moins d'une minute";
   if (Passées < Heure) return std::to_string(Passées / Minute) + " min";
   return std::to_string(Passées / Heure) + " h " + std::to_string(Passées % Heure / Minute) + " min";
 }

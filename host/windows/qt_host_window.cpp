@@ -261,7 +261,9 @@ void FenêtrePrincipaleQt::ActualiserFaits() {
   const auto Titrer = [this](QWidget* Page, const char* Titre, const Tarvel::Rangées& Avec) {
     const std::size_t Nombre = Avec.size() - 1;
     const std::string Compte = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
-    Pages_->setTabText(Pages_->indexOf(Page), Texte(Titre + Compte));
+    const int Rang = Pages_->indexOf(Page);
+    // Qt lays all tabs out anew, even for the text that they have.
+    if (const QString Dit = Texte(Titre + Compte); Pages_->tabText(Rang) != Dit) Pages_->setTabText(Rang, Dit);
   };
   Titrer(Refusés_, "&Refusés", Aperçu_.Refusés());
   Titrer(NonLues_, "À l&ire", Aperçu_.NonLus());

@@ -67,18 +67,19 @@ BandeauQt::BandeauQt(QWidget* Parent)
 
 void BandeauQt::MontrerLiaison(Tarvel::SantéLiaison État, const QString& Phrase) {
   const auto* const Sienne = std::ranges::find(Enseignes, État, &Enseigne::État);
-  const QString Signe = QString::fromUtf8(Sienne->Signe);
-  if (Liaison_->text() == Phrase && Signe_->text() == Signe) return;
-  Signe_->setText(Signe);
-  Signe_->setStyleSheet(QStringLiteral("color: ") + QString::fromUtf8(Sienne->Couleur));
-  Signe_->setAccessibleName(Phrase);
+  if (const QString Signe = QString::fromUtf8(Sienne->Signe); Signe_->text() != Signe) {
+    Signe_->setText(Signe);
+    Signe_->setStyleSheet(QStringLiteral("color: ") + QString::fromUtf8(Sienne->Couleur));
+  }
+  if (Signe_->accessibleName() != Phrase) Signe_->setAccessibleName(Phrase);
   Liaison_->Dire(Phrase);
 }
 
 void BandeauQt::DireBase(const QString& Phrase, const QString& Pourquoi) {
   Base_->Dire(Phrase);
   Base_->setToolTip((Pourquoi.isEmpty() ? Phrase : Pourquoi).toHtmlEscaped());
-  Base_->setStyleSheet(Pourquoi.isEmpty() ? QString() : QString::fromUtf8(CouleurPanne));
+  const QString Feuille = Pourquoi.isEmpty() ? QString() : QString::fromUtf8(CouleurPanne);
+  if (Base_->styleSheet() != Feuille) Base_->setStyleSheet(Feuille);
 }
 
 }  // namespace Ombrey

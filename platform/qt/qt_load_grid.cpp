@@ -168,6 +168,7 @@ GrilleChargements::GrilleChargements(QWidget* Parent) : QTableView(Parent) {
 }
 
 void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
+  if (Modèle_.Contient(Entêtes, Rangées)) return;
   if (static_cast<int>(Entêtes.size()) != NombreColonnes()) LargeursFixées_.clear();
   EnAjustement_ = true;
   const bool EstChoisie = selectionModel()->isRowSelected(currentIndex().row());

@@ -19,6 +19,10 @@ class ModèleGrille : public QAbstractTableModel {
   /// As long as the number of columns stays, views keep scroll position, widths and selection by their row.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées);
 
+  [[nodiscard]] bool Contient(const std::vector<std::string>& Entêtes,
+                              const std::vector<std::vector<std::string>>& Rangées) const {
+    return Entêtes == Entêtes_ && Rangées == Rangées_;
+  }
   /// What a row stands for, whatever its place: its first two texts. Empty where there is no such row.
   [[nodiscard]] QString Identité(int Rang) const;
   /// The row that stands for this; -1 when it has gone.

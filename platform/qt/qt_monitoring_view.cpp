@@ -1,6 +1,7 @@
 // The monitoring window on a screen.
 #include "platform/qt/qt_monitoring_view.h"
 
+#include <QCoreApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QScreen>
@@ -202,7 +203,8 @@ void VueSuiviChargntQt::Brancher() {
   }
 }
 
-void VueSuiviChargntQt::Repeindre() { Fenêtre_->repaint(); }
+/// What has changed, and no more: a line comes in with each poll.
+void VueSuiviChargntQt::Repeindre() { QCoreApplication::sendPostedEvents(&*Fenêtre_, QEvent::UpdateRequest); }
 
 void VueSuiviChargntQt::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   Grille_->Remplir(std::move(Entêtes), std::move(Rangées));

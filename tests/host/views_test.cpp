@@ -93,7 +93,17 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
   Vue.NoterPort(1000, Occupé);
   for (const auto& [Quand, Dit] : {std::pair(1100, "08:30:00 : Aucun chargement à récupérer."), {1200, Panne.c_str()}})
     Vue.Noter(Quand, Dit);
-  EXPECT_EQ(Vue.Texte(1205), "Le port est en panne (depuis 5 s)") << "the reason was an earlier one's";
+  EXPECT_EQ(Vue.Texte(1205), "Le port est en panne (depuis moins d'une minute)") << "the reason was an earlier one's";
+  Aperçu Poste;
+  const std::optional<std::int32_t> EnCours;
+  for (const auto& [Attente, Dit] : {std::pair(EnCours, "Relevé en cours"),
+                                     {60000, "Prochain relevé à "},
+                                     {EnCours, "Relevé en cours"},
+                                     {2000, "Relevés à 2 s d'intervalle"},
+                                     {EnCours, "Relevés à 2 s d'intervalle"}}) {
+    Poste.NoterRelevé(Attente);
+    EXPECT_EQ(Poste.TexteRelevé().find(Dit), 0U) << Dit;
+  }
 }
 
 struct Aperçus : testing::Test {

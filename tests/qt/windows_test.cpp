@@ -248,7 +248,7 @@ TEST_F(Principale, TellsTheStateOfThings) {
   EXPECT_EQ(Manquent({"Le RG80 n'a pas encore", "○", "Base locale : cave.db"}), QStringList());
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire|");
   Aperçu.NoterLigne("08:30:00 : Aucune réponse du RG80.");
-  EXPECT_EQ(Manquent({"Le RG80 est muet depuis 0 s", "▲"}), QStringList());
+  EXPECT_EQ(Manquent({"Le RG80 est muet depuis moins d'une minute", "▲"}), QStringList());
   Aperçu.NoterBoîte("Erreur du port", "Le port COM1: est absent.");
   EXPECT_EQ(Manquent({"Le port COM1: est absent.", "■"}), QStringList());
   for (int Fois = 0; Fois < 2; ++Fois)
