@@ -56,7 +56,7 @@ class ConnexionChronométrée final : public IConnexion {
   [[nodiscard]] bool ADuNouveau() override { return Réelle_->ADuNouveau(); }
   [[nodiscard]] std::shared_ptr<void> DélaiCommun() override { return Réelle_->DélaiCommun(); }
   void LimiterLeTemps(bool EstPressé) noexcept override { Réelle_->LimiterLeTemps(EstPressé); }
-  void FixerPatience(std::function<void()> Patience) override { Réelle_->FixerPatience(std::move(Patience)); }
+  void FixerPatience(std::function<bool()> Patience) override { Réelle_->FixerPatience(std::move(Patience)); }
   [[nodiscard]] bool EstMêmeNom(const std::string& Un, const std::string& Autre) const override {
     return Réelle_->EstMêmeNom(Un, Autre);
   }

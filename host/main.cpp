@@ -32,6 +32,7 @@
 #include "host/windows_module.h"
 #include "platform/database/connection.h"
 #include "platform/database/recordsets.h"
+#include "platform/loop/signals.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/machine_system.h"
 #include "platform/system/service_notice.h"
@@ -96,7 +97,10 @@ void Travailler(const Tarvel::Options& Choisies) {
     Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
                                                    [&](const std::string& Texte) { Édition->Dire(Texte); });
     Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LAperçu().NoterRefus(Import); });
-    Connexion->FixerPatience([&] { Édition->Boucle().Peindre(); });
+    Connexion->FixerPatience([&] {
+      Édition->Boucle().Peindre();
+      return !Ombrey::SignauxFin::EstDemandée();
+    });
     Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
     Registre.emplace(Connexion, Base->KVSynchro()->CodeSiteCourant());
     return Base;

@@ -1,6 +1,7 @@
 // What the host asks of a cooperative's database, whatever engine keeps it.
 #pragma once
 
+#include <chrono>
 #include <cstddef>
 #include <filesystem>
 #include <functional>
@@ -67,12 +68,15 @@ struct ColonneDeTable {
   std::optional<std::string> Défaut;  ///< as the engine writes it; only where Null isn't allowed
 };
 
-/// An open database, for the one thread of the system. Commits are on the disk when they return. Foreign keys aren't
-/// enforced: a load is kept even when its holding is unknown. Every operation raises ErreurExécution when the engine
-/// refuses.
 /// Told how far a long work is, in pieces of equal weight; what it raises ends the work.
 using Progrès = std::function<void(std::size_t Faits, std::size_t Total)>;
 
+/// How long an engine makes a program wait that is asked to end: longer than any other's commit.
+inline constexpr std::chrono::milliseconds AttentePressée{500};
+
+/// An open database, for the one thread of the system. Commits are on the disk when they return. Foreign keys aren't
+/// enforced: a load is kept even when its holding is unknown. Every operation raises ErreurExécution when the engine
+/// refuses.
 class IConnexion {
  public:
   IConnexion() = default;
@@ -118,8 +122,9 @@ class IConnexion {
   virtual void PrendreSite(const std::string& Code) = 0;
   /// True when others may have committed something since the last call; costs next to nothing.
   [[nodiscard]] virtual bool ADuNouveau() = 0;
-  /// Patience is called over and over while the engine makes its caller wait; it may paint, and nothing else.
-  virtual void FixerPatience(std::function<void()> Patience) = 0;
+  /// Patience is called over and over while the engine makes its caller wait; it may paint, and nothing else. Once it
+  /// says false, the caller waits for AttentePressée at most.
+  virtual void FixerPatience(std::function<bool()> Patience) = 0;
 
   /// As long as the result lives, all that is asked of the engine must be over together within its time.
   [[nodiscard]] virtual std::shared_ptr<void> DélaiCommun() { return nullptr; }

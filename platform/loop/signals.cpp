@@ -16,11 +16,14 @@ namespace {
 
 /// Where the signal handler writes. A handler can reach nothing but a global.
 std::atomic<int> EntréeTube{-1};
+std::atomic<bool> EstVenu{false};
+static_assert(std::atomic<bool>::is_always_lock_free);
 static_assert(std::atomic<int>::is_always_lock_free);
 
 extern "C" void OmbreySignalReçu(int) {
   const int Ancien = errno;
   const char Octet = 0;
+  EstVenu = true;
   // A full pipe means that enough requests to end are waiting already.
   [[maybe_unused]] const auto Écrits = write(EntréeTube.load(), &Octet, 1);
   errno = Ancien;
@@ -35,6 +38,7 @@ SignauxFin::SignauxFin(IBoucle& Boucle, std::function<void()> Demandée) {
   Sortie_ = Descripteur(Tube[0]);
   Entrée_ = Descripteur(Tube[1]);
   EntréeTube = Entrée_.Numéro();
+  EstVenu = false;
   struct sigaction Nouveau {};
   Nouveau.sa_handler = OmbreySignalReçu;
   Nouveau.sa_flags = SA_RESTART;
@@ -55,5 +59,7 @@ SignauxFin::~SignauxFin() {
   for (std::size_t i = 0; i < Signaux.size(); ++i) sigaction(Signaux[i], &Anciens_[i], nullptr);
   EntréeTube = -1;
 }
+
+bool SignauxFin::EstDemandée() noexcept { return EstVenu; }
 
 }  // namespace Ombrey

@@ -18,6 +18,8 @@ class SignauxFin {
   SignauxFin(const SignauxFin&) = delete;
   SignauxFin& operator=(const SignauxFin&) = delete;
   ~SignauxFin();
+  /// Whether one has come, also while nothing is pumped.
+  [[nodiscard]] static bool EstDemandée() noexcept;
 
  private:
   Descripteur Sortie_;

@@ -111,6 +111,7 @@ TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePaint
   Connexion->FixerPatience([&] {
     ++Peints;
     Dit = Refus([&] { Connexion->Exécuter("DELETE FROM Métayage"); });
+    return true;
   });
   Connexion->Exécuter("SELECT pg_sleep(0.3)");
   EXPECT_NE(Dit.find("une autre question"), std::string::npos) << Dit;

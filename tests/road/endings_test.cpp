@@ -28,7 +28,7 @@ static bool FinirAprès(std::size_t Nombre, const std::string& Dialogue) {
   std::string Reçus;
   const bool SontVenus = Jouer(Ligne, Dialogue.substr(0, Nombre), Reçus);
   P.Station->Signaler(SIGTERM);
-  EXPECT_EQ(P.Station->Fin(), 0) << P.Dit();
+  EXPECT_EQ(P.Station->Fin(5s), 0) << P.Dit();
   EXPECT_TRUE(std::filesystem::is_empty(P.En("poste/import")));
   // Behind the last byte that it waits for the station ends it by itself.
   if (Nombre + 1 < Dialogue.size() && P.Dit().find("Vérification de nouveaux") != std::string::npos) return false;
@@ -61,6 +61,23 @@ TEST(Endings, TermAtEveryByteOfADialogueEndsProperlyAndAcknowledgesNothingThatIs
     while (Essais < 6 && !FinirAprès(Nombre, Dialogue)) ++Essais;
     EXPECT_LT(Essais, 6) << "the dialogue always ends ahead of the signal";
   }
+}
+
+TEST(Endings, TermEndsAStationThatWaitsForALockAndTheLoadIsOfferedAgain) {
+  Poste P;
+  std::ofstream(P.En("offerts")) << Enregistrement() << '\n';
+  P.LancerTerminal("--chargements offerts");
+  const auto Autre = P.Base();
+  P.LancerStation("messages");
+  EXPECT_TRUE(P.Station->Attendre("commande « menu »", 60s));
+  Autre->Exécuter("BEGIN IMMEDIATE");
+  P.Station->Taper("interroger");
+  const std::filesystem::path Import = P.En("poste/import");
+  EXPECT_TRUE(Bientôt([&] { return exists(Import) && !is_empty(Import); }, 30s)) << P.Dit();
+  P.Station->Signaler(SIGTERM);
+  EXPECT_EQ(P.Station->Fin(AttenteVerrou / 2), 0) << P.Dit();
+  Autre->Exécuter("COMMIT");
+  EXPECT_EQ(P.Rentrés(), "0 0 0");
 }
 
 TEST(Endings, APortThatIsLostAnywhereIsSaidAndTakesTheLoadOrTheFileOnceItIsBack) {

@@ -46,7 +46,7 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   void RangerJournal() override {}
   void LimiterLeTemps(bool EstPressé) noexcept override;
   [[nodiscard]] std::shared_ptr<void> DélaiCommun() override { return std::make_shared<LienServeur::Délai>(Lien_); }
-  void FixerPatience(std::function<void()> Patience) override { Lien_.FixerPatience(std::move(Patience)); }
+  void FixerPatience(std::function<bool()> Patience) override { Lien_.FixerPatience(std::move(Patience)); }
 
  protected:
   void Commencer() override;

@@ -11,6 +11,7 @@
 #include <optional>
 #include <utility>
 
+#include "platform/database/connection.h"
 #include "platform/database/postgresql/postgresql_failures.h"
 
 namespace Ombrey {
@@ -193,12 +194,12 @@ Résultat LienServeur::Attendre() {
 }
 
 bool LienServeur::AttendreSocket(short Quoi, Temps::time_point Échéance) {
-  for (;;) {
+  for (const auto Depuis = Temps::now();;) {
     const auto Reste = std::chrono::ceil<milliseconds>(Échéance - Temps::now());
     if (Reste <= milliseconds::zero()) return false;
     pollfd Socket{PQsocket(Lien_.get()), Quoi, 0};
     if (poll(&Socket, 1, static_cast<int>(std::min(Reste, PasDAttente).count())) > 0) return true;
-    if (Patience_) Patience_();
+    if (Patience_ && !Patience_() && Temps::now() - Depuis >= AttentePressée) return false;
   }
 }
 

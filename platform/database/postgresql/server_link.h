@@ -72,7 +72,7 @@ class LienServeur {
   /// The server's process behind this connection.
   [[nodiscard]] int Processus() const;
   /// Called over and over while the server works.
-  void FixerPatience(std::function<void()> Patience) { Patience_ = std::move(Patience); }
+  void FixerPatience(std::function<bool()> Patience) { Patience_ = std::move(Patience); }
 
  private:
   struct Raccrocher {
@@ -97,7 +97,7 @@ class LienServeur {
   std::chrono::steady_clock::time_point PasAvant_{};
   std::string DernièrePerte_;
   std::string Avertissement_;
-  std::function<void()> Patience_;
+  std::function<bool()> Patience_;
 };
 
 }  // namespace Ombrey

@@ -40,7 +40,7 @@ struct Recherche {
 };
 
 std::vector<std::string> AdressesDe(const std::string& Nom, Temps::time_point Échéance,
-                                    const std::function<void()>& Patience) {
+                                    const std::function<bool()>& Patience) {
   // One that came too late stays here until it is over: it can't be called off, and the next try may use it. Never
   // destroyed, since its thread may still be at work when the program ends.
   static auto& Toutes = *new std::map<std::string, std::unique_ptr<Recherche>>;
@@ -50,7 +50,7 @@ std::vector<std::string> AdressesDe(const std::string& Nom, Temps::time_point É
     const gaicb* const Une[] = {&Sienne->Demande};
     const timespec Pas{0, PasDAttenteNs};
     gai_suspend(Une, 1, &Pas);
-    if (Patience) Patience();
+    if (Patience) static_cast<void>(Patience());
   }
   std::vector<std::string> Trouvées;
   if (Sienne->EstEnCours()) return Trouvées;
@@ -89,7 +89,7 @@ std::map<std::string, std::string> OptionsDe(const std::string& Adresse) {
 }  // namespace
 
 std::vector<ServeurÀEssayer> ServeursDe(const std::string& Adresse, Temps::time_point Échéance,
-                                        const std::function<void()>& Patience) {
+                                        const std::function<bool()>& Patience) {
   auto Options = OptionsDe(Adresse);
   const std::vector<std::string> Hôtes = Partager(Options["host"]);
   const std::vector<std::string> Numériques = Partager(Options["hostaddr"]);

@@ -20,6 +20,6 @@ struct ServeurÀEssayer {
 /// left out. Patience is called over and over meanwhile.
 [[nodiscard]] std::vector<ServeurÀEssayer> ServeursDe(const std::string& Adresse,
                                                       std::chrono::steady_clock::time_point Échéance,
-                                                      const std::function<void()>& Patience);
+                                                      const std::function<bool()>& Patience);
 
 }  // namespace Ombrey

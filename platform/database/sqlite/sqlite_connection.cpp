@@ -35,12 +35,13 @@ bool EstMémoirePartagée(int CodeÉtendu) {
 /// machine eight of its seconds are more than the terminal waits.
 int PatienterVerrou(void* Patience, int Essais) {
   constexpr auto Pas = std::chrono::milliseconds(5);
-  thread_local std::chrono::steady_clock::time_point Limite;
-  if (Essais == 0) Limite = std::chrono::steady_clock::now() + AttenteVerrou;
-  if (std::chrono::steady_clock::now() >= Limite) return 0;
-  const auto& Peindre = *static_cast<const std::function<void()>*>(Patience);
+  thread_local std::chrono::steady_clock::time_point Depuis;
+  if (Essais == 0) Depuis = std::chrono::steady_clock::now();
+  const auto Attendu = std::chrono::steady_clock::now() - Depuis;
+  if (Attendu >= AttenteVerrou) return 0;
+  const auto& ATemps = *static_cast<const std::function<bool()>*>(Patience);
   constexpr int EntreDeux = 10;
-  if (Peindre && Essais % EntreDeux == 0) Peindre();
+  if (ATemps && Essais % EntreDeux == 0 && !ATemps() && Attendu >= AttentePressée) return 0;
   std::this_thread::sleep_for(Pas);
   return 1;
 }

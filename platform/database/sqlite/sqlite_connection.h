@@ -70,7 +70,7 @@ class ConnexionSqlite final : public IConnexion {
   /// nothing when nothing was, but the first time, which makes the log long enough for the commits to come; what
   /// another program's reading holds up waits for the next call.
   void RangerJournal() override;
-  void FixerPatience(std::function<void()> Patience) override { Patience_ = std::move(Patience); }
+  void FixerPatience(std::function<bool()> Patience) override { Patience_ = std::move(Patience); }
   /// Copies the whole database, as it stands at one moment, to a new file for its owner alone, while others work on it.
   /// When the call returns the copy is on the disk and was read again. Raises ErreurExécution, and leaves no file, when
   /// it can't or when there is one already. What Dire raises ends it likewise.
@@ -99,7 +99,7 @@ class ConnexionSqlite final : public IConnexion {
 
   std::filesystem::path Fichier_;
   Horloge Maintenant_;
-  std::function<void()> Patience_;
+  std::function<bool()> Patience_;
   std::optional<VerrouFichier> Site_;
   ValeurChamp Compteur_;  ///< of the changes that other connections have made
   bool EstJournalLong_ = false;
