@@ -8,6 +8,7 @@
 #ifdef AVEC_FENETRES
 #include <QtWidgets>
 
+#include "host/windows/qt_host_window.h"
 #include "monitor/monitoring_window.h"
 #include "platform/qt/qt_windows.h"
 #endif
@@ -15,7 +16,9 @@
 #include "base/regional_forms.h"
 #include "bench/cooperative.h"
 #include "common/context.h"
+#include "contracts/phrases.h"
 #include "monitor/load_list.h"
+#include "platform/system/settings_files.h"
 
 namespace Ombrey::Mesures {
 namespace {
@@ -73,13 +76,17 @@ class SansTerminal final : public IServicesLiaison {
   std::string TransmettreLignes(std::int32_t, std::vector<Octets>&) override { return {}; }
 };
 
-/// In the window, painting included.
-void ListRefreshed(benchmark::State& État) {
+void OuvrirQt() {
   setenv("QT_QPA_PLATFORM", "offscreen", 0);
   static int Nombre = 1;
   static char Nom[] = "ombrey_bench";
   static char* Arguments[] = {Nom, nullptr};
   static const QApplication Application(Nombre, Arguments);
+}
+
+/// In the window, painting included.
+void ListRefreshed(benchmark::State& État) {
+  OuvrirQt();
   Journée Cave;
   BoucleQt Boucle;
   FenêtresQt Fenêtres(Boucle, Cave.Poste.Dossier());
@@ -104,6 +111,41 @@ void ListRefreshed(benchmark::State& État) {
 }
 BENCHMARK(ListRefreshed)
     ->Name("list of 2,000 loads, refreshed in its window")
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond);
+
+/// From the word that a load is in until the main window has painted it on its page of the day.
+void NewLoadShown(benchmark::State& État) {
+  OuvrirQt();
+  Journée Cave;
+  BoucleQt Boucle;
+  FenêtresQt Fenêtres(Boucle, Cave.Poste.Dossier());
+  RéglagesFichier Réglages(Cave.Poste.Dossier() / "fenêtre.ini");
+  Tarvel::Aperçu Aperçu;
+  FenêtrePrincipaleQt Fenêtre(Fenêtres.Contexte(), {"cave.db"}, Réglages, Aperçu);
+  Fenêtre.show();
+  Fenêtre.Suivre(Cave.Base);
+  const QTableView* Grille = nullptr;
+  for (const auto* Une : Fenêtre.findChildren<QTableView*>())
+    if (Une->isVisible() && (Grille == nullptr || Une->model()->rowCount() > Grille->model()->rowCount())) Grille = Une;
+  std::int64_t Numéro = Chargements;
+  for ([[maybe_unused]] auto Tour : État) {
+    État.PauseTiming();
+    while (Boucle.Pomper({})) continue;
+    const std::string Texte = std::to_string(++Numéro);
+    Cave.Connexion->ExécuterTout(
+        "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage, Sélection, Qualité, Degré, Masse)"
+        " SELECT '1', " +
+        Texte + ", max(DateCh) + 0.00001, '7', '05', '01', 12.5, 1310 FROM Chargement");
+    État.ResumeTiming();
+    Fenêtre.Dire(Phrase::ChargementAjouté + Texte);
+    while (Boucle.Pomper({})) continue;
+    if (Grille->model()->index(0, 1).data().toString().toStdString() != Texte)
+      return État.SkipWithError("the load isn't on top");
+  }
+}
+BENCHMARK(NewLoadShown)
+    ->Name("list of 2,000 loads, a new one shown in the main window")
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
 #endif

@@ -47,6 +47,17 @@ std::string SansSigneDeVie(Ombrey::IConnexion& Connexion) {
              : "Cette station ne sera pas dans la liste des stations : il manque " + Manquants + " sur Station.";
 }
 
+bool SontPlusieurs(Ombrey::IDatabase& Base) {
+  Ombrey::ErreurEnAttente SansListe;
+  bool Plusieurs = false;
+  Ignorer(SansListe, [&] {
+    const auto Sites = Base.OpenRecordset("SELECT CodeSite FROM Station LIMIT 2", Ombrey::TypeRecordset::VersLAvant);
+    if (!Sites->Eof()) Sites->MoveNext();
+    Plusieurs = !Sites->Eof();
+  });
+  return Plusieurs;
+}
+
 Rangées TableauStations(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes) {
   Rangées Tableau{{"Site", "Machine", "Dernier chargement", "Dernier signe de vie"}};
   const auto Lignes = Base.OpenRecordset(SqlStations, Ombrey::TypeRecordset::VersLAvant);

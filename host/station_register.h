@@ -28,6 +28,9 @@ class RegistreStations {
 /// Why a station of this account stays unlisted; mostly empty.
 [[nodiscard]] std::string SansSigneDeVie(Ombrey::IConnexion& Connexion);
 
+/// True when the base lists more stations than one. A former base that can only be read has no such list.
+[[nodiscard]] bool SontPlusieurs(Ombrey::IDatabase& Base);
+
 /// Site, machine, last load and last sign of life of each station.
 [[nodiscard]] Rangées TableauStations(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes);
 

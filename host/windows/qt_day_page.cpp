@@ -114,7 +114,12 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
 
 void PageJournéeQt::Montrer(Tarvel::Journée Toute) {
   Toute_ = std::move(Toute);
+  if (isVisible()) Afficher();
+}
+
+void PageJournéeQt::showEvent(QShowEvent* Événement) {
   Afficher();
+  QWidget::showEvent(Événement);
 }
 
 std::optional<double> PageJournéeQt::MasseDe(const std::string& Site, const std::string& Numéro) const {

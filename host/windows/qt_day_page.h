@@ -40,6 +40,9 @@ class PageJournéeQt : public QWidget {
   [[nodiscard]] bool TousLesSites() const { return Tous_->isChecked(); }
   std::function<void()> SurSites;  ///< the operator wants all sites, or his own
 
+ protected:
+  void showEvent(QShowEvent* Événement) override;
+
  private:
   void Afficher();
 

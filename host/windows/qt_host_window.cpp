@@ -113,6 +113,7 @@ void FenêtrePrincipaleQt::CréerPages() {
   CréerJournal();
   Ajouter(Stations_, QStringLiteral("Statio&ns"), QStringLiteral("Les stations qui travaillent sur cette base."));
   Pages_->setTabVisible(Pages_->indexOf(Stations_), false);  // until there are several
+  connect(Pages_, &QTabWidget::currentChanged, this, Différé([this] { ActualiserPage(); }));
   Ajouter(NonLues_, QStringLiteral("À l&ire"), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
 
@@ -242,10 +243,12 @@ void FenêtrePrincipaleQt::Suivre(std::shared_ptr<IBaseDeD> Base) {
 }
 
 void FenêtrePrincipaleQt::Dire(const std::string& Message) {
-  if (Message.starts_with(SignalReçu)) {
-    Actualiser();
-    return Dire(DireReçu(Message.substr(SignalReçu.size())));
-  }
+  // The plug-in's list is read in this turn of the loop: the day in another.
+  if (Message.starts_with(SignalReçu))
+    return Différé([this, Numéro = Message.substr(SignalReçu.size())] {
+      Actualiser();
+      Dire(DireReçu(Numéro));
+    })();
   const QString Ligne = SurUneLigne(Message);
   État_->Dire(Ligne);
   Journal_->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" : ") + Ligne);
@@ -258,17 +261,16 @@ std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
 }
 
 void FenêtrePrincipaleQt::ActualiserFaits() {
-  const auto Titrer = [this](QWidget* Page, const char* Titre, const Tarvel::Rangées& Avec) {
-    const std::size_t Nombre = Avec.size() - 1;
+  const auto Titrer = [this](QWidget* Page, const char* Titre, std::size_t Nombre) {
     const std::string Compte = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
     const int Rang = Pages_->indexOf(Page);
     // Qt lays all tabs out anew, even for the text that they have.
     if (const QString Dit = Texte(Titre + Compte); Pages_->tabText(Rang) != Dit) Pages_->setTabText(Rang, Dit);
   };
-  Titrer(Refusés_, "&Refusés", Aperçu_.Refusés());
-  Titrer(NonLues_, "À l&ire", Aperçu_.NonLus());
-  Refusés_->Montrer();
-  NonLues_->Montrer();
+  Titrer(Refusés_, "&Refusés", Aperçu_.NombreRefusés());
+  Titrer(NonLues_, "À l&ire", Aperçu_.NombreNonLus());
+  if (Refusés_->isVisible()) Refusés_->Montrer();
+  if (NonLues_->isVisible()) NonLues_->Montrer();
 }
 
 /// A database that can't be read leaves what is shown as it was, and says why.
@@ -301,13 +303,20 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
                               .arg(Texte(Un.Heure)));
   }
   Journée_->Montrer(std::move(Jour));
-  Remplir(*Archive_, Tarvel::TableauArchive(Base, Formes_));
-  // A former base that can only be read has no such list.
-  Tarvel::Rangées Stations;
-  ErreurEnAttente SansListe;
-  const bool Lue = Ignorer(SansListe, [&] { Stations = Tarvel::TableauStations(Base, Formes_); });
-  Pages_->setTabVisible(Pages_->indexOf(Stations_), Lue && Stations.size() > 2);  // headings, and more than this one
-  if (Lue) Remplir(*Stations_, std::move(Stations));
+  Pages_->setTabVisible(Pages_->indexOf(Stations_), Tarvel::SontPlusieurs(Base));
+  // In a turn of the loop of its own.
+  Différé([this] { ActualiserPage(); })();
+}
+
+/// The page in sight reads what it alone shows; the others when they come in sight.
+void FenêtrePrincipaleQt::ActualiserPage() {
+  if (!Base_) return;
+  ErreurEnAttente Ignorée;  // the strip tells it from the day's reading
+  Ignorer(Ignorée, [this] {
+    IDatabase& Base = *Exiger(Base_->BaseDAO());
+    if (Archive_->isVisible()) Remplir(*Archive_, Tarvel::TableauArchive(Base, Formes_));
+    if (Stations_->isVisible()) Remplir(*Stations_, Tarvel::TableauStations(Base, Formes_));
+  });
 }
 
 void FenêtrePrincipaleQt::ActualiserBandeau() {

@@ -84,6 +84,7 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void VenirDevant();
   void Diagnostiquer();
   void Lire(IDatabase& Base, const std::string& Site);
+  void ActualiserPage();
   void ActualiserBandeau();
   void ActualiserFaits();
   [[nodiscard]] std::string DireReçu(const std::string& Numéro) const;

@@ -67,6 +67,11 @@ void PageRefusésQt::Montrer() {
   MontrerDétail();
 }
 
+void PageRefusésQt::showEvent(QShowEvent* Événement) {
+  Montrer();
+  QWidget::showEvent(Événement);
+}
+
 void PageRefusésQt::MontrerDétail() {
   const int Rang = std::max(0, Liste_->currentIndex().row());
   const QString Texte =
@@ -85,6 +90,11 @@ PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel
   Plan->addWidget(Liste_);
   Plan->addWidget(Lu, 0, Qt::AlignRight);
   Montrer();
+}
+
+void PageNonLuesQt::showEvent(QShowEvent* Événement) {
+  Montrer();
+  QWidget::showEvent(Événement);
 }
 
 void PageNonLuesQt::Montrer() { Remplir(*Liste_, Aperçu_.NonLus()); }

@@ -26,6 +26,9 @@ class PageRefusésQt : public QWidget {
   PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Aperçu& Aperçu);
   void Montrer();
 
+ protected:
+  void showEvent(QShowEvent* Événement) override;
+
  private:
   void MontrerDétail();
 
@@ -38,6 +41,9 @@ class PageNonLuesQt : public QWidget {
  public:
   PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu);
   void Montrer();
+
+ protected:
+  void showEvent(QShowEvent* Événement) override;
 
  private:
   Tarvel::Aperçu& Aperçu_;

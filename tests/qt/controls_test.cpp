@@ -89,7 +89,7 @@ TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
   // clang-format off
   const std::tuple<std::function<void(const Geste&)>, std::string, std::string> Table[] = {
       {[&](const Geste& Faire) { Principale(Faire, 0); },
-       "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|Quotas du jour par appellation|",
+       "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
       {[&](const Geste& Faire) { Principale(Faire, 5); },
        "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À l&ire (1)|Tout est lu:  À l&ire|"},

@@ -260,6 +260,7 @@ TEST_F(Principale, TellsTheStateOfThings) {
       "INSERT INTO Chargement VALUES ('1', 7, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1310, -1)");
   EXPECT_EQ(Aperçu.NoterReçu(), "");
   Fenêtre->Dire("ChargementAjouté:7");
+  Vider();
   EXPECT_EQ(Manquent({"Chargement n° 7 reçu, 1310 kg", "Dernier : n° 7, 1310 kg, 08:05"}), QStringList());
   EXPECT_FALSE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
   Coopérative.Connexion->ExécuterTout(
@@ -270,6 +271,7 @@ TEST_F(Principale, TellsTheStateOfThings) {
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire (1)|");
   Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
   Fenêtre->Dire("ChargementAjouté:8");
+  Vider();
   EXPECT_EQ(Manquent({"Dernier : n° 7"}), QStringList()) << "what was read stays";
 }
 
