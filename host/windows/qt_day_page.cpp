@@ -105,7 +105,7 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
   Plan->addLayout(Haut);
   Plan->addWidget(Milieu, 1);
   Plan->addWidget(Heures_);
-  connect(Filtre_, &QLineEdit::textChanged, this, [this] { Afficher(); });
+  connect(Filtre_, &QLineEdit::textChanged, this, [this] { Afficher(false); });
   connect(Tous_, &QCheckBox::toggled, this, [this] {
     if (SurSites) SurSites();
   });
@@ -114,11 +114,13 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
 
 void PageJournéeQt::Montrer(Tarvel::Journée Toute) {
   Toute_ = std::move(Toute);
-  if (isVisible()) Afficher();
+  const bool MêmesSites = std::exchange(TousLus_, TousLesSites()) == TousLesSites();
+  if (isVisible()) Afficher(MêmesSites);
 }
 
 void PageJournéeQt::showEvent(QShowEvent* Événement) {
-  Afficher();
+  // Behind an empty list, every load of the first day would be new.
+  if (TousLus_) Afficher(true);
   QWidget::showEvent(Événement);
 }
 
@@ -129,11 +131,11 @@ std::optional<double> PageJournéeQt::MasseDe(const std::string& Site, const std
   return Un == Toute_.Chargements.end() ? std::nullopt : std::optional(Un->Masse);
 }
 
-void PageJournéeQt::Afficher() {
+void PageJournéeQt::Afficher(bool Nouveautés) {
   const Tarvel::Journée Jour = Tarvel::Filtrer(Toute_, Filtre_->text().toStdString());
-  Ombrey::Remplir(*Chargements_, TableauChargements(Jour, Formes_));
-  Ombrey::Remplir(*Sommes_, TableauSommes(Jour, Formes_));
-  Ombrey::Remplir(*Quotas_, TableauQuotas(Jour));
+  Ombrey::Remplir(*Chargements_, TableauChargements(Jour, Formes_), Nouveautés);
+  Ombrey::Remplir(*Sommes_, TableauSommes(Jour, Formes_), false);
+  Ombrey::Remplir(*Quotas_, TableauQuotas(Jour), false);
   Quotas_->setVisible(!Jour.Quotas.empty());
   Heures_->Montrer(Jour.MasseParHeure);
   Total_->setText(QStringLiteral("%1 chargements, %2 t").arg(Jour.Chargements.size()).arg(Tonnes(Jour.Masse())));

@@ -44,10 +44,12 @@ class PageJournéeQt : public QWidget {
   void showEvent(QShowEvent* Événement) override;
 
  private:
-  void Afficher();
+  /// Nouveautés: what hasn't been shown before has only just come.
+  void Afficher(bool Nouveautés);
 
   Régional Formes_;
   Tarvel::Journée Toute_;
+  std::optional<bool> TousLus_;  ///< whether Toute_ has all sites; unset until a day was read
   QLineEdit* Filtre_;
   QCheckBox* Tous_;
   QLabel* Total_;

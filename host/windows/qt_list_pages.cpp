@@ -33,12 +33,12 @@ std::string RangéeEntière(const QAbstractItemModel& Modèle, int Rang) {
 }
 }  // namespace
 
-void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées) {
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées, bool Nouveautés) {
   std::vector<std::string> Entêtes = std::move(Rangées.front());
   Rangées.erase(Rangées.begin());
   for (auto& Rangée : Rangées)
     for (std::string& Texte : Rangée) Texte = SurUneLigne(Texte).toStdString();
-  Grille.Remplir(std::move(Entêtes), std::move(Rangées));
+  Grille.Remplir(std::move(Entêtes), std::move(Rangées), Nouveautés);
 }
 
 ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom) : GrilleChargements(Parent) {

@@ -12,7 +12,7 @@
 namespace Ombrey {
 
 /// Rows with their headings first, into a grid.
-void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées);
+void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées, bool Nouveautés = true);
 
 /// A list whose rows can be read whole: Enter or a double click shows one in a box.
 class ListeQt : public GrilleChargements {

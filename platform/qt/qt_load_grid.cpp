@@ -55,7 +55,8 @@ QFont EnGras() {
 }
 }  // namespace
 
-void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
+void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées,
+                           bool Nouveautés) {
   const auto Poser = [&] {
     std::set<QString> Connues;
     for (int Rang = 0; Rang < rowCount(); ++Rang) Connues.insert(Identité(Rang));
@@ -65,7 +66,7 @@ void ModèleGrille::Remplir(std::vector<std::string> Entêtes, std::vector<std::
     std::set<QString> Venues;
     for (int Rang = 0; !Première && Rang < rowCount(); ++Rang)
       if (!Connues.contains(Identité(Rang))) Venues.insert(Identité(Rang));
-    if (Première || !Venues.empty()) Nouvelles_ = std::move(Venues);
+    if (Première || (Nouveautés && !Venues.empty())) Nouvelles_ = std::move(Venues);
   };
   if (Entêtes.size() != Entêtes_.size()) {
     beginResetModel();
@@ -167,7 +168,8 @@ GrilleChargements::GrilleChargements(QWidget* Parent) : QTableView(Parent) {
   });
 }
 
-void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
+void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées,
+                                bool Nouveautés) {
   if (Modèle_.Contient(Entêtes, Rangées)) return;
   if (static_cast<int>(Entêtes.size()) != NombreColonnes()) LargeursFixées_.clear();
   EnAjustement_ = true;
@@ -177,7 +179,7 @@ void GrilleChargements::Remplir(std::vector<std::string> Entêtes, std::vector<s
   // At the very top the newest load is what one wants to see; farther down one looks at a certain load.
   const int EnTête = verticalScrollBar()->value();
   const QString Regardée = EnTête > 0 ? Modèle_.Identité(EnTête) : QString();
-  Modèle_.Remplir(std::move(Entêtes), std::move(Rangées));
+  Modèle_.Remplir(std::move(Entêtes), std::move(Rangées), Nouveautés);
   if (const int Rang = Modèle_.RangDe(Choisie); EstChoisie && Rang != currentIndex().row()) {
     setAutoScroll(false);
     selectionModel()->setCurrentIndex(Modèle_.index(Rang, Colonne),

@@ -16,8 +16,9 @@ inline constexpr const char* ChargementsDuJour = "Chargements du jour";
 class ModèleGrille : public QAbstractTableModel {
  public:
   using QAbstractTableModel::QAbstractTableModel;
-  /// As long as the number of columns stays, views keep scroll position, widths and selection by their row.
-  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées);
+  /// As long as the number of columns stays, views keep scroll position, widths and selection by their row. Without
+  /// Nouveautés, what comes to be shown was there before: what is new stays what it was.
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées, bool Nouveautés = true);
 
   [[nodiscard]] bool Contient(const std::vector<std::string>& Entêtes,
                               const std::vector<std::vector<std::string>>& Rangées) const {
@@ -43,7 +44,7 @@ class GrilleChargements : public QTableView {
  public:
   explicit GrilleChargements(QWidget* Parent);
   /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
-  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées);
+  void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées, bool Nouveautés = true);
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
   void FixerLargeur(int Colonne, int Pixels);
   /// The width that was given to the column; 0 as long as it follows its contents. To remember that of an empty list,
