@@ -75,7 +75,7 @@ int Rejouer(const Options& Demande) {
   auto Messages = LireTrace(Flux, Demande.Rejouer);
   Greffier Témoin(Demande.Journal, "");
   Ligne Fil = OuvrirLigne(Demande, Témoin);
-  Rejeu Engin(std::move(Messages), Témoin);
+  Rejeu Engin(std::move(Messages), Témoin, Demande.AutreBase);
   const int Code = Tenir(Demande, Engin, Témoin, Fil);
   return Engin.Terminer() ? Code : CodeErreur;
 }

@@ -35,7 +35,7 @@ struct Option {
   void (*Poser)(Options& Cible, std::string_view Nom, const std::string& Valeur);
 };
 
-constexpr std::array<Option, 14> TableOptions{{
+constexpr std::array<Option, 15> TableOptions{{
     {"--lien", "CHEMIN", "crée un pseudo-terminal et un lien vers lui",
      [](Options& Cible, std::string_view, const std::string& Valeur) { Cible.Lien = Valeur; }},
     {"--port", "DEV", "ouvre un port série (8 bits, sans parité, 1 bit de stop)",
@@ -64,6 +64,8 @@ constexpr std::array<Option, 14> TableOptions{{
      [](Options& Cible, std::string_view, const std::string& Valeur) { Cible.Journal = Valeur; }},
     {"--rejouer", "F", "redit ce que le terminal a dit dans une trace, et compare ce que dit la station",
      [](Options& Cible, std::string_view, const std::string& Valeur) { Cible.Rejouer = Valeur; }},
+    {"--autre-base", "", "avec --rejouer : la base n'est plus celle d'alors, ses chiffres et ses refus ne comptent pas",
+     [](Options& Cible, std::string_view, const std::string&) { Cible.AutreBase = true; }},
     {"--jusqu-a-vide", "", "s'arrête quand tout est acquitté et la dernière réponse reçue",
      [](Options& Cible, std::string_view, const std::string&) { Cible.JusquÀVide = true; }},
     {"--help", "", "affiche cette aide",
@@ -122,6 +124,7 @@ Options LireOptions(const std::vector<std::string>& Arguments) {
     if (Lues.Aide || Lues.Version) return Lues;
   }
   if (Lues.Lien.empty() == Lues.Port.empty()) throw ErreurDemande("Il faut --lien ou --port, et un seul des deux.");
+  if (Lues.AutreBase && Lues.Rejouer.empty()) throw ErreurDemande("L'option --autre-base ne va qu'avec --rejouer.");
   if (!Lues.Rejouer.empty())
     for (const std::string_view Nom : {"--chargements", "--hasard", "--panne", "--f6", "--sortie"})
       if (Données.contains(Nom)) throw ErreurDemande("L'option " + std::string(Nom) + " ne va pas avec --rejouer.");

@@ -19,6 +19,7 @@ struct Options {
   std::uint32_t Graine = 1;
   bool EnFichiers = false;
   bool JusquÀVide = false;
+  bool AutreBase = false;
   bool Aide = false;
   bool Version = false;
 };

@@ -35,7 +35,8 @@ std::string Montrer(std::string_view Message, std::size_t Différence) {
 
 }  // namespace
 
-Rejeu::Rejeu(std::vector<MessageTracé> Messages, ISuite& Suite) : Messages_(std::move(Messages)), Suite_(Suite) {}
+Rejeu::Rejeu(std::vector<MessageTracé> Messages, ISuite& Suite, bool AutreBase)
+    : Messages_(std::move(Messages)), Suite_(Suite), AutreBase_(AutreBase) {}
 
 void Rejeu::Recevoir(std::string_view Octets, Instant Maintenant) {
   Commencer(Maintenant);
@@ -108,14 +109,25 @@ void Rejeu::Traiter(const std::string& Message, Instant Maintenant) {
     if (Message[0] == STX) Dire(Maintenant, std::string(1, ACK));
     return;
   }
-  Différer(Message);
-  if ((Message[0] == STX) == (Messages_[Rang_].Octets[0] == STX)) Suivre(Rang_, Maintenant);
+  const bool DeLaBase = EstDeLaBase(Message);
+  if (DeLaBase)
+    ++DeLaBase_;
+  else
+    Différer(Message);
+  const bool EstTrame = Message[0] == STX;
+  if (EstTrame == (Messages_[Rang_].Octets[0] == STX)) Suivre(Rang_, Maintenant);
+  // A load that was refused then brings a reply now, and the other way round.
+  if (DeLaBase && !EstTrame) Écartée_ = true;
 }
 
 // A request that isn't the awaited message. How often the station asks in vain is its own affair, and what the operator
 // did then he does in his own time.
 void Rejeu::TraiterDemande(const std::string& Message, Instant Maintenant) {
   const bool EstRelevé = Message == Paire(ENQ, CodeChargement);
+  if (Écartée_ && !EstRelevé) {
+    Différer(Message);
+    return Improviser(Message, Maintenant);
+  }
   const std::size_t Plus = Trouver(Message);
   std::size_t Vains = Rang_;
   while (Vains < Plus && EstRelevéVain(Vains)) Vains = Station(Vains + 1);
@@ -169,7 +181,11 @@ void Rejeu::Suivre(std::size_t Rang, Instant Maintenant) {
 
 void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant Maintenant) {
   Rang_ = Station(Rang);
-  for (; Rang < Rang_; ++Rang) Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets);
+  Écartée_ = Rang_ < Messages_.size() && Messages_[Rang_].Avant != MessageTracé::Rupture::Aucune;
+  for (; Rang < Rang_; ++Rang) {
+    Écartée_ |= Messages_[Rang].Avant != MessageTracé::Rupture::Aucune;
+    Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets);
+  }
   Abandon_.reset();
   if (Rang_ == Messages_.size()) return;
   Abandon_ = Maintenant + std::max(Messages_[Rang_].Quand - Base, 0ms) + Patience;
@@ -181,7 +197,21 @@ void Rejeu::Dire(Instant Départ, const std::string& Octets) {
   Envois_.push_back({Envois_.empty() ? Départ : std::max(Départ, Envois_.back().Départ), Octets});
 }
 
+// The figures of a whole reply, and the answer to a load.
+bool Rejeu::EstDeLaBase(const std::string& Message) const {
+  const std::string& Attendu = Messages_[Rang_].Octets;
+  if (!AutreBase_) return false;
+  if (Message[0] != STX) return Attendu[0] == ACK || Attendu[0] == NAK;
+  const std::string_view Texte = std::string_view(Message).substr(1, Attendu.size() - SurcoûtTrame);
+  return Attendu[0] == STX && Dernier_ == Paire(ENQ, CodeRéponse) && Message == Encadrer(Texte) &&
+         Texte.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 void Rejeu::Différer(const std::string& Message) {
+  if (Écartée_) {
+    ++HorsDialogue_;
+    return;
+  }
   ++Différences_;
   if (Rang_ == Messages_.size())
     return Suite_.Annoncer("différence au bout de la trace : la station dit en plus " + Montrer(Message, 0) + ".");
@@ -198,6 +228,11 @@ std::string Rejeu::Lieu() const {
 
 bool Rejeu::Terminer() {
   if (!Fin_) Suite_.Annoncer("le rejeu a été interrompu.");
+  if (HorsDialogue_ > 0)
+    Suite_.Annoncer("non comparés, la ligne ou la station s'était arrêtée là : " + std::to_string(HorsDialogue_));
+  if (DeLaBase_ > 0)
+    Suite_.Annoncer("chiffres, accords et refus qui tiennent à l'autre base, non comptés : " +
+                    std::to_string(DeLaBase_));
   Suite_.Annoncer("rejeu : messages de la station " + std::to_string(Entendus_) + ", différences " +
                   std::to_string(Différences_));
   return Fin_ && Différences_ == 0;

@@ -16,11 +16,13 @@ namespace Rg80 {
 /// Waits for each message of the station in its turn, says behind it what the terminal said then, at the same distance
 /// in time, and announces where the station says something else. How often the station asks in vain for a load between
 /// two dialogues doesn't count. A request that the trace hasn't is served as a terminal does: there is no load, and a
-/// frame is taken.
+/// frame is taken. So is what the station goes on to say where the line was broken then, or it was stopped: this can't
+/// be compared, and is counted apart.
 class Rejeu final : public IInterlocuteur {
  public:
-  /// Messages: at least one. Suite must outlive the object.
-  Rejeu(std::vector<MessageTracé> Messages, ISuite& Suite);
+  /// Messages: at least one. Suite must outlive the object. AutreBase: others have worked on the station's base, and
+  /// neither the figures that it sends nor that it takes or refuses a load can be compared; they are counted apart.
+  Rejeu(std::vector<MessageTracé> Messages, ISuite& Suite, bool AutreBase = false);
 
   void Recevoir(std::string_view Octets, Instant Maintenant) override;
   void Avancer(Instant Maintenant) override;
@@ -51,6 +53,7 @@ class Rejeu final : public IInterlocuteur {
   [[nodiscard]] std::size_t Trouver(const std::string& Octets) const;
   [[nodiscard]] bool EstRelevéVain(std::size_t Rang) const;
   [[nodiscard]] bool EstDeLOpérateur() const;
+  [[nodiscard]] bool EstDeLaBase(const std::string& Message) const;
   [[nodiscard]] std::string Lieu() const;
 
   std::vector<MessageTracé> Messages_;
@@ -64,8 +67,12 @@ class Rejeu final : public IInterlocuteur {
   std::optional<Instant> Fin_;
   std::size_t Entendus_ = 0;
   std::size_t Différences_ = 0;
+  std::size_t DeLaBase_ = 0;      // differences that another base explains
+  std::size_t HorsDialogue_ = 0;  // what was said behind a break
   bool Commencé_ = false;
   bool Improvise_ = false;  // the last request was none of the trace
+  bool AutreBase_;
+  bool Écartée_ = false;  // the next message of the trace stands behind a break, or the base has led elsewhere
 };
 
 }  // namespace Rg80

@@ -19,6 +19,7 @@ using namespace std::chrono_literals;
 
 constexpr std::string_view Signature = "# Trace de la liaison avec le RG80, ";
 constexpr std::string_view Forme = "forme 1, ";
+constexpr std::string_view Lacune = "# il manque ici ";
 constexpr int NombreOctets = 256;
 
 // How each byte is written, and back.
@@ -87,9 +88,21 @@ std::optional<MessageTracé> LireMessage(std::string_view Reste) {
   const auto Octets = LireOctets(Colonne(Reste));
   if (!Heure || !Octets || (Qui != "station" && Qui != "RG80" && Qui != "port")) return std::nullopt;
   Lu.EstDeStation = Qui == "station";
-  Lu.Octets = Qui == "port" ? "" : *Octets;
+  Lu.EstDuPort = Qui == "port";
+  if (!Lu.EstDuPort) Lu.Octets = *Octets;
   Lu.Quand = *Heure;
   return Lu;
+}
+
+// Whether the terminal's messages from Premier on are all that the station awaited behind what it said.
+bool EstComplet(const std::string& Dit, auto Premier, auto Fin) {
+  const auto Entendu = [&](auto Est) {
+    return std::any_of(Premier, Fin, [&](const MessageTracé& Un) { return Est(Un.Octets); });
+  };
+  if (Dit[0] == STX) return Entendu([](const auto& Octets) { return Octets == "\x06" || Octets == "\x15"; });
+  if (Dit[0] != ENQ || Dit.size() < 2) return true;
+  const bool EstRelevé = Dit[1] == 'A';
+  return Entendu([&](const auto& Octets) { return (EstRelevé && Octets[0] == STX) || Octets == Paire(NAK, Dit[1]); });
 }
 
 class Lecteur {
@@ -102,16 +115,21 @@ class Lecteur {
     if (Ligne.starts_with(Signature)) {
       if (!Ligne.substr(Signature.size()).starts_with(Forme)) Refuser(Ligne_, "cette forme de trace n'est pas connue");
       Mauvaise_ = 0;  // the one that wrote what stands above was stopped
+      Départ_ = !Lus_.empty();
     }
+    if (Ligne.starts_with(Lacune)) Rompue_ = true;
     if (Mauvaise_ > 0) Refuser(Mauvaise_, "ce n'est pas une ligne de trace");
     if (Ligne.empty() || Ligne.starts_with('#')) return;
     auto Lu = LireMessage(Ligne);
     if (!Lu) {
       Mauvaise_ = Ligne_;
-    } else if (!Lu->Octets.empty()) {
+    } else if (Lu->Octets.empty()) {
+      Rompue_ |= Lu->EstDuPort;
+    } else {
       Lu->Ligne = Ligne_;
       Dater(*Lu);
-      Lus_.push_back(std::move(*Lu));
+      Rompre(*Lu);
+      if (Lu->Avant != MessageTracé::Rupture::Arrêt || Lu->EstDeStation) Lus_.push_back(std::move(*Lu));
     }
   }
 
@@ -135,7 +153,26 @@ class Lecteur {
     Lu.Quand += Jours_;
   }
 
+  // A header alone is a new day's: a station that starts opens its port. What it hears ahead of its own first words was
+  // said to the former one.
+  void Rompre(MessageTracé& Lu) {
+    using enum MessageTracé::Rupture;
+    if (Rompue_ && !Lus_.empty()) Lu.Avant = Départ_ ? Arrêt : Ligne;
+    if (Lu.Avant == Arrêt && !Lu.EstDeStation) return;
+    Départ_ = Rompue_ = false;
+    if (Lu.Avant == Arrêt) OublierInachevé();
+  }
+
+  // It may have been stopped before it could take in the answer.
+  void OublierInachevé() {
+    const auto Dernier = std::find_if(Lus_.rbegin(), Lus_.rend(), [](const auto& Un) { return Un.EstDeStation; });
+    if (Dernier == Lus_.rend()) return;
+    if (!EstComplet(Dernier->Octets, Dernier.base(), Lus_.end())) Lus_.erase(Dernier.base() - 1, Lus_.end());
+  }
+
   std::string Nom_;
+  bool Rompue_ = false;  // since the last message, and whether by a new start
+  bool Départ_ = false;
   std::size_t Ligne_ = 0;
   std::size_t Mauvaise_ = 0;
   std::chrono::milliseconds Jours_{};

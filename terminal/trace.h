@@ -14,12 +14,16 @@ struct MessageTracé {
   bool EstDeStation = false;  ///< otherwise the terminal's
   std::string Octets;
   std::chrono::milliseconds Quand{};
-  std::string Heure;      ///< as it stands there
-  std::size_t Ligne = 0;  ///< counted from 1
+  std::string Heure;       ///< as it stands there
+  std::size_t Ligne = 0;   ///< counted from 1
+  bool EstDuPort = false;  ///< an event, said by nobody
+  /// Ahead of it the line was broken, or messages are missing; at Arrêt another start of the station begins.
+  enum class Rupture { Aucune, Ligne, Arrêt } Avant = Rupture::Aucune;
 };
 
-/// All messages that consist of bytes, in their order. A line that was cut off because its writer was is passed over.
-/// Raises ErreurDemande, which names Nom and the line, for what is no trace.
+/// All messages that consist of bytes, in their order. A line that was cut off because its writer was is passed over,
+/// and so is what the station had begun when it was stopped, while nothing can have come of it. Raises ErreurDemande,
+/// which names Nom and the line, for what is no trace.
 [[nodiscard]] std::vector<MessageTracé> LireTrace(std::istream& Flux, const std::string& Nom);
 
 }  // namespace Rg80

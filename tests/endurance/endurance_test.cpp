@@ -62,13 +62,15 @@ class Voie {
   }
   void Vérifier(const Suivi& Changements);
   [[nodiscard]] const Poste& Lieu() const { return P_; }
+  /// The trace of all its stations, played to one on a base as it was at first.
+  void Rejouer(const std::string& Plus) const;
   Décompte Comptes;
 
  private:
   void Malmener();
   void Tuer();
   void VérifierRéponses(const Suivi& Changements);
-  void Lancer() { P_.LancerStation("interroger", "--sans-operateur --site " + Site_); }
+  void Lancer() { P_.LancerStation("interroger", "--sans-operateur --trace trace --site " + Site_); }
 
   [[nodiscard]] bool EstVide() const {
     const std::string& Dit = P_.Rg80->Dit();
@@ -166,6 +168,15 @@ void Voie::Vérifier(const Suivi& Changements) {
   EXPECT_FALSE(testing::Test::HasFailure()) << Site_ << Tout();
 }
 
+void Voie::Rejouer(const std::string& Plus) const {
+  Poste Neuf;
+  Neuf.Faire(Suivi::Tables);
+  Neuf.LancerTerminal("--rejouer " + P_.En("trace") + Plus, "");
+  Neuf.LancerStation("interroger", "--sans-operateur --site " + Site_);
+  EXPECT_EQ(Neuf.Rg80->Fin(400s), 0) << Contenu(P_.En("trace")) << Neuf.Dit();
+  EXPECT_EQ(ChargementsRentrés(*Neuf.Base(), Site_), Offerts_);
+}
+
 void Voie::VérifierRéponses(const Suivi& Changements) {
   std::set<std::string> Servis = Mortels_;
   std::size_t Rang = 0;
@@ -211,6 +222,10 @@ class Cave {
   }
   void Tenir(std::chrono::seconds Patience);
   void Vérifier(Décompte& Somme);
+  /// Each trace alone: the office and the neighbour are missing.
+  void Rejouer() const {
+    for (const Voie* Voie : {&Une_, &Autre_}) Voie->Rejouer(" --autre-base");
+  }
 
  private:
   void Corriger(ConnexionSqlite& Base);
@@ -300,10 +315,22 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   std::printf("endurance: seed %u, %lld s, bases %u", Graine, static_cast<long long>(Durée.count()), NombreCaves);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
   std::puts("");
+  Fils.clear();
+  for (Cave& Une : Caves)
+    if (EstLongue) Fils.emplace_back([&Une] { Une.Rejouer(); });
+  for (std::thread& Fil : Fils) Fil.join();
   for (const char* Nom :
        {"corrections", "fault ack-perdu", "fault bruit", "fault checksum", "fault coupe", "fault nak", "fault occupe",
         "fault retard", "fault silence", "kills", "locks", "long locks", "port losses"})
     EXPECT_TRUE(!EstLongue || Somme[Nom] > 0) << Nom;
+}
+
+/// On a base that nobody else changes, so that every figure must come back.
+TEST(Endurance, ReplayedFromItsTraceTheStationAnswersAsItDid) {
+  const auto Graine = static_cast<std::uint32_t>(Réglage("ENDURANCE_GRAINE", 4));
+  Voie Une(Graine, "1", 1, static_cast<unsigned>(Réglage("ENDURANCE_REJOUES", 20)), false, nullptr);
+  Une.Tenir(120s);
+  if (!HasFailure()) Une.Rejouer("");
 }
 
 }  // namespace Ombrey::Essais

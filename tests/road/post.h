@@ -53,8 +53,8 @@ struct Poste {
                                           "/tarvel --base cave.db --ini tarvel.ini --dossier poste --console " + Plus);
     Station->Taper(Tapé);
   }
-  void LancerTerminal(const std::string& Plus) {
-    Rg80 = std::make_unique<Programme>("cd " + En("") + " && exec " BIN_DIR "/rg80 --lien ligne --sortie recu " + Plus);
+  void LancerTerminal(const std::string& Plus, const std::string& Sortie = "--sortie recu ") {
+    Rg80 = std::make_unique<Programme>("cd " + En("") + " && exec " BIN_DIR "/rg80 --lien ligne " + Sortie + Plus);
     EXPECT_TRUE(Rg80->Attendre("ligne : ")) << Rg80->Dit();
   }
   /// The terminal has ended by itself, the station does so by command.

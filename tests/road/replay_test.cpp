@@ -38,9 +38,7 @@ TEST(Replay, OfADayIsAnsweredAsItWasAndAnotherBaseShowsWhereNot) {
   for (Poste* P : {&Neuf, &Autre}) {
     const bool Pareil = P == &Neuf;
     if (!Pareil) P->Faire("UPDATE Sélection SET QuotasSurface = QuotasSurface + 1");
-    P->Rg80 = std::make_unique<Programme>("cd " + P->En("") + " && exec " BIN_DIR "/rg80 --lien ligne --rejouer " +
-                                          Jour.En("trace"));
-    EXPECT_TRUE(P->Rg80->Attendre("ligne : ")) << P->Dit();
+    P->LancerTerminal("--rejouer " + Jour.En("trace"), "");
     P->LancerStation();
     Transférer(*P, "attendu de l'opérateur : « <ENQ>8 »", 1);
     EXPECT_EQ(P->Rg80->Fin(60s), Pareil ? 0 : 1) << P->Dit();

@@ -13,9 +13,10 @@ namespace {
 
 using namespace std::chrono_literals;
 
+const std::string Head = "# Trace de la liaison avec le RG80, forme 1, le 2026-11-22\n";
+
 TEST(Trace, NamesTheLineThatIsNone) {
-  const std::string Head = "# Trace de la liaison avec le RG80, forme 1, le 2026-11-22\n",
-                    Poll = "\tstation\t<ENQ>A\t\n";
+  const std::string Poll = "\tstation\t<ENQ>A\t\n";
   const std::pair<std::string, std::string> Rows[] = {
       {Head + "23:59:59.900" + Poll + "\n# note\n00:00:00.100\tRG80\t<NAK>A\tx\r\n", ""},  // no error: two messages
       {Head + "08:00:00.000" + Poll + "08:00:00.1\n" + Head + "08:00:00.200\tRG80\t<NAK>A\n08:0", ""},
@@ -52,8 +53,22 @@ struct Heard : ISuite {
 const std::string Recorded =
     "00 s<ENQ>A 01 r<NAK>A 20 s<ENQ>A 21 r<ACK>A 23 r<STX>L<ETX>xx 24 s<ACK> 25 s<ENQ>8 26 r<ACK>8 27 s<STX>F<ETX>yy"
     " 28 r<ACK> 29 s<EOT> 30 s<ENQ>A 31 r<NAK>A 40 s<ENQ>4 45 r<NAK>4 60 s<ENQ>A";
+// The station is stopped behind a load's frame, and again behind a request; "p" is the port, "#" a start.
+const std::string Stopped =
+    "00 s<ENQ>A 01 r<ACK>A 02 r<STX>L<ETX>xx 03 p 04 # 05 p 06 r<ACK> 07 s<ENQ>A 08 r<NAK>A 09 s<ENQ>8 10 p 11 # 12 p"
+    " 13 s<ENQ>A 14 r<NAK>A";
+// A load with its figures, a load that is refused.
+const std::string Figures =
+    "00 s<ENQ>A 01 r<ACK>A 02 r<STX>L<ETX>xx 03 s<ACK> 04 s<ENQ>8 05 r<ACK>8 06 s<STX>12<ETX>68 07 r<ACK> 08 s<EOT>"
+    " 09 s<ENQ>A 10 r<ACK>A 11 r<STX>M<ETX>xx 12 s<NAK> 13 s<ENQ>A 14 r<NAK>A";
+const std::string OtherFigures =
+    "<ENQ>A <ACK> <ENQ>8 <STX>13<ETX>69 <EOT> <ENQ>A <ACK> <ENQ>8 <STX>13<ETX>69 <EOT> <ENQ>A";
+const std::string AnsweredAlike =
+    "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@201 <ACK>@301 <ACK>A@501 <STX>M<ETX>xx@502 <ACK>8@700 <ACK>@800 <NAK>A@1001 ";
 struct Row {
   std::string Station, Said, Told;  ///< what the terminal says when, and the announcements' ends
+  std::string Trace = Recorded;
+  bool OtherBase = false;
 };
 // clang-format off
 const Row Rows[] = {
@@ -73,18 +88,29 @@ const Row Rows[] = {
     {"<ENQ>A <ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>1 <STX>X<ETX>xx <EOT> <ENQ>4 <ENQ>A",
      "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <ACK>1@600 <ACK>@700 <NAK>4@905 ",
      "« <STX>G<ETX>zz » au lieu de « <STX>F<ETX>yy ».|« <ENQ>1 » au lieu de « <ENQ>A ».|station 11, différences 2"},
-    {"<ENQ>A", "<NAK>A@1 ", "(ligne 2 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
+    {"<ENQ>A", "<NAK>A@1 ", "(ligne 3 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
+    {"<ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>A <ENQ>A",
+     "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@200 <ACK>@300 <NAK>A@501 <NAK>A@601 ",
+     "s'était arrêtée là : 2|station 7, différences 0", Stopped},
+    {OtherFigures, AnsweredAlike, "à l'autre base, non comptés : 2|différences 0", Figures, true},
+    {OtherFigures, AnsweredAlike, "différences 3", Figures},
 };
 // clang-format on
 
 TEST(Replay, AnswersAtTheSameDistanceAndTellsWhereTheStationSaysOtherwise) {
   for (const Row& Row : Rows) {
-    std::vector<MessageTracé> Messages;
-    std::istringstream Lines(Recorded), Turns(Row.Station);
+    std::string Trace;
+    std::istringstream Lines(Row.Trace), Turns(Row.Station);
     for (std::string When, Text; Lines >> When >> Text;)
-      Messages.push_back({Text[0] == 's', Bytes(Text.substr(1)), std::stoi(When) * 1ms, "h", Messages.size()});
+      Trace += Text == "#" ? Head
+                           : "08:00:00.0" + When +
+                                 (Text[0] == 's'   ? "\tstation\t"
+                                  : Text[0] == 'r' ? "\tRG80\t"
+                                                   : "\tport\t") +
+                                 Text.substr(1) + "\n";
+    std::istringstream Written(Trace);
     Heard Heard;
-    Rejeu Replay(Messages, Heard);
+    Rejeu Replay(LireTrace(Written, "f"), Heard, Row.OtherBase);
     const Instant Begin{};
     // The station speaks every 100 ms, then no more.
     for (std::string Turn; Heard.Now < 200000 && !Replay.MomentDeFin(); ++Heard.Now) {
