@@ -10,7 +10,11 @@ suffix=$([ "$dpi" = 96 ] || echo "-$dpi")
 desk_start "$width" "$height" "$dpi"
 mkdir -p "$HOME/.config/openbox"
 desk_manager
-desk_base 9600 500
+# The loads are a morning's: whatever time it is, the station's clock says half past ten.
+late=$(((10#$(date -u +%H) * 60 + 10#$(date -u +%M)) - (10 * 60 + 30)))
+[ $late -le 720 ] || late=$((late - 1440)) # half a day at most
+export TZ=$(printf 'CAVE%s%d:%02d' "$([ $late -ge 0 ] || echo -)" $((${late#-} / 60)) $((${late#-} % 60)))
+desk_base 9600 2000
 line=/dev/rg80 # where it may be made: a name that says nothing of this machine
 ln -sf "$work/rg80" $line 2>/dev/null && sed -i "s|^Port=.*|Port=$line|" "$work/tarvel.ini"
 day=$(date +%d%m%y)
@@ -23,23 +27,34 @@ start 1
 view() {
   sleep 1
   eval "$(place "$1")"
+  local sides left right top bottom
+  sides=$(xprop -id "$(window "$1")" _NET_FRAME_EXTENTS | sed 's/.*= //; s/,//g')
+  read -r left right top bottom <<<"$sides"
   # xdotool counts the frame's left and top twice.
-  import -window root -crop $((WIDTH + 2))x$((HEIGHT + 25))+$((X - 2))+$((Y - 40)) +repage "$out/$2$suffix.png"
+  import -window root -crop $((WIDTH + left + right))x$((HEIGHT + top + bottom))+$((X - 2 * left))+$((Y - 2 * top)) \
+    +repage "$out/$2$suffix.png"
 }
 main='^Tarvel – réception – '
 nine() { [ "$(grep -c '^réponse reçue' "$work/rg80.txt")" -ge 9 ]; }
 await "nine loads" nine
+await "end of the box" gone '^RG80 Ombrey$'
+view "$main" main
+await "monitoring window" shown
+sleep 3
+view '^Liste des chargements$' monitoring-errors
+eval "$(place '^Liste des chargements$')"
+xdotool mousemove --window "$(window '^Liste des chargements$')" $((15 * dpi / 96)) $((HEIGHT * 3 / 4)) click 1
+view '^Liste des chargements$' monitoring
+press '^Liste des chargements$' Escape
 kill $station && wait $station || true
 kill $rg80 && wait $rg80 || true
 # A load that is refused, and polled so seldom that its box is gone while the pictures are taken.
 echo "0010${day}103010410001010001010011000000050111x21310012" >"$work/loads"
 terminal 9600 --chargements "$work/loads"
-sed -i 's/interrogation=500/interrogation=60000/' "$work/tarvel.ini"
+sed -i 's/interrogation=2000/interrogation=60000/' "$work/tarvel.ini"
 start 2
 await "box about the refused load" seen '^RG80 Ombrey$'
 await "end of the box" gone '^RG80 Ombrey$'
-press "$main" alt+j
-view "$main" main
 press "$main" alt+r
 view "$main" refused
 press "$main" alt+l
@@ -50,10 +65,6 @@ await "port dialog" pick alt+s c '^Port du RG80$'
 view '^Port du RG80$' port
 press '^Port du RG80$' Escape
 await "closed port dialog" gone '^Port du RG80$'
-await "monitoring window" shown
-sleep 3
-view '^Liste des chargements$' monitoring
-press '^Liste des chargements$' Escape
 kill $station && wait $station || true
 kill $rg80 && wait $rg80 || true
 sed -i s/Bauds=9600/Bauds=300/ "$work/tarvel.ini"
