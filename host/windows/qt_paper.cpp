@@ -16,6 +16,7 @@ namespace Ombrey {
 
 namespace {
 constexpr int Points = 9;
+constexpr double Marge = 10;  ///< mm: what no printer cuts off from a PDF
 
 /// Lines of text, the last of them for the page's number.
 void Dessiner(QPrinter& Imprimante, const std::string& Html) {
@@ -55,6 +56,7 @@ void ÉcrirePdf(const std::string& Html, QPageSize::PageSizeId Papier, const std
   QPrinter Imprimante(QPrinter::HighResolution);
   Imprimante.setOutputFormat(QPrinter::PdfFormat);
   Imprimante.setPageSize(QPageSize(Papier));
+  Imprimante.setPageMargins({Marge, Marge, Marge, Marge}, QPageLayout::Millimeter);
   Imprimante.setCreator(QStringLiteral("Tarvel"));
   if (!DessinerEnFichier(Imprimante, Fichier, [&] { Dessiner(Imprimante, Html); }))
     throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
