@@ -21,6 +21,8 @@ constexpr auto Adieu = 500ms;
 constexpr char CodeChargement = 'A';
 constexpr char CodeRéponse = '8';
 
+bool SuitRupture(const MessageTracé& Un) { return Un.Avant != MessageTracé::Rupture::Aucune; }
+
 bool EstDemande(std::string_view Message) { return Message.size() == 2 && Message[0] == ENQ; }
 
 // For a person: the whole of what is short, and what stands around the first difference of what is long.
@@ -101,6 +103,7 @@ std::size_t Rejeu::LongueurMessage(bool Complet) const {
 
 void Rejeu::Traiter(const std::string& Message, Instant Maintenant) {
   ++Entendus_;
+  if (Message[0] == ACK) Acquitté_ = Offert_;
   const bool AuBout = Rang_ == Messages_.size();
   if (!AuBout && Message == Messages_[Rang_].Octets) return Suivre(Rang_, Maintenant);
   if (EstDemande(Message)) return TraiterDemande(Message, Maintenant);
@@ -181,9 +184,10 @@ void Rejeu::Suivre(std::size_t Rang, Instant Maintenant) {
 
 void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant Maintenant) {
   Rang_ = Station(Rang);
-  Écartée_ = Rang_ < Messages_.size() && Messages_[Rang_].Avant != MessageTracé::Rupture::Aucune;
+  Écartée_ = Rang_ < Messages_.size() && SuitRupture(Messages_[Rang_]);
   for (; Rang < Rang_; ++Rang) {
-    Écartée_ |= Messages_[Rang].Avant != MessageTracé::Rupture::Aucune;
+    Écartée_ |= SuitRupture(Messages_[Rang]) || EstCopieDouteuse(Rang);
+    if (Messages_[Rang].Octets[0] == STX) Offert_ = Messages_[Rang].Octets;
     Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets);
   }
   Abandon_.reset();
@@ -195,6 +199,13 @@ void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant M
 // In the order of the trace, whatever the distances.
 void Rejeu::Dire(Instant Départ, const std::string& Octets) {
   Envois_.push_back({Envois_.empty() ? Départ : std::max(Départ, Envois_.back().Départ), Octets});
+}
+
+// A load that the station here has acknowledged already. Behind a break the one that was stopped trusts its line less
+// than the one that wasn't, or the other way round: either may leave a copy without an answer.
+bool Rejeu::EstCopieDouteuse(std::size_t Rang) const {
+  return Messages_[Rang].Octets == Acquitté_ &&
+         std::any_of(Messages_.begin(), Messages_.begin() + static_cast<std::ptrdiff_t>(Rang), SuitRupture);
 }
 
 // The figures of a whole reply, and the answer to a load.

@@ -53,13 +53,15 @@ class Rejeu final : public IInterlocuteur {
   [[nodiscard]] std::size_t Trouver(const std::string& Octets) const;
   [[nodiscard]] bool EstRelevéVain(std::size_t Rang) const;
   [[nodiscard]] bool EstDeLOpérateur() const;
+  [[nodiscard]] bool EstCopieDouteuse(std::size_t Rang) const;
   [[nodiscard]] bool EstDeLaBase(const std::string& Message) const;
   [[nodiscard]] std::string Lieu() const;
 
   std::vector<MessageTracé> Messages_;
   ISuite& Suite_;
-  std::size_t Rang_ = 0;  // of the station's next message; the number of messages: there is none
-  std::string Dernier_;   // what the station said last in the trace
+  std::size_t Rang_ = 0;           // of the station's next message; the number of messages: there is none
+  std::string Dernier_;            // what the station said last in the trace
+  std::string Offert_, Acquitté_;  // the load's frame said last, and the one that the station here has acknowledged
   std::string Reçus_;
   Instant DernierOctet_{};
   std::deque<Envoi> Envois_;
@@ -68,11 +70,11 @@ class Rejeu final : public IInterlocuteur {
   std::size_t Entendus_ = 0;
   std::size_t Différences_ = 0;
   std::size_t DeLaBase_ = 0;      // differences that another base explains
-  std::size_t HorsDialogue_ = 0;  // what was said behind a break
+  std::size_t HorsDialogue_ = 0;  // what was said while Écartée_
   bool Commencé_ = false;
   bool Improvise_ = false;  // the last request was none of the trace
   bool AutreBase_;
-  bool Écartée_ = false;  // the next message of the trace stands behind a break, or the base has led elsewhere
+  bool Écartée_ = false;  // a break, a copy or the base has parted the station from the next message of the trace
 };
 
 }  // namespace Rg80

@@ -63,7 +63,7 @@ class Voie {
   void Vérifier(const Suivi& Changements);
   [[nodiscard]] const Poste& Lieu() const { return P_; }
   /// The trace of all its stations, played to one on a base as it was at first.
-  void Rejouer(const std::string& Plus) const;
+  void Rejouer() const;
   Décompte Comptes;
 
  private:
@@ -168,10 +168,10 @@ void Voie::Vérifier(const Suivi& Changements) {
   EXPECT_FALSE(testing::Test::HasFailure()) << Site_ << Tout();
 }
 
-void Voie::Rejouer(const std::string& Plus) const {
+void Voie::Rejouer() const {
   Poste Neuf;
   Neuf.Faire(Suivi::Tables);
-  Neuf.LancerTerminal("--rejouer " + P_.En("trace") + Plus, "");
+  Neuf.LancerTerminal("--rejouer " + P_.En("trace"), "");
   Neuf.LancerStation("interroger", "--sans-operateur --site " + Site_);
   EXPECT_EQ(Neuf.Rg80->Fin(400s), 0) << Contenu(P_.En("trace")) << Neuf.Dit();
   EXPECT_EQ(ChargementsRentrés(*Neuf.Base(), Site_), Offerts_);
@@ -222,10 +222,6 @@ class Cave {
   }
   void Tenir(std::chrono::seconds Patience);
   void Vérifier(Décompte& Somme);
-  /// Each trace alone: the office and the neighbour are missing.
-  void Rejouer() const {
-    for (const Voie* Voie : {&Une_, &Autre_}) Voie->Rejouer(" --autre-base");
-  }
 
  private:
   void Corriger(ConnexionSqlite& Base);
@@ -315,10 +311,6 @@ TEST(Endurance, EachLoadIsInOnceWithItsValuesAndItsFiguresWhateverGoesWrong) {
   std::printf("endurance: seed %u, %lld s, bases %u", Graine, static_cast<long long>(Durée.count()), NombreCaves);
   for (const auto& [Nom, Combien] : Somme) std::printf(", %s %zu", Nom.c_str(), Combien);
   std::puts("");
-  Fils.clear();
-  for (Cave& Une : Caves)
-    if (EstLongue) Fils.emplace_back([&Une] { Une.Rejouer(); });
-  for (std::thread& Fil : Fils) Fil.join();
   for (const char* Nom :
        {"corrections", "fault ack-perdu", "fault bruit", "fault checksum", "fault coupe", "fault nak", "fault occupe",
         "fault retard", "fault silence", "kills", "locks", "long locks", "port losses"})
@@ -330,7 +322,7 @@ TEST(Endurance, ReplayedFromItsTraceTheStationAnswersAsItDid) {
   const auto Graine = static_cast<std::uint32_t>(Réglage("ENDURANCE_GRAINE", 4));
   Voie Une(Graine, "1", 1, static_cast<unsigned>(Réglage("ENDURANCE_REJOUES", 20)), false, nullptr);
   Une.Tenir(120s);
-  if (!HasFailure()) Une.Rejouer("");
+  if (!HasFailure()) Une.Rejouer();
 }
 
 }  // namespace Ombrey::Essais

@@ -53,10 +53,12 @@ struct Heard : ISuite {
 const std::string Recorded =
     "00 s<ENQ>A 01 r<NAK>A 20 s<ENQ>A 21 r<ACK>A 23 r<STX>L<ETX>xx 24 s<ACK> 25 s<ENQ>8 26 r<ACK>8 27 s<STX>F<ETX>yy"
     " 28 r<ACK> 29 s<EOT> 30 s<ENQ>A 31 r<NAK>A 40 s<ENQ>4 45 r<NAK>4 60 s<ENQ>A";
-// The station is stopped behind a load's frame, and again behind a request; "p" is the port, "#" a start.
+// Stopped behind a load's frame, and again behind a request; then two copies, of which the second is left; "p" is the
+// port, "#" a start.
 const std::string Stopped =
     "00 s<ENQ>A 01 r<ACK>A 02 r<STX>L<ETX>xx 03 p 04 # 05 p 06 r<ACK> 07 s<ENQ>A 08 r<NAK>A 09 s<ENQ>8 10 p 11 # 12 p"
-    " 13 s<ENQ>A 14 r<NAK>A";
+    " 13 s<ENQ>A 14 r<NAK>A 15 s<ENQ>A 16 r<ACK>A 17 r<STX>L<ETX>xx 18 s<ACK> 19 s<ENQ>A 20 r<ACK>A 21 r<STX>L<ETX>xx"
+    " 22 s<ENQ>A 23 r<NAK>A";
 // A load with its figures, a load that is refused.
 const std::string Figures =
     "00 s<ENQ>A 01 r<ACK>A 02 r<STX>L<ETX>xx 03 s<ACK> 04 s<ENQ>8 05 r<ACK>8 06 s<STX>12<ETX>68 07 r<ACK> 08 s<EOT>"
@@ -89,9 +91,10 @@ const Row Rows[] = {
      "<NAK>A@1 <ACK>A@101 <STX>L<ETX>xx@103 <ACK>8@301 <ACK>@401 <ACK>1@600 <ACK>@700 <NAK>4@905 ",
      "« <STX>G<ETX>zz » au lieu de « <STX>F<ETX>yy ».|« <ENQ>1 » au lieu de « <ENQ>A ».|station 11, différences 2"},
     {"<ENQ>A", "<NAK>A@1 ", "(ligne 3 de la trace) : la station ne dit plus « <ENQ>A ».|station 1, différences 1"},
-    {"<ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>A <ENQ>A",
-     "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@200 <ACK>@300 <NAK>A@501 <NAK>A@601 ",
-     "s'était arrêtée là : 2|station 7, différences 0", Stopped},
+    {"<ENQ>A <ACK> <ENQ>8 <STX>G<ETX>zz <EOT> <ENQ>A <ENQ>A <ENQ>A <ENQ>A <ACK> <ENQ>A",
+     "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@200 <ACK>@300 <NAK>A@501 <NAK>A@601 <ACK>A@701 <STX>L<ETX>xx@702 <ACK>A@801 "
+     "<STX>L<ETX>xx@802 <NAK>A@1001 ",
+     "s'était arrêtée là : 4|station 11, différences 0", Stopped},
     {OtherFigures, AnsweredAlike, "à l'autre base, non comptés : 2|différences 0", Figures, true},
     {OtherFigures, AnsweredAlike, "différences 3", Figures},
 };
