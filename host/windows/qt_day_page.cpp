@@ -101,6 +101,7 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
   Milieu->setStretchFactor(0, 3);
   Milieu->setStretchFactor(1, 2);
   Milieu->setChildrenCollapsible(false);
+  Quotas_->hide();  // until there are any
   auto* const Plan = new QVBoxLayout(this);
   Plan->addLayout(Haut);
   Plan->addWidget(Milieu, 1);
