@@ -7,9 +7,13 @@
 #include <utility>
 
 #include "base/failures.h"
+#include "base/files.h"
+#include "base/text_helpers.h"
 #include "host/day_view.h"
 #include "host/diagnostic.h"
+#include "host/new_file.h"
 #include "host/station_register.h"
+#include "platform/console/typed_text.h"
 #include "platform/system/settings_files.h"
 
 namespace Tarvel {
@@ -51,6 +55,12 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
 void ÉditionConsole::SuivreLiaison(const Ombrey::JournalLiaison& Journal) {
   Commandes_.Ajouter({"ligne", "", "ce qui vient de passer sur la ligne", QuandPermise::Toujours,
                       [&](const std::string&) { MontrerLigne(Journal); }});
+  Commandes_.Ajouter(
+      {"trace", "FICHIER", "enregistre la trace des dernières heures, que « rg80 --rejouer » sait relire",
+       QuandPermise::EntreDeux, [&](const std::string& Nom) {
+         Sortie_.Ligne("trace : " + ÉcrireNouveau(Ombrey::Chemin(Nom),
+                                                  [&](const auto& Fichier) { return Journal.Enregistrer(Fichier); }));
+       }});
 }
 
 /// The last messages of the line, the oldest first.
@@ -67,43 +77,73 @@ void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal) {
   }
 }
 
-void ÉditionConsole::AjouterTableau(const char* Nom, const char* Aide, std::function<Rangées()> Lire) {
-  Commandes_.Ajouter({Nom, "", Aide, QuandPermise::EntreDeux, [this, Nom, Lire = std::move(Lire)](const std::string&) {
-                        const Rangées Toutes = Lire();
-                        Sortie_.Ligne(std::string(Nom) + " : " + std::to_string(Toutes.size() - 1));
-                        for (const auto& Rangée : Toutes) {
-                          std::string Ligne = "  ";
-                          for (const std::string& Texte : Rangée) Ligne += Texte + " | ";
-                          Sortie_.Ligne(Ligne);
-                        }
-                      }});
+void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
+                                    std::function<Rangées(const std::string&)> Lire) {
+  Commandes_.Ajouter(
+      {Nom, Argument, Aide, QuandPermise::EntreDeux, [this, Nom, Lire = std::move(Lire)](const std::string& Mots) {
+         const Rangées Toutes = Lire(Mots);
+         Sortie_.Ligne(std::string(Nom) + " : " + std::to_string(Toutes.size() - 1));
+         for (const auto& Rangée : Toutes) {
+           std::string Ligne = "  ";
+           for (const std::string& Texte : Rangée) Ligne += Texte + " | ";
+           Sortie_.Ligne(Ligne);
+         }
+       }});
+}
+
+Journée ÉditionConsole::LireJour(const std::string& Mots) const {
+  const std::size_t FinMot = std::min(Mots.find_first_of(Ombrey::Blancs), Mots.size());
+  const bool Tous = Ombrey::FormeComparable(Mots.substr(0, FinMot)) == "tous";
+  const auto Base = Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO());
+  const std::string Site = Tous ? "" : Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant();
+  return Filtrer(LireJournée(*Base, Site), Tous ? Mots.substr(FinMot) : Mots);
+}
+
+/// A base that can't be read is said to be so, and the link told all the same.
+std::string ÉditionConsole::TexteÉtat() const {
+  const std::string Liaison = "état : " + Aperçu_.TexteLiaison() + ". " + Aperçu_.TexteRelevé() + ". ";
+  const bool EstSurServeur = !FichierDeBase(Options_.Base);
+  std::string Laquelle = TexteBase(Options_.NomBase(), EstSurServeur);
+  if (!Base_) return Liaison + Laquelle;
+  Ombrey::ErreurEnAttente Erreur;
+  const bool Lue = Ignorer(Erreur, [&] {
+    Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
+    Laquelle = TexteDernier(LireJour("")) + ". " + Laquelle;
+  });
+  return Liaison + Laquelle + (Lue ? "" : ". La base ne répond pas : " + Erreur.Texte());
 }
 
 /// What the windows show at a glance.
 void ÉditionConsole::AjouterVues() {
   const auto Base = [this] { return Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO()); };
-  const auto Jour = [this, Base] { return LireJournée(*Base(), Base_->KVSynchro()->CodeSiteCourant()); };
   const auto Dire = [this](const char* Nom, const char* Aide, const std::function<std::string()>& Texte) {
     Commandes_.Ajouter(
         {Nom, "", Aide, QuandPermise::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
   };
-  Dire("etat", "la liaison et le prochain relevé",
-       [this] { return "état : " + Aperçu_.TexteLiaison() + ". " + Aperçu_.TexteRelevé(); });
+  constexpr const char* Choix = "[tous] [MOTS]";
+  Dire("etat", "la liaison, le prochain relevé, le dernier chargement et la base", [this] { return TexteÉtat(); });
   Dire("diagnostic", "examine réglages, port, base et dossier", [this] { return TexteDiagnostic(Options_); });
-  AjouterTableau("journee", "les chargements du jour de ce site", [Jour] { return TableauChargements(Jour(), {}); });
-  AjouterTableau("sommes", "leurs sommes par appellation et classe", [Jour] { return TableauSommes(Jour(), {}); });
-  AjouterTableau("quotas", "les quotas du jour et ce qui reste", [Jour] { return TableauQuotas(Jour()); });
-  AjouterTableau("archive", "les 1000 derniers chargements dont un autre a repris le numéro",
-                 [Base] { return TableauArchive(*Base(), {}); });
-  AjouterTableau("stations", "les stations qui travaillent sur la base",
-                 [Base] { return TableauStations(*Base(), {}); });
-  AjouterTableau("refuses", "les chargements que la station refuse", [this] { return Aperçu_.Refusés(); });
+  AjouterTableau("journee", Choix, "les chargements du jour, de ce site ou de tous, qui contiennent tous ces mots",
+                 [this](const std::string& Mots) { return TableauChargements(LireJour(Mots), {}); });
+  AjouterTableau("sommes", Choix, "leurs sommes par appellation et classe",
+                 [this](const std::string& Mots) { return TableauSommes(LireJour(Mots), {}); });
+  AjouterTableau("heures", Choix, "leur tonnage par heure",
+                 [this](const std::string& Mots) { return TableauHeures(LireJour(Mots)); });
+  AjouterTableau("restes", "", "les quotas du jour et ce qui reste",
+                 [this](const std::string&) { return TableauQuotas(LireJour("")); });
+  AjouterTableau("archive", "", "les 1000 derniers chargements dont un autre a repris le numéro",
+                 [Base](const std::string&) { return TableauArchive(*Base(), {}); });
+  AjouterTableau("stations", "", "les stations qui travaillent sur la base",
+                 [Base](const std::string&) { return TableauStations(*Base(), {}); });
+  AjouterTableau("refuses", "", "les chargements que la station refuse",
+                 [this](const std::string&) { return Aperçu_.Refusés(); });
   Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
                       QuandPermise::EntreDeux, [this](const std::string& Rang) {
                         Sortie_.Ligne(
                             Aperçu_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
                       }});
-  AjouterTableau("alire", "les boîtes auxquelles personne n'a répondu", [this] { return Aperçu_.NonLus(); });
+  AjouterTableau("alire", "", "les boîtes auxquelles personne n'a répondu",
+                 [this](const std::string&) { return Aperçu_.NonLus(); });
   Commandes_.Ajouter(
       {"lu", "", "vide cette liste", QuandPermise::EntreDeux, [this](const std::string&) { Aperçu_.ToutEstLu(); }});
 }

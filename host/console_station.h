@@ -43,7 +43,12 @@ class ÉditionConsole final : public IÉdition {
  private:
   void MontrerLigne(const Ombrey::JournalLiaison& Journal);
   void AjouterVues();
-  void AjouterTableau(const char* Nom, const char* Aide, std::function<Rangées()> Lire);
+  void AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
+                      std::function<Rangées(const std::string&)> Lire);
+  /// The state of the link, the last load and the base.
+  [[nodiscard]] std::string TexteÉtat() const;
+  /// This site's loads, behind the word « tous » those of all, in which all other words stand.
+  [[nodiscard]] Journée LireJour(const std::string& Mots) const;
   [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
 
   const Options& Options_;

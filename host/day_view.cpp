@@ -2,6 +2,7 @@
 #include "host/day_view.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cmath>
 #include <cstdlib>
 #include <map>
@@ -151,6 +152,31 @@ Journée Filtrer(const Journée& Toute, const std::string& Mots) {
   return Jour;
 }
 
+std::string TexteDernier(const Journée& Jour) {
+  if (Jour.Chargements.empty()) return "Aucun chargement aujourd'hui";
+  const ChargementDuJour& Un = Jour.Chargements.front();
+  return "Dernier : n° " + Un.Numéro + ", " + Entier(Un.Masse) + " kg, " + Un.Heure;
+}
+
+std::string TexteBase(const std::string& Nom, bool EstSurServeur, Ombrey::IDatabase* Base) {
+  if (!EstSurServeur) return "Base locale : " + Nom;
+  const std::string Texte = "Base sur serveur : " + Nom;
+  if (Base == nullptr) return Texte;
+  using std::chrono::steady_clock;
+  const auto Début = steady_clock::now();
+  (void)Base->OpenRecordset("SELECT 1", Ombrey::TypeRecordset::VersLAvant);
+  const auto Délai = std::chrono::floor<std::chrono::milliseconds>(steady_clock::now() - Début);
+  return Texte + ", " + std::to_string(Délai.count()) + " ms";
+}
+
+std::string Tonnes(double Kilos) {
+  std::string Texte = std::to_string(std::round(Kilos / 100) / 10);  // six decimals
+  const std::size_t Point = Texte.find('.');
+  if (Point == std::string::npos) return Texte + " t";
+  Texte[Point] = ',';
+  return Texte.substr(0, Point + 2) + " t";
+}
+
 Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {
   Rangées Tableau{{"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", Ombrey::Phrase::ClasseSanitaire,
                    "Propriétaire", "Récoltant"}};
@@ -173,6 +199,14 @@ Rangées TableauQuotas(const Journée& Jour) {
   Rangées Tableau{{"Appellation", "Quota du jour", "Reçu", "Reste"}};
   for (const QuotaDuJour& Un : Jour.Quotas)
     Tableau.push_back({Un.Appellation, Entier(Un.Quota), Entier(Un.Reçu), Entier(Un.Quota - Un.Reçu)});
+  return Tableau;
+}
+
+Rangées TableauHeures(const Journée& Jour) {
+  Rangées Tableau{{"Heure", "Tonnage"}};
+  for (std::size_t Heure = 0; Heure < Jour.MasseParHeure.size(); ++Heure)
+    if (Jour.MasseParHeure[Heure] > 0)
+      Tableau.push_back({std::to_string(Heure) + " h", Tonnes(Jour.MasseParHeure[Heure])});
   return Tableau;
 }
 

@@ -58,11 +58,22 @@ struct Journée {
 /// quotas stay.
 [[nodiscard]] Journée Filtrer(const Journée& Toute, const std::string& Mots);
 
-/// Rows as texts, their headings first: loads, sums and quotas.
+/// The newest load's number, weight and time, or that there is none.
+[[nodiscard]] std::string TexteDernier(const Journée& Jour);
+
+/// Which database, and where. Of a server's also what one question and its answer take, when Base is there; raises
+/// what that question raises.
+[[nodiscard]] std::string TexteBase(const std::string& Nom, bool EstSurServeur, Ombrey::IDatabase* Base = nullptr);
+
+/// As « 12,3 t ».
+[[nodiscard]] std::string Tonnes(double Kilos);
+
+/// Rows as texts, their headings first: loads, sums, quotas, and the hours that have brought something.
 using Rangées = std::vector<std::vector<std::string>>;
 [[nodiscard]] Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes);
 [[nodiscard]] Rangées TableauSommes(const Journée& Jour, const Ombrey::Régional& Formes);
 [[nodiscard]] Rangées TableauQuotas(const Journée& Jour);
+[[nodiscard]] Rangées TableauHeures(const Journée& Jour);
 
 /// The latest 1,000 loads whose number another one has taken over, the latest first.
 [[nodiscard]] Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes);

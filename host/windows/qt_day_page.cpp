@@ -6,6 +6,7 @@
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 #include "platform/qt/qt_load_grid.h"
@@ -16,12 +17,9 @@ namespace Ombrey {
 namespace {
 constexpr int LignesHistogramme = 7;  ///< its height in lines of text
 constexpr int LignesLisibles = 4;
-constexpr int KgParTonne = 1000;
 /// Hours that are shown even when they brought nothing.
 constexpr int PremièreHeure = 7;
 constexpr int DernièreHeure = 20;
-
-QString Tonnes(double Kilos) { return QLocale(QLocale::French).toString(Kilos / KgParTonne, 'f', 1); }
 }  // namespace
 
 HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
@@ -30,11 +28,10 @@ HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
   setAccessibleName(QStringLiteral("Tonnage par heure"));
 }
 
-void HistogrammeQt::Montrer(const std::array<double, 24>& MasseParHeure) {
-  if (std::exchange(Masses_, MasseParHeure) == MasseParHeure) return;
+void HistogrammeQt::Montrer(const Tarvel::Journée& Jour) {
+  if (std::exchange(Masses_, Jour.MasseParHeure) == Jour.MasseParHeure) return;
   QStringList Dites;
-  for (std::size_t Heure = 0; Heure < Masses_.size(); ++Heure)
-    if (Masses_[Heure] > 0) Dites << QStringLiteral("%1 h : %2 t").arg(Heure).arg(Tonnes(Masses_[Heure]));
+  for (const auto& Rangée : TableauHeures(Jour) | std::views::drop(1)) Dites << Texte(Rangée[0] + " : " + Rangée[1]);
   setToolTip(Dites.join(QLatin1Char('\n')));
   setAccessibleDescription(Dites.join(QStringLiteral(", ")));
   update();
@@ -67,8 +64,7 @@ void HistogrammeQt::paintEvent(QPaintEvent* /*Événement*/) {
     Peintre.setPen(palette().color(QPalette::WindowText));
     Peintre.drawText(QRect(Gauche, Bas, Pas, Ligne), Qt::AlignCenter, QStringLiteral("%1 h").arg(Heure));
     if (Masse > 0)
-      Peintre.drawText(QRect(Gauche, Bas - Haut - Ligne, Pas, Ligne), Qt::AlignCenter,
-                       Tonnes(Masse) + QStringLiteral(" t"));
+      Peintre.drawText(QRect(Gauche, Bas - Haut - Ligne, Pas, Ligne), Qt::AlignCenter, Texte(Tarvel::Tonnes(Masse)));
   }
 }
 
@@ -138,8 +134,8 @@ void PageJournéeQt::Afficher(bool Nouveautés) {
   Ombrey::Remplir(*Sommes_, TableauSommes(Jour, Formes_), false);
   Ombrey::Remplir(*Quotas_, TableauQuotas(Jour), false);
   Quotas_->setVisible(!Jour.Quotas.empty());
-  Heures_->Montrer(Jour.MasseParHeure);
-  Total_->setText(QStringLiteral("%1 chargements, %2 t").arg(Jour.Chargements.size()).arg(Tonnes(Jour.Masse())));
+  Heures_->Montrer(Jour);
+  Total_->setText(Texte(std::to_string(Jour.Chargements.size()) + " chargements, " + Tarvel::Tonnes(Jour.Masse())));
 }
 
 }  // namespace Ombrey

@@ -20,7 +20,7 @@ namespace Ombrey {
 class HistogrammeQt : public QWidget {
  public:
   explicit HistogrammeQt(QWidget* Parent);
-  void Montrer(const std::array<double, 24>& MasseParHeure);
+  void Montrer(const Tarvel::Journée& Jour);
   [[nodiscard]] QSize sizeHint() const override;
 
  protected:

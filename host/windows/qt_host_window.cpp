@@ -3,7 +3,6 @@
 
 #include <QApplication>
 #include <QCloseEvent>
-#include <QElapsedTimer>
 #include <QMenuBar>
 #include <QScreen>
 #include <QStatusBar>
@@ -277,31 +276,20 @@ void FenêtrePrincipaleQt::ActualiserFaits() {
 void FenêtrePrincipaleQt::Actualiser() {
   if (!Base_) return;
   ErreurEnAttente Erreur;
-  QElapsedTimer Chrono;
-  Chrono.start();
-  QString Délai;
+  std::string Laquelle = Tarvel::TexteBase(Sujet_.Base, Sujet_.EstSurServeur);
   const bool Lue = Ignorer(Erreur, [&] {
-    // What one question and its answer take.
-    if (Sujet_.EstSurServeur) (void)Exiger(Base_->BaseDAO())->OpenRecordset("SELECT 1", TypeRecordset::VersLAvant);
-    if (Sujet_.EstSurServeur) Délai = QStringLiteral(", %1 ms").arg(Chrono.elapsed());
     const auto Base = Exiger(Base_->BaseDAO());
+    Laquelle = Tarvel::TexteBase(Sujet_.Base, Sujet_.EstSurServeur, Base.get());
     Lire(*Base, Exiger(Base_->KVSynchro())->CodeSiteCourant());
   });
-  const QString Nom = QString::fromUtf8(Sujet_.EstSurServeur ? "Base sur serveur : " : "Base locale : ");
-  Bandeau_->DireBase(Nom + Texte(Sujet_.Base) + Délai, Lue ? QString() : Texte(Erreur.Texte()));
+  Bandeau_->DireBase(Texte(Laquelle), Lue ? QString() : Texte(Erreur.Texte()));
   if (!Lue) État_->Dire(QStringLiteral("La base ne répond pas : ") + SurUneLigne(Erreur.Texte()));
 }
 
 void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
   Site_ = Site;
   Tarvel::Journée Jour = Tarvel::LireJournée(Base, Journée_->TousLesSites() ? "" : Site);
-  if (!Jour.Chargements.empty()) {
-    const Tarvel::ChargementDuJour& Un = Jour.Chargements.front();
-    Bandeau_->DireDernier(QStringLiteral("Dernier : n° %1, %2 kg, %3")
-                              .arg(Texte(Un.Numéro))
-                              .arg(Un.Masse, 0, 'f', 0)
-                              .arg(Texte(Un.Heure)));
-  }
+  if (!Jour.Chargements.empty()) Bandeau_->DireDernier(Texte(TexteDernier(Jour)));
   Journée_->Montrer(std::move(Jour));
   Pages_->setTabVisible(Pages_->indexOf(Stations_), Tarvel::SontPlusieurs(Base));
   // In a turn of the loop of its own.

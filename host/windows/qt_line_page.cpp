@@ -113,10 +113,7 @@ PageLigneQt::PageLigneQt(QWidget* Parent, const ContexteQt& Contexte, const Jour
   connect(Bouton, &QPushButton::clicked, this, [this, &Contexte, &Journal] {
     EnregistrerSous(this, Contexte,
                     {QStringLiteral("Enregistrer la trace"), QStringLiteral("ligne"), QStringLiteral("trace")},
-                    [&Journal](const std::filesystem::path& Fichier) {
-                      Journal.Enregistrer(Fichier);
-                      return "La trace est dans " + Fichier.string() + ".";
-                    });
+                    [&Journal](const std::filesystem::path& Fichier) { return Journal.Enregistrer(Fichier); });
   });
   auto* const Bas = new QHBoxLayout;
   Bas->addWidget(Fautes, 1);

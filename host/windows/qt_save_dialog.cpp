@@ -5,11 +5,10 @@
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QPointer>
-#include <system_error>
 #include <utility>
 
-#include "base/failures.h"
 #include "base/files.h"
+#include "host/new_file.h"
 #include "platform/qt/qt_message_box.h"
 
 namespace Ombrey {
@@ -26,16 +25,6 @@ class IcônesSansLecture : public QObject, public QFileIconProvider {
     return Lequel.isDir() ? QStringLiteral("Dossier") : Lequel.suffix();
   }
 };
-
-std::string Accomplir(const std::filesystem::path& Fichier,
-                      const std::function<std::string(const std::filesystem::path&)>& Écrire) {
-  std::error_code Erreur;
-  if (std::filesystem::exists(Fichier, Erreur))
-    return "Le fichier " + TexteChemin(Fichier) + " existe déjà : donnez un autre nom.";
-  std::string Dit;
-  ErreurEnAttente Échec;
-  return Ignorer(Échec, [&] { Dit = Écrire(Fichier); }) ? Dit : Échec.Texte();
-}
 }  // namespace
 
 void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierDemandé& Quoi,
@@ -55,7 +44,7 @@ void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierD
   QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
                    [&Contexte, Tenu = QPointer(Parent), Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
                      Contexte.Boucle.Poser([&Contexte, Tenu, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
-                       MontrerBoîte(Contexte, Tenu, Accomplir(Fichier, Écrire), Titre);
+                       MontrerBoîte(Contexte, Tenu, Tarvel::ÉcrireNouveau(Fichier, Écrire), Titre);
                      });
                    });
   Dialogue->show();

@@ -63,7 +63,8 @@ const CommandeConsole* CommandesConsole::Trouver(const std::string& Mot) const {
 }
 
 std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::string& Argument) const {
-  if (Argument.empty() != Commande.Argument.empty()) return "la commande s'écrit « " + Usage(Commande) + " ».";
+  if (!Commande.Argument.starts_with('[') && Argument.empty() != Commande.Argument.empty())
+    return "la commande s'écrit « " + Usage(Commande) + " ».";
   if (Commande.Quand == QuandPermise::Toujours || Commande.Quand == QuandPermise::EntreDeux) return "";
   if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
   if (Commande.Quand == QuandPermise::HorsBoîte) return "";
@@ -151,6 +152,7 @@ void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Li
 
 void CommandesConsole::Lister() {
   if (Fenêtres_.VueSuivi() != nullptr) Fenêtres_.VueSuivi()->Gestes().Form_Activate();  // reads the loads again
+  Fenêtres_.PomperCeQuiEstDû();  // in the midst of an exchange the window leaves that to the loop
   const auto* const Vue = Fenêtres_.VueSuivi();
   Montrer("liste", Vue == nullptr ? std::vector<std::string>() : Vue->Tableau(), 1, "aucun");
 }

@@ -24,7 +24,7 @@ enum class QuandPermise {
 
 struct CommandeConsole {
   std::string Nom;       ///< small letters without accents
-  std::string Argument;  ///< how the help calls it; empty: the command takes none
+  std::string Argument;  ///< how the help calls it, in brackets where it may be missing; empty: the command takes none
   std::string Aide;
   QuandPermise Quand;
   std::function<void(const std::string& Argument)> Faire;

@@ -97,6 +97,12 @@ void FenêtresConsole::PomperTantQue(const std::function<bool()>& Dure) {
   while (!EnFin_ && Dure()) Boucle_.Pomper(PatienceParPompe);
 }
 
+void FenêtresConsole::PomperCeQuiEstDû() {
+  bool Passé = false;
+  const IBoucle::Jeton Fin = Boucle_.Après(std::chrono::milliseconds(0), [&Passé] { Passé = true; });
+  while (!EnFin_ && !Passé) Boucle_.Pomper(PatienceParPompe);
+}
+
 FenêtresConsole::Occupation::~Occupation() {
   --Fenêtres_.Occupée_;
   Fenêtres_.SignalerDisponibilité();

@@ -74,6 +74,9 @@ class FenêtresConsole : public IFenêtres {
   /// if nothing were under way: the wait is for him.
   void PomperTantQue(const std::function<bool()>& Dure);
 
+  /// Runs what the loop has been given for at once. The operator's next command waits.
+  void PomperCeQuiEstDû();
+
   /// While a command runs, and waits for anything but the operator, the operator's next one is held back.
   class Occupation {
    public:

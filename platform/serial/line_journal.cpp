@@ -1,7 +1,6 @@
 // The traffic of the last hours.
 #include "platform/serial/line_journal.h"
 
-#include <string>
 #include <utility>
 
 #include "base/files.h"
@@ -29,7 +28,7 @@ void JournalLiaison::Ajouter(MessageLiaison Message) {
   }
 }
 
-void JournalLiaison::Enregistrer(const std::filesystem::path& Fichier) const {
+std::string JournalLiaison::Enregistrer(const std::filesystem::path& Fichier) const {
   std::string Texte;
   std::string Jour;
   for (const MessageLiaison& Un : Messages_) {
@@ -37,6 +36,7 @@ void JournalLiaison::Enregistrer(const std::filesystem::path& Fichier) const {
     Texte += LigneTrace(Un);
   }
   EcrireFichier(Fichier, Texte);
+  return "La trace est dans " + TexteChemin(Fichier) + ".";
 }
 
 }  // namespace Ombrey

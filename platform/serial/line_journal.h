@@ -5,6 +5,7 @@
 #include <deque>
 #include <filesystem>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "platform/serial/line_messages.h"
@@ -21,8 +22,8 @@ class JournalLiaison {
   [[nodiscard]] const std::deque<MessageLiaison>& Messages() const { return Messages_; }
   /// How many there have been, those included that aren't kept any more.
   [[nodiscard]] std::uint64_t Nombre() const { return Nombre_; }
-  /// All that is kept, as a trace. Raises ErreurExécution.
-  void Enregistrer(const std::filesystem::path& Fichier) const;
+  /// Writes all that is kept, as a trace, and says where it is. Raises ErreurExécution.
+  [[nodiscard]] std::string Enregistrer(const std::filesystem::path& Fichier) const;
 
  private:
   std::deque<MessageLiaison> Messages_;

@@ -67,7 +67,11 @@ class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGest
     Imprimante->TerminerDocument();
   }
   void BtnMasquer_Click() override { Suivi.reset(); }
-  void Form_Activate() override { Suivi->RemplirGrille({"N°", "Propriétaire"}, {{"7", "Estève Anaïs"}, {"12", ""}}); }
+  void Form_Activate() override {
+    Relecture = Édition.Boucle().Après(0ms, [this] {
+      if (Suivi) Suivi->RemplirGrille({"N°", "Propriétaire"}, {{"7", "Estève Anaïs"}, {"12", ""}});
+    });
+  }
   void BtnTransférer_Click() override {
     Transfert->Cocher("ChkBadges", false);
     for (const bool Active : {false, false, true, true}) Transfert->Activer(Active);
@@ -87,6 +91,7 @@ class Séance : public Tarvel::IGestesStation, public IGestesSuivi, public IGest
 
  private:
   int Impressions = 0;
+  IBoucle::Jeton Relecture;
   void Noter(const std::string& Geste) const { SortieConsole(T.Console.Numéro()).Ligne("> " + Geste); }
   void Demander(const char* Titre, BoutonsBoîte Boutons) {
     constexpr const char* Réponses[] = {"ok", "recommencer", "annuler"};

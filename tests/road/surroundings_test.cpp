@@ -72,8 +72,11 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
     EXPECT_TRUE(P.Station->Attendre("hôte : Le chargement n° 12 du site 1, arrivé le " + Arrivée +
                                     " (exploitation 4, 1000 kg), passe dans ChargementArchive"))
         << P.Dit();
-    P.Station->Taper("liste");
-    EXPECT_TRUE(P.Station->Attendre("liste : 1\n")) << P.Dit();
+    P.Station->Taper("liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\netat");
+    for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 5\n",
+                           "trace : La trace est dans t.", "trace : Le fichier t existe déjà",
+                           "Dernier : n° 12, 1234 kg, 08:30. Base locale : cave.db"})
+      EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
     P.Finir("1 1 1");
     EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
                        " FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),
