@@ -43,7 +43,7 @@ bool CommandesConsole::Exécuter(const std::string& Ligne) {
   const std::size_t FinMot = std::min(Texte.find_first_of(Blancs), Texte.size());
   const CommandeConsole* Commande = Trouver(FormeComparable(Texte.substr(0, FinMot)));
   const bool Urgente = Commande != nullptr && Commande->Quand == QuandPermise::Toujours;
-  if (Fenêtres_.Occupée() && !Urgente) return false;
+  if (Fenêtres_.Retient() || (Fenêtres_.Occupée() && !Urgente)) return false;
   if (Ligne.size() > EntréeConsole::LongueurMax) {
     Indiquer("ligne trop longue, ignorée.");
   } else if (Question_ && !Fenêtres_.BoîteOuverte() && !Urgente) {
@@ -151,8 +151,12 @@ void CommandesConsole::AjouterListe(const char* Nom, const char* Aide, Onglet Li
 }
 
 void CommandesConsole::Lister() {
-  if (Fenêtres_.VueSuivi() != nullptr) Fenêtres_.VueSuivi()->Gestes().Form_Activate();  // reads the loads again
-  Fenêtres_.PomperCeQuiEstDû();  // in the midst of an exchange the window leaves that to the loop
+  if (auto* const Périmée = Fenêtres_.VueSuivi()) {
+    Périmée->OublierGrille();
+    Périmée->Gestes().Form_Activate();  // reads the loads again
+    // In the midst of an exchange the window leaves that to the loop.
+    if (!Périmée->GrilleLue()) Fenêtres_.PomperCeQuiEstDû();
+  }
   const auto* const Vue = Fenêtres_.VueSuivi();
   Montrer("liste", Vue == nullptr ? std::vector<std::string>() : Vue->Tableau(), 1, "aucun");
 }

@@ -55,6 +55,7 @@ void VueSuiviConsole::Cacher() {
 void VueSuiviConsole::RemplirGrille(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées) {
   Entêtes_ = std::move(Entêtes);
   Grille_ = std::move(Rangées);
+  GrilleLue_ = true;
 }
 
 void VueSuiviConsole::InsérerLigne(Onglet Liste, std::size_t Rang, const std::string& Texte, bool Coché) {

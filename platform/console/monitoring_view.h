@@ -52,6 +52,9 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   [[nodiscard]] IGestesSuivi& Gestes() { return Gestes_; }
   /// The lines of a list as the console shows them, the oldest first.
   [[nodiscard]] std::vector<std::string> Lignes(Onglet Liste) const;
+  void OublierGrille() { GrilleLue_ = false; }
+  /// Whether the grid was filled since it was last called forgotten; until then it stands as it was.
+  [[nodiscard]] bool GrilleLue() const { return GrilleLue_; }
   /// The grid as a table with lined-up columns, its headings on top.
   [[nodiscard]] std::vector<std::string> Tableau() const;
 
@@ -76,6 +79,7 @@ class VueSuiviConsole : public IVueSuiviChargnt {
   Onglet Courant_ = Onglet::Suivis;
   std::vector<std::string> Entêtes_;
   std::vector<std::vector<std::string>> Grille_;
+  bool GrilleLue_ = false;
   Rectangle Place_;
 };
 

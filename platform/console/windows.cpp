@@ -93,11 +93,13 @@ std::unique_ptr<IVueChargntDonnées> FenêtresConsole::CréerVueChargntDonnées(
 
 void FenêtresConsole::PomperTantQue(const std::function<bool()>& Dure) {
   const Rétablir Libre(Occupée_, 0);
+  const Rétablir Ouvert(Retenue_, 0);
   SignalerDisponibilité();
   while (!EnFin_ && Dure()) Boucle_.Pomper(PatienceParPompe);
 }
 
 void FenêtresConsole::PomperCeQuiEstDû() {
+  const Rétablir Retenus(Retenue_, 1);
   bool Passé = false;
   const IBoucle::Jeton Fin = Boucle_.Après(std::chrono::milliseconds(0), [&Passé] { Passé = true; });
   while (!EnFin_ && !Passé) Boucle_.Pomper(PatienceParPompe);

@@ -74,8 +74,9 @@ class FenêtresConsole : public IFenêtres {
   /// if nothing were under way: the wait is for him.
   void PomperTantQue(const std::function<bool()>& Dure);
 
-  /// Runs what the loop has been given for at once. The operator's next command waits.
+  /// Runs what the loop has been given for at once. The operator's next command waits, whichever it is.
   void PomperCeQuiEstDû();
+  [[nodiscard]] bool Retient() const { return Retenue_ > 0; }
 
   /// While a command runs, and waits for anything but the operator, the operator's next one is held back.
   class Occupation {
@@ -116,6 +117,7 @@ class FenêtresConsole : public IFenêtres {
   bool EntréeFermée_ = false;
   bool EnFin_ = false;
   int Occupée_ = 0;
+  int Retenue_ = 0;
   std::optional<std::string> FichierImpression_;
   std::vector<std::shared_ptr<BoîteEnCours>> Boîtes_;  ///< open and not yet answered, the innermost last
   VueSuiviConsole* VueSuivi_ = nullptr;

@@ -107,6 +107,7 @@ struct CasSéance {
 
 const std::string Dedans = "boîte «Dedans» (Recommencer, Annuler) : Une ⏎ ligne\n";
 const std::string Dehors = "boîte «Dehors» (OK) : Une ⏎ ligne\n";
+const std::string Liste = "liste : 2\n  N° | Propriétaire\n  7  | Estève Anaïs\n  12 |\n";
 const std::string Ouverte = "fenêtre « Transfert » ouverte\n  En attente (F6).\n  [x] Coopérateurs [x] Badges\n";
 
 TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
@@ -124,9 +125,9 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
       {"masquer\nliste\nmessages\nerreurs\nimprimer f\nquotas\n",
        "liste : aucun\nmessages : aucun\nerreurs : aucune\nconsole : la liste des erreurs est vide, rien n'est imprimé.\n"
        "console : il n'y a pas encore de fenêtre des chargements.\n> fin\n"},
+      {"liste\nfin\n", Liste + "> fin\n> fin\n"},
       {" \r\n  LISTE  \r\n\nd\xE9part\nbouton de trop\nimprimer\n" + std::string(10000, 'x') + "\nok",
-       "liste : 2\n  N° | Propriétaire\n  7  | Estève Anaïs\n  12 |\n"
-       "console : commande inconnue : « départ ». « aide » donne la liste des commandes.\n"
+       Liste + "console : commande inconnue : « départ ». « aide » donne la liste des commandes.\n"
        "console : la commande s'écrit « bouton ».\nconsole : la commande s'écrit « imprimer FICHIER ».\n"
        "console : ligne trop longue, ignorée.\nconsole : aucune boîte n'attend de réponse.\n> fin\n"},
       // Boxes are answered from the inside, by buttons that they have, and by themselves when nobody can.

@@ -73,7 +73,7 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
                                     " (exploitation 4, 1000 kg), passe dans ChargementArchive"))
         << P.Dit();
     P.Station->Taper("liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\netat");
-    for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 5\n",
+    for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 7\n",
                            "trace : La trace est dans t.", "trace : Le fichier t existe déjà",
                            "Dernier : n° 12, 1234 kg, 08:30. Base locale : cave.db"})
       EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
