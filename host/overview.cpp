@@ -1,6 +1,7 @@
 // What the operator is told at a glance.
 #include "host/overview.h"
 
+#include <algorithm>
 #include <cmath>
 #include <ctime>
 #include <utility>
@@ -106,6 +107,12 @@ std::string Moment(const DateHeure& Quand) {
   return TexteFormaté(Quand, Aujourdhui ? "hh:nn" : "jj/mm hh:nn");
 }
 
+std::string ÀFaireDe(const FaitRépété& Refusé) {
+  if (!Refusé.Partie) return Refusé.ÀFaire;
+  return "N'est plus proposé par le RG80 depuis " + Moment(*Refusé.Partie) +
+         " : si personne ne l'y a effacé exprès, l'y saisir à nouveau.";
+}
+
 }  // namespace
 
 Ombrey::TémoinsFenêtres Aperçu::Témoins() {
@@ -175,6 +182,12 @@ void Aperçu::NoterTransfert(bool Ouverte) {
 }
 
 bool Aperçu::NoterTexte(const std::string& Texte) {
+  // Its queue is empty: a load that was refused has been deleted there.
+  if (Texte.find(Ombrey::Phrase::RienÀRécupérer) != std::string::npos) {
+    const bool EstNouveau = Refus_.LaisserPartir(HeureLocale());
+    if (EstNouveau) Changer();
+    return EstNouveau;
+  }
   Refus Lu = LireRefus(Texte);
   // A holding that couldn't be looked for isn't known to be missing.
   if (Lu.Motif.starts_with(Ombrey::Phrase::ExploitationIntrouvable) && EstSansRecherche())
@@ -194,6 +207,8 @@ void Aperçu::Refuser(Refus Lu, std::string Contenu) {
   // A frame that was cut off stays in the buffer: the one before it says nothing of this load.
   const std::string Trame = Tampon_.empty() ? Trame_ : "";
   if (Lu.Sujet == SansNuméro) Lu.Sujet = Numéro(Trame);
+  // The terminal offers the head of its queue alone.
+  if (Lu.Sujet != SansNuméro) Refus_.LaisserPartir(HeureLocale(), Lu.Sujet);
   Refus_.Noter(HeureLocale(), {.Sujet = std::move(Lu.Sujet),
                                .Texte = std::move(Lu.Motif),
                                .ÀFaire = std::move(Lu.ÀFaire),
@@ -240,8 +255,14 @@ std::string Aperçu::TexteRelevé() const {
 Rangées Aperçu::Refusés() const {
   Rangées Toutes{{"Chargement", "Depuis", "Fois", "Dernière fois", "Motif", "Que faire"}};
   for (const FaitRépété& Un : Refus_.Tous())
-    Toutes.push_back({Un.Sujet, Moment(Un.Premier), std::to_string(Un.Fois), Moment(Un.Dernier), Un.Texte, Un.ÀFaire});
+    Toutes.push_back(
+        {Un.Sujet, Moment(Un.Premier), std::to_string(Un.Fois), Moment(Un.Dernier), Un.Texte, ÀFaireDe(Un)});
   return Toutes;
+}
+
+std::size_t Aperçu::NombreRefusés() const {
+  return static_cast<std::size_t>(
+      std::ranges::count_if(Refus_.Tous(), [](const FaitRépété& Un) { return !Un.Partie; }));
 }
 
 Rangées Aperçu::NonLus() const {
@@ -254,7 +275,7 @@ Rangées Aperçu::NonLus() const {
 std::string Aperçu::Détail(std::size_t Rang) const {
   if (Rang >= Refus_.Tous().size()) return {};
   const FaitRépété& Un = Refus_.Tous()[Rang];
-  std::string Texte = Un.Texte + "\n" + Un.ÀFaire + "\n\n";
+  std::string Texte = Un.Texte + "\n" + ÀFaireDe(Un) + "\n\n";
   Texte += Un.Détail.empty() ? "Le RG80 n'a envoyé aucun enregistrement entier.\n"
                              : "Ce que le RG80 a envoyé :\n" + Un.Détail;
   if (Un.Contenu.empty()) return Texte;

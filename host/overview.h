@@ -54,7 +54,8 @@ class Aperçu {
   /// Rows with their headings first, the latest on top.
   [[nodiscard]] Rangées Refusés() const;
   [[nodiscard]] Rangées NonLus() const;
-  [[nodiscard]] std::size_t NombreRefusés() const { return Refus_.Tous().size(); }
+  /// Those that the terminal still offers.
+  [[nodiscard]] std::size_t NombreRefusés() const;
   [[nodiscard]] std::size_t NombreNonLus() const { return NonLus_.Tous().size(); }
   /// What is known of the refused load in this row, several lines; empty where there is no such row.
   [[nodiscard]] std::string Détail(std::size_t Rang) const;

@@ -109,6 +109,16 @@ void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait) 
   Faits_.insert(Faits_.begin(), std::move(Fait));
 }
 
+bool FaitsRépétés::LaisserPartir(const Ombrey::DateHeure& Quand, const std::string& Hormis) {
+  bool EstNouveau = false;
+  for (FaitRépété& Un : Faits_) {
+    if (Un.Partie || Un.Sujet == Hormis) continue;
+    Un.Partie = Quand;
+    EstNouveau = true;
+  }
+  return EstNouveau;
+}
+
 Refus LireRefus(const std::string& Texte) {
   for (const SigneRefus& Signe : SignesRefus) {
     const std::size_t Début = Texte.find(Signe.Texte);

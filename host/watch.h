@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -46,7 +47,8 @@ struct FaitRépété {
   std::string Contenu{};  ///< of the import file that was refused; empty when it didn't come to that
   std::size_t Fois = 0;
   Ombrey::DateHeure Premier{}, Dernier{};
-  std::size_t Passage = 0;  ///< of the terminal's frame in which it happened last
+  std::size_t Passage = 0;                    ///< of the terminal's frame in which it happened last
+  std::optional<Ombrey::DateHeure> Partie{};  ///< since when the terminal no longer offers what this tells of
 };
 
 /// What makes two facts one row.
@@ -60,6 +62,8 @@ class FaitsRépétés {
   /// counts once, however often it is told; Passage 0 belongs to none.
   void Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
   void Vider() { Faits_.clear(); }
+  /// What these facts tell of is no longer offered, but for this subject; true when that is new of one.
+  bool LaisserPartir(const Ombrey::DateHeure& Quand, const std::string& Hormis = "");
   void Reprendre(std::vector<FaitRépété> Faits) { Faits_ = std::move(Faits); }
   [[nodiscard]] const std::vector<FaitRépété>& Tous() const { return Faits_; }
 
