@@ -2,8 +2,9 @@
 #include "host/windows/qt_day_page.h"
 
 #include <QHBoxLayout>
+#include <QHeaderView>
 #include <QPainter>
-#include <QSplitter>
+#include <QStyle>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <ranges>
@@ -15,11 +16,20 @@
 namespace Ombrey {
 
 namespace {
-constexpr int LignesHistogramme = 7;  ///< its height in lines of text
+/// Of the lists' height to its own.
+constexpr int PartListes = 4;
+constexpr int PartHeures = 1;
 constexpr int LignesLisibles = 4;
 /// Hours that are shown even when they brought nothing.
 constexpr int PremièreHeure = 7;
 constexpr int DernièreHeure = 20;
+
+/// What shows the list whole, without bars.
+QSize Besoin(const QTableView& Liste) {
+  const int Bords = 2 * Liste.frameWidth();
+  return {Liste.horizontalHeader()->length() + Bords + Liste.style()->pixelMetric(QStyle::PM_ScrollBarExtent),
+          Liste.horizontalHeader()->sizeHint().height() + Liste.verticalHeader()->length() + Bords};
+}
 }  // namespace
 
 HistogrammeQt::HistogrammeQt(QWidget* Parent) : QWidget(Parent) {
@@ -35,10 +45,6 @@ void HistogrammeQt::Montrer(const Tarvel::Journée& Jour) {
   setToolTip(Dites.join(QLatin1Char('\n')));
   setAccessibleDescription(Dites.join(QStringLiteral(", ")));
   update();
-}
-
-QSize HistogrammeQt::sizeHint() const {
-  return {LignesHistogramme * fontMetrics().lineSpacing(), LignesHistogramme * fontMetrics().lineSpacing()};
 }
 
 void HistogrammeQt::paintEvent(QPaintEvent* /*Événement*/) {
@@ -77,7 +83,9 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
       Chargements_(new ListeQt(this, Contexte, QString::fromUtf8(ChargementsDuJour))),
       Sommes_(new ListeQt(this, Contexte, QStringLiteral("Sommes par appellation et classe"))),
       Quotas_(new ListeQt(this, Contexte, QStringLiteral("Quotas du jour par appellation"))),
-      Heures_(new HistogrammeQt(this)) {
+      Heures_(new HistogrammeQt(this)),
+      Milieu_(new QSplitter(this)),
+      Droite_(new QSplitter(Qt::Vertical, this)) {
   Filtre_->setPlaceholderText(QStringLiteral("Chercher : numéro, nom, appellation…"));
   Filtre_->setClearButtonEnabled(true);
   Filtre_->setToolTip(QStringLiteral("La liste et les sommes ne gardent que ce qui contient tous ces mots."));
@@ -88,20 +96,19 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
   Haut->addWidget(Filtre_, 1);
   Haut->addWidget(Tous_);
   Haut->addWidget(Total_);
-  auto* const Droite = new QSplitter(Qt::Vertical, this);
-  Droite->addWidget(Sommes_);
-  Droite->addWidget(Quotas_);
-  auto* const Milieu = new QSplitter(this);
-  Milieu->addWidget(Chargements_);
-  Milieu->addWidget(Droite);
-  Milieu->setStretchFactor(0, 3);
-  Milieu->setStretchFactor(1, 2);
-  Milieu->setChildrenCollapsible(false);
+  Droite_->addWidget(Sommes_);
+  Droite_->addWidget(Quotas_);
+  Milieu_->addWidget(Chargements_);
+  Milieu_->addWidget(Droite_);
+  for (QSplitter* Un : {Milieu_, Droite_}) {
+    Un->setChildrenCollapsible(false);
+    connect(Un, &QSplitter::splitterMoved, this, [this, Un] { Tirés_.insert(Un); });
+  }
   Quotas_->hide();  // until there are any
   auto* const Plan = new QVBoxLayout(this);
   Plan->addLayout(Haut);
-  Plan->addWidget(Milieu, 1);
-  Plan->addWidget(Heures_);
+  Plan->addWidget(Milieu_, PartListes);
+  Plan->addWidget(Heures_, PartHeures);
   connect(Filtre_, &QLineEdit::textChanged, this, [this] { Afficher(false); });
   connect(Tous_, &QCheckBox::toggled, this, [this] {
     if (SurSites) SurSites();
@@ -121,6 +128,20 @@ void PageJournéeQt::showEvent(QShowEvent* Événement) {
   QWidget::showEvent(Événement);
 }
 
+void PageJournéeQt::resizeEvent(QResizeEvent* Événement) {
+  QWidget::resizeEvent(Événement);
+  Répartir();
+}
+
+/// Sums and quotas get the room that they need, half of the width at most, unless the operator has given them another.
+void PageJournéeQt::Répartir() {
+  const QSize Sommes = Besoin(*Sommes_);
+  const QSize Quotas = Besoin(*Quotas_);
+  const int Largeur = std::min(std::max(Sommes.width(), Quotas.width()), Milieu_->width() / 2);
+  if (!Tirés_.contains(Milieu_)) Milieu_->setSizes({Milieu_->width() - Largeur, Largeur});
+  if (!Tirés_.contains(Droite_)) Droite_->setSizes({Sommes.height(), Quotas.height()});
+}
+
 std::optional<double> PageJournéeQt::MasseDe(const std::string& Site, const std::string& Numéro) const {
   const auto Un = std::ranges::find_if(Toute_.Chargements, [&](const Tarvel::ChargementDuJour& Celui) {
     return Celui.Site == Site && Celui.Numéro == Numéro;
@@ -134,6 +155,7 @@ void PageJournéeQt::Afficher(bool Nouveautés) {
   Ombrey::Remplir(*Sommes_, TableauSommes(Jour, Formes_), false);
   Ombrey::Remplir(*Quotas_, TableauQuotas(Jour), false);
   Quotas_->setVisible(!Jour.Quotas.empty());
+  Répartir();
   Heures_->Montrer(Jour);
   Total_->setText(Texte(std::to_string(Jour.Chargements.size()) + " chargements, " + Tarvel::Tonnes(Jour.Masse())));
 }

@@ -4,10 +4,12 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSplitter>
 #include <QWidget>
 #include <array>
 #include <functional>
 #include <optional>
+#include <set>
 #include <string>
 
 #include "contracts/system.h"
@@ -21,7 +23,6 @@ class HistogrammeQt : public QWidget {
  public:
   explicit HistogrammeQt(QWidget* Parent);
   void Montrer(const Tarvel::Journée& Jour);
-  [[nodiscard]] QSize sizeHint() const override;
 
  protected:
   void paintEvent(QPaintEvent* Événement) override;
@@ -42,8 +43,10 @@ class PageJournéeQt : public QWidget {
 
  protected:
   void showEvent(QShowEvent* Événement) override;
+  void resizeEvent(QResizeEvent* Événement) override;
 
  private:
+  void Répartir();
   /// Nouveautés: what hasn't been shown before has only just come.
   void Afficher(bool Nouveautés);
 
@@ -57,6 +60,9 @@ class PageJournéeQt : public QWidget {
   ListeQt* Sommes_;
   ListeQt* Quotas_;
   HistogrammeQt* Heures_;
+  QSplitter* Milieu_;
+  QSplitter* Droite_;
+  std::set<const QSplitter*> Tirés_;  ///< by the operator
 };
 
 }  // namespace Ombrey

@@ -6,13 +6,17 @@
 #include <QDialog>
 #include <QDialogButtonBox>
 #include <QFileInfo>
+#include <QImageReader>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QTextBlock>
+#include <QTextCursor>
 #include <QUrl>
 #include <QVBoxLayout>
 #include <QWindow>
+#include <algorithm>
 
 namespace Ombrey {
 
@@ -29,6 +33,41 @@ QString Guide() {
   }
   return {};
 }
+
+/// As wide as its window: pictures made smaller, commands broken into lines.
+class GuideQt : public QTextBrowser {
+ protected:
+  void resizeEvent(QResizeEvent* Événement) override {
+    QTextBrowser::resizeEvent(Événement);
+    Ajuster();
+  }
+
+ private:
+  void Ajuster() {
+    const double Place = viewport()->width() - 2 * document()->documentMargin();
+    QTextCursor Tout(document());
+    Tout.beginEditBlock();
+    for (QTextBlock Bloc = document()->begin(); Bloc.isValid(); Bloc = Bloc.next()) {
+      QTextCursor Curseur(Bloc);
+      QTextBlockFormat Forme = Bloc.blockFormat();
+      if (Forme.nonBreakableLines()) {
+        Forme.setNonBreakableLines(false);
+        Curseur.setBlockFormat(Forme);
+      }
+      for (auto Morceau = Bloc.begin(); !Morceau.atEnd(); ++Morceau) {
+        QTextImageFormat Image = Morceau.fragment().charFormat().toImageFormat();
+        if (!Image.isValid()) continue;
+        const QUrl Source = document()->baseUrl().resolved(QUrl(Image.name()));
+        Image.setWidth(std::min<double>(QImageReader(Source.toLocalFile()).size().width(), Place));
+        Curseur.setPosition(Morceau.fragment().position());
+        Curseur.setPosition(Curseur.position() + Morceau.fragment().length(), QTextCursor::KeepAnchor);
+        Curseur.setCharFormat(Image);
+        break;  // the block's pieces are made anew
+      }
+    }
+    Tout.endEditBlock();
+  }
+};
 
 void Dimensionner(QWidget& Fenêtre) {
   const QFontMetrics Lettres = Fenêtre.fontMetrics();
@@ -48,7 +87,7 @@ bool AideQt::Montrer() {
   const QString Fichier = Guide();
   if (Fichier.isEmpty()) return false;
   if (!Guide_) {
-    Guide_ = std::make_unique<QTextBrowser>();
+    Guide_ = std::make_unique<GuideQt>();
     Guide_->setAttribute(Qt::WA_QuitOnClose, false);
     Guide_->setWindowTitle(QStringLiteral("Guide de l'opérateur"));
     Guide_->setSource(QUrl::fromLocalFile(Fichier), QTextDocument::MarkdownResource);
