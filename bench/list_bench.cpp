@@ -2,6 +2,7 @@
 #include <benchmark/benchmark.h>
 
 #include <cmath>
+#include <functional>
 #include <stdexcept>
 #include <string>
 
@@ -146,6 +147,48 @@ void NewLoadShown(benchmark::State& État) {
 }
 BENCHMARK(NewLoadShown)
     ->Name("list of 2,000 loads, a new one shown in the main window")
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond);
+
+/// A thousand loads under « Refusés », or boxes under « À lire »: one more, until it is painted.
+void OneMoreShown(benchmark::State& État, const char* Onglet, const std::function<void(Tarvel::Aperçu&, int)>& Noter) {
+  constexpr int Rangées = 1'000;
+  OuvrirQt();
+  Journée Cave;
+  BoucleQt Boucle;
+  FenêtresQt Fenêtres(Boucle, Cave.Poste.Dossier());
+  RéglagesFichier Réglages(Cave.Poste.Dossier() / "fenêtre.ini");
+  Tarvel::Aperçu Aperçu;
+  Aperçu.Ouvrir(Cave.Poste.Dossier(), Cave.Poste.Dossier());
+  for (int Rang = 0; Rang < Rangées; ++Rang) Noter(Aperçu, Rang);
+  FenêtrePrincipaleQt Fenêtre(Fenêtres.Contexte(), {"cave.db"}, Réglages, Aperçu);
+  Fenêtre.show();
+  auto& Pages = *Fenêtre.findChild<QTabWidget*>();
+  for (int Rang = 0; Rang < Pages.count(); ++Rang)
+    if (Pages.tabText(Rang).remove('&').startsWith(QString::fromUtf8(Onglet))) Pages.setCurrentIndex(Rang);
+  int Rang = Rangées;
+  for ([[maybe_unused]] auto Tour : État) {
+    État.PauseTiming();
+    while (Boucle.Pomper({})) continue;
+    État.ResumeTiming();
+    Noter(Aperçu, Rang++);
+    while (Boucle.Pomper({})) continue;
+    if (Pages.currentWidget()->findChild<QTableView*>()->model()->rowCount() != Rang)
+      return État.SkipWithError("not every row is in sight");
+  }
+}
+BENCHMARK_CAPTURE(OneMoreShown, refused, "Refusés",
+                  [](Tarvel::Aperçu& Aperçu, int Rang) {
+                    Aperçu.NoterLigne(Phrase::TrameEnÉchec + ("degré du chargement n° " + std::to_string(Rang)));
+                  })
+    ->Name("1,000 refused loads, one more shown in the main window")
+    ->Iterations(50)
+    ->Unit(benchmark::kMillisecond);
+BENCHMARK_CAPTURE(OneMoreShown, unread, "À lire",
+                  [](Tarvel::Aperçu& Aperçu, int Rang) {
+                    Aperçu.NoterRetrait("RG80 Ombrey", "Message " + std::to_string(Rang));
+                  })
+    ->Name("1,000 unread boxes, one more shown in the main window")
     ->Iterations(50)
     ->Unit(benchmark::kMillisecond);
 #endif

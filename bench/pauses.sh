@@ -1,11 +1,12 @@
 #!/usr/bin/env bash
-# The longest pauses of the windows' loop on a long day, in each view: 2,000 loads of the day, some hundreds of lines in the
+# How long the main window takes to open on a long day, and the longest pauses of the windows' loop in each view: 2,000 loads of the day, some hundreds of lines in the
 # other lists, loads coming in all the while. A pause lasts from the end of one wait for events to the begin of the next.
-# bench/pauses.sh [FOLDER WITH THE PROGRAMS]; a minute and a half. Exit code 0 when none is too long, 77 when not run for
+# bench/pauses.sh [FOLDER WITH THE PROGRAMS]; a minute and a half. Exit code 0 when nothing is too long, 77 when not run for
 # want of a tool. Needs Xvfb, xdotool and strace, which itself adds some microseconds to each wait.
 . "$(dirname "$(readlink -f "$0")")/setup.sh"
 loads=2000
 max_pause=50 # milliseconds
+max_start=1000
 each=7       # seconds in a view
 need_screen xdotool strace
 
@@ -24,6 +25,17 @@ done >"$work/station/à-lire.txt"
 settings 200
 printf '[Tarvel]\nDuréeBoîtes=1\n' >>"$work/tarvel.ini"
 printf '!checksum 0001%s\n' "$(date +%d%m%y)074207550001010001010011000000050112514210007" >"$work/first"
+starts=0
+for _ in 1 2 3; do
+  begin=$(date +%s%N)
+  start_station
+  await window '^Tarvel'
+  begin=$((($(date +%s%N) - begin) / 1000000))
+  echo "start: main window after $begin ms"
+  starts=$((starts + (begin > max_start)))
+  sleep 1
+  stop station
+done
 start_terminal --chargements "$work/first" --hasard 1000 --cadence 9600 --f6
 
 strace -D -f --seccomp-bpf -e trace=poll,ppoll -ttt -T -o "$work/waits" \
@@ -83,3 +95,4 @@ sort -k1,1 -k2,2gr "$work/pauses" | awk -v limit=$max_pause '
   $1 != view { if (view) print line; view = $1; line = sprintf("%-22s longest pauses, ms:", view); told = 0; views++ }
   told++ < 4 { line = line sprintf(" %5.1f", $2); missed += $2 > limit }
   END { print line; exit missed > 0 || views < 10 }'
+[ $starts -eq 0 ]
