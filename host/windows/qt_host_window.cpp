@@ -36,6 +36,13 @@ constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
 const std::string SignalReçu = Phrase::ChargementAjouté;
 
+/// A page that is one list alone, laid out like those of several parts.
+QWidget* AvecMarge(QWidget* Liste) {
+  auto* const Page = new QWidget;
+  (new QVBoxLayout(Page))->addWidget(Liste);
+  return Page;
+}
+
 }  // namespace
 
 FenêtrePrincipaleQt::FenêtrePrincipaleQt(const ContexteQt& Contexte, const Sujet& LeSien, IRéglages& Réglages,
@@ -107,11 +114,12 @@ void FenêtrePrincipaleQt::CréerPages() {
   Ajouter(Refusés_, QStringLiteral("&Refusés"),
           QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand la file du RG80 "
                          "avance."));
-  Ajouter(Archive_, QStringLiteral("Ar&chive"),
+  Ajouter(AvecMarge(Archive_), QStringLiteral("Ar&chive"),
           QStringLiteral("Les 1000 derniers chargements dont un autre a repris le numéro."));
   CréerJournal();
-  Ajouter(Stations_, QStringLiteral("Statio&ns"), QStringLiteral("Les stations qui travaillent sur cette base."));
-  Pages_->setTabVisible(Pages_->indexOf(Stations_), false);  // until there are several
+  Ajouter(AvecMarge(Stations_), QStringLiteral("Statio&ns"),
+          QStringLiteral("Les stations qui travaillent sur cette base."));
+  Pages_->setTabVisible(Pages_->indexOf(Stations_->parentWidget()), false);  // until there are several
   connect(Pages_, &QTabWidget::currentChanged, this, Différé([this] { ActualiserPage(); }));
   Ajouter(NonLues_, QStringLiteral("À l&ire"), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
@@ -123,12 +131,14 @@ void FenêtrePrincipaleQt::CréerJournal() {
   Journal_->setTabChangesFocus(true);
   Journal_->setPlaceholderText(QStringLiteral("Ce que le greffon signale s'inscrit ici."));
   Journal_->setAccessibleName(QStringLiteral("Journal"));
-  Ajouter(Journal_, QStringLiteral("Jo&urnal"), QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
+  Ajouter(AvecMarge(Journal_), QStringLiteral("Jo&urnal"),
+          QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
 }
 
 void FenêtrePrincipaleQt::SuivreLiaison(const JournalLiaison& Journal) {
   Ajouter(new PageLigneQt(this, Contexte_, Journal), QStringLiteral("&Ligne"),
-          QStringLiteral("Ce qui passe sur la ligne, le plus récent en bas."), Pages_->indexOf(Journal_));
+          QStringLiteral("Ce qui passe sur la ligne, le plus récent en bas."),
+          Pages_->indexOf(Journal_->parentWidget()));
 }
 
 void FenêtrePrincipaleQt::Ajouter(QWidget* Page, const QString& Titre, const QString& Infobulle, int Place) {
@@ -180,7 +190,7 @@ void FenêtrePrincipaleQt::CréerAide() {
   Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
     if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
   });
-  Offrir(*Aide, "À &propos…", [this] { MontrerBoîte(Contexte_, this, ÀPropos_, "À propos"); });
+  Offrir(*Aide, "À &propos…", [this] { MontrerBoîte(Contexte_, this, SigneBoîte::Information, ÀPropos_, "À propos"); });
 }
 
 QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste) {
@@ -291,7 +301,7 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
   Tarvel::Journée Jour = Tarvel::LireJournée(Base, Journée_->TousLesSites() ? "" : Site);
   if (!Jour.Chargements.empty()) Bandeau_->DireDernier(Texte(TexteDernier(Jour)));
   Journée_->Montrer(std::move(Jour));
-  Pages_->setTabVisible(Pages_->indexOf(Stations_), Tarvel::SontPlusieurs(Base));
+  Pages_->setTabVisible(Pages_->indexOf(Stations_->parentWidget()), Tarvel::SontPlusieurs(Base));
   // In a turn of the loop of its own.
   Différé([this] { ActualiserPage(); })();
 }

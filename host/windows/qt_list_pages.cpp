@@ -44,7 +44,7 @@ void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées, bool Nouveaut
 ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom) : GrilleChargements(Parent) {
   setAccessibleName(Nom);
   connect(this, &QTableView::activated, this, [this, &Contexte, Nom](const QModelIndex& Place) {
-    MontrerBoîte(Contexte, this, RangéeEntière(*model(), Place.row()), Nom.toStdString());
+    MontrerBoîte(Contexte, this, SigneBoîte::Information, RangéeEntière(*model(), Place.row()), Nom.toStdString());
   });
 }
 

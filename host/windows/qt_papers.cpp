@@ -42,7 +42,8 @@ template <class Dialogue>
 void Poser(const ContexteQt& Contexte, Dialogue* Lequel, std::function<void(Dialogue&)> Faire) {
   Contexte.Boucle.Poser([&Contexte, Tenu = QPointer<Dialogue>(Lequel), Faire = std::move(Faire)] {
     ErreurEnAttente Échec;
-    if (Tenu && !Ignorer(Échec, [&] { Faire(*Tenu); })) MontrerBoîte(Contexte, Tenu, Échec.Texte(), "Tarvel");
+    if (Tenu && !Ignorer(Échec, [&] { Faire(*Tenu); }))
+      MontrerBoîte(Contexte, Tenu, SigneBoîte::Avertissement, Échec.Texte(), "Tarvel");
   });
 }
 
@@ -51,6 +52,7 @@ class DialogueExport : public QDialog {
   DialogueExport(QWidget* Fenêtre, const ContexteQt& Contexte, DonneBase Base) : QDialog(Fenêtre) {
     setAttribute(Qt::WA_DeleteOnClose);
     setWindowTitle(QStringLiteral("Exporter les chargements"));
+    setMinimumWidth(LargeurDuTitre(*this));
     auto* const Du = ChoixJour(this);
     auto* const Au = ChoixJour(this);
     auto* const Boutons = new QDialogButtonBox(this);
@@ -140,7 +142,8 @@ void DialoguePapier::Enregistrer() {
 
 void DialoguePapier::Imprimer() {
   const std::string Imprimante = ImprimerSurPapier(Html(), windowTitle().toStdString());
-  MontrerBoîte(Contexte_, this, "Envoyé à l'imprimante " + Imprimante + ".", windowTitle().toStdString());
+  MontrerBoîte(Contexte_, this, SigneBoîte::Information, "Envoyé à l'imprimante " + Imprimante + ".",
+               windowTitle().toStdString());
 }
 
 }  // namespace Ombrey

@@ -44,7 +44,14 @@ void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierD
   QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
                    [&Contexte, Tenu = QPointer(Parent), Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
                      Contexte.Boucle.Poser([&Contexte, Tenu, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
-                       MontrerBoîte(Contexte, Tenu, Tarvel::ÉcrireNouveau(Fichier, Écrire), Titre);
+                       bool EstÉcrit = false;
+                       const std::string Dit = Tarvel::ÉcrireNouveau(Fichier, [&](const std::filesystem::path& Celui) {
+                         std::string Où = Écrire(Celui);
+                         EstÉcrit = true;
+                         return Où;
+                       });
+                       MontrerBoîte(Contexte, Tenu, EstÉcrit ? SigneBoîte::Information : SigneBoîte::Avertissement, Dit,
+                                    Titre);
                      });
                    });
   Dialogue->show();

@@ -16,6 +16,8 @@ constexpr int PixelsMax = 32767;
 constexpr int TwipsMax = 1 << 24;
 /// In quarters of a point.
 constexpr int CorpsLisible = 6 * 4;
+/// What stands in a frame's title beside it, each as high as the title: a picture, three buttons, and the room between.
+constexpr int AutourDuTitre = 5;
 }  // namespace
 
 int EnPixels(int Twips, int PointsParPouce) {
@@ -66,6 +68,13 @@ QString SurUneLigne(const std::string& Utf8) {
   QString Ligne = Texte(Utf8);
   Ligne.replace(QLatin1String("\r\n"), QLatin1String(" "));
   return Ligne.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
+}
+
+int LargeurDuTitre(const QWidget& Fenêtre) {
+  QFont Police = Fenêtre.font();
+  Police.setBold(true);
+  const QFontMetrics Lettres(Police, &Fenêtre);
+  return Lettres.horizontalAdvance(Fenêtre.windowTitle()) + AutourDuTitre * Lettres.lineSpacing() * 3 / 2;
 }
 
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale) {

@@ -35,6 +35,9 @@ void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place);
 /// A list shows a text's line breaks as blanks; a box or a tool tip shows them as they are.
 [[nodiscard]] QString SurUneLigne(const std::string& Utf8);
 
+/// The inner width that shows the window's title whole, beside a frame's buttons.
+[[nodiscard]] int LargeurDuTitre(const QWidget& Fenêtre);
+
 /// Makes the control's letters smaller, as far as they can be read, until Libellé fits into its present size.
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale);
 

@@ -7,9 +7,12 @@
 #include <QGridLayout>
 #include <QLabel>
 #include <QScreen>
+#include <QSpacerItem>
 #include <QStyle>
 #include <QTextDocument>
 #include <QTextEdit>
+#include <QTimer>
+#include <QWindow>
 #include <algorithm>
 #include <chrono>
 #include <cmath>
@@ -25,6 +28,8 @@ namespace {
 /// The text's room at most, in parts of the screen.
 constexpr int PartLargeur = 3;
 constexpr int PartHauteur = 2;
+/// What has just been closed gives its keys back to the window below within so long.
+constexpr std::chrono::seconds RetourDesTouches(2);
 
 QTextOption Habillage() {
   QTextOption Option;
@@ -71,13 +76,15 @@ QTextEdit* FaireTexte(QWidget* Parent, const QString& Message) {
 /// meant for the window below.
 class BoîteQt : public QDialog {
  public:
-  BoîteQt(QWidget* Parent, const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
-          BoutonsBoîte Boutons)
+  BoîteQt(QWidget* Parent, const ContexteQt& Contexte, SigneBoîte Signe, const std::string& Message,
+          const std::string& Titre, BoutonsBoîte Boutons)
       : QDialog(Parent), Répit_(Contexte.Répit) {
     const bool Seul = Boutons == BoutonsBoîte::Ok;
     const int Côté = style()->pixelMetric(QStyle::PM_MessageBoxIconSize);
     auto* const Icône = new QLabel(this);
-    Icône->setPixmap(style()->standardIcon(QStyle::SP_MessageBoxWarning).pixmap(Côté, Côté));
+    const auto Image =
+        Signe == SigneBoîte::Information ? QStyle::SP_MessageBoxInformation : QStyle::SP_MessageBoxWarning;
+    Icône->setPixmap(style()->standardIcon(Image).pixmap(Côté, Côté));
     auto* const Rangée = new QDialogButtonBox(this);
     Ajouter(*Rangée, Seul ? QStringLiteral("OK") : QStringLiteral("&Recommencer"), QDialogButtonBox::AcceptRole,
             Seul ? RéponseBoîte::Ok : RéponseBoîte::Recommencer)
@@ -89,6 +96,7 @@ class BoîteQt : public QDialog {
     Plan->addWidget(Rangée, 1, 0, 1, 2);
     Plan->setSizeConstraint(QLayout::SetFixedSize);
     setWindowTitle(Texte(Titre));
+    Plan->addItem(new QSpacerItem(LargeurDuTitre(*this), 0), 2, 0, 1, 2);
     setAttribute(Qt::WA_QuitOnClose, false);
   }
   std::optional<RéponseBoîte> Réponse;
@@ -128,7 +136,8 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
                               BoutonsBoîte Boutons) {
   const RéponseBoîte Défaut = RéponseSansOpérateur(Boutons);
   if (Contexte.EnFin) return Défaut;
-  const DialogueTenu<BoîteQt> Boîte(new BoîteQt(FenêtreDessous(), Contexte, Message, Titre, Boutons));
+  const DialogueTenu<BoîteQt> Boîte(
+      new BoîteQt(FenêtreDessous(), Contexte, SigneBoîte::Avertissement, Message, Titre, Boutons));
   Boîte->setWindowModality(Qt::ApplicationModal);
   bool Retirée = false;
   IBoucle::Jeton Échéance;
@@ -145,13 +154,27 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
   return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;
 }
 
-void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, const std::string& Message, const std::string& Titre) {
+/// Where no window of ours has the keys, another program has, or a dialog of ours was closed and they are still on
+/// their way back: only then does one of ours soon get them.
+void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, SigneBoîte Signe, const std::string& Message,
+                  const std::string& Titre) {
   if (Contexte.EnFin) return;
   QWidget* const Modale = QApplication::activeModalWidget();
-  auto* const Boîte = new BoîteQt(Modale != nullptr ? Modale : Parent, Contexte, Message, Titre, BoutonsBoîte::Ok);
+  auto* const Boîte =
+      new BoîteQt(Modale != nullptr ? Modale : Parent, Contexte, Signe, Message, Titre, BoutonsBoîte::Ok);
   Boîte->setAttribute(Qt::WA_DeleteOnClose);
-  Boîte->setAttribute(Qt::WA_ShowWithoutActivating, QApplication::activeWindow() == nullptr);
+  const bool ÀNous = QApplication::activeWindow() != nullptr;
+  Boîte->setAttribute(Qt::WA_ShowWithoutActivating, !ÀNous);
   Boîte->show();
+  if (ÀNous) return;
+  auto* const Guet = new QTimer(Boîte);
+  QObject::connect(qApp, &QGuiApplication::focusWindowChanged, Guet, [Boîte, Guet](const QWindow* Nôtre) {
+    if (Nôtre == nullptr) return;
+    Boîte->activateWindow();
+    Guet->deleteLater();
+  });
+  QObject::connect(Guet, &QTimer::timeout, Guet, &QObject::deleteLater);
+  Guet->start(RetourDesTouches);
 }
 
 }  // namespace Ombrey

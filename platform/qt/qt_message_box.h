@@ -14,9 +14,13 @@ namespace Ombrey {
 RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& Message, const std::string& Titre,
                               BoutonsBoîte Boutons);
 
+/// What a box shows beside its text.
+enum class SigneBoîte { Avertissement, Information };
+
 /// Shows a box with a lone OK above Parent, or above a modal window, and returns at once, so that nobody who waits for
 /// the terminal waits for the operator: for what the station itself has to say, whoever uses the line. It stays until
-/// it is answered or Parent goes.
-void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, const std::string& Message, const std::string& Titre);
+/// it is answered or Parent goes. It takes no keys from another program.
+void MontrerBoîte(const ContexteQt& Contexte, QWidget* Parent, SigneBoîte Signe, const std::string& Message,
+                  const std::string& Titre);
 
 }  // namespace Ombrey

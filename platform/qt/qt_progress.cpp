@@ -18,11 +18,11 @@ constexpr auto Discrétion = 1s;
 constexpr int ColonnesÉtat = 34;
 constexpr int Pourcents = 100;
 
-/// Nothing closes it but the end of the transfer.
+/// Nothing closes it but the end of the transfer, which Esc and the frame's X ask for like the button.
 class FenêtreProgression : public QDialog {
  public:
   using QDialog::QDialog;
-  void reject() override {}
+  void reject() override { findChild<QPushButton*>()->click(); }
 };
 }  // namespace
 
@@ -35,7 +35,8 @@ void ProgressionQt::Commencer(const QStringList& Jeux) {
 }
 
 void ProgressionQt::Créer() {
-  Fenêtre_ = new FenêtreProgression(Parent_, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint);
+  Fenêtre_ = new FenêtreProgression(
+      Parent_, Qt::Dialog | Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowCloseButtonHint);
   Fenêtre_->setWindowTitle(QStringLiteral("Avancement de l'envoi"));
   auto* const Plan = new QGridLayout(Fenêtre_);
   for (const QString& Jeu : Jeux_) {

@@ -145,7 +145,7 @@ await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
 press '^Chargement des données' alt+t
 await "progress" seen "^Avancement de l'envoi$"
 await "a file that is long enough to be stopped" grep -q 'fichier 1.*prêt' "$work/rg80.txt"
-press "^Avancement de l'envoi$" alt+a
+press "^Avancement de l'envoi$" Escape
 await "end of the transfer" seen '^Transmission des données$'
 await "end of the progress" gone "^Avancement de l'envoi$"
 [ "$(ls "$work/received" | grep -c '^fichier')" -eq 1 ] || fail "what was stopped arrived"
@@ -165,6 +165,21 @@ wait $second && fail "the second start works beside the first"
 grep -q 'Une autre station travaille déjà' "$work/second" || fail "the second start doesn't say why it ends"
 press '^Transmission des données$' alt+f
 await "closed transfer window" gone '^Transmission des données$'
+step "what is told behind the choice of a file takes the keys, and gives them back"
+# Windows of one title, which each names what it leads to.
+exports() { [ "$(xdotool search --onlyvisible --name '^Exporter les chargements$' | wc -l)" -eq "$1" ]; }
+await "export" pick alt+s e '^Exporter les chargements$'
+press '^Exporter les chargements$' alt+e
+await "choice of a file" exports 2
+xdotool key ctrl+a type "$work/loads.csv"
+xdotool key Return
+await "file" test -s "$work/loads.csv"
+await "word about the file" exports 2
+sleep 0.7
+xdotool key Return
+await "end of the word" exports 1
+xdotool key Escape
+await "end of the export" gone '^Exporter les chargements$'
 step "minimise, restore, close by the frame"
 xdotool windowminimize "$(window '^Tarvel')"
 await "minimised window" gone '^Tarvel'

@@ -1,6 +1,7 @@
 // Boxes, dialogs and windows on Qt and the ways out of them; pictures.
 #include "host/windows/qt_host_window.h"
 #include "monitor/monitoring_window.h"
+#include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "tests/qt/qt_fixture.h"
 #include "transfer/transfer_window.h"
@@ -76,6 +77,7 @@ TEST_F(FenêtresDeQt, EachWayOutOfEachWindow) {
   for (const auto& Cas : Table) {
     SCOPED_TRACE(std::string(Cas.Titre) + " " + std::to_string(&Cas - Table));
     Dès(Cas.Titre, [&](QWidget& Fenêtre) {
+      EXPECT_GE(Fenêtre.width(), LargeurDuTitre(Fenêtre)) << "a title cut off";
       const auto* const Texte = Fenêtre.findChild<QTextEdit*>();
       if (Texte) {
         EXPECT_LE(Texte->document()->size().height(), Texte->viewport()->height()) << "cut off";
@@ -219,6 +221,10 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   for (auto* Liste : Fenêtre.findChildren<QTableView*>()) Q_EMIT Liste->activated(Liste->model()->index(0, 0));
   EXPECT_NE(Lire("Messages que personne n'a lus").find("Erreur de check-sum"), std::string::npos);
   EXPECT_NE(Lire("Guide de l'opérateur").find("RG80"), std::string::npos);
+  for (const auto* Zone : QApplication::allWidgets())
+    if (const auto* const Guide = qobject_cast<const QTextBrowser*>(Zone)) {
+      EXPECT_EQ(Guide->horizontalScrollBar()->maximum(), 0);
+    }
 }
 
 struct Principale : FenêtresDeQt {
