@@ -44,6 +44,11 @@ class ConnexionChronométrée final : public IConnexion {
     return Suivre(Réelle_->PréparerLecture(Sql));
   }
   void ExécuterTout(std::string_view Script) override { Réelle_->ExécuterTout(Script); }
+  [[nodiscard]] std::int64_t Insérer(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
+                                     const std::string& Clé) override {
+    const Montre Ici(Passée_);
+    return Réelle_->Insérer(Sql, Valeurs, Clé);
+  }
   [[nodiscard]] std::string NomsDesTables() const override { return Réelle_->NomsDesTables(); }
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override {
     const Montre Ici(Passée_);

@@ -82,12 +82,10 @@ ChargementImporté TableDesChargements::Reprendre(std::int64_t IdArchivé, const
   std::string Récit = Archiver(Ancien.at(0), Ancien.at(1));
 
   const std::string Noms = Colonnes("IdChargement");
-  const ValeurChamp Nouveau =
-      Connexion_.Lire("INSERT INTO Chargement (" + Noms + ") SELECT " + Noms +
-                          " FROM ChargementArchive WHERE IdChargement = ?1 RETURNING IdChargement",
-                      {IdArchivé});
+  const std::int64_t Id = Connexion_.Insérer(
+      "INSERT INTO Chargement (" + Noms + ") SELECT " + Noms + " FROM ChargementArchive WHERE IdChargement = ?1",
+      {IdArchivé}, "IdChargement");
   Connexion_.Exécuter("DELETE FROM ChargementArchive WHERE IdChargement = ?1", {IdArchivé});
-  const auto Id = std::get<std::int64_t>(Nouveau);
   CompléterExploitation(Id, Ligne);
   return {Id, false, std::move(Récit)};
 }
@@ -106,8 +104,8 @@ std::int64_t TableDesChargements::Insérer(const LigneImport& Ligne) {
     const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
     if (Place && !Ligne[*Place].EstDateDeRemplacement) Ajouter(ColonneReçue(Colonne.Nom), Ligne[*Place].Valeur);
   }
-  return std::get<std::int64_t>(
-      Connexion_.Lire("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ") RETURNING IdChargement", Valeurs));
+  return Connexion_.Insérer("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ")", Valeurs,
+                            "IdChargement");
 }
 
 /// Makes room for a load of this number; what the operator is told about it.

@@ -106,6 +106,12 @@ class IConnexion {
     return Requête.Lier(Valeurs).Avancer() ? Requête.Valeur(0) : ValeurChamp{};
   }
 
+  /// Runs an INSERT of one row into a table whose key the engine numbers; the row's key.
+  [[nodiscard]] virtual std::int64_t Insérer(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
+                                             const std::string& Clé) {
+    return std::get<std::int64_t>(Lire(Sql + " RETURNING " + Clé, Valeurs));
+  }
+
   /// A query for the names of all tables and views, the engine's own apart.
   [[nodiscard]] virtual std::string NomsDesTables() const = 0;
   /// The columns of a table or view, in order; none when there is no such table.

@@ -159,6 +159,13 @@ void ConnexionSqlite::ExécuterTout(std::string_view Script) {
     Instruction(std::make_unique<InstructionSqlite>(Base_.get(), Script, Script)).Exécuter();
 }
 
+// RETURNING would set up a table in memory for that one key.
+std::int64_t ConnexionSqlite::Insérer(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
+                                      const std::string& /*Clé*/) {
+  Exécuter(Sql, Valeurs);
+  return sqlite3_last_insert_rowid(Base_.get());
+}
+
 std::vector<ColonneDeTable> ConnexionSqlite::ColonnesDe(const std::string& Table) {
   std::vector<ColonneDeTable> Toutes;
   Instruction Requête = Préparer("SELECT name, type, \"notnull\", dflt_value FROM pragma_table_info(?1)");

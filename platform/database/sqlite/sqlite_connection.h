@@ -51,6 +51,8 @@ class ConnexionSqlite final : public IConnexion {
   [[nodiscard]] std::string NomsDesTables() const override {
     return "SELECT name FROM sqlite_master WHERE type IN ('table', 'view') AND name NOT GLOB 'sqlite_*'";
   }
+  [[nodiscard]] std::int64_t Insérer(const std::string& Sql, const std::vector<ValeurChamp>& Valeurs,
+                                     const std::string& Clé) override;
   [[nodiscard]] std::vector<ColonneDeTable> ColonnesDe(const std::string& Table) override;
   void AjouterColonne(const std::string& Table, const ColonneDeTable& Colonne) override;
   void PrendreSite(const std::string& Code) override;

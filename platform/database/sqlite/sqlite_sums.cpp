@@ -26,8 +26,11 @@ class Déclencheurs {
       : Sommes_(Sommes), Source_(std::move(Source)), Remplacés_(Sommes.Table + "Remplacé") {}
 
   [[nodiscard]] std::string Script() const {
-    return Un("AvantAjout", "BEFORE INSERT", NoterRemplacés("")) +
-           Un("Ajout", "AFTER INSERT", RetirerRemplacés() + Compter("NEW")) +
+    const std::string EnReste = "EXISTS (SELECT 1 FROM " + Remplacés_ + ")";
+    return Un("AvantAjout", "BEFORE INSERT", NoterRemplacés(""),
+              EnReste + " OR EXISTS (SELECT 1" + Remplaçables() + ")") +
+           Un("RetraitRemplacés", "AFTER INSERT", RetirerRemplacés(), EnReste) +
+           Un("Ajout", "AFTER INSERT", Compter("NEW")) +
            Un("AvantChange", "BEFORE UPDATE",
               NoterRemplacés(" AND L." + Sommes_.Identité + " <> OLD." + Sommes_.Identité)) +
            Un("Change", "AFTER UPDATE", RetirerRemplacés() + Changer("OLD", "-") + Compter("NEW")) +
@@ -36,10 +39,11 @@ class Déclencheurs {
   }
 
  private:
-  [[nodiscard]] std::string Un(const char* Nom, const char* Quand, const std::string& Quoi) const {
+  [[nodiscard]] std::string Un(const char* Nom, const char* Quand, const std::string& Quoi,
+                               const std::string& Si = "1") const {
     const std::string Déclencheur = Sommes_.Table + Nom + Source_;
     return "DROP TRIGGER IF EXISTS " + Déclencheur + "; CREATE TRIGGER " + Déclencheur + " " + Quand + " ON " +
-           Source_ + " BEGIN " + Quoi + " END;";
+           Source_ + " WHEN " + Si + " BEGIN " + Quoi + " END;";
   }
   [[nodiscard]] static std::string ÀSaPlace(const std::string& Rangée) {
     return PourRangée(Rangée, std::string(" WHERE Métayage = ") + Métayage + " AND Sélection = " + Sélection +
@@ -54,14 +58,18 @@ class Déclencheurs {
     return "UPDATE " + Sommes_.Table + " SET Masse = Masse " + Signe + PourRangée(Rangée, Masse()) + ÀSaPlace(Rangée) +
            ";";
   }
-  /// A row that gives way to another one (REPLACE) isn't deleted in a trigger's sight.
+  /// A row that gives way to another one (REPLACE) isn't deleted in a trigger's sight. That is rare: an ordinary row
+  /// writes nothing for it.
   [[nodiscard]] std::string NoterRemplacés(const std::string& Sauf) const {
+    return "DELETE FROM " + Remplacés_ + "; INSERT INTO " + Remplacés_ + " SELECT L." + Sommes_.Identité + ", " +
+           PourRangée("L", Termes() + ", " + Masse()) + Remplaçables() + Sauf + ";";
+  }
+  [[nodiscard]] std::string Remplaçables() const {
     std::string Double;
     for (const std::string& Colonne : Sommes_.SansDouble)
       Double += (Double.empty() ? "L." : " AND L.") + Colonne + " = NEW." + Colonne;
-    return "DELETE FROM " + Remplacés_ + "; INSERT INTO " + Remplacés_ + " SELECT L." + Sommes_.Identité + ", " +
-           PourRangée("L", Termes() + ", " + Masse()) + " FROM " + Source_ + " AS L WHERE (L." + Sommes_.Identité +
-           " = NEW." + Sommes_.Identité + " OR (" + Double + "))" + Sauf + ";";
+    return " FROM " + Source_ + " AS L WHERE (L." + Sommes_.Identité + " = NEW." + Sommes_.Identité + " OR (" + Double +
+           "))";
   }
   [[nodiscard]] std::string RetirerRemplacés() const {
     const auto Même = [](const std::string& Table) {
