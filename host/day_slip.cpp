@@ -63,7 +63,7 @@ std::string Rangée(std::span<const Colonne> Colonnes, const std::vector<std::st
 std::string Tableau(std::span<const Colonne> Colonnes, const std::vector<std::vector<std::string>>& Rangées) {
   std::vector<std::string> Titres;
   for (const Colonne& Une : Colonnes) Titres.emplace_back(Une.Titre);
-  std::string Html = "<table width=\"100%\" cellspacing=\"0\" cellpadding=\"2\" border=\"0\"><thead>" +
+  std::string Html = "<table width=\"100%\" cellspacing=\"0\" style=\"font-size: 8pt\"><thead>" +
                      Rangée(Colonnes, Titres, "th") + "</thead>\n";
   for (const auto& Une : Rangées) Html += Rangée(Colonnes, Une, "td");
   return Html + "</table>\n";
@@ -95,9 +95,11 @@ std::string Sommes(const std::vector<ChargementRelaté>& Chargements, const char
   return "<br>" + Tableau(Colonnes, Rangées);
 }
 
-std::string Tête(const std::string& Coopérative, const std::string& Titre) {
+/// Document: what a reader of files calls it.
+std::string Tête(const std::string& Coopérative, const std::string& Document, const std::string& Titre) {
   const std::string Nom = Coopérative.empty() ? "" : "<p><b>" + Protégé(Coopérative) + "</b></p>";
-  return "<html><body>" + Nom + "<h2>" + Protégé(Titre) + "</h2>\n";
+  return "<html><head><title>" + Protégé(Document) + "</title></head><body>" + Nom + "<h2>" + Protégé(Titre) +
+         "</h2>\n";
 }
 
 }  // namespace
@@ -122,9 +124,9 @@ std::string TexteBordereau(const std::vector<ChargementRelaté>& Chargements, co
                        DireExploitation(Un), Dire(Un.Groupe), Dire(Un.Appellation), Dire(Un.Classe), Un.Degré,
                        Un.Masse});
   }
-  return Tête(Coopérative, "Bordereau de la journée du " + TexteJour(Jour)) + Tableau(Colonnes, Rangées) + "<p><b>" +
-         std::to_string(Total.Nombre) + " chargements, " + Kg(Total.Kilos) + " kg</b></p>" +
-         (Repris ? "<p>* Un autre chargement a repris ce numéro.</p>" : "") +
+  return Tête(Coopérative, "Bordereau du " + TexteJour(Jour), "Bordereau de la journée du " + TexteJour(Jour)) +
+         Tableau(Colonnes, Rangées) + "<p><b>" + std::to_string(Total.Nombre) + " chargements, " + Kg(Total.Kilos) +
+         " kg</b></p>" + (Repris ? "<p>* Un autre chargement a repris ce numéro.</p>" : "") +
          Sommes(Chargements, "Appellation", [](const ChargementRelaté& Un) { return Dire(Un.Appellation); }) +
          Sommes(Chargements, "Exploitation", DireExploitation) +
          Sommes(Chargements, "Groupe", [](const ChargementRelaté& Un) { return Dire(Un.Groupe); }) + "</body></html>";
@@ -146,10 +148,10 @@ std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopéra
       {"Quai", Un.Quai},
       {"Cuve", Un.Cuve},
   };
-  std::string Html = Tête(Coopérative, "Chargement n° " + Un.Numéro) + "<table cellpadding=\"2\">";
+  std::string Html =
+      Tête(Coopérative, "Ticket n° " + Un.Numéro, "Chargement n° " + Un.Numéro) + "<table cellspacing=\"0\">";
   for (const auto& [Quoi, Texte] : Lignes)
-    if (!Texte.empty())
-      Html += std::string("<tr><td>") + Quoi + "&nbsp;&nbsp;</td><td><b>" + Protégé(Texte) + "</b></td></tr>\n";
+    if (!Texte.empty()) Html += std::string("<tr><td>") + Quoi + "</td><td><b>" + Protégé(Texte) + "</b></td></tr>\n";
   return Html + "</table><h2>" + Protégé(Un.Masse) + " kg</h2></body></html>";
 }
 

@@ -22,6 +22,7 @@
 #include "host/diagnostic.h"
 #include "host/load_table.h"
 #include "host/long_work.h"
+#include "host/new_file.h"
 #include "host/onlooker.h"
 #include "host/options.h"
 #include "host/saved_base.h"
@@ -164,6 +165,7 @@ void Exporter(const Tarvel::Options& Choisies) {
 
 /// The slip of a day, or a load's ticket.
 void ÉcrirePapier(const Tarvel::Options& Choisies) {
+  Tarvel::ExigerNouveau(Choisies.Copie);
   Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
   const int Jour = Choisies.Jours.Du.value_or(static_cast<int>(Ombrey::NuméroDeJour(Ombrey::HeureLocale())));
   Tarvel::ÉcrirePapier(Tarvel::TextePapier(Base, Jour, Choisies.Numéro), !Choisies.Numéro.empty(), Choisies.Copie);

@@ -8,14 +8,21 @@
 
 namespace Tarvel {
 
-std::string ÉcrireNouveau(const std::filesystem::path& Fichier,
-                          const std::function<std::string(const std::filesystem::path&)>& Écrire) {
+void ExigerNouveau(const std::filesystem::path& Fichier) {
   std::error_code Erreur;
   if (std::filesystem::exists(Fichier, Erreur))
-    return "Le fichier " + Ombrey::TexteChemin(Fichier) + " existe déjà : donnez un autre nom.";
+    throw Ombrey::ErreurExécution("Le fichier " + Ombrey::TexteChemin(Fichier) + " existe déjà : donnez un autre nom.");
+}
+
+std::string ÉcrireNouveau(const std::filesystem::path& Fichier,
+                          const std::function<std::string(const std::filesystem::path&)>& Écrire) {
   std::string Dit;
   Ombrey::ErreurEnAttente Échec;
-  return Ignorer(Échec, [&] { Dit = Écrire(Fichier); }) ? Dit : Échec.Texte();
+  const bool Écrit = Ignorer(Échec, [&] {
+    ExigerNouveau(Fichier);
+    Dit = Écrire(Fichier);
+  });
+  return Écrit ? Dit : Échec.Texte();
 }
 
 }  // namespace Tarvel

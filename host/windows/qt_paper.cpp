@@ -6,6 +6,7 @@
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QTextDocument>
+#include <system_error>
 
 #include "base/failures.h"
 #include "base/files.h"
@@ -18,10 +19,10 @@ namespace {
 constexpr int Points = 9;
 constexpr double Marge = 10;  ///< mm: what no printer cuts off from a PDF
 
+constexpr const char* Feuille = "td, th { border-bottom: 1px solid #b0b0b0; padding: 2px 5px; }";
+
 /// Lines of text, the last of them for the page's number.
 void Dessiner(QPrinter& Imprimante, const std::string& Html) {
-  QPainter Peintre;
-  if (!Peintre.begin(&Imprimante)) throw ErreurExécution("L'impression n'a pas pu commencer.");
   QFont Police;
   Police.setPointSize(Points);
   const QRectF Page(QPointF(0, 0), Imprimante.pageRect(QPrinter::DevicePixel).size());
@@ -31,9 +32,12 @@ void Dessiner(QPrinter& Imprimante, const std::string& Html) {
   Document.documentLayout()->setPaintDevice(&Imprimante);
   Document.setDefaultFont(Police);
   Document.setDocumentMargin(0);
-  Document.setDefaultStyleSheet(QStringLiteral("td, th { border-bottom: 1px solid #b0b0b0; }"));
+  Document.setDefaultStyleSheet(QString::fromLatin1(Feuille));
   Document.setHtml(Texte(Html));
   Document.setPageSize(Corps.size());
+  Imprimante.setDocName(Document.metaInformation(QTextDocument::DocumentTitle));
+  QPainter Peintre;
+  if (!Peintre.begin(&Imprimante)) throw ErreurExécution("L'impression n'a pas pu commencer.");
   QAbstractTextDocumentLayout::PaintContext Encre;
   Encre.palette.setColor(QPalette::Text, Qt::black);  // whatever the screen's colours are
   for (int Rang = 0; Rang < Document.pageCount(); ++Rang) {
@@ -53,20 +57,22 @@ void Dessiner(QPrinter& Imprimante, const std::string& Html) {
 }  // namespace
 
 void ÉcrirePdf(const std::string& Html, QPageSize::PageSizeId Papier, const std::filesystem::path& Fichier) {
+  EcrireFichier(Fichier, "");  // says why where none can stand: Qt doesn't
   QPrinter Imprimante(QPrinter::HighResolution);
   Imprimante.setOutputFormat(QPrinter::PdfFormat);
   Imprimante.setPageSize(QPageSize(Papier));
   Imprimante.setPageMargins({Marge, Marge, Marge, Marge}, QPageLayout::Millimeter);
   Imprimante.setCreator(QStringLiteral("Tarvel"));
-  if (!DessinerEnFichier(Imprimante, Fichier, [&] { Dessiner(Imprimante, Html); }))
-    throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
+  if (DessinerEnFichier(Imprimante, Fichier, [&] { Dessiner(Imprimante, Html); })) return;
+  std::error_code Ignorée;
+  std::filesystem::remove(Fichier, Ignorée);
+  throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
 }
 
-std::string ImprimerSurPapier(const std::string& Html, const std::string& Titre) {
+std::string ImprimerSurPapier(const std::string& Html) {
   const QPrinterInfo Défaut = QPrinterInfo::defaultPrinter();
   if (Défaut.isNull()) throw ErreurExécution("Aucune imprimante n'est installée : enregistrez le document en PDF.");
   QPrinter Imprimante(Défaut, QPrinter::HighResolution);
-  Imprimante.setDocName(Texte(Titre));
   Dessiner(Imprimante, Html);
   return Défaut.printerName().toStdString();
 }

@@ -141,7 +141,7 @@ void DialoguePapier::Enregistrer() {
 }
 
 void DialoguePapier::Imprimer() {
-  const std::string Imprimante = ImprimerSurPapier(Html(), windowTitle().toStdString());
+  const std::string Imprimante = ImprimerSurPapier(Html());
   MontrerBoîte(Contexte_, this, SigneBoîte::Information, "Envoyé à l'imprimante " + Imprimante + ".",
                windowTitle().toStdString());
 }

@@ -84,6 +84,34 @@ TEST(Start, ComesAnewWithTheSettingsThatTheOperatorHasChanged) {
   P.Finir("1 1 0");
 }
 
+TEST(Papers, ComeAsPdfWithTheirTitleOrASentenceSaysWhyNot) {
+  if (!std::filesystem::exists(BIN_DIR "/tarvel-qt.so")) GTEST_SKIP() << "built without windows";
+  Poste P;
+  P.Faire("INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 7, 46349.5, '4')");
+  P.Faire("$ cp " BIN_DIR "/tarvel seul");
+  const std::tuple<const char*, const char*, int> Cas[] = {
+      {BIN_DIR "/tarvel --bordereau b.pdf --du 23/11/2026", "Le document est dans ", 0},
+      {BIN_DIR "/tarvel --ticket 7 t.pdf --du 2026-11-23", "Le document est dans ", 0},
+      {BIN_DIR "/tarvel --ticket 7 cave.db --du 2026-11-23", "cave.db existe déjà : donnez un autre nom.", 1},
+      {BIN_DIR "/tarvel --ticket 8 u.pdf --du 23/11/2026", "Aucun chargement n° 8 le 23/11/2026.", 1},
+      {BIN_DIR "/tarvel --ticket 7 u.pdf --du 31/02/2026", "« 31/02/2026 » n'est pas un jour : il s'écrit jj/", 2},
+      {BIN_DIR "/tarvel --bordereau absent/u.pdf", "absent/u.pdf : introuvable", 1},
+      {"./seul --bordereau u.pdf", "Le PDF a besoin du module des fenêtres, qui ne se charge pas", 1},
+  };
+  for (const auto& [Commande, Dit, Code] : Cas) {
+    Programme Tarvel("cd " + P.En("") + " && exec " + Commande + " --base cave.db");
+    EXPECT_TRUE(Tarvel.Attendre(Dit)) << Commande << Tarvel.Dit();
+    EXPECT_EQ(Tarvel.Fin(), Code) << Commande << Tarvel.Dit();
+  }
+  // In UTF-16.
+  for (const auto& [Nom, Titre] : {std::pair("b.pdf", "Bordereau du 23/11/2026"), {"t.pdf", "Ticket n\xB0 7"}}) {
+    std::string Large = "/Title (\xFE\xFF";
+    for (const char Un : std::string_view(Titre)) (Large += '\0') += Un;
+    EXPECT_NE(Contenu(P.En(Nom)).find(Large + ")"), std::string::npos) << Nom;
+  }
+  P.Faire("$ ! ls u.pdf* absent 2>/dev/null");
+}
+
 /// The superuser may write everything, until he gives that up.
 TEST(Databases, AReadOnlyOneIsSaidAndTheLoadStaysAtTheTerminal) {
   const std::string Par =
