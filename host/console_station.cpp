@@ -3,7 +3,10 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <deque>
 #include <filesystem>
+#include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "base/failures.h"
@@ -28,10 +31,13 @@ using Ombrey::QuandPermise;
       Fenêtres_(Boucle_, Sortie_),
       Commandes_(Fenêtres_),
       Questions_(Fenêtres_, Commandes_, &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
+      Papiers_(Boucle_, Sortie_, Choisies),
       Entrée_(Boucle_, Entrée, [this](const std::optional<std::string>& Ligne) { return Prendre(Ligne); }) {
   if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
   Fenêtres_.SurDisponibilité([this] { Entrée_.Relancer(); });
+  Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes);
   Fenêtres_.Observer(Aperçu_.Témoins());
+  Aperçu_.SurChangement([this] { RappelerTransfert(); });
 }
 
 std::filesystem::path ÉditionConsole::FichierRéglages() const {
@@ -49,12 +55,13 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
           &IGestesStation::Menu);
   Ajouter("configurer", "change les réglages du port", QuandPermise::HorsDialogue, &IGestesStation::Configurer);
   AjouterVues();
+  Papiers_.Offrir(Commandes_);
   Ajouter("fin", "arrête la station", QuandPermise::Toujours, &IGestesStation::Finir);
 }
 
 void ÉditionConsole::SuivreLiaison(const Ombrey::JournalLiaison& Journal) {
-  Commandes_.Ajouter({"ligne", "", "ce qui vient de passer sur la ligne", QuandPermise::Toujours,
-                      [&](const std::string&) { MontrerLigne(Journal); }});
+  Commandes_.Ajouter({"ligne", "[fautes] [NOMBRE]", "ce qui vient de passer sur la ligne, ou les seules fautes",
+                      QuandPermise::Toujours, [&](const std::string& Choix) { MontrerLigne(Journal, Choix); }});
   Commandes_.Ajouter(
       {"trace", "FICHIER", "enregistre la trace des dernières heures, que « rg80 --rejouer » sait relire",
        QuandPermise::EntreDeux, [&](const std::string& Nom) {
@@ -64,17 +71,37 @@ void ÉditionConsole::SuivreLiaison(const Ombrey::JournalLiaison& Journal) {
 }
 
 /// The last messages of the line, the oldest first.
-void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal) {
-  constexpr std::size_t NombreMontrés = 40;
+void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal, const std::string& Choix) {
+  constexpr std::size_t NombreUsuel = 40;
+  constexpr std::string_view Fautes = "fautes";
+  const bool Seules = Ombrey::FormeComparable(Choix).starts_with(Fautes);
+  const std::string_view Nombre = Ombrey::SansBlancs(std::string_view(Choix).substr(Seules ? Fautes.size() : 0));
+  const auto Voulus = Nombre.empty() ? NombreUsuel : Ombrey::NombreLu<std::size_t>(Nombre);
+  if (!Voulus) throw Ombrey::ErreurExécution("la commande s'écrit « ligne [fautes] [NOMBRE] ».");
+  std::deque<std::string> Lignes;
   const auto& Messages = Journal.Messages();
-  const std::size_t Nombre = std::min(NombreMontrés, Messages.size());
-  Sortie_.Ligne("ligne : " + std::to_string(Nombre) + " messages");
-  for (std::size_t Rang = Messages.size() - Nombre; Rang < Messages.size(); ++Rang) {
-    std::string Texte = Ombrey::LigneTrace(Messages[Rang]);
-    Texte.pop_back();
-    std::ranges::replace(Texte, '\t', ' ');
-    Sortie_.Ligne("ligne : " + Texte);
+  for (auto Un = Messages.rbegin(); Un != Messages.rend() && Lignes.size() < *Voulus; ++Un)
+    if (Un->Faute || !Seules) Lignes.push_front(Ombrey::LigneTrace(*Un));
+  Sortie_.Ligne("ligne : " + std::to_string(Lignes.size()) + " messages");
+  for (std::string& Ligne : Lignes) {
+    Ligne.pop_back();
+    std::ranges::replace(Ligne, '\t', ' ');
+    Sortie_.Ligne("ligne : " + Ligne);
   }
+}
+
+void ÉditionConsole::DireEnLignes(const std::string& Texte) {
+  std::istringstream Flux(Texte);
+  for (std::string Ligne; std::getline(Flux, Ligne);)
+    if (!Ligne.empty()) Sortie_.Ligne(Ligne);
+}
+
+/// A transfer window that was forgotten keeps every load waiting.
+void ÉditionConsole::RappelerTransfert() {
+  if (std::exchange(Suspendue_, Aperçu_.SuspendueDepuis()) == Aperçu_.SuspendueDepuis()) return;
+  Rappel_.reset();
+  if (Suspendue_)
+    Rappel_ = Boucle_.Après(RappelTransfert, [this] { Dire(Aperçu_.TexteLiaison() + " (« fermer » la ferme)."); });
 }
 
 void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
@@ -108,7 +135,9 @@ std::string ÉditionConsole::TexteÉtat() const {
   Ombrey::ErreurEnAttente Erreur;
   const bool Lue = Ignorer(Erreur, [&] {
     Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
-    Laquelle = TexteDernier(LireJour("")) + ". " + Laquelle;
+    const Journée Jour = LireJour("");
+    if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;
+    Laquelle = TexteDernier(Jour) + ". " + Laquelle;
   });
   return Liaison + Laquelle + (Lue ? "" : ". La base ne répond pas : " + Erreur.Texte());
 }
@@ -118,10 +147,11 @@ void ÉditionConsole::AjouterVues() {
   const auto Base = [this] { return Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO()); };
   const auto Dire = [this](const char* Nom, const char* Aide, const std::function<std::string()>& Texte) {
     Commandes_.Ajouter(
-        {Nom, "", Aide, QuandPermise::EntreDeux, [this, Texte](const std::string&) { Sortie_.Ligne(Texte()); }});
+        {Nom, "", Aide, QuandPermise::EntreDeux, [this, Texte](const std::string&) { DireEnLignes(Texte()); }});
   };
   constexpr const char* Choix = "[tous] [MOTS]";
-  Dire("etat", "la liaison, le prochain relevé, le dernier chargement et la base", [this] { return TexteÉtat(); });
+  Dire("etat", "la liaison, le prochain relevé, la journée et la base", [this] { return TexteÉtat(); });
+  Dire("apropos", "la version, et où sont la base et les fichiers", [this] { return TexteÀPropos(Options_); });
   Dire("diagnostic", "examine réglages, port, base et dossier", [this] { return TexteDiagnostic(Options_); });
   AjouterTableau("journee", Choix, "les chargements du jour, de ce site ou de tous, qui contiennent tous ces mots",
                  [this](const std::string& Mots) { return TableauChargements(LireJour(Mots), {}); });
@@ -139,7 +169,7 @@ void ÉditionConsole::AjouterVues() {
                  [this](const std::string&) { return Aperçu_.Refusés(); });
   Commandes_.Ajouter({"refus", "RANG", "tout ce que l'on sait d'un chargement refusé, le premier de la liste est 1",
                       QuandPermise::EntreDeux, [this](const std::string& Rang) {
-                        Sortie_.Ligne(
+                        DireEnLignes(
                             Aperçu_.Détail(static_cast<std::size_t>(std::max(1, std::atoi(Rang.c_str()))) - 1));
                       }});
   AjouterTableau("alire", "", "les boîtes auxquelles personne n'a répondu",

@@ -1,6 +1,7 @@
 // The station without a screen: lines out, commands in.
 #pragma once
 
+#include <chrono>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -8,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "host/console_papers.h"
 #include "host/edition.h"
 #include "host/options.h"
 #include "platform/console/commands.h"
@@ -41,7 +43,11 @@ class ÉditionConsole final : public IÉdition {
   void SePrésenter() override { Dire("Un second démarrage de cette station a été refusé."); }
 
  private:
-  void MontrerLigne(const Ombrey::JournalLiaison& Journal);
+  /// Choix: how many of the last messages, and whether faults alone.
+  void MontrerLigne(const Ombrey::JournalLiaison& Journal, const std::string& Choix);
+  void RappelerTransfert();
+  /// Blank ones apart.
+  void DireEnLignes(const std::string& Texte);
   void AjouterVues();
   void AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
                       std::function<Rangées(const std::string&)> Lire);
@@ -59,8 +65,11 @@ class ÉditionConsole final : public IÉdition {
   Ombrey::FenêtresConsole Fenêtres_;
   Ombrey::CommandesConsole Commandes_;
   Ombrey::QuestionsPort Questions_;
+  PapiersConsole Papiers_;
   Ombrey::EntréeConsole Entrée_;
   Aperçu Aperçu_;
+  std::optional<std::chrono::system_clock::time_point> Suspendue_;  ///< what RappelerTransfert knows of
+  Ombrey::IBoucle::Jeton Rappel_;
   std::shared_ptr<Ombrey::IBaseDeD> Base_;
 };
 

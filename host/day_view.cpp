@@ -177,6 +177,10 @@ std::string Tonnes(double Kilos) {
   return Texte.substr(0, Point + 2) + " t";
 }
 
+std::string TexteTotal(const Journée& Jour) {
+  return std::to_string(Jour.Chargements.size()) + " chargements, " + Tonnes(Jour.Masse());
+}
+
 Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {
   Rangées Tableau{{"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", Ombrey::Phrase::ClasseSanitaire,
                    "Propriétaire", "Récoltant"}};

@@ -58,6 +58,9 @@ struct Journée {
 /// quotas stay.
 [[nodiscard]] Journée Filtrer(const Journée& Toute, const std::string& Mots);
 
+/// How many loads, and their tonnage.
+[[nodiscard]] std::string TexteTotal(const Journée& Jour);
+
 /// The newest load's number, weight and time, or that there is none.
 [[nodiscard]] std::string TexteDernier(const Journée& Jour);
 

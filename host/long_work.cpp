@@ -1,6 +1,8 @@
 // A long work of the command line.
 #include "host/long_work.h"
 
+#include <unistd.h>
+
 #include <csignal>
 #include <cstdio>
 #include <utility>
@@ -34,8 +36,9 @@ void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
   Dernière_ = Maintenant;
   const double Part = static_cast<double>(Faits) / static_cast<double>(Total);
   const double Passées = std::chrono::duration<double>(Maintenant - Début_).count();
-  std::fprintf(stderr, "tarvel : %s : %.0f %%, encore %.0f s (Ctrl+C l'arrête)\n", Nom_.c_str(), 100 * Part,
-               Passées / Part - Passées);
+  // Whoever reads it from elsewhere has no such key.
+  std::fprintf(stderr, "tarvel : %s : %.0f %%, encore %.0f s%s\n", Nom_.c_str(), 100 * Part, Passées / Part - Passées,
+               isatty(STDERR_FILENO) != 0 ? " (Ctrl+C l'arrête)" : "");
 }
 
 }  // namespace Tarvel

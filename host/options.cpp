@@ -264,4 +264,9 @@ std::string TexteAide() {
 
 std::string TexteVersion() { return "tarvel " OMBREY_VERSION; }
 
+std::string TexteÀPropos(const Options& Choisies) {
+  return TexteVersion() + "\n\nBase : " + Choisies.Base + "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
+         "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier);
+}
+
 }  // namespace Tarvel

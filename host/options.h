@@ -69,5 +69,7 @@ struct Options {
 
 [[nodiscard]] std::string TexteAide();
 [[nodiscard]] std::string TexteVersion();
+/// The version, and where base and files of this station are.
+[[nodiscard]] std::string TexteÀPropos(const Options& Choisies);
 
 }  // namespace Tarvel

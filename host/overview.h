@@ -22,6 +22,9 @@ namespace Tarvel {
 /// is late has waited.
 inline constexpr double AvanceDHorloge = 15 / 1440.;
 
+/// A transfer window that is open for so long calls for attention.
+inline constexpr std::chrono::minutes RappelTransfert(5);
+
 /// Is told what happens, and words it. Times are those of the machine.
 class Aperçu {
  public:

@@ -69,10 +69,7 @@ class ÉditionFenêtrée final : public IÉdition {
     Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
     Fenêtres_.Observer(Aperçu_.Témoins());
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
-    Principale_.Présenter(TexteVersion() + "\n\nBase : " + Choisies.Base +
-                              "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
-                              "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier),
-                          [&Choisies] { return TexteDiagnostic(Choisies); });
+    Principale_.Présenter(TexteÀPropos(Choisies), [&Choisies] { return TexteDiagnostic(Choisies); });
   }
 
   Ombrey::IBoucle& Boucle() override { return Boucle_; }

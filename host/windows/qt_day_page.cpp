@@ -157,7 +157,7 @@ void PageJournéeQt::Afficher(bool Nouveautés) {
   Quotas_->setVisible(!Jour.Quotas.empty());
   Répartir();
   Heures_->Montrer(Jour);
-  Total_->setText(Texte(std::to_string(Jour.Chargements.size()) + " chargements, " + Tarvel::Tonnes(Jour.Masse())));
+  Total_->setText(Texte(TexteTotal(Jour)));
 }
 
 }  // namespace Ombrey

@@ -30,7 +30,6 @@ constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;
 /// Seconds between two readings of the database: another station's loads, and midnight.
 constexpr int ToursParLecture = 30;
-constexpr std::chrono::minutes RappelTransfert(5);
 constexpr const char* Section = "FenêtrePrincipale";
 constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
@@ -321,7 +320,7 @@ void FenêtrePrincipaleQt::ActualiserBandeau() {
   Bandeau_->DireRelevé(Texte(Aperçu_.TexteRelevé()));
   Bandeau_->MontrerLiaison(Aperçu_.État(), Texte(Aperçu_.TexteLiaison()));
   const auto Depuis = Aperçu_.SuspendueDepuis();
-  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + RappelTransfert) return;
+  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelTransfert) return;
   Rappelée_ = Depuis;
   QApplication::beep();
   QApplication::alert(this);

@@ -46,8 +46,16 @@ RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::str
   }
   const auto Ouverte = std::make_shared<BoîteEnCours>(BoîteEnCours{Boutons, std::nullopt});
   Boîtes_.push_back(Ouverte);
-  PomperTantQue([&] { return !Ouverte->Réponse && OpérateurPrésent(); });
+  bool Retirée = false;
+  IBoucle::Jeton Échéance;
+  // Nobody may be there: the loads behind it don't wait for him.
+  if (Seul && Retrait_.count() > 0) Échéance = Boucle_.Après(Retrait_, [&] { Retirée = !Ouverte->Réponse; });
+  PomperTantQue([&] { return !Ouverte->Réponse && !Retirée && OpérateurPrésent(); });
   std::erase(Boîtes_, Ouverte);
+  if (Retirée) {
+    Ligne("boîte «" + Titre + "» retirée sans réponse (« alire » la garde)");
+    if (Témoins_.Retirée) Témoins_.Retirée(Titre, Texte);
+  }
   return Ouverte->Réponse.value_or(Défaut);
 }
 

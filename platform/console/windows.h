@@ -42,6 +42,8 @@ class FenêtresConsole : public IFenêtres {
 
   /// From now on boxes answer themselves, whether commands still come or not.
   void RépondreSeul() { RépondSeul_ = true; }
+  /// How long a box with a lone OK stays unanswered; 0: until somebody does.
+  void RéglerBoîtes(std::chrono::milliseconds Retrait) { Retrait_ = Retrait; }
   /// No command can come any more: boxes answer themselves, and a window that stops the work closes itself.
   void FermerEntrée() { EntréeFermée_ = true; }
   /// The station is ending: boxes answer themselves, and no window holds anybody up.
@@ -116,6 +118,7 @@ class FenêtresConsole : public IFenêtres {
   bool RépondSeul_ = false;
   bool EntréeFermée_ = false;
   bool EnFin_ = false;
+  std::chrono::milliseconds Retrait_{0};
   int Occupée_ = 0;
   int Retenue_ = 0;
   std::optional<std::string> FichierImpression_;

@@ -62,8 +62,10 @@ TEST(Start, AWorkingFolderBelongsToOneStationUntilItsDeath) {
   EXPECT_EQ(P.Station->Fin(), 1);
   Première->Signaler(SIGKILL);
   EXPECT_EQ(Première->Fin(), -SIGKILL);
-  P.LancerStation();
+  P.Faire("$ printf '[Tarvel]\nDuréeBoîtes=1\n' >> tarvel.ini");
+  P.LancerStation("bouton", "");
   EXPECT_TRUE(P.Station->Attendre("commande « menu »")) << P.Dit();
+  EXPECT_TRUE(P.Station->Attendre("» retirée sans réponse (« alire » la garde)")) << P.Dit();
 }
 
 /// Asked for in the midst of a poll.

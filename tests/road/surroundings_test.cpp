@@ -72,12 +72,19 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
     EXPECT_TRUE(P.Station->Attendre("hôte : Le chargement n° 12 du site 1, arrivé le " + Arrivée +
                                     " (exploitation 4, 1000 kg), passe dans ChargementArchive"))
         << P.Dit();
-    P.Station->Taper("liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\netat");
+    P.Station->Taper(
+        "liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\nligne fautes\netat\napropos\n"
+        "bordereau b\ncopie c d.db\ncsv e.csv " +
+        Arrivée.substr(0, 10));
     for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 7\n",
-                           "trace : La trace est dans t.", "trace : Le fichier t existe déjà",
-                           "Dernier : n° 12, 1234 kg, 08:30. Base locale : cave.db"})
+                           "trace : La trace est dans t.", "trace : Le fichier t existe déjà", "ligne : 0 messages",
+                           "Dernier : n° 12, 1234 kg, 08:30. Aujourd'hui 2 chargements, 2,2 t. Base locale : cave.db",
+                           "\nDossier de travail : "})
       EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
     P.Finir("1 1 1");
+    // What is under way when it ends is finished.
+    for (const char* Vu : {"bordereau : ", "copie : La base « ", "csv : 2 chargements exportés dans "})
+      EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
     EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
                        " FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),
               Arrivée + "1000archivé," + Arrivée + "1234");
