@@ -74,7 +74,8 @@ int LargeurDuTitre(const QWidget& Fenêtre) {
   QFont Police = Fenêtre.font();
   Police.setBold(true);
   const QFontMetrics Lettres(Police, &Fenêtre);
-  return Lettres.horizontalAdvance(Fenêtre.windowTitle()) + AutourDuTitre * Lettres.lineSpacing() * 3 / 2;
+  const int Voulue = Lettres.horizontalAdvance(Fenêtre.windowTitle()) + AutourDuTitre * Lettres.lineSpacing() * 3 / 2;
+  return std::min(Voulue, Fenêtre.screen()->availableSize().width());
 }
 
 void FaireTenir(QWidget& Contrôle, const QString& Libellé, int MargeHorizontale, int MargeVerticale) {
