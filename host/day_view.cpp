@@ -178,7 +178,8 @@ std::string Tonnes(double Kilos) {
 }
 
 std::string TexteTotal(const Journée& Jour) {
-  return std::to_string(Jour.Chargements.size()) + " chargements, " + Tonnes(Jour.Masse());
+  const std::size_t Nombre = Jour.Chargements.size();
+  return std::to_string(Nombre) + (Nombre < 2 ? " chargement, " : " chargements, ") + Tonnes(Jour.Masse());
 }
 
 Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {

@@ -104,8 +104,7 @@ std::int64_t TableDesChargements::Insérer(const LigneImport& Ligne) {
     const auto Place = Colonne.EstReçue ? Définition_.Chercher(Colonne.Nom) : std::nullopt;
     if (Place && !Ligne[*Place].EstDateDeRemplacement) Ajouter(ColonneReçue(Colonne.Nom), Ligne[*Place].Valeur);
   }
-  return Connexion_.Insérer("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ")", Valeurs,
-                            "IdChargement");
+  return Connexion_.Insérer("INSERT INTO Chargement (" + Noms + ") VALUES (" + Places + ")", Valeurs, "IdChargement");
 }
 
 /// Makes room for a load of this number; what the operator is told about it.
