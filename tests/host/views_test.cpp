@@ -143,7 +143,7 @@ TEST_F(Aperçus, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Offrir("26", 30);
   Vue.NoterBoîte("RG80 Ombrey", "Données trop courtes");
   EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
-  for (const std::size_t Ailleurs : {1U, 0U}) {
+  for (const std::size_t Ailleurs : {0U, 1U}) {
     if (Ailleurs == 1)
       Vue.NoterLigne("Vérification de nouveaux chargements sur le RG80. Aucun chargement à récupérer.");
     if (Ailleurs == 0) Vue.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : degré du chargement n° 13");
