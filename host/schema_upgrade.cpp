@@ -87,9 +87,15 @@ void De4Vers5(IConnexion& Connexion) {
   De2Vers3(Connexion);
 }
 
+/// The holdings of a group, however its number is written.
+void De5Vers6(IConnexion& Connexion) {
+  Connexion.ExécuterTout(
+      "CREATE INDEX IF NOT EXISTS MétayageParNuméroDeGroupe ON Métayage (CAST(IdGrp AS INTEGER), IdMétayage)");
+}
+
 /// The step from each number to the next, from the first on.
 constexpr std::array<void (*)(IConnexion&), NuméroSchéma - PremierSchéma> Étapes = {
-    {De1Vers2, De2Vers3, De3Vers4, De4Vers5}};
+    {De1Vers2, De2Vers3, De3Vers4, De4Vers5, De5Vers6}};
 
 /// Whole and on the disk, beside the base, under a name that nothing bears yet; another station may take one meanwhile.
 void GarderUneCopie(const std::string& Base, int Numéro) {

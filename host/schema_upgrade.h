@@ -9,7 +9,7 @@ namespace Tarvel {
 
 /// The schema that came before schemas had a number, and the one that this program works with.
 inline constexpr int PremierSchéma = 1;
-inline constexpr int NuméroSchéma = 5;
+inline constexpr int NuméroSchéma = 6;
 
 /// The number of the base's schema.
 [[nodiscard]] int NuméroSchémaDe(Ombrey::IConnexion& Connexion);

@@ -13,8 +13,8 @@ namespace {
 
 using namespace std::chrono_literals;
 
-/// The station waits two seconds for each answer; what comes in this time more may still have been in time for it.
-constexpr auto Patience = 2000ms + 100ms;
+/// What comes in this time behind the station's own patience may still have been in time for it.
+constexpr auto Sursis = 100ms;
 /// Behind such a silence begins what is another message, when nobody waits for any.
 constexpr auto Coupure = 200ms;
 constexpr std::size_t RetenusMax = 64 * std::size_t{1024};
@@ -28,7 +28,7 @@ bool EstRéponse(char Octet) { return Octet == ACK || Octet == NAK; }
 
 void LecteurLiaison::Attendre(Attendu Quoi, InstantLiaison Depuis) {
   Attendu_ = Quoi;
-  Échéance_ = Depuis.Depuis + Patience;
+  Échéance_ = Depuis.Depuis + DélaiRéponse + Sursis;
 }
 
 void LecteurLiaison::DébutÉmission(InstantLiaison Quand) {
@@ -67,7 +67,7 @@ void LecteurLiaison::Événement(const std::string& Texte, bool Faute, InstantLi
 }
 
 void LecteurLiaison::Clore(InstantLiaison Quand) {
-  const bool Muet = Reçus_.empty() && Attendu_ != Attendu::Rien && Quand.Depuis + (Patience - 2000ms) > Échéance_;
+  const bool Muet = Reçus_.empty() && Attendu_ != Attendu::Rien && Quand.Depuis + Sursis > Échéance_;
   JeterReste();
   if (Muet) Donner_({Quand, MessageLiaison::Source::Terminal, {}, "pas de réponse", true});
   Attendu_ = Attendu::Rien;

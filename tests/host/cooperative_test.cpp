@@ -1,7 +1,6 @@
 // The tables, the queries of the plug-in on the sample, creations and figures.
 
 #include "contracts/line_protocol.h"
-#include "platform/database/sqlite/sqlite_dialect.h"
 #include "tests/host/cooperative_fixture.h"
 
 namespace Tarvel {
@@ -9,20 +8,6 @@ namespace Tarvel {
 using SurFichier = Coopérative;
 using Base = SurChaqueMoteur;
 SUR_CHAQUE_MOTEUR(Base);
-
-TEST_F(SurFichier, LooksUpByIndexSoThatGrowthCostsNothing) {
-  // The year's loads grow, and so do the members; the list of the day's loads is the first.
-  for (const char* Sql : {"SELECT * FROM Chargement WHERE DateCh > Date() ORDER BY DateCh DESC",
-                          "SELECT * FROM Coopérateur WHERE Clng(IdCoopérateur) = '123'",
-                          "SELECT * FROM Métayage WHERE Clng(Propriétaire) = '210' AND Clng(Récoltant) = '305'",
-                          "SELECT * FROM ChargementArchive WHERE ReçuCodeSite = '1' AND ReçuNoChargement = 12",
-                          "SELECT * FROM ChargementArchive WHERE DateCh BETWEEN Date() AND Date()+1",
-                          "SELECT * FROM Chargement INNER JOIN Métayage ON Chargement.Métayage = Métayage.IdMétayage "
-                          "WHERE NoChargement = 12 AND CodeSite = '1'"}) {
-    const std::string Plan = Lire("EXPLAIN QUERY PLAN " + Ombrey::TraduireEnSqlite(Sql));
-    EXPECT_EQ(Plan.find("SCAN"), std::string::npos) << Sql << "\n" << Plan;
-  }
-}
 
 TEST_P(Base, CreatesMembersThatTheQueriesFind) {
   for (const std::string Code : {"900", "12A", "", "-1", "1000000", "1e9", "';--"}) {

@@ -95,6 +95,20 @@ UPDATE Paramètre SET Valeur = 'S''1')";
 };
 SUR_CHAQUE_MOTEUR(Requêtes);
 
+class Parcours : public Requêtes {};
+INSTANTIATE_TEST_SUITE_P(Moteurs, Parcours, testing::Values(Moteur::Sqlite), NomMoteur);
+
+// The engine itself counts the rows that a statement came by without an index: whatever the road asks is in it.
+TEST_P(Parcours, OfALoadAndOfAPollLooksUpByIndexSoThatGrowthCostsNothing) {
+  Ouvrir(Étranges);
+  EXPECT_EQ(Exploitation("000012", "000007", "066.6667", "007"), "6");
+  for (const char* Masse : {"1234", "1300", "1234", "1234"})
+    EXPECT_EQ(Importer(Ligne("12", "22/09/26 08:30", "6", "05", Masse)), "");
+  static_cast<void>(Cumuls("5") + LigneImport() + Liste());
+  Base_->Actualiser();
+  EXPECT_EQ(Lire("SELECT nscan, sql FROM sqlite_stmt WHERE nscan > 0"), "");
+}
+
 TEST_P(Requêtes, ReadOddValuesAsTheyAreAndNothingWhereNothingIs) {
   // clang-format off
   const std::tuple<std::function<std::string()>, const char*, const char*> Toutes[] = {

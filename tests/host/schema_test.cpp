@@ -60,15 +60,15 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
-  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 6");
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 7");
   EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
             "La base « " + Fichier_.string() +
-                " » est celle d'une version plus récente de tarvel (schéma n° 6, et cette version connaît le n° 5) : "
+                " » est celle d'une version plus récente de tarvel (schéma n° 7, et cette version connaît le n° 6) : "
                 "installez-la sur ce poste");
 }
 
 struct Sommes : SurChaqueMoteur {
-  const bool EstUnFichier = Moteur_ == Ombrey::Essais::Moteur::Sqlite;
+  const bool EstUnFichier = Moteur_ != Ombrey::Essais::Moteur::Postgresql;
 
   /// The base as the release before the sums left it.
   void Désapprendre() {
