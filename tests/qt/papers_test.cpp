@@ -29,7 +29,7 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
   std::vector<Tarvel::ChargementRelaté> Tous;
   // clang-format off
   for (int Rang = 0; Rang < 120; ++Rang)
-    Tous.push_back({"1", std::to_string(1000 + Rang), 46287 + Rang / 150.0, 46288, Rang % 2 ? "4" : "6", {"123", "Delmas & <Fils>"},
+    Tous.push_back({"1", std::to_string(1000 + Rang), 46287 + Rang / 150.0, 46288, Rang % 2 ? "4" : "10", {"123", "Delmas & <Fils>"},
                     {"456", "Maurin"}, {"7", "Garrigue"}, Rang % 3 ? Tarvel::Nommé{"05", "Côteaux rouges"} : Tarvel::Nommé{"99", ""},
                     "Syrah", {"01", "Saine"}, "12,5", "2", "1000", "7", Rang == 3});
   // clang-format on
@@ -42,6 +42,7 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
                               "05 Côteaux rouges 80 80 000", "99 40 40 000", "4 Delmas & <Fils> / Maurin 60 60 000",
                               "7 Garrigue 120 120 000", "* Un autre chargement"})
     EXPECT_TRUE(Texte.contains(Attendu)) << Attendu << Texte.toStdString();
+  EXPECT_LT(Texte.indexOf("4 Delmas & <Fils> / Maurin 60"), Texte.indexOf("10 Delmas & <Fils> / Maurin 60"));
   ASSERT_GT(Pages.size(), 2);
   for (int Rang = 0; Rang < Pages.size(); ++Rang)
     EXPECT_TRUE(Pages[Rang].contains(QString("Page %1 / %2").arg(Rang + 1).arg(Pages.size())));

@@ -75,9 +75,6 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   close(Autre);
   P.LancerStation();
   EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
-  P.Faire("INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('B', 1, 46000, '4')");
-  EXPECT_TRUE(P.Station->Attendre("Importation d'un nouveau chargement de B", 10s)) << P.Dit();
-  P.Faire("DELETE FROM Chargement WHERE CodeSite = 'B'");
   Constater("bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
             P.Station->Numéro() + ")");
   Programme Regard("cd " + P.En("") +
@@ -85,6 +82,12 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   EXPECT_TRUE(Regard.Attendre("sans prendre la ligne, qui est à la station au travail (tarvel, processus "))
       << Regard.Dit();
   EXPECT_TRUE(Regard.Attendre("Chargement n° ")) << Regard.Dit();
+  P.Faire(
+      "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) SELECT 'B', 77, DateCh, '4' FROM Chargement");
+  EXPECT_TRUE(P.Station->Attendre("Importation d'un nouveau chargement de B", 10s)) << P.Dit();
+  EXPECT_TRUE(Regard.Attendre("Chargement n° 77,")) << Regard.Dit();
+  EXPECT_EQ(Regard.Dit().find("n° 1,"), Regard.Dit().rfind("n° 1,")) << Regard.Dit();
+  P.Faire("DELETE FROM Chargement WHERE CodeSite = 'B'");
   Regard.Taper("fin");
   EXPECT_EQ(Regard.Fin(), 0);
   P.Rg80->Signaler(SIGINT);
