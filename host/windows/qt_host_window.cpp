@@ -225,8 +225,7 @@ void FenêtrePrincipaleQt::VenirDevant() {
   QWidget* const Devant = Modale != nullptr ? Modale : this;
   Devant->raise();
   Devant->activateWindow();
-  QApplication::beep();
-  QApplication::alert(Devant);
+  Appeler(*Devant);
 }
 
 void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& Infobulle) {
@@ -322,8 +321,7 @@ void FenêtrePrincipaleQt::ActualiserBandeau() {
   const auto Depuis = Aperçu_.SuspendueDepuis();
   if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelTransfert) return;
   Rappelée_ = Depuis;
-  QApplication::beep();
-  QApplication::alert(this);
+  Appeler(*this);
 }
 
 void FenêtrePrincipaleQt::closeEvent(QCloseEvent* Événement) {

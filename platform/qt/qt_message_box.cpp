@@ -16,6 +16,7 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <cstdint>
 #include <optional>
 
 #include "platform/loop/loop.h"
@@ -30,6 +31,9 @@ constexpr int PartLargeur = 3;
 constexpr int PartHauteur = 2;
 /// What has just been closed gives its keys back to the window below within so long.
 constexpr std::chrono::seconds RetourDesTouches(2);
+/// X11's ClientMessage, and what its number may bear besides.
+constexpr std::uint8_t MessageX11 = 33;
+constexpr std::uint8_t SansOrigine = 0x7F;
 
 QTextOption Habillage() {
   QTextOption Option;
@@ -109,10 +113,29 @@ class BoîteQt : public QDialog {
  protected:
   void showEvent(QShowEvent* Événement) override {
     QDialog::showEvent(Événement);
-    if (!Depuis_.isValid()) Depuis_.start();
+    if (Depuis_.isValid()) return;
+    Depuis_.start();
+    if (isModal() && testAttribute(Qt::WA_ShowWithoutActivating)) LaisserLesTouches();
+  }
+  /// Meanwhile no message of the window manager's comes through: Qt would take one for the keys.
+  bool nativeEvent(const QByteArray& Genre, void* Message, qintptr* /*Résultat*/) override {
+    return Réserve_.isActive() && Genre == "xcb_generic_event_t" &&
+           (*static_cast<const std::uint8_t*>(Message) & SansOrigine) == MessageX11;
   }
 
  private:
+  /// On X11 Qt asks the window manager to give a modal window the keys, whatever its attributes say: until it stands on
+  /// the screen and its first moment is over, the box can't have them. Then it calls for attention.
+  void LaisserLesTouches() {
+    windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus);
+    connect(&Réserve_, &QTimer::timeout, this, [this] {
+      if (!windowHandle()->isExposed()) return;
+      Réserve_.stop();
+      windowHandle()->setFlag(Qt::WindowDoesNotAcceptFocus, false);
+      Appeler(*this);
+    });
+    Réserve_.start(Répit_);
+  }
   [[nodiscard]] bool EstTropTôt() const {
     return Depuis_.isValid() && std::chrono::milliseconds(Depuis_.elapsed()) < Répit_;
   }
@@ -129,6 +152,7 @@ class BoîteQt : public QDialog {
 
   std::chrono::milliseconds Répit_;
   QElapsedTimer Depuis_;
+  QTimer Réserve_;
 };
 }  // namespace
 
@@ -147,8 +171,8 @@ RéponseBoîte DemanderParBoîte(const ContexteQt& Contexte, const std::string& 
       if (Retirée) Boîte->hide();
     });
   }
-  QApplication::beep();
-  QApplication::alert(Boîte.operator->());
+  // Beside another program it calls once it stands there.
+  if (QApplication::activeWindow() != nullptr) QApplication::beep();
   Boîte.Attendre(Contexte);
   if (Retirée && Contexte.Témoins.Retirée) Contexte.Témoins.Retirée(Titre, Message);
   return Boîte.EstLà() ? Boîte->Réponse.value_or(Défaut) : Défaut;

@@ -94,6 +94,12 @@ void GarderFenêtresEnVue(QObject& Garde) {
   QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &Garde, &RamenerFenêtres, Qt::QueuedConnection);
 }
 
+/// The ring also sends what the call alone would leave in Qt's buffer until something else is drawn.
+void Appeler(QWidget& Fenêtre) {
+  QApplication::alert(&Fenêtre);
+  QApplication::beep();
+}
+
 void BoutonQt::paintEvent(QPaintEvent* /*Événement*/) {
   QStylePainter Peintre(this);
   QStyleOptionButton Option;

@@ -51,6 +51,9 @@ class BoutonQt : public QPushButton {
 /// From now on, as long as Garde lives, a screen that goes or becomes smaller leaves each window whole in sight.
 void GarderFenêtresEnVue(QObject& Garde);
 
+/// Calls for attention to a window that is shown: a sound, and the window manager's mark while another one is active.
+void Appeler(QWidget& Fenêtre);
+
 /// What all windows of the station share; outlives them.
 struct ContexteQt {
   BoucleQt& Boucle;

@@ -19,9 +19,9 @@ step() { echo "· $*"; }
 
 # Waits for a condition, for a minute and a half at most.
 await() {
-  local what=$1 end=$((SECONDS + 90)); shift
-  until "$@" >/dev/null 2>&1; do
-    [ $SECONDS -lt $end ] || fail "no $what"
+  local what=$1 end=$((SECONDS + ${patience:-90})); shift
+  until "$@" >/dev/null 2>"$work/why"; do
+    [ $SECONDS -lt $end ] || fail "no $what: $(tail -1 "$work/why")"
     sleep 0.1
   done
 }
@@ -92,8 +92,10 @@ terminal() {
   pids+=($rg80)
   await "terminal" test -e "$work/rg80"
 }
+# Under what stands in "under", if anything.
+under=()
 start() {
-  "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/tarvel.$1" 2>&1 &
+  "${under[@]}" "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/tarvel.$1" 2>&1 &
   station=$!
   pids+=($station)
   await "main window" seen '^Tarvel'

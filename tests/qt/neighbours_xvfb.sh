@@ -1,0 +1,63 @@
+#!/usr/bin/env bash
+# The station beside another program, which has the keys while a box comes up and while a transfer window stands
+# forgotten.
+# neighbours_xvfb.sh BIN. Exit code 77: not run, for want of a tool.
+set -euo pipefail
+bin=$(readlink -f "$1") dpi=96 pictures=${2:-}
+source "$(dirname "$(readlink -f "$0")")/desk.sh"
+for tool in openbox xprop xev; do
+  command -v $tool >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
+done
+calls() { xprop -id "$(window "$1")" _NET_WM_STATE | grep -q DEMANDS_ATTENTION; }
+turn_to() { xdotool windowactivate --sync "$(window "$1")"; }
+end() {
+  kill $station
+  wait $station || fail "exit code $? at SIGTERM"
+  [ ! -s "$work/tarvel.$1" ] || fail "the station complained"
+}
+desk_start 2400 768 96
+desk_manager
+desk_base 9600 500
+printf '[Tarvel]\nDuréeBoîtes=0\n' >>"$work/tarvel.ini"
+desk_loads 1
+stdbuf -oL xev -event keyboard -name Voisin >"$work/typed" &
+pids+=($!)
+await "other program" seen '^Voisin$'
+terminal 9600
+
+step "a box comes up beside a program that is typed into"
+start 1
+turn_to '^Voisin$'
+kill $rg80 && wait $rg80 || true
+terminal 9600 --chargements "$work/loads"
+await "box" seen '^RG80 Ombrey$'
+await "call for attention by the box" calls '^RG80 Ombrey$'
+typed() { xdotool key x Return; [ "$(grep -c KeyPress "$work/typed")" -ge 20 ]; }
+await "letters typed into the other program" typed
+seen '^RG80 Ombrey$' || fail "what was typed elsewhere answered the box"
+turn_to '^RG80 Ombrey$' && xdotool key Return
+await "end of the box, once the operator has turned to it" gone '^RG80 Ombrey$'
+
+end 1
+
+# A minute of the station's clock is a second of this one's.
+under=(env FAKETIME_DONT_FAKE_MONOTONIC=1 faketime -f '+1h x60')
+if "${under[@]}" "$bin/tarvel" --version >/dev/null 2>&1; then
+  step "a transfer window stands forgotten"
+  start 2
+  opened=$SECONDS
+  await "transfer window" pick alt+g c '^Chargement des données vers le RG80$'
+  turn_to '^Voisin$'
+  await "call for attention by the main window" calls '^Tarvel'
+  [ $((SECONDS - opened)) -ge 4 ] || fail "the main window called for attention at once"
+  shot suspended
+  press '^Chargement des données' Escape
+  await "closed transfer window" gone '^Chargement des données'
+  press '^Tarvel' ctrl+q
+  wait $station || fail "exit code $? of the station"
+else
+  echo "  a forgotten transfer window isn't tried: faketime isn't installed"
+fi
+under=()
+
+echo "done"
