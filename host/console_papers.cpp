@@ -7,6 +7,7 @@
 #include "base/failures.h"
 #include "base/text_helpers.h"
 #include "host/load_report.h"
+#include "platform/loop/signals.h"
 
 namespace Tarvel {
 namespace {
@@ -64,6 +65,7 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
 }  // namespace
 
 PapiersConsole::~PapiersConsole() {
+  if (Programme_ && Ombrey::SignauxFin::EstDemandée()) Abandonner();
   Ombrey::ErreurEnAttente Ignorée;
   for (Programme_.reset(); !File_.empty(); Programme_.reset()) Ignorer(Ignorée, [this] { Lancer(); });
 }

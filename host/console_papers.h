@@ -22,7 +22,7 @@ class PapiersConsole {
       : Boucle_(Boucle), Sortie_(Sortie), Options_(Choisies) {}
   PapiersConsole(const PapiersConsole&) = delete;
   PapiersConsole& operator=(const PapiersConsole&) = delete;
-  /// Finishes what was asked for.
+  /// Finishes what was asked for, unless a signal ends the station: nobody waits for it then.
   ~PapiersConsole();
 
   void Offrir(Ombrey::CommandesConsole& Commandes);

@@ -46,15 +46,11 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
       Progression_(std::make_shared<ProgressionQt>(&*Fenêtre_)) {
   const int Résolution = Fenêtre_->logicalDpiX();
   Fenêtre_->setWindowTitle(Texte(Titre));
-  const QSize Taille = EnPixels(Intérieur, Résolution).size();
-  // On a wide screen's letters a frame may need more for the title: the controls then stand in the middle.
-  const int Largeur = std::max(Taille.width(), LargeurDuTitre(*Fenêtre_));
-  const int Retrait = (Largeur - Taille.width()) / 2;
-  Fenêtre_->setFixedSize(Largeur, Taille.height());
+  Fenêtre_->setFixedSize(EnPixels(Intérieur, Résolution).size());
   std::vector<std::pair<int, QWidget*>> Ordre;
   for (const DessinContrôle& Dessiné : Dessin) {
     QWidget* const Contrôle = Créer(Dessiné);
-    Contrôle->setGeometry(EnPixels(Dessiné.Place, Résolution).translated(Retrait, 0));
+    Contrôle->setGeometry(EnPixels(Dessiné.Place, Résolution));
     const bool EstCase = Dessiné.Genre == GenreContrôle::CaseÀCocher;
     // Measured in bold where the caption can become bold.
     Contrôle->setFont(Gras(Contrôle->font(), EstCase));
