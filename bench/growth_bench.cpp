@@ -38,6 +38,10 @@ class Atelier {
  public:
   explicit Atelier(std::int64_t Membres) : Membres_(Membres), Cave_(false), État_(Cave_.Poste.Plateforme(), Canal_) {
     Cave_.AjouterMembres(Membres);
+    // Groups of fifty holdings, each with a quota of the day.
+    Cave_.Connexion->ExécuterTout(
+        "UPDATE Métayage SET IdGrp = CAST(1 + CAST(IdMétayage AS INTEGER) / 50 AS TEXT);"
+        "INSERT INTO QuotasGrp (IdGrp, Sélection, QuotaJournalier) SELECT DISTINCT IdGrp, '05', 20000 FROM Métayage");
     État_.BaseDeD = Cave_.Base;
   }
 
@@ -69,6 +73,19 @@ class Atelier {
   bool Importer() {
     bool Drapeau = false;
     return Cave_.Base->EtatBdD()->TableImporter(TitreImport, TexteChemin(Fichier_), Drapeau);
+  }
+  /// What the reply asks of the host: the holding's rest, the group's sum and the group's rest.
+  bool Chiffrer() {
+    const std::int64_t Membre = MembreSuivant();
+    std::string Exploitation = std::to_string(Membre);
+    std::string Groupe = std::to_string(1 + Membre / 50);
+    std::string Appellation = "05";
+    std::string Tous;
+    IBaseDeD& Base = *Cave_.Base;
+    const auto Reste = Base.CalculerRestantExploit(Exploitation, Tous, Appellation, Tous, {}, {});
+    const auto Cumul = Base.CalculerCumulGroupe(Groupe, "", "", Appellation);
+    const auto ResteGroupe = Base.CalculerRestantGroupe(Groupe, Tous, Appellation, Tous, {}, {});
+    return Reste > 0 && Cumul == 0 && ResteGroupe == 20000;
   }
 
  private:
@@ -128,6 +145,11 @@ void ImportOfOneLoad(benchmark::State& État) {
       État, [](Atelier& A) { A.PréparerImport(); }, [](Atelier& A) { return A.Importer(); });
 }
 
+void FiguresOfOneLoad(benchmark::State& État) {
+  Comparer(
+      État, [](Atelier&) {}, [](Atelier& A) { return A.Chiffrer(); });
+}
+
 BENCHMARK(HoldingCheck)
     ->Name("holding check, 1,000 and 50,000 members")
     ->Iterations(5000)
@@ -135,6 +157,11 @@ BENCHMARK(HoldingCheck)
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(ImportOfOneLoad)
     ->Name("import of one load, 1,000 and 50,000 members")
+    ->Iterations(500)
+    ->UseManualTime()
+    ->Unit(benchmark::kMicrosecond);
+BENCHMARK(FiguresOfOneLoad)
+    ->Name("figures of one load, 1,000 and 50,000 members")
     ->Iterations(500)
     ->UseManualTime()
     ->Unit(benchmark::kMicrosecond);
