@@ -10,6 +10,7 @@
 #include <QVBoxLayout>
 #include <chrono>
 #include <cmath>
+#include <sstream>
 #include <utility>
 
 #include "base/failures.h"
@@ -148,21 +149,23 @@ void FenêtrePrincipaleQt::ReprendrePlace() {
   const QSize Voulue(fontMetrics().averageCharWidth() * ColonnesAuDépart, fontMetrics().lineSpacing() * LignesAuDépart);
   // A frame and the desktop's panel want room as well.
   resize(Voulue.boundedTo(screen()->availableSize() * 9 / 10));
-  const std::string Gardée = Réglages_.Lire(Application, Section, CléPlace, "");
-  restoreGeometry(QByteArray::fromBase64(QByteArray::fromStdString(Gardée)));
-  const QRect Place(pos(), size());
-  if (isMaximized() || isFullScreen()) return;
-  PlacerSurÉcran(*this, Place);
-  if (const QRect Obtenue(pos(), size()); Obtenue != Place) PlaceDEmprunt_ = Obtenue;
+  Place_ = QRect(pos(), size());
+  std::istringstream Gardée(Réglages_.Lire(Application, Section, CléPlace, ""));
+  int X = 0, Y = 0, Largeur = 0, Hauteur = 0, Agrandie = 0;
+  if (Gardée >> X >> Y >> Largeur >> Hauteur >> Agrandie) Place_ = {X, Y, Largeur, Hauteur};
+  PlacerSurÉcran(*this, Place_);
+  if (Agrandie != 0) setWindowState(Qt::WindowMaximized);
 }
 
 /// The place of a screen that is missing today is kept, unless the operator gave another one. Nobody is left to be told
 /// of a failure.
 void FenêtrePrincipaleQt::SauverPlace() {
-  if (!isMaximized() && PlaceDEmprunt_ == QRect(pos(), size())) return;
+  if (!isMaximized()) Place_ = PlaceVoulue(*this);
+  std::ostringstream Gardée;
+  for (const int Mesure : {Place_.x(), Place_.y(), Place_.width(), Place_.height(), isMaximized() ? 1 : 0})
+    Gardée << Mesure << ' ';
   ErreurEnAttente Ignorée;
-  Ignorer(Ignorée,
-          [this] { Réglages_.Ecrire(Application, Section, CléPlace, saveGeometry().toBase64().toStdString()); });
+  Ignorer(Ignorée, [&] { Réglages_.Ecrire(Application, Section, CléPlace, Gardée.str()); });
 }
 
 std::function<void()> FenêtrePrincipaleQt::Différé(std::function<void()> Geste) const {

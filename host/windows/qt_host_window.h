@@ -102,8 +102,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   VeilleFermeture Fermeture_;
   /// Attention was called for to the transfer window that stands open since then.
   std::optional<std::chrono::system_clock::time_point> Rappelée_;
-  std::string Site_;                    ///< this station's
-  std::optional<QRect> PlaceDEmprunt_;  ///< on a screen too small for the remembered one
+  std::string Site_;  ///< this station's
+  QRect Place_;       ///< its own, while it isn't maximised
   QTimer Montre_;
   int Tours_ = 0;
 

@@ -16,6 +16,9 @@ constexpr int PixelsMax = 32767;
 constexpr int TwipsMax = 1 << 24;
 /// In quarters of a point.
 constexpr int CorpsLisible = 6 * 4;
+/// What a window bears that had to be given another place than its own.
+constexpr const char* SaPlace = "SaPlace";
+constexpr const char* PlaceDEmprunt = "PlaceDEmprunt";
 /// What stands in a frame's title beside it, each as high as the title: a picture, three buttons, and the room between.
 constexpr int AutourDuTitre = 5;
 }  // namespace
@@ -62,6 +65,14 @@ void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place) {
   const QRect Ramenée = RamenéeSurÉcran(QRect(Place.topLeft(), Place.size() + Cadre), Écrans);
   Fenêtre.resize(Ramenée.size() - Cadre);
   Fenêtre.move(Ramenée.topLeft());
+  const QRect Obtenue(Fenêtre.pos(), Fenêtre.size());
+  Fenêtre.setProperty(SaPlace, Place);
+  Fenêtre.setProperty(PlaceDEmprunt, Obtenue == Place ? QRect() : Obtenue);
+}
+
+QRect PlaceVoulue(const QWidget& Fenêtre) {
+  const QRect Présente(Fenêtre.pos(), Fenêtre.size());
+  return Fenêtre.property(PlaceDEmprunt).toRect() == Présente ? Fenêtre.property(SaPlace).toRect() : Présente;
 }
 
 QString SurUneLigne(const std::string& Utf8) {

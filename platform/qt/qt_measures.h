@@ -30,6 +30,8 @@ struct CadreNominal {
 [[nodiscard]] QRect RamenéeSurÉcran(const QRect& Fenêtre, const std::vector<QRect>& Écrans);
 /// Gives the window this place on the machine's screens, in pixels: left and top of its frame, and the inner size.
 void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place);
+/// The window's own place: the one that it stands at, unless it does so only because no screen has its own.
+[[nodiscard]] QRect PlaceVoulue(const QWidget& Fenêtre);
 
 [[nodiscard]] inline QString Texte(const std::string& Utf8) { return QString::fromStdString(Utf8); }
 /// A list shows a text's line breaks as blanks; a box or a tool tip shows them as they are.

@@ -76,7 +76,7 @@ void RamenerFenêtres() {
     const Qt::WindowStates Grande = Qt::WindowMaximized | Qt::WindowFullScreen;
     if ((Une->windowType() != Qt::Window && Une->windowType() != Qt::Dialog) || (Une->windowState() & Grande)) continue;
     const QRect Avant(Une->pos(), Une->size());
-    PlacerSurÉcran(*Une, Avant);
+    PlacerSurÉcran(*Une, PlaceVoulue(*Une));
     const auto* const Nôtre = dynamic_cast<FenêtreQt*>(Une);
     const bool Déplacée = Avant != QRect(Une->pos(), Une->size());
     if (Déplacée && Nôtre != nullptr && Nôtre->isVisible() && Nôtre->SurActivation) Nôtre->SurActivation();

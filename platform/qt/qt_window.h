@@ -48,7 +48,8 @@ class BoutonQt : public QPushButton {
   void paintEvent(QPaintEvent* Événement) override;
 };
 
-/// From now on, as long as Garde lives, a screen that goes or becomes smaller leaves each window whole in sight.
+/// From now on, as long as Garde lives, a screen that goes or becomes smaller leaves each window whole in sight, and
+/// one that comes back has its windows again.
 void GarderFenêtresEnVue(QObject& Garde);
 
 /// Calls for attention to a window that is shown: a sound, and the window manager's mark while another one is active.

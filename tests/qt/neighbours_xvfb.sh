@@ -1,11 +1,11 @@
 #!/usr/bin/env bash
 # The station beside another program, which has the keys while a box comes up and while a transfer window stands
-# forgotten.
+# forgotten; and the second screen, on which its windows stood, goes and comes back.
 # neighbours_xvfb.sh BIN. Exit code 77: not run, for want of a tool.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=96 pictures=${2:-}
 source "$(dirname "$(readlink -f "$0")")/desk.sh"
-for tool in openbox xprop xev; do
+for tool in openbox xrandr xprop xev; do
   command -v $tool >/dev/null || { echo "not run: $tool isn't installed"; exit 77; }
 done
 calls() { xprop -id "$(window "$1")" _NET_WM_STATE | grep -q DEMANDS_ATTENTION; }
@@ -60,4 +60,30 @@ else
 fi
 under=()
 
+step "the second screen goes, and comes back, between two starts"
+xrandr --setmonitor left 1200/317x768/203+0+0 screen 2>/dev/null >&2
+second_screen() { xrandr --setmonitor right 1200/317x768/203+1200+0 none; }
+whole_on_the_first() { eval "$(place "$1")" && [ $((X - 1 + WIDTH)) -le 1200 ]; }
+same_place() { echo "$1: $(place "$1" | xargs) for $(echo ${placed[$1]})" >&2; [ "$(place "$1")" = "${placed[$1]}" ]; }
+each() { for one in '^Tarvel' '^Liste des chargements$'; do await "$one: $1" "$1" "$one"; done; }
+open() { start "$1" && await "monitoring window" shown; }
+declare -A placed
+second_screen
+open 3
+for one in '^Tarvel' '^Liste des chargements$'; do
+  xdotool windowsize --sync "$(window "$one")" 800 500 windowmove --sync "$(window "$one")" 1500 90
+  placed[$one]=$(place "$one")
+done
+end 3
+xrandr --delmonitor right
+open 4
+each whole_on_the_first
+end 4
+second_screen
+open 5
+each same_place
+step "the second screen goes under the running station"
+xrandr --delmonitor right
+each whole_on_the_first
+end 5
 echo "done"

@@ -299,9 +299,9 @@ TEST_F(Principale, SaysThatNothingIsCollectedInAPlugInsWindowAndKeepsItsPlace) {
   EXPECT_EQ(Manquent({"○"}), QStringList()) << "and it goes on";
   Fenêtre->setGeometry(60, 60, 700, 500);
   Vider();
-  const QRect Place = Fenêtre->geometry();
+  const QPoint Place = Fenêtre->pos();
   Fenêtre = nullptr;
-  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu).geometry(), Place);
+  EXPECT_EQ(FenêtrePrincipaleQt(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu).pos(), Place);
 }
 
 TEST_F(FenêtresDeQt, TheButtonsPictureStandsOnTheClipboardAndInTheToolbar) {
