@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Makes the pictures of docs/images: each view of the station in a window manager's frame.
-# bench/pictures.sh BIN DPI [WIDTH HEIGHT [FOLDER]]: the programs' folder; the screen, 1366×768 times DPI/96 unless
-# given. At 96 dpi a picture is called VIEW.png, at another VIEW-DPI.png.
+# bench/pictures.sh BIN DPI [WIDTH HEIGHT [FOLDER]]: the programs' folder, where they are installed (cmake --install
+# build/release --prefix /usr/local), so that no picture shows a path of the work on them; the screen, 1366×768 times
+# DPI/96 unless given. At 96 dpi a picture is called VIEW.png, at another VIEW-DPI.png. Needs poppler-utils.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=$2 root=$(dirname "$(readlink -f "$0")")/..
 source "$root/tests/qt/desk.sh"
@@ -48,23 +49,43 @@ view '^Liste des chargements$' monitoring
 press '^Liste des chargements$' Escape
 kill $station && wait $station || true
 kill $rg80 && wait $rg80 || true
-# A load that is refused, and polled so seldom that its box is gone while the pictures are taken.
-echo "0010${day}103010410001010001010011000000050111x21310012" >"$work/loads"
+# A load that takes over a number, and one that is refused; then polls so seldom that its box is gone meanwhile.
+{
+  echo "0001${day}102208450002100003050050333333050113112105007"
+  echo "0010${day}103010410001010001010011000000050111x21310012"
+} >"$work/loads"
+python3 -c 'import sqlite3, sys
+base = sqlite3.connect(sys.argv[1])
+base.execute("INSERT INTO Station SELECT 2, (?), Vue FROM Station", ("quai-nord",))
+base.commit()' "$work/cave.db"
 terminal 9600 --chargements "$work/loads"
-sed -i 's/interrogation=2000/interrogation=60000/' "$work/tarvel.ini"
+sed -i 's/interrogation=2000/interrogation=20000/; s/DuréeBoîtes=1/DuréeBoîtes=5/' "$work/tarvel.ini"
 start 2
 await "box about the refused load" seen '^RG80 Ombrey$'
+view '^RG80 Ombrey$' box
 await "end of the box" gone '^RG80 Ombrey$'
-press "$main" alt+r
-view "$main" refused
-press "$main" alt+l
-view "$main" line
-press "$main" alt+i
-view "$main" unread
-await "port dialog" pick alt+s c '^Port du RG80$'
-view '^Port du RG80$' port
-press '^Port du RG80$' Escape
-await "closed port dialog" gone '^Port du RG80$'
+for tab in r:refused l:line i:unread c:archive u:journal n:stations; do
+  press "$main" alt+${tab%:*}
+  view "$main" ${tab#*:}
+done
+# What a key of a menu, and one in it, lead to.
+dialog() {
+  await "$4" pick "$1" "$2" "$3"
+  view "$3" "$4"
+  press "$3" Escape
+  await "closed $4" gone "$3"
+}
+dialog alt+s d '^Diagnostic$' diagnostic
+dialog alt+s b '^Bordereau de la journée$' slip-dialog
+dialog alt+s t "^Ticket d'un chargement$" ticket-dialog
+dialog alt+s e '^Exporter les chargements$' export
+dialog alt+a g "^Guide de l'opérateur$" guide
+dialog alt+a p '^À propos$' about
+dialog alt+s c '^Port du RG80$' port
+for paper in bordereau:slip "ticket 4:ticket"; do
+  "$bin/tarvel" --base "$work/cave.db" --${paper%:*} "$work/${paper#*:}.pdf" >/dev/null
+  pdftoppm -png -singlefile -r "$dpi" "$work/${paper#*:}.pdf" "$out/${paper#*:}$suffix"
+done
 kill $station && wait $station || true
 kill $rg80 && wait $rg80 || true
 sed -i s/Bauds=9600/Bauds=300/ "$work/tarvel.ini"

@@ -87,10 +87,11 @@ void De4Vers5(IConnexion& Connexion) {
   De2Vers3(Connexion);
 }
 
-/// The holdings of a group, however its number is written.
+/// The holdings of a group, however its number is written; an ordinary load writes no note of replaced rows.
 void De5Vers6(IConnexion& Connexion) {
   Connexion.ExécuterTout(
       "CREATE INDEX IF NOT EXISTS MétayageParNuméroDeGroupe ON Métayage (CAST(IdGrp AS INTEGER), IdMétayage)");
+  De2Vers3(Connexion);
 }
 
 /// The step from each number to the next, from the first on.

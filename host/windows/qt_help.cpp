@@ -11,6 +11,7 @@
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScreen>
+#include <QShortcut>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QUrl>
@@ -91,6 +92,8 @@ bool AideQt::Montrer() {
     Guide_->setAttribute(Qt::WA_QuitOnClose, false);
     Guide_->setWindowTitle(QStringLiteral("Guide de l'opérateur"));
     Guide_->setSource(QUrl::fromLocalFile(Fichier), QTextDocument::MarkdownResource);
+    QObject::connect(new QShortcut(QKeySequence(Qt::Key_Escape), Guide_.get()), &QShortcut::activated, Guide_.get(),
+                     &QWidget::close);
     Guide_->winId();  // gives it its window, which can stand above another's
     Dimensionner(*Guide_);
   }
