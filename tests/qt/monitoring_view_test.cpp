@@ -150,12 +150,12 @@ TEST_F(SuiviQt, TheGridFollowsItsLoadsAndKeepsTheirPlaceAndItsWidths) {
   Grille.resize(600, 300);
   Grille.show();
   const std::vector<std::string> Entêtes = {"Chai", "N°Pesée", "Heure", "Appellation", "Propriétaire"};
-  const auto Jour = [&](int Dernier) {  // the newest on top
+  const auto Jour = [&](int Dernier, bool Nouveautés = true) {  // the newest on top
     std::vector<std::vector<std::string>> Lignes;
     for (int No = Dernier; No > 0; --No)
       Lignes.push_back(
           {"1", std::to_string(No), "22/09 08:05", No % 2 ? "" : "Aligoté", No % 3 ? "Bost" : "7-Crée par le RG80 "});
-    Grille.Remplir(Entêtes, Lignes);
+    Grille.Remplir(Entêtes, Lignes, Nouveautés);
   };
   const auto Dit = [&](int Rang, int Colonne, int Rôle) { return Grille.model()->index(Rang, Colonne).data(Rôle); };
   Jour(1999);
@@ -180,7 +180,8 @@ TEST_F(SuiviQt, TheGridFollowsItsLoadsAndKeepsTheirPlaceAndItsWidths) {
   QTest::keyClick(&Grille, Qt::Key_C, Qt::ControlModifier);
   EXPECT_EQ(QApplication::clipboard()->text(), "1\t1094\t22/09 08:05\tAligoté\tBost");
   Grille.verticalScrollBar()->setValue(0);
-  Jour(2001);
+  Jour(2001, false);
+  EXPECT_FALSE(Dit(0, 1, Qt::FontRole).isValid()) << "what a search gives back hasn't just come";
   EXPECT_EQ(Grille.verticalScrollBar()->value(), 0) << "whoever looks at the newest wants the newest";
   Grille.Remplir({"Part"}, {{"a"}, {}});
   EXPECT_EQ(Grille.model()->headerData(0, Qt::Horizontal, Qt::DisplayRole), QString("Part"));
