@@ -16,6 +16,7 @@
 #include <cerrno>
 #include <csignal>
 #include <string_view>
+#include <thread>
 
 #include "base/failures.h"
 #include "base/system_error.h"
@@ -199,7 +200,11 @@ void AppareilLiaison::Prendre(const AdressePort& Adresse, const RéglagesLiaison
 Passage AppareilLiaison::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }
 
 Passage AppareilLiaison::Ecrire(std::string_view Octets) const {
-  return Octets.empty() ? Passage{} : Résultat(write(Numéro(), Octets.data(), Octets.size()));
+  if (Octets.empty()) return {};
+  const ssize_t Écrits = write(Numéro(), Octets.data(), Octets.size());
+  // A pseudo-terminal hands over what it took only when its kernel thread has had a processor: ours, as a rule.
+  std::this_thread::yield();
+  return Résultat(Écrits);
 }
 
 std::size_t AppareilLiaison::EnAttente() const {
