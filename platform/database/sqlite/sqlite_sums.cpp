@@ -49,10 +49,12 @@ class Déclencheurs {
     return PourRangée(Rangée, std::string(" WHERE Métayage = ") + Métayage + " AND Sélection = " + Sélection +
                                   " AND Année = " + Année);
   }
-  /// Without a conflict: how those are dealt with, the statement that fires a trigger says for all that it does.
+  /// Not by « OR »: how a conflict is dealt with, the statement that fires a trigger says for all that it does. And not
+  /// by a look into the table that is written, for which the engine would set up another one in memory.
   [[nodiscard]] std::string Compter(const std::string& Rangée) const {
-    return "INSERT INTO " + Sommes_.Table + " SELECT " + PourRangée(Rangée, Termes()) +
-           ", 0 WHERE NOT EXISTS (SELECT 1 FROM " + Sommes_.Table + ÀSaPlace(Rangée) + ");" + Changer(Rangée, "+");
+    return "INSERT INTO " + Sommes_.Table + " VALUES (" +
+           PourRangée(Rangée, std::string(Métayage) + ", " + Sélection + ", " + Année + ", " + Masse()) +
+           ") ON CONFLICT (Métayage, Sélection, Année) DO UPDATE SET Masse = Masse + excluded.Masse;";
   }
   [[nodiscard]] std::string Changer(const std::string& Rangée, const char* Signe) const {
     return "UPDATE " + Sommes_.Table + " SET Masse = Masse " + Signe + PourRangée(Rangée, Masse()) + ÀSaPlace(Rangée) +
