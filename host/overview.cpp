@@ -117,7 +117,7 @@ std::string ÀFaireDe(const FaitRépété& Refusé) {
 
 Ombrey::TémoinsFenêtres Aperçu::Témoins() {
   return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
-          [this](const std::string& Titre, const std::string& Message) { NoterBoîte(Titre, Message); },
+          [this](const std::string& Titre, const std::string& Message) { return NoterBoîte(Titre, Message); },
           [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); },
           [this](bool Ouverte) { NoterTransfert(Ouverte); }};
 }
@@ -141,19 +141,24 @@ void Aperçu::NoterLigne(const std::string& Ligne) {
   if (!NoterTexte(Ligne) && Liaison_.État() != Avant) Changer();
 }
 
-void Aperçu::NoterBoîte(const std::string& Titre, const std::string& Message) {
+std::string Aperçu::NoterBoîte(const std::string& Titre, const std::string& Message) {
   if (Titre == Ombrey::Phrase::TitreErreurPort) Liaison_.NoterPort(std::time(nullptr), Message);
   if (Titre == Ombrey::Phrase::TitreExploitation) {
     Panne_ = Message;
     PassageDePanne_ = Passage_;
   }
   if (!NoterTexte(Message)) Changer();
+  return Précision(Message);
+}
+
+std::string Aperçu::Précision(const std::string& Message) const {
+  const std::string Sien = Message == Ombrey::Phrase::ChecksumFaux ? Numéro(Tampon_.empty() ? Trame_ : "") : SansNuméro;
+  return Sien == SansNuméro ? "" : "(chargement n° " + Sien + ", tel que reçu)";
 }
 
 void Aperçu::NoterRetrait(const std::string& Titre, const std::string& Message) {
-  const std::string Sien = Message == Ombrey::Phrase::ChecksumFaux ? Numéro(Tampon_.empty() ? Trame_ : "") : SansNuméro;
-  const std::string Détail = Sien == SansNuméro ? "" : " (chargement n° " + Sien + ", tel que reçu)";
-  NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message + Détail});
+  const std::string Détail = Précision(Message);
+  NonLus_.Noter(HeureLocale(), {.Sujet = Titre, .Texte = Message + (Détail.empty() ? "" : " ") + Détail});
   GarderNonLus();
   Changer();
 }

@@ -29,7 +29,8 @@ inline constexpr std::chrono::minutes RappelTransfert(5);
 class Aperçu {
  public:
   void NoterLigne(const std::string& Ligne);
-  void NoterBoîte(const std::string& Titre, const std::string& Message);
+  /// Which load the message is about, where it doesn't say so itself and the terminal did.
+  std::string NoterBoîte(const std::string& Titre, const std::string& Message);
   void NoterRetrait(const std::string& Titre, const std::string& Message);
   /// Characters that came over the line.
   void NoterOctets(const Ombrey::Octets& Reçus);
@@ -66,6 +67,8 @@ class Aperçu {
  private:
   /// True when it tells of a refused load; who watches knows that then.
   bool NoterTexte(const std::string& Texte);
+  /// What NoterBoîte gives.
+  [[nodiscard]] std::string Précision(const std::string& Message) const;
   /// True when this frame's holding couldn't be looked for.
   [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);

@@ -38,7 +38,8 @@ bool Offre(BoutonsBoîte Boutons, RéponseBoîte Réponse) {
 RéponseBoîte FenêtresConsole::Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) {
   const bool Seul = Boutons == BoutonsBoîte::Ok;
   Ligne("boîte «" + Titre + "» (" + (Seul ? "OK" : "Recommencer, Annuler") + ") : " + Texte);
-  if (Témoins_.Boîte) Témoins_.Boîte(Titre, Texte);
+  const std::string Précision = Témoins_.Boîte ? Témoins_.Boîte(Titre, Texte) : "";
+  if (!Précision.empty()) Ligne("  " + Précision);
   const RéponseBoîte Défaut = RéponseSansOpérateur(Boutons);
   if (!OpérateurPrésent()) {
     if (Témoins_.Retirée) Témoins_.Retirée(Titre, Texte);

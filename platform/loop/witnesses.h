@@ -10,8 +10,9 @@ namespace Ombrey {
 
 /// Each is called as the plug-in says it, and may be none.
 struct TémoinsFenêtres {
-  std::function<void(const std::string& Ligne)> Ligne;                                ///< into its message list
-  std::function<void(const std::string& Titre, const std::string& Message)> Boîte;    ///< shown now
+  std::function<void(const std::string& Ligne)> Ligne;  ///< into its message list
+  /// Shown now; what stands below the message, nothing as a rule.
+  std::function<std::string(const std::string& Titre, const std::string& Message)> Boîte;
   std::function<void(const std::string& Titre, const std::string& Message)> Retirée;  ///< went unread
   std::function<void(bool Ouverte)> Transfert = nullptr;  ///< the transfer window, which stops the collection
 };

@@ -52,10 +52,11 @@ RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& 
       Contexte_.SurÉchec("L'envoi a été arrêté : ce qui reste coché n'est pas au RG80.");
     return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   }
-  if (Contexte_.Témoins.Boîte) Contexte_.Témoins.Boîte(Titre, Texte);
+  const std::string Précision = Contexte_.Témoins.Boîte ? Contexte_.Témoins.Boîte(Titre, Texte) : "";
   const bool Sablier = Sablier_;
   FixerSablier(false);
-  const RéponseBoîte Réponse = DemanderParBoîte(Contexte_, Texte, Titre, Boutons);
+  const RéponseBoîte Réponse =
+      DemanderParBoîte(Contexte_, Texte + (Précision.empty() ? "" : "\n") + Précision, Titre, Boutons);
   if (Sablier) FixerSablier(true);
   return Réponse;
 }

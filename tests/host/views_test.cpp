@@ -159,6 +159,7 @@ TEST_F(Aperçus, AClockAheadIsToldOnceAndWhatNobodyHasReadOutlivesTheStation) {
   Offrir(Année);
   EXPECT_TRUE(Vue.NoterReçu().starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
   EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
+  EXPECT_EQ(Vue.NoterBoîte("RG80 Ombrey", "Erreur de check-sum"), "(chargement n° 12, tel que reçu)");
   Vue.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);
   Aperçu Suivant;

@@ -29,7 +29,7 @@ std::string Tour(const QWidget& Fenêtre) {
 struct Commandes : BureauAvecBase {
   Commandes() {
     LesVraies.RépondreSeul();
-    LesVraies.Observer({{}, [&](const std::string& Titre, const std::string&) { Trace += Titre; }, {}});
+    LesVraies.Observer({{}, [&](const std::string& Titre, const std::string&) { return Trace += Titre, ""; }, {}});
     État.DernierNoChargement = "7";
     Services.SurInterrogation = [&] { Trace += "interroge"; };
     Services.SurCumuls = [&] { Trace += "cumule"; };
