@@ -172,6 +172,16 @@ void ÉcrirePapier(const Tarvel::Options& Choisies) {
   std::puts(("Le document est dans " + Ombrey::TexteChemin(Choisies.Copie) + ".").c_str());
 }
 
+void Recopier(const Tarvel::Options& Choisies) {
+  const auto Base = Ombrey::Chemin(Choisies.Base);
+  if (Choisies.QueFaire == Tarvel::Tâche::Sauvegarder)
+    Copier("sauvegarde", [&](const auto& Dire) { return Tarvel::SauvegarderBase(Base, Choisies.Copie, Dire); });
+  else if (Choisies.QueFaire == Tarvel::Tâche::Restaurer)
+    Copier("restauration", [&](const auto& Dire) { return Tarvel::RestaurerBase(Base, Choisies.Copie, Dire); });
+  else
+    Copier("copie", [&](const auto& Dire) { return Tarvel::CopierBase(Choisies.Base, Choisies.Vers, Dire); });
+}
+
 int Accomplir(const Tarvel::Options& Choisies) {
   switch (Choisies.QueFaire) {
     case Tarvel::Tâche::Aide:
@@ -184,17 +194,9 @@ int Accomplir(const Tarvel::Options& Choisies) {
       Tarvel::CréerBase(Choisies.Base, Choisies.Exemple);
       break;
     case Tarvel::Tâche::Sauvegarder:
-      Copier("sauvegarde", [&](const auto& Dire) {
-        return Tarvel::SauvegarderBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie, Dire);
-      });
-      break;
     case Tarvel::Tâche::Restaurer:
-      Copier("restauration", [&](const auto& Dire) {
-        return Tarvel::RestaurerBase(Ombrey::Chemin(Choisies.Base), Choisies.Copie, Dire);
-      });
-      break;
     case Tarvel::Tâche::CopierBase:
-      Copier("copie", [&](const auto& Dire) { return Tarvel::CopierBase(Choisies.Base, Choisies.Vers, Dire); });
+      Recopier(Choisies);
       break;
     case Tarvel::Tâche::Exporter:
       Exporter(Choisies);

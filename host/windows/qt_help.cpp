@@ -19,6 +19,9 @@
 #include <QWindow>
 #include <algorithm>
 
+#include "base/failures.h"
+#include "platform/qt/qt_measures.h"
+
 namespace Ombrey {
 
 namespace {
@@ -125,6 +128,15 @@ void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte) {
   Plan->addWidget(Boutons);
   Dimensionner(*Fenêtre);
   Fenêtre->show();
+}
+
+void MontrerDiagnostic(QWidget* Parent, const std::function<std::string()>& Diagnostic) {
+  QApplication::setOverrideCursor(Qt::WaitCursor);
+  ErreurEnAttente Erreur;
+  std::string Dit;
+  if (!Ignorer(Erreur, [&] { Dit = Diagnostic(); })) Dit = Erreur.Texte();
+  QApplication::restoreOverrideCursor();
+  MontrerTexte(Parent, QStringLiteral("Diagnostic"), Texte(Dit));
 }
 
 }  // namespace Ombrey

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QTextBrowser>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -21,5 +22,7 @@ class AideQt : public QObject {
 
 /// Shows the text until it is closed, with a button that copies it.
 void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte);
+/// Shows what Diagnostic finds, or why it couldn't, under an hourglass meanwhile.
+void MontrerDiagnostic(QWidget* Parent, const std::function<std::string()>& Diagnostic);
 
 }  // namespace Ombrey

@@ -178,7 +178,7 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
   Gestes_ = std::move(LesGestes);
   QMenu* const Station = menuBar()->addMenu(QStringLiteral("&Station"));
   Offrir(*Station, "&Configurer le port…", Gestes_.Configurer);
-  if (Diagnostic_) Offrir(*Station, "&Diagnostic…", [this] { Diagnostiquer(); });
+  if (Diagnostic_) Offrir(*Station, "&Diagnostic…", [this] { MontrerDiagnostic(this, Diagnostic_); });
   Station->addSeparator();
   OffrirPapiers(*Station, this, Contexte_, [this] { return Base_ ? Base_->BaseDAO() : nullptr; });
   Station->addSeparator();
@@ -204,15 +204,6 @@ QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std
 void FenêtrePrincipaleQt::Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic) {
   ÀPropos_ = ÀPropos;
   Diagnostic_ = std::move(Diagnostic);
-}
-
-void FenêtrePrincipaleQt::Diagnostiquer() {
-  QApplication::setOverrideCursor(Qt::WaitCursor);
-  ErreurEnAttente Erreur;
-  std::string Dit;
-  if (!Ignorer(Erreur, [&] { Dit = Diagnostic_(); })) Dit = Erreur.Texte();
-  QApplication::restoreOverrideCursor();
-  MontrerTexte(this, QStringLiteral("Diagnostic"), Texte(Dit));
 }
 
 void FenêtrePrincipaleQt::SePrésenter() {

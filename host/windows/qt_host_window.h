@@ -82,7 +82,6 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void SauverPlace();
   [[nodiscard]] std::function<void()> Différé(std::function<void()> Geste) const;
   void VenirDevant();
-  void Diagnostiquer();
   void Lire(IDatabase& Base, const std::string& Site);
   void ActualiserPage();
   void ActualiserBandeau();

@@ -83,15 +83,14 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
       << Regard.Dit();
   EXPECT_TRUE(Regard.Attendre("Chargement n° ")) << Regard.Dit();
   P.Faire(
-      "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) SELECT 'B', 77, DateCh, '4' FROM Chargement");
+      "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) SELECT 'B', 77, DateCh, 4 FROM Chargement");
   EXPECT_TRUE(P.Station->Attendre("Importation d'un nouveau chargement de B", 10s)) << P.Dit();
   EXPECT_TRUE(Regard.Attendre("Chargement n° 77,")) << Regard.Dit();
   EXPECT_EQ(Regard.Dit().find("n° 1,"), Regard.Dit().rfind("n° 1,")) << Regard.Dit();
   P.Faire("DELETE FROM Chargement WHERE CodeSite = 'B'");
   Regard.Taper("fin");
   EXPECT_EQ(Regard.Fin(), 0);
-  P.Rg80->Signaler(SIGINT);
-  P.Finir("1 1 0");
+  P.Rg80->Signaler(SIGINT), P.Finir("1 1 0");
   for (const auto& [Acte, Constat] : {std::pair("UPDATE CumulSaison SET Masse = Masse + 1", "mauvais cumuls : "),
                                       {"$ " BIN_DIR "/tarvel --base cave.db --refaire-cumuls", "bon     cumuls : "},
                                       {"UPDATE Chargement SET DateCh = DateCh + 90000", "mauvais horloge : "},
