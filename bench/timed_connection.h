@@ -33,6 +33,7 @@ class ConnexionChronométrée final : public IConnexion {
   [[nodiscard]] Durée Passée() const { return Passée_; }
 
   [[nodiscard]] std::string Nom() const override { return Réelle_->Nom(); }
+  [[nodiscard]] std::string Moteur() override { return Réelle_->Moteur(); }
   [[nodiscard]] std::optional<std::filesystem::path> SonFichier() const override { return Réelle_->SonFichier(); }
   [[nodiscard]] bool EstEnLectureSeule() const override { return Réelle_->EstEnLectureSeule(); }
   [[nodiscard]] Instruction Préparer(std::string_view Sql) override {

@@ -2,33 +2,32 @@
 #include "host/console_papers.h"
 
 #include <algorithm>
-#include <utility>
+#include <memory>
+#include <vector>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"
 #include "host/load_report.h"
-#include "platform/loop/signals.h"
 
 namespace Tarvel {
 namespace {
 
 using Ombrey::QuandPermise;
 
-/// This program, wherever it stands.
-constexpr const char* CeProgramme = "/proc/self/exe";
-const std::string Plainte = "tarvel : ";  ///< stands ahead of what the program says on its error stream
-
 struct Papier {
   const char *Nom, *Argument, *Aide, *Option;
-  bool VeutNuméro;
-  std::size_t Jours;  ///< how many days may stand behind the file
+  bool VeutNuméro, VeutFichier;
+  std::size_t Jours;  ///< how many days may stand behind
 };
 
 constexpr Papier Papiers[] = {
-    {"bordereau", "FICHIER [JOUR]", "écrit le bordereau de la journée en PDF", "--bordereau", false, 1},
-    {"ticket", "N FICHIER [JOUR]", "écrit le ticket du chargement n° N en PDF", "--ticket", true, 1},
-    {"csv", "FICHIER [DU [AU]]", "écrit les chargements en CSV, tous ou ceux de ces jours", "--exporter-csv", false, 2},
-    {"copie", "FICHIER", "copie la base entière dans un fichier neuf", "--sauvegarder", false, 0},
+    {"bordereau", "FICHIER [JOUR]", "écrit le bordereau de la journée en PDF", "--bordereau", false, true, 1},
+    {"ticket", "N FICHIER [JOUR]", "écrit le ticket du chargement n° N en PDF", "--ticket", true, true, 1},
+    {"imprimer-bordereau", "[JOUR]", "imprime le bordereau de la journée", "--imprimer-bordereau", false, false, 1},
+    {"imprimer-ticket", "N [JOUR]", "imprime le ticket du chargement n° N", "--imprimer-ticket", true, false, 1},
+    {"csv", "FICHIER [DU [AU]]", "écrit les chargements en CSV, tous ou ceux de ces jours", "--exporter-csv", false,
+     true, 2},
+    {"copie", "FICHIER", "copie la base entière dans un fichier neuf", "--sauvegarder", false, true, 0},
 };
 
 /// The last word, taken away, when it is a day; empty otherwise.
@@ -48,15 +47,17 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
     Mots.push_back(Tapé.substr(0, Fin));
     Tapé = Ombrey::SansBlancs(Tapé.substr(Fin));
   }
+  if (!Lequel.VeutFichier) Tapé.insert(0, " ");
   std::vector<std::string> Jours;
   while (Jours.size() < Lequel.Jours) {
     const std::string Jour = JourFinal(Tapé);
     if (Jour.empty()) break;
     Jours.insert(Jours.begin(), Jour);
   }
-  if (Tapé.empty())
+  Tapé = Ombrey::SansBlancs(Tapé);
+  if (Mots.back().empty() || Tapé.empty() == Lequel.VeutFichier)
     throw Ombrey::ErreurExécution(std::string("la commande s'écrit « ") + Lequel.Nom + " " + Lequel.Argument + " ».");
-  Mots.push_back(Tapé);
+  if (Lequel.VeutFichier) Mots.push_back(Tapé);
   for (std::size_t Rang = 0; Rang < Jours.size(); ++Rang)
     Mots.insert(Mots.end(), {Rang == 0 ? "--du" : "--au", Jours[Rang]});
   return Mots;
@@ -64,39 +65,31 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
 
 }  // namespace
 
-PapiersConsole::~PapiersConsole() {
-  if (Programme_ && Ombrey::SignauxFin::EstDemandée()) Abandonner();
-  Ombrey::ErreurEnAttente Ignorée;
-  for (Programme_.reset(); !File_.empty(); Programme_.reset()) Ignorer(Ignorée, [this] { Lancer(); });
-}
-
 void PapiersConsole::Offrir(Ombrey::CommandesConsole& Commandes) {
   for (const Papier& Un : Papiers)
     Commandes.Ajouter({Un.Nom, Un.Argument, Un.Aide, QuandPermise::EntreDeux, [this, &Un](const std::string& Tapé) {
-                         File_.push_back({Un.Nom, MotsPour(Un, Tapé)});
-                         if (!Programme_) Lancer();
+                         const auto [Dire, Finir] = Paroles(Un.Nom);
+                         Travaux_.Confier(MotsPour(Un, Tapé), Dire, Finir);
                        }});
-  Commandes.Ajouter(
-      {"abandonner", "", "arrête ces travaux", QuandPermise::Toujours, [this](const std::string&) { Abandonner(); }});
+  Commandes.Ajouter({"diagnostic", "", "examine réglages, port, base et dossier", QuandPermise::EntreDeux,
+                     [this](const std::string&) {
+                       const auto [Dire, Finir] = Paroles("diagnostic");
+                       Travaux_.Diagnostiquer(Dire, Finir);
+                     }});
+  Commandes.Ajouter({"abandonner", "", "arrête ces travaux", QuandPermise::Toujours, [this](const std::string&) {
+                       if (!Travaux_.Abandonner()) throw Ombrey::ErreurExécution("il n'y a rien à abandonner.");
+                     }});
 }
 
-void PapiersConsole::Lancer() {
-  Travail Un = std::move(File_.front());
-  File_.pop_front();
-  Un.Mots.insert(Un.Mots.begin(), {CeProgramme, "--base", Options_.Base});
-  const auto Dire = [this, Nom = Un.Nom](const std::string& Ligne) {
-    Sortie_.Ligne(Nom + " : " + Ligne.substr(Ligne.starts_with(Plainte) ? Plainte.size() : 0));
-  };
-  Programme_ = std::make_unique<Ombrey::ProgrammeFils>(Boucle_, std::move(Un.Mots), Dire, [this] {
-    Programme_.reset();
-    if (!File_.empty()) Lancer();
-  });
-}
-
-void PapiersConsole::Abandonner() {
-  if (!Programme_) throw Ombrey::ErreurExécution("il n'y a rien à abandonner.");
-  File_.clear();
-  Programme_->Arrêter();
+std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Finir> PapiersConsole::Paroles(const std::string& Nom) {
+  const auto EstDit = std::make_shared<bool>(false);
+  return {[=, this](const std::string& Ligne) {
+            *EstDit = true;
+            Sortie_.Ligne(Nom + " : " + Ligne);
+          },
+          [=, this](bool EstRéussi) {
+            if (!EstRéussi && !*EstDit) Sortie_.Ligne(Nom + " : arrêté, rien n'est gardé");
+          }};
 }
 
 }  // namespace Tarvel

@@ -1,46 +1,31 @@
-// The day on paper and in files, from the console.
+// The day on paper and in files, the base's copy and the diagnosis, from the console.
 #pragma once
 
-#include <deque>
-#include <memory>
 #include <string>
-#include <vector>
+#include <utility>
 
 #include "host/options.h"
+#include "host/side_work.h"
 #include "platform/console/commands.h"
 #include "platform/console/output.h"
-#include "platform/loop/child_program.h"
 
 namespace Tarvel {
 
-/// Each is written by this program once more, beside the station: what takes long, or wants the windows' module, holds
-/// up no collection and stays out of the station's memory.
+/// Each is done beside the station, and says its lines behind its name.
 class PapiersConsole {
  public:
   /// All of them outlive the papers.
   PapiersConsole(Ombrey::IBoucle& Boucle, Ombrey::SortieConsole& Sortie, const Options& Choisies)
-      : Boucle_(Boucle), Sortie_(Sortie), Options_(Choisies) {}
-  PapiersConsole(const PapiersConsole&) = delete;
-  PapiersConsole& operator=(const PapiersConsole&) = delete;
-  /// Finishes what was asked for, unless a signal ends the station: nobody waits for it then.
-  ~PapiersConsole();
+      : Sortie_(Sortie), Travaux_(Boucle, Choisies) {}
 
   void Offrir(Ombrey::CommandesConsole& Commandes);
 
  private:
-  /// One after the other.
-  void Lancer();
-  void Abandonner();
+  /// What a work of this name says, and its end where it has said nothing.
+  std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Finir> Paroles(const std::string& Nom);
 
-  struct Travail {
-    std::string Nom;
-    std::vector<std::string> Mots;
-  };
-  Ombrey::IBoucle& Boucle_;
   Ombrey::SortieConsole& Sortie_;
-  const Options& Options_;
-  std::deque<Travail> File_;
-  std::unique_ptr<Ombrey::ProgrammeFils> Programme_;
+  TravauxÀCôté Travaux_;
 };
 
 }  // namespace Tarvel

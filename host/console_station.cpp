@@ -12,8 +12,8 @@
 #include "base/failures.h"
 #include "base/files.h"
 #include "base/text_helpers.h"
+#include "host/about.h"
 #include "host/day_view.h"
-#include "host/diagnostic.h"
 #include "host/new_file.h"
 #include "host/station_register.h"
 #include "platform/console/typed_text.h"
@@ -151,8 +151,8 @@ void ÉditionConsole::AjouterVues() {
   };
   constexpr const char* Choix = "[tous] [MOTS]";
   Dire("etat", "la liaison, le prochain relevé, la journée et la base", [this] { return TexteÉtat(); });
-  Dire("apropos", "la version, et où sont la base et les fichiers", [this] { return TexteÀPropos(Options_); });
-  Dire("diagnostic", "examine réglages, port, base et dossier", [this] { return TexteDiagnostic(Options_); });
+  Dire("apropos", "les versions, et où sont la base et les fichiers",
+       [this] { return TexteÀPropos(Options_, Aperçu_); });
   AjouterTableau("journee", Choix, "les chargements du jour, de ce site ou de tous, qui contiennent tous ces mots",
                  [this](const std::string& Mots) { return TableauChargements(LireJour(Mots), {}); });
   AjouterTableau("sommes", Choix, "leurs sommes par appellation et classe",

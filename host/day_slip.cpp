@@ -155,13 +155,17 @@ std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopéra
   return Html + "</table><h2>" + Protégé(Un.Masse) + " kg</h2></body></html>";
 }
 
-std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const std::string& Numéro) {
+std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const ChargementVoulu& Lequel) {
   const auto Chargements = LireChargements(Base, {Jour, Jour});
-  if (Numéro.empty()) return TexteBordereau(Chargements, NomCoopérative(Base), Jour);
-  const auto Sien = std::find_if(Chargements.rbegin(), Chargements.rend(),
-                                 [&](const ChargementRelaté& Un) { return Un.Numéro == Numéro; });
+  if (Lequel.Numéro.empty()) return TexteBordereau(Chargements, NomCoopérative(Base), Jour);
+  const auto Sien = std::find_if(Chargements.rbegin(), Chargements.rend(), [&](const ChargementRelaté& Un) {
+    return Un.Numéro == Lequel.Numéro && (Lequel.Site.empty() || Un.Site == Lequel.Site) &&
+           (Lequel.Heure.empty() || TexteMoment(Un.Arrivée).substr(11) == Lequel.Heure);
+  });
   if (Sien == Chargements.rend())
-    throw Ombrey::ErreurExécution("Aucun chargement n° " + Numéro + " le " + TexteJour(Jour) + ".");
+    throw Ombrey::ErreurExécution("Aucun chargement n° " + Lequel.Numéro +
+                                  (Lequel.Site.empty() ? "" : " du site " + Lequel.Site) +
+                                  (Lequel.Heure.empty() ? "" : " de " + Lequel.Heure) + " le " + TexteJour(Jour) + ".");
   return TexteTicket(*Sien, NomCoopérative(Base));
 }
 

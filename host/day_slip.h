@@ -18,7 +18,15 @@ namespace Tarvel {
 
 [[nodiscard]] std::string TexteTicket(const ChargementRelaté& Chargement, const std::string& Coopérative);
 
-/// The day's slip, or the ticket of its latest load of this number. Raises ErreurExécution when there is none.
-[[nodiscard]] std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const std::string& Numéro);
+/// Which load of a day; a site and a time that are empty are any.
+struct ChargementVoulu {
+  std::string Numéro;
+  std::string Site{};
+  std::string Heure{};  ///< of its arrival, HH:MM
+};
+
+/// The day's slip, or (where a number is given) the ticket of its latest load of this kind. Raises ErreurExécution when
+/// there is none.
+[[nodiscard]] std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const ChargementVoulu& Lequel);
 
 }  // namespace Tarvel

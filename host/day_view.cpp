@@ -21,9 +21,11 @@ namespace {
 using Ombrey::SansBlancs;
 using Ombrey::ValeurChamp;
 
-/// A table's loads of today, and what stands behind the number of each.
-std::string SqlChargements(const std::string& Table, const std::string& Marque) {
-  return "SELECT C.CodeSite, C.NoChargement, Format([DateCh],'hh:nn'), C.Masse, C.Degré"
+/// A table's loads with their names; the third column says when each came in. What stands behind the number of each is
+/// the last but one.
+std::string SqlChargements(const std::string& Table, const std::string& Moment, const std::string& Marque) {
+  return "SELECT C.CodeSite, C.NoChargement, " + Moment +
+         ", C.Masse, C.Degré"
          ", Sélection.Désignation, Qualité.Désignation, Propriétaire.Nom & ' ' & Propriétaire.Prénom"
          ", Récoltant.Nom & ' ' & Récoltant.Prénom, C.Sélection, C.Qualité, '" +
          Marque + "', C.DateCh FROM ((((" + Table +
@@ -31,8 +33,11 @@ std::string SqlChargements(const std::string& Table, const std::string& Marque) 
          " LEFT JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur)"
          " LEFT JOIN Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur)"
          " LEFT JOIN Qualité ON Qualité.IdQualité = C.Qualité)"
-         " LEFT JOIN Sélection ON Sélection.IdSélection = C.Sélection"
-         " WHERE DateCh BETWEEN Date() AND Date()+1";
+         " LEFT JOIN Sélection ON Sélection.IdSélection = C.Sélection";
+}
+
+std::string SqlDuJour(const std::string& Table, const std::string& Marque) {
+  return SqlChargements(Table, "Format([DateCh],'hh:nn')", Marque) + " WHERE DateCh BETWEEN Date() AND Date()+1";
 }
 
 constexpr const char* SqlQuotas =
@@ -40,14 +45,9 @@ constexpr const char* SqlQuotas =
     " INNER JOIN QuotasGrp ON Sélection.IdSélection = QuotasGrp.Sélection ORDER BY Sélection.Désignation";
 
 /// A season of three sites archives 300,000 loads; nobody looks through more than this.
-constexpr const char* SqlArchive =
-    "SELECT CodeSite AS [Chai], NoChargement AS [N°Pesée], DateCh AS [Date]"
-    ", Masse AS [Pesée], Degré AS [%Vol], Sélection, Qualité, Métayage FROM ChargementArchive ORDER BY DateCh DESC "
-    "LIMIT 1000";
+constexpr const char* DernièreArchive = " ORDER BY C.DateCh DESC LIMIT 1000";
 
 const Ombrey::Régional FormesFrançaises{};
-
-constexpr std::size_t ColonneJour = 2;  ///< of the archive
 
 std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, FormesFrançaises); }
 
@@ -107,9 +107,9 @@ Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
   Journée Jour;
   std::map<std::string, double> Reçus;
   // A load whose number another one has taken over was brought in all the same.
-  const auto Lignes = Base.OpenRecordset(SqlChargements(TableChargements, "") + " UNION ALL " +
-                                             SqlChargements(TableArchive, "*") + " ORDER BY 13 DESC, 2 DESC",
-                                         Ombrey::TypeRecordset::VersLAvant);
+  const auto Lignes = Base.OpenRecordset(
+      SqlDuJour(TableChargements, "") + " UNION ALL " + SqlDuJour(TableArchive, "*") + " ORDER BY 13 DESC, 2 DESC",
+      Ombrey::TypeRecordset::VersLAvant);
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     const auto Champ = [&](std::size_t Rang) { return Lignes->Fields(Rang); };
     ChargementDuJour Un{TexteDe(Champ(0)),
@@ -216,13 +216,16 @@ Rangées TableauHeures(const Journée& Jour) {
 }
 
 Rangées TableauArchive(Ombrey::IDatabase& Base, const Ombrey::Régional& Formes) {
-  const auto Lignes = Base.OpenRecordset(SqlArchive, Ombrey::TypeRecordset::VersLAvant);
-  Rangées Tableau{Lignes->Colonnes()};
+  const auto Lignes = Base.OpenRecordset(SqlChargements(TableArchive, "C.DateCh", "") + DernièreArchive,
+                                         Ombrey::TypeRecordset::VersLAvant);
+  Rangées Tableau{{"Chai", "N°Pesée", "Date", "Pesée", "%Vol", "Appellation", Ombrey::Phrase::ClasseSanitaire,
+                   "Propriétaire", "Récoltant"}};
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
-    auto& Rangée = Tableau.emplace_back();
-    for (std::size_t Rang = 0; Rang < Tableau.front().size(); ++Rang)
-      Rangée.push_back(Rang == ColonneJour ? Ombrey::MomentLisible(Lignes->Fields(Rang))
-                                           : TexteOuVide(Lignes->Fields(Rang), Formes));
+    const auto Champ = [&](std::size_t Rang) { return TexteOuVide(Lignes->Fields(Rang), Formes); };
+    Tableau.push_back({Champ(0), Champ(1), Ombrey::MomentLisible(Lignes->Fields(2)), Champ(3), Champ(4),
+                       NomOuCode(Lignes->Fields(5), Lignes->Fields(9)),
+                       NomOuCode(Lignes->Fields(6), Lignes->Fields(10)), std::string(SansBlancs(Champ(7))),
+                       std::string(SansBlancs(Champ(8)))});
   }
   return Tableau;
 }

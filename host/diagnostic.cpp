@@ -265,9 +265,9 @@ std::string TexteConstat(const Constat& Un) {
   return Texte;
 }
 
-std::string TexteDiagnostic(const Options& Choisies) {
+std::string TexteConstats(const std::vector<Constat>& Constats) {
   std::string Texte;
-  for (const Constat& Un : Diagnostiquer(Choisies)) Texte += TexteConstat(Un) + "\n";
+  for (const Constat& Un : Constats) Texte += TexteConstat(Un) + "\n";
   return Texte;
 }
 

@@ -37,7 +37,7 @@ struct LieuxMachine {
 [[nodiscard]] std::string TexteConstat(const Constat& Un);
 
 /// All findings, a line each.
-[[nodiscard]] std::string TexteDiagnostic(const Options& Choisies);
+[[nodiscard]] std::string TexteConstats(const std::vector<Constat>& Constats);
 
 /// A text in the single quotes of a shell where it needs them.
 [[nodiscard]] std::string PourCommande(const std::string& Texte);

@@ -37,8 +37,8 @@ void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
   const double Part = static_cast<double>(Faits) / static_cast<double>(Total);
   const double Passées = std::chrono::duration<double>(Maintenant - Début_).count();
   // Whoever reads it from elsewhere has no such key.
-  std::fprintf(stderr, "tarvel : %s : %.0f %%, encore %.0f s%s\n", Nom_.c_str(), 100 * Part, Passées / Part - Passées,
-               isatty(STDERR_FILENO) != 0 ? " (Ctrl+C l'arrête)" : "");
+  std::fprintf(stderr, "tarvel : %s : %.0f%s%.0f s%s\n", Nom_.c_str(), 100 * Part, EncoreTant.data(),
+               Passées / Part - Passées, isatty(STDERR_FILENO) != 0 ? " (Ctrl+C l'arrête)" : "");
 }
 
 }  // namespace Tarvel

@@ -4,8 +4,12 @@
 #include <chrono>
 #include <cstddef>
 #include <string>
+#include <string_view>
 
 namespace Tarvel {
+
+/// Stands in each line that says how far a work is, and in no other.
+inline constexpr std::string_view EncoreTant = " %, encore ";
 
 /// While it lives, SIGINT and SIGTERM ask for the end of the work instead of killing the program in its midst. One at a
 /// time.

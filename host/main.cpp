@@ -15,6 +15,7 @@
 #include "base/failures.h"
 #include "base/files.h"
 #include "base/regional_forms.h"
+#include "host/about.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/copied_base.h"
@@ -95,6 +96,7 @@ void Travailler(const Tarvel::Options& Choisies) {
   std::optional<Tarvel::RegistreStations> Registre;
   const auto Ouvrir = [&](Ombrey::ISystème& Système) {
     Connexion = OuvrirBase(Choisies, Système, *Édition);
+    Tarvel::NoterMoteur(Édition->LAperçu(), *Connexion);
     Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
                                                    [&](const std::string& Texte) { Édition->Dire(Texte); });
     Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LAperçu().NoterRefus(Import); });
@@ -135,7 +137,7 @@ void MontrerÉchec(const std::vector<std::string>& Arguments, const std::string&
 /// True when nothing is bad.
 bool DireConstats(const Tarvel::Options& Choisies) {
   const auto Constats = Tarvel::Diagnostiquer(Choisies);
-  for (const Tarvel::Constat& Un : Constats) std::puts(Tarvel::TexteConstat(Un).c_str());
+  std::fputs(Tarvel::TexteConstats(Constats).c_str(), stdout);
   return std::ranges::none_of(Constats,
                               [](const Tarvel::Constat& Un) { return Un.Verdict == Tarvel::Jugement::Mauvais; });
 }
@@ -164,11 +166,23 @@ void Exporter(const Tarvel::Options& Choisies) {
 }
 
 /// The slip of a day, or a load's ticket.
-void ÉcrirePapier(const Tarvel::Options& Choisies) {
-  Tarvel::ExigerNouveau(Choisies.Copie);
+std::string LirePapier(const Tarvel::Options& Choisies) {
   Ombrey::BaseLue Base(Tarvel::OuvrirCoopérative(Choisies.Base));
   const int Jour = Choisies.Jours.Du.value_or(static_cast<int>(Ombrey::NuméroDeJour(Ombrey::HeureLocale())));
-  Tarvel::ÉcrirePapier(Tarvel::TextePapier(Base, Jour, Choisies.Numéro), !Choisies.Numéro.empty(), Choisies.Copie);
+  return Tarvel::TextePapier(Base, Jour, {Choisies.Numéro, Choisies.CodeSite, Choisies.Heure});
+}
+
+void ÉcrirePapier(const Tarvel::Options& Choisies) {
+  Tarvel::ExigerNouveau(Choisies.Copie);
+  const std::string Html = LirePapier(Choisies);
+  Tarvel::LongTravail Travail("écriture");
+  Tarvel::ÉcrirePapier(Html, !Choisies.Numéro.empty(), Choisies.Copie);
+  try {
+    Travail.Avancer(1, 1);
+  } catch (const Ombrey::ErreurExécution&) {
+    std::filesystem::remove(Choisies.Copie);
+    throw;
+  }
   std::puts(("Le document est dans " + Ombrey::TexteChemin(Choisies.Copie) + ".").c_str());
 }
 
@@ -207,6 +221,10 @@ int Accomplir(const Tarvel::Options& Choisies) {
     case Tarvel::Tâche::Bordereau:
     case Tarvel::Tâche::Ticket:
       ÉcrirePapier(Choisies);
+      break;
+    case Tarvel::Tâche::ImprimerBordereau:
+    case Tarvel::Tâche::ImprimerTicket:
+      std::puts(("Envoyé à l'imprimante " + Tarvel::ImprimerPapier(LirePapier(Choisies)) + ".").c_str());
       break;
     case Tarvel::Tâche::Station:
       Travailler(Choisies);

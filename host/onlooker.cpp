@@ -6,6 +6,7 @@
 #include <exception>
 
 #include "base/regional_forms.h"
+#include "host/about.h"
 #include "host/schema.h"
 #include "platform/loop/loop.h"
 #include "platform/loop/signals.h"
@@ -29,6 +30,7 @@ Spectateur::Spectateur(const Options& Choisies, IÉdition& Édition)
 
 void Spectateur::Exécuter() {
   Connexion_ = OuvrirCoopérative(Options_.Base);
+  NoterMoteur(Édition_.LAperçu(), *Connexion_);
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
   const Ombrey::IBoucle::Jeton Échéance =
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;

@@ -40,7 +40,8 @@ constexpr bool Contient(Tâche Ensemble, Tâche Une) {
 }
 
 constexpr Tâche UneStation = Tâche::Station | Tâche::Diagnostic;
-constexpr Tâche DesJours = Tâche::Exporter | Tâche::Bordereau | Tâche::Ticket;
+constexpr Tâche DUnTicket = Tâche::Ticket | Tâche::ImprimerTicket;
+constexpr Tâche DesJours = Tâche::Exporter | Tâche::Bordereau | Tâche::ImprimerBordereau | DUnTicket;
 constexpr Tâche SurUneBase = UneStation | Tâche::Sauvegarder | Tâche::Restaurer | Tâche::RefaireCumuls | DesJours;
 
 /// A task, how it is called, and what it can't do without.
@@ -63,7 +64,9 @@ constexpr TâcheConnue Tâches[] = {
     {Tâche::Exporter, "--base B --exporter-csv F [--du D] [--au D]", false, true},
     {Tâche::RefaireCumuls, "--base B --refaire-cumuls", false, true},
     {Tâche::Bordereau, "--base B --bordereau F [--du D]", false, true},
-    {Tâche::Ticket, "--base B --ticket N F [--du D]", false, true},
+    {Tâche::Ticket, "--base B --ticket N F [--du D] [--heure H] [--site CODE]", false, true},
+    {Tâche::ImprimerBordereau, "--base B --imprimer-bordereau [--du D]", false, true},
+    {Tâche::ImprimerTicket, "--base B --imprimer-ticket N [--du D] [--heure H] [--site CODE]", false, true},
     {Tâche::Diagnostic, "--diagnostic --ini F [--base B] [--dossier D]", true, false},
     {Tâche::Aide, "--help", false, false},
     {Tâche::Version, "--version", false, false},
@@ -89,8 +92,9 @@ constexpr Option Connues[] = {
      [](Options& O, Mots V) { O.Base = V[0]; }},
     {"--ini", "F", "fichier des réglages ; sa section [Tarvel] peut donner Base, CodeSite, Dossier, Trace, DuréeBoîtes",
      SurUneBase, Précise, [](Options& O, Mots V) { O.Ini = fs::absolute(Ombrey::Chemin(V[0])); }},
-    {"--site", "CODE", "code du site de cette station (sinon celui de la base)", UneStation, Précise,
-     [](Options& O, Mots V) { O.CodeSite = V[0]; }},
+    {"--site", "CODE",
+     "code du site de cette station (sinon celui de la base), ou du chargement dont on veut le ticket",
+     UneStation | DUnTicket, Précise, [](Options& O, Mots V) { O.CodeSite = V[0]; }},
     {"--dossier", "D", "dossier de travail (sinon celui de la base)", UneStation, Précise,
      [](Options& O, Mots V) { O.Dossier = Ombrey::Chemin(V[0]); }},
     {"--greffon", "F", "bibliothèque du greffon (sinon PlgInOmbrey.so, à côté du programme)", UneStation, Précise,
@@ -122,6 +126,12 @@ constexpr Option Connues[] = {
        O.Numéro = V[0];
        O.Copie = fs::absolute(Ombrey::Chemin(V[1]));
      }},
+    {"--imprimer-bordereau", "", "imprime le bordereau d'une journée sur l'imprimante habituelle",
+     Tâche::ImprimerBordereau, Demande, [](Options&, Mots) {}},
+    {"--imprimer-ticket", "N", "imprime le ticket du chargement n° N d'une journée", Tâche::ImprimerTicket, Demande,
+     [](Options& O, Mots V) { O.Numéro = V[0]; }},
+    {"--heure", "HH:MM", "heure d'arrivée de ce chargement, si plusieurs de ce jour ont ce numéro (sinon le dernier)",
+     DUnTicket, Précise, [](Options& O, Mots V) { O.Heure = V[0]; }},
     {"--du", "D", "premier jour de l'export, jour du document (sinon aujourd'hui) : jj/mm/aaaa ou aaaa-mm-jj", DesJours,
      Précise, [](Options& O, Mots V) { O.Jours.Du = LireJourDonné(V[0]); }},
     {"--au", "D", "dernier jour de l'export", Tâche::Exporter, Précise,
@@ -188,7 +198,7 @@ void Compléter(Options& Lues) {
   const std::string Dossier = Lire("Dossier");
   if (Lues.Base.empty() && !Base.empty())
     Lues.Base = FichierDeBase(Base) ? Ombrey::TexteChemin(DossierIni / Ombrey::Chemin(Base)) : Base;
-  if (Lues.CodeSite.empty()) Lues.CodeSite = Lire("CodeSite");
+  if (Lues.CodeSite.empty() && Contient(UneStation, Lues.QueFaire)) Lues.CodeSite = Lire("CodeSite");
   if (const std::string Secondes = Lire("DuréeBoîtes"); !Secondes.empty())
     Lues.DuréeBoîtes = LireDurée(Secondes, "la clé DuréeBoîtes");
   if (const std::string Trace = Lire("Trace"); Lues.Trace.empty() && !Trace.empty())
@@ -263,10 +273,5 @@ std::string TexteAide() {
 }
 
 std::string TexteVersion() { return "tarvel " OMBREY_VERSION; }
-
-std::string TexteÀPropos(const Options& Choisies) {
-  return TexteVersion() + "\n\nBase : " + Choisies.Base + "\nRéglages : " + Ombrey::TexteChemin(Choisies.Ini) +
-         "\nDossier de travail : " + Ombrey::TexteChemin(Choisies.Dossier);
-}
 
 }  // namespace Tarvel

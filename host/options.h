@@ -33,17 +33,20 @@ enum class Tâche : unsigned {
   Exporter = 256,
   RefaireCumuls = 512,
   Bordereau = 1024,
-  Ticket = 2048
+  Ticket = 2048,
+  ImprimerBordereau = 4096,
+  ImprimerTicket = 8192
 };
 
 struct Options {
   Tâche QueFaire = Tâche::Station;
   /// The cooperative's database, to open or to create: the absolute path of a file, or a server's address.
   std::string Base;
-  std::string CodeSite;           ///< the station's site code; empty: the one that the database names
+  std::string CodeSite;           ///< the station's site code; empty: the one that the database names. Also a load's
   std::string Vers;               ///< the database that takes a copy: as Base
   std::filesystem::path Copie;    ///< a copy of the database, to make or to put back; an export or a paper
   std::string Numéro;             ///< of the load whose ticket is asked for
+  std::string Heure;              ///< at which that one came in, HH:MM; empty: any
   Période Jours;                  ///< of the loads to export; the first one is a paper's
   std::filesystem::path Ini;      ///< settings file; it may be missing
   std::filesystem::path Dossier;  ///< working folder; beside a database file, unless given
@@ -69,7 +72,5 @@ struct Options {
 
 [[nodiscard]] std::string TexteAide();
 [[nodiscard]] std::string TexteVersion();
-/// The version, and where base and files of this station are.
-[[nodiscard]] std::string TexteÀPropos(const Options& Choisies);
 
 }  // namespace Tarvel

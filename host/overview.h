@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <map>
 #include <optional>
 #include <string>
 #include <utility>
@@ -51,6 +52,11 @@ class Aperçu {
   /// What an edition's windows have to tell.
   [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
 
+  /// For « À propos »: the version of the plug-in, the base's engine, …
+  void NoterVersion(const std::string& De, std::string Laquelle) { Versions_[De] = std::move(Laquelle); }
+  [[nodiscard]] const auto& Versions() const { return Versions_; }
+  [[nodiscard]] const std::filesystem::path& DossierConservés() const { return DossierConservés_; }
+
   [[nodiscard]] SantéLiaison État() const { return SuspendueDepuis_ ? SantéLiaison::Suspendue : Liaison_.État(); }
   [[nodiscard]] auto SuspendueDepuis() const { return SuspendueDepuis_; }
   [[nodiscard]] std::string TexteLiaison() const;
@@ -76,6 +82,7 @@ class Aperçu {
   void GarderNonLus();
 
   std::function<void()> Dire_;
+  std::map<std::string, std::string> Versions_;
   std::filesystem::path DossierConservés_;
   std::filesystem::path FichierNonLus_;  ///< none, until Ouvrir
   ÉtatLiaison Liaison_;

@@ -82,7 +82,11 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, std::function<void()> AuRepos)
 }
 
 void Station::Charger() {
-  PlugIn_ = ChargerGreffon(Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon, *Plateforme_);
+  const auto Fichier = Options_.Greffon.empty() ? GreffonHabituel() : Options_.Greffon;
+  PlugIn_ = ChargerGreffon(Fichier, *Plateforme_);
+  Édition_.LAperçu().NoterVersion("Greffon", PlugIn_->IPlugInTarvel_Version() + ", interface n° " +
+                                                 std::to_string(Ombrey::VersionContrat) + ", " +
+                                                 Ombrey::TexteChemin(Fichier));
 }
 
 void Station::Démarrer() {

@@ -46,4 +46,12 @@ void ÉcrirePapier(const std::string& Html, bool Ticket, const std::filesystem::
   Écrire(Html, Ticket, Fichier);
 }
 
+std::string ImprimerPapier(const std::string& Html) {
+  const auto Imprimer = reinterpret_cast<Impression>(SymboleDuModule(
+      Module, NomImpression, "L'impression a besoin du module des fenêtres, qui ne se charge pas", "."));
+  std::string Imprimante;
+  Imprimer(Html, Imprimante);
+  return Imprimante;
+}
+
 }  // namespace Tarvel

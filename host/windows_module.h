@@ -14,11 +14,15 @@ namespace Tarvel {
 inline constexpr const char* NomFabriqueFenêtres = "Tarvel_CreerEditionFenetree";
 using FabriqueFenêtres = void (*)(const Options& Choisies, std::unique_ptr<IÉdition>& Édition);
 
-/// The module's other symbol: writes HTML as PDF, without a screen. Raises ErreurExécution.
+/// The module's other symbols, which need no screen: HTML as PDF, and on the default printer, whose name is filled in.
+/// Both raise ErreurExécution.
 inline constexpr const char* NomÉcriturePdf = "Tarvel_EcrirePdf";
 using ÉcriturePdf = void (*)(const std::string& Html, bool Ticket, const std::filesystem::path& Fichier);
-/// The same; raises ErreurExécution as well when the module can't be loaded.
+inline constexpr const char* NomImpression = "Tarvel_Imprimer";
+using Impression = void (*)(const std::string& Html, std::string& Imprimante);
+/// The same; they raise ErreurExécution as well when the module can't be loaded.
 void ÉcrirePapier(const std::string& Html, bool Ticket, const std::filesystem::path& Fichier);
+std::string ImprimerPapier(const std::string& Html);
 
 /// True when the module stands beside the program: an edition without windows lacks it.
 [[nodiscard]] bool FenêtresInstallées();

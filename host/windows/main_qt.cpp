@@ -13,7 +13,8 @@
 #include <utility>
 
 #include "base/files.h"
-#include "host/diagnostic.h"
+#include "host/about.h"
+#include "host/side_work.h"
 #include "host/windows/qt_host_window.h"
 #include "host/windows/qt_paper.h"
 #include "host/windows_module.h"
@@ -64,12 +65,14 @@ class ÉditionFenêtrée final : public IÉdition {
       : Fenêtres_(Boucle_, Choisies.Dossier),
         Questionnaire_(Fenêtres_.Contexte(), &Ombrey::PortsDeLaMachine, Ombrey::ChoixUsuels()),
         Réglages_(FichierRéglages()),
+        Travaux_(Boucle_, Choisies),
         Principale_(Fenêtres_.Contexte(), {Choisies.NomBase(), !FichierDeBase(Choisies.Base)}, Réglages_, Aperçu_) {
     if (Choisies.SansOpérateur) Fenêtres_.RépondreSeul();
     Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes, RépitBoîtes);
     Fenêtres_.Observer(Aperçu_.Témoins());
     Fenêtres_.SurÉchec([this](const std::string& Description) { Dire(Description); });
-    Principale_.Présenter(TexteÀPropos(Choisies), [&Choisies] { return TexteDiagnostic(Choisies); });
+    Aperçu_.NoterVersion("Qt", qVersion());
+    Principale_.Présenter([this, &Choisies] { return TexteÀPropos(Choisies, Aperçu_); }, Travaux_);
   }
 
   Ombrey::IBoucle& Boucle() override { return Boucle_; }
@@ -107,6 +110,7 @@ class ÉditionFenêtrée final : public IÉdition {
   Ombrey::QuestionnairePortQt Questionnaire_;
   Ombrey::RéglagesFichier Réglages_;
   Aperçu Aperçu_;
+  TravauxÀCôté Travaux_;  ///< goes on behind the window's end
   Ombrey::FenêtrePrincipaleQt Principale_;
 };
 
@@ -119,9 +123,18 @@ extern "C" [[gnu::visibility("default")]] void Tarvel_CreerEditionFenetree(const
 }
 
 /// On Qt's platform without a screen; its program ends behind it.
+static Tarvel::ApplicationQt SansFenêtres() {
+  setenv("QT_QPA_PLATFORM", "offscreen", 1);
+  return {};
+}
+
 extern "C" [[gnu::visibility("default")]] void Tarvel_EcrirePdf(const std::string& Html, bool Ticket,
                                                                 const std::filesystem::path& Fichier) {
-  setenv("QT_QPA_PLATFORM", "offscreen", 1);
-  const Tarvel::ApplicationQt Application;
+  const Tarvel::ApplicationQt Application = SansFenêtres();
   Ombrey::ÉcrirePdf(Html, Ticket ? QPageSize::A6 : QPageSize::A4, Fichier);
+}
+
+extern "C" [[gnu::visibility("default")]] void Tarvel_Imprimer(const std::string& Html, std::string& Imprimante) {
+  const Tarvel::ApplicationQt Application = SansFenêtres();
+  Imprimante = Ombrey::ImprimerSurPapier(Html);
 }

@@ -5,10 +5,10 @@
 #include <QClipboard>
 #include <QDialog>
 #include <QDialogButtonBox>
-#include <QFileInfo>
 #include <QImageReader>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
+#include <QPointer>
 #include <QPushButton>
 #include <QScreen>
 #include <QShortcut>
@@ -19,7 +19,8 @@
 #include <QWindow>
 #include <algorithm>
 
-#include "base/failures.h"
+#include "base/files.h"
+#include "host/about.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
@@ -27,16 +28,6 @@ namespace Ombrey {
 namespace {
 constexpr int Colonnes = 100;  ///< of the guide and of a text, in letters
 constexpr int Rangées = 34;
-
-/// The operator's guide, where the program is installed or was built.
-QString Guide() {
-  const QString Ici = QCoreApplication::applicationDirPath();
-  for (const char* Chemin : {"/../share/doc/ombrey/docs/guide-operateur.md", "/../../../docs/guide-operateur.md"}) {
-    const QFileInfo Fichier(Ici + QString::fromUtf8(Chemin));
-    if (Fichier.exists()) return Fichier.canonicalFilePath();
-  }
-  return {};
-}
 
 /// As wide as its window: pictures made smaller, commands broken into lines.
 class GuideQt : public QTextBrowser {
@@ -88,7 +79,7 @@ bool AideQt::eventFilter(QObject* /*Cible*/, QEvent* Événement) {
 }
 
 bool AideQt::Montrer() {
-  const QString Fichier = Guide();
+  const QString Fichier = Texte(TexteChemin(Tarvel::GuideOpérateur()));
   if (Fichier.isEmpty()) return false;
   if (!Guide_) {
     Guide_ = std::make_unique<GuideQt>();
@@ -108,7 +99,7 @@ bool AideQt::Montrer() {
   return true;
 }
 
-void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte) {
+QPlainTextEdit* MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte) {
   auto* const Fenêtre = new QDialog(Parent);
   Fenêtre->setAttribute(Qt::WA_DeleteOnClose);
   Fenêtre->setWindowTitle(Titre);
@@ -128,15 +119,21 @@ void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte) {
   Plan->addWidget(Boutons);
   Dimensionner(*Fenêtre);
   Fenêtre->show();
+  return Zone;
 }
 
-void MontrerDiagnostic(QWidget* Parent, const std::function<std::string()>& Diagnostic) {
-  QApplication::setOverrideCursor(Qt::WaitCursor);
-  ErreurEnAttente Erreur;
-  std::string Dit;
-  if (!Ignorer(Erreur, [&] { Dit = Diagnostic(); })) Dit = Erreur.Texte();
-  QApplication::restoreOverrideCursor();
-  MontrerTexte(Parent, QStringLiteral("Diagnostic"), Texte(Dit));
+void MontrerDiagnostic(QWidget* Parent, Tarvel::TravauxÀCôté& Travaux) {
+  const QPointer Zone =
+      MontrerTexte(Parent, QStringLiteral("Diagnostic"), QStringLiteral("Diagnostic en cours ; la station continue…"));
+  Zone->setCursor(Qt::BusyCursor);
+  const auto Dit = std::make_shared<QStringList>();
+  const std::size_t Travail = Travaux.Diagnostiquer([Dit](const std::string& Ligne) { *Dit << Texte(Ligne); },
+                                                    [Zone, Dit](bool) {
+                                                      if (!Zone) return;
+                                                      Zone->unsetCursor();
+                                                      Zone->setPlainText(Dit->join(QLatin1Char('\n')));
+                                                    });
+  QObject::connect(Zone, &QObject::destroyed, [&Travaux, Travail] { Travaux.Abandonner(Travail); });
 }
 
 }  // namespace Ombrey

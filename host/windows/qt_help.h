@@ -1,10 +1,11 @@
 // The operator's guide, and texts in windows of their own, beside the station, which goes on.
 #pragma once
 
+#include <QPlainTextEdit>
 #include <QTextBrowser>
-#include <functional>
 #include <memory>
-#include <string>
+
+#include "host/side_work.h"
 
 namespace Ombrey {
 
@@ -21,8 +22,8 @@ class AideQt : public QObject {
 };
 
 /// Shows the text until it is closed, with a button that copies it.
-void MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte);
-/// Shows what Diagnostic finds, or why it couldn't, under an hourglass meanwhile.
-void MontrerDiagnostic(QWidget* Parent, const std::function<std::string()>& Diagnostic);
+QPlainTextEdit* MontrerTexte(QWidget* Parent, const QString& Titre, const QString& Texte);
+/// Shows a window at once, in which the findings come when they are there. Closing it gives the diagnosis up.
+void MontrerDiagnostic(QWidget* Parent, Tarvel::TravauxÀCôté& Travaux);
 
 }  // namespace Ombrey

@@ -178,9 +178,13 @@ void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
   Gestes_ = std::move(LesGestes);
   QMenu* const Station = menuBar()->addMenu(QStringLiteral("&Station"));
   Offrir(*Station, "&Configurer le port…", Gestes_.Configurer);
-  if (Diagnostic_) Offrir(*Station, "&Diagnostic…", [this] { MontrerDiagnostic(this, Diagnostic_); });
-  Station->addSeparator();
-  OffrirPapiers(*Station, this, Contexte_, [this] { return Base_ ? Base_->BaseDAO() : nullptr; });
+  if (Travaux_) {
+    Offrir(*Station, "&Diagnostic…", [this] { MontrerDiagnostic(this, *Travaux_); });
+    Station->addSeparator();
+    OffrirPapiers(
+        *Station, this, {Contexte_, *Travaux_}, [this] { return Base_ ? Base_->BaseDAO() : nullptr; },
+        Sujet_.EstSurServeur);
+  }
   Station->addSeparator();
   Offrir(*Station, "&Quitter", Gestes_.Quitter)->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
   MenuGreffons().menuAction()->setVisible(false);  // until there is one
@@ -192,7 +196,8 @@ void FenêtrePrincipaleQt::CréerAide() {
   Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
     if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
   });
-  Offrir(*Aide, "À &propos…", [this] { MontrerBoîte(Contexte_, this, SigneBoîte::Information, ÀPropos_, "À propos"); });
+  Offrir(*Aide, "À &propos…",
+         [this] { MontrerBoîte(Contexte_, this, SigneBoîte::Information, ÀPropos_ ? ÀPropos_() : "", "À propos"); });
 }
 
 QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste) {
@@ -201,9 +206,9 @@ QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std
   return Entrée;
 }
 
-void FenêtrePrincipaleQt::Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic) {
-  ÀPropos_ = ÀPropos;
-  Diagnostic_ = std::move(Diagnostic);
+void FenêtrePrincipaleQt::Présenter(std::function<std::string()> ÀPropos, Tarvel::TravauxÀCôté& Travaux) {
+  ÀPropos_ = std::move(ÀPropos);
+  Travaux_ = &Travaux;
 }
 
 void FenêtrePrincipaleQt::SePrésenter() {

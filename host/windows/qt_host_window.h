@@ -16,6 +16,7 @@
 #include "contracts/host.h"
 #include "contracts/system.h"
 #include "host/overview.h"
+#include "host/side_work.h"
 #include "host/windows/qt_close_watch.h"
 #include "host/windows/qt_day_page.h"
 #include "host/windows/qt_help.h"
@@ -58,8 +59,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   void OffrirBouton(const QIcon& Icône, const std::string& Infobulle);
   /// "&" stands ahead of the mnemonic letter.
   void OffrirMenu(const std::string& Entrée);
-  /// What « À propos » says, and what makes the text of « Diagnostic ».
-  void Présenter(const std::string& ÀPropos, std::function<std::string()> Diagnostic = {});
+  /// What « À propos » says, and who does what takes long, which outlives the window. Ahead of Raccorder.
+  void Présenter(std::function<std::string()> ÀPropos, Tarvel::TravauxÀCôté& Travaux);
 
   /// The text stands in the status line until the next, and in the journal.
   void Dire(const std::string& Texte);
@@ -95,8 +96,8 @@ class FenêtrePrincipaleQt : public QMainWindow {
   Tarvel::Aperçu& Aperçu_;
   Régional Formes_;
   std::shared_ptr<IBaseDeD> Base_;
-  std::string ÀPropos_;
-  std::function<std::string()> Diagnostic_;
+  std::function<std::string()> ÀPropos_;
+  Tarvel::TravauxÀCôté* Travaux_ = nullptr;
   AideQt Aide_;
   VeilleFermeture Fermeture_;
   /// Attention was called for to the transfer window that stands open since then.

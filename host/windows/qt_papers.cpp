@@ -1,28 +1,20 @@
-// The day on paper and in files, from the main window's menu.
+// The day on paper and in files, and the base's copy, from the main window's menu.
 #include "host/windows/qt_papers.h"
 
-#include <QDialogButtonBox>
-#include <QFormLayout>
-#include <QPointer>
-#include <QPushButton>
-#include <filesystem>
+#include <QComboBox>
+#include <QDateEdit>
+#include <string>
 #include <utility>
+#include <vector>
 
-#include "base/failures.h"
-#include "base/files.h"
-#include "host/day_slip.h"
-#include "host/windows/qt_paper.h"
-#include "host/windows/qt_save_dialog.h"
+#include "host/load_report.h"
 #include "platform/qt/qt_measures.h"
-#include "platform/qt/qt_message_box.h"
 
 namespace Ombrey {
 
 namespace {
 /// Days since 1899-12-30.
 const QDate JourZéro(1899, 12, 30);
-
-int NuméroDe(const QDateEdit& Jour) { return static_cast<int>(JourZéro.daysTo(Jour.date())); }
 
 QDateEdit* ChoixJour(QWidget* Parent) {
   auto* const Jour = new QDateEdit(QDate::currentDate(), Parent);
@@ -31,119 +23,111 @@ QDateEdit* ChoixJour(QWidget* Parent) {
   return Jour;
 }
 
-QPushButton* Bouton(QDialogButtonBox& Boutons, const char* Texte, QDialogButtonBox::ButtonRole Rôle) {
-  auto* const Un = Boutons.addButton(QString::fromUtf8(Texte), Rôle);
-  Un->setAutoDefault(false);
-  return Un;
-}
+/// As the command line wants it.
+std::string JourDe(const QDateEdit& Choix) { return Choix.date().toString(QStringLiteral("dd/MM/yyyy")).toStdString(); }
 
-/// Runs in the pump, for as long as Dialogue lives; what fails is told in a box.
-template <class Dialogue>
-void Poser(const ContexteQt& Contexte, Dialogue* Lequel, std::function<void(Dialogue&)> Faire) {
-  Contexte.Boucle.Poser([&Contexte, Tenu = QPointer<Dialogue>(Lequel), Faire = std::move(Faire)] {
-    ErreurEnAttente Échec;
-    if (Tenu && !Ignorer(Échec, [&] { Faire(*Tenu); }))
-      MontrerBoîte(Contexte, Tenu, SigneBoîte::Avertissement, Échec.Texte(), "Tarvel");
-  });
-}
-
-class DialogueExport : public QDialog {
+/// Chooses a day, and all of it or one load.
+class DialoguePapier : public DialogueTravail {
  public:
-  DialogueExport(QWidget* Fenêtre, const ContexteQt& Contexte, DonneBase Base) : QDialog(Fenêtre) {
-    setAttribute(Qt::WA_DeleteOnClose);
-    setWindowTitle(QStringLiteral("Exporter les chargements"));
-    setMinimumWidth(LargeurDuTitre(*this));
+  /// UnSeul: one load is what is wanted, the latest to begin with.
+  DialoguePapier(QWidget* Fenêtre, const Atelier& LeSien, DonneBase Base, bool UnSeul)
+      : DialogueTravail(Fenêtre, LeSien,
+                        UnSeul ? QStringLiteral("Ticket d'un chargement") : QStringLiteral("Bordereau de la journée")),
+        Base_(std::move(Base)),
+        UnSeul_(UnSeul),
+        Jour_(ChoixJour(this)),
+        Quoi_(new QComboBox(this)) {
+    constexpr int LettresVisibles = 40;
+    Quoi_->setMinimumContentsLength(LettresVisibles);
+    Quoi_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+    Saisie().addRow(QStringLiteral("&Jour :"), Jour_);
+    Saisie().addRow(QStringLiteral("&Document :"), Quoi_);
+    Offrir("&Imprimer", [this] { Mener(Demande(EstTicket() ? "--imprimer-ticket" : "--imprimer-bordereau")); });
+    Offrir("Enregistrer en &PDF…", [this] {
+      const char* const Nom = EstTicket() ? "ticket" : "bordereau";
+      Écrire(Nom, "pdf", Demande(EstTicket() ? "--ticket" : "--bordereau"), EstTicket() ? 2 : 1);
+    });
+    const auto Relire = [this] { Poser([this] { Lire(); }); };
+    connect(Jour_, &QDateEdit::dateChanged, this, Relire);
+    Relire();
+  }
+
+ private:
+  void Lire() {
+    const auto Base = Base_();
+    if (!Base) return;
+    const int Jour = static_cast<int>(JourZéro.daysTo(Jour_->date()));
+    Chargements_ = Tarvel::LireChargements(*Base, {Jour, Jour});
+    QStringList Textes(QStringLiteral("Bordereau : %1 chargements").arg(Chargements_.size()));
+    for (const Tarvel::ChargementRelaté& Un : Chargements_)
+      Textes << Texte("Ticket : n° " + Un.Numéro + ", " + HeureDe(Un) + ", " + Un.Propriétaire.Nom + ", " + Un.Masse +
+                      " kg");
+    Quoi_->clear();
+    Quoi_->addItems(Textes);
+    Quoi_->setCurrentIndex(UnSeul_ ? Quoi_->count() - 1 : 0);
+  }
+  static std::string HeureDe(const Tarvel::ChargementRelaté& Un) { return Tarvel::TexteMoment(Un.Arrivée).substr(11); }
+  [[nodiscard]] bool EstTicket() const { return Quoi_->currentIndex() > 0; }
+  [[nodiscard]] std::vector<std::string> Demande(const char* Option) const {
+    std::vector<std::string> Mots{Option};
+    if (EstTicket()) {
+      const auto& Un = Chargements_.at(static_cast<std::size_t>(Quoi_->currentIndex()) - 1);
+      Mots.insert(Mots.end(), {Un.Numéro, "--heure", HeureDe(Un)});
+      if (!Un.Site.empty()) Mots.insert(Mots.end(), {"--site", Un.Site});
+    }
+    Mots.insert(Mots.end(), {"--du", JourDe(*Jour_)});
+    return Mots;
+  }
+
+  DonneBase Base_;
+  bool UnSeul_;
+  std::vector<Tarvel::ChargementRelaté> Chargements_;
+  QDateEdit* Jour_;
+  QComboBox* Quoi_;
+};
+
+class DialogueExport : public DialogueTravail {
+ public:
+  DialogueExport(QWidget* Fenêtre, const Atelier& LeSien)
+      : DialogueTravail(Fenêtre, LeSien, QStringLiteral("Exporter les chargements")) {
     auto* const Du = ChoixJour(this);
     auto* const Au = ChoixJour(this);
-    auto* const Boutons = new QDialogButtonBox(this);
-    auto* const Écrire = Bouton(*Boutons, "&Enregistrer en CSV…", QDialogButtonBox::ActionRole);
-    connect(Bouton(*Boutons, "&Fermer", QDialogButtonBox::RejectRole), &QPushButton::clicked, this, &QDialog::close);
-    auto* const Plan = new QFormLayout(this);
-    Plan->addRow(QStringLiteral("&Du :"), Du);
-    Plan->addRow(QStringLiteral("&Au :"), Au);
-    Plan->addRow(Boutons);
+    Saisie().addRow(QStringLiteral("&Du :"), Du);
+    Saisie().addRow(QStringLiteral("&Au :"), Au);
     connect(Du, &QDateEdit::dateChanged, Au, [Au](QDate Jour) { Au->setMinimumDate(Jour); });
-    connect(Écrire, &QPushButton::clicked, this, [this, &Contexte, Base = std::move(Base), Du, Au] {
-      const Tarvel::Période Jours{NuméroDe(*Du), NuméroDe(*Au)};
-      EnregistrerSous(this, Contexte, {windowTitle(), QStringLiteral("chargements"), QStringLiteral("csv")},
-                      [Base, Jours](const std::filesystem::path& Fichier) {
-                        return Tarvel::ExporterCsv(*Exiger(Base()), Jours, Fichier);
-                      });
+    Offrir("&Enregistrer en CSV…", [this, Du, Au] {
+      Écrire("chargements", "csv", {"--exporter-csv", "--du", JourDe(*Du), "--au", JourDe(*Au)});
     });
+  }
+};
+
+class DialogueSauvegarde : public DialogueTravail {
+ public:
+  DialogueSauvegarde(QWidget* Fenêtre, const Atelier& LeSien)
+      : DialogueTravail(Fenêtre, LeSien, QStringLiteral("Sauvegarder la base")) {
+    Saisie().addRow(new QLabel(QStringLiteral("Une copie entière de la base, dans un fichier neuf, sur un autre disque "
+                                              "si possible.\nLes stations peuvent travailler pendant ce temps."),
+                               this));
+    Offrir("&Choisir le fichier…", [this] { Écrire("base", "db", {"--sauvegarder"}); });
   }
 };
 }  // namespace
 
-void OffrirPapiers(QMenu& Menu, QWidget* Fenêtre, const ContexteQt& Contexte, const DonneBase& Base) {
-  const auto Papier = [&](const char* Entrée, bool UnSeul) {
-    QObject::connect(Menu.addAction(QString::fromUtf8(Entrée)), &QAction::triggered, Fenêtre,
-                     [=, &Contexte] { (new DialoguePapier(Fenêtre, Contexte, Base, UnSeul))->show(); });
+void OffrirPapiers(QMenu& Menu, QWidget* Fenêtre, const Atelier& LeSien, const DonneBase& Base, bool EstSurServeur) {
+  const auto Ajouter = [&](const char* Nom, const std::function<DialogueTravail*()>& Faire) {
+    QAction* const Entrée = Menu.addAction(QString::fromUtf8(Nom));
+    QObject::connect(Entrée, &QAction::triggered, Fenêtre, [Faire] { Faire()->show(); });
+    return Entrée;
   };
-  Papier("&Bordereau de la journée…", false);
-  Papier("&Ticket d'un chargement…", true);
-  QObject::connect(Menu.addAction(QStringLiteral("&Exporter les chargements (CSV)…")), &QAction::triggered, Fenêtre,
-                   [=, &Contexte] { (new DialogueExport(Fenêtre, Contexte, Base))->show(); });
-}
-
-DialoguePapier::DialoguePapier(QWidget* Fenêtre, const ContexteQt& Contexte, DonneBase Base, bool UnSeul)
-    : QDialog(Fenêtre),
-      Contexte_(Contexte),
-      Base_(std::move(Base)),
-      UnSeul_(UnSeul),
-      Jour_(ChoixJour(this)),
-      Quoi_(new QComboBox(this)) {
-  setAttribute(Qt::WA_DeleteOnClose);
-  setWindowTitle(UnSeul ? QStringLiteral("Ticket d'un chargement") : QStringLiteral("Bordereau de la journée"));
-  Quoi_->setMinimumContentsLength(40);
-  auto* const Boutons = new QDialogButtonBox(this);
-  connect(Bouton(*Boutons, "&Imprimer", QDialogButtonBox::ActionRole), &QPushButton::clicked, this,
-          [this] { Poser<DialoguePapier>(Contexte_, this, [](DialoguePapier& Moi) { Moi.Imprimer(); }); });
-  connect(Bouton(*Boutons, "Enregistrer en &PDF…", QDialogButtonBox::ActionRole), &QPushButton::clicked, this,
-          [this] { Enregistrer(); });
-  connect(Bouton(*Boutons, "&Fermer", QDialogButtonBox::RejectRole), &QPushButton::clicked, this, &QDialog::close);
-  auto* const Plan = new QFormLayout(this);
-  Plan->addRow(QStringLiteral("&Jour :"), Jour_);
-  Plan->addRow(QStringLiteral("&Document :"), Quoi_);
-  Plan->addRow(Boutons);
-  const auto Relire = [this] { Poser<DialoguePapier>(Contexte_, this, [](DialoguePapier& Moi) { Moi.Lire(); }); };
-  connect(Jour_, &QDateEdit::dateChanged, this, Relire);
-  Relire();
-}
-
-void DialoguePapier::Lire() {
-  const auto Base = Base_();
-  if (!Base) return;
-  const int Jour = NuméroDe(*Jour_);
-  Coopérative_ = Tarvel::NomCoopérative(*Base);
-  Chargements_ = Tarvel::LireChargements(*Base, {Jour, Jour});
-  Quoi_->clear();
-  Quoi_->addItem(QStringLiteral("Bordereau : %1 chargements").arg(Chargements_.size()));
-  for (const Tarvel::ChargementRelaté& Un : Chargements_)
-    Quoi_->addItem(Texte("Ticket : n° " + Un.Numéro + ", " + Tarvel::TexteMoment(Un.Arrivée).substr(11) + ", " +
-                         Un.Propriétaire.Nom + ", " + Un.Masse + " kg"));
-  Quoi_->setCurrentIndex(UnSeul_ ? Quoi_->count() - 1 : 0);
-}
-
-std::string DialoguePapier::Html() const {
-  return EstTicket()
-             ? Tarvel::TexteTicket(Chargements_.at(static_cast<std::size_t>(Quoi_->currentIndex()) - 1), Coopérative_)
-             : Tarvel::TexteBordereau(Chargements_, Coopérative_, NuméroDe(*Jour_));
-}
-
-void DialoguePapier::Enregistrer() {
-  const QString Nom = EstTicket() ? QStringLiteral("ticket") : QStringLiteral("bordereau");
-  const auto Papier = EstTicket() ? QPageSize::A6 : QPageSize::A4;
-  EnregistrerSous(this, Contexte_, {windowTitle(), Nom, QStringLiteral("pdf")},
-                  [Texte = Html(), Papier](const std::filesystem::path& Fichier) {
-                    ÉcrirePdf(Texte, Papier, Fichier);
-                    return "Le document est dans " + TexteChemin(Fichier) + ".";
-                  });
-}
-
-void DialoguePapier::Imprimer() {
-  const std::string Imprimante = ImprimerSurPapier(Html());
-  MontrerBoîte(Contexte_, this, SigneBoîte::Information, "Envoyé à l'imprimante " + Imprimante + ".",
-               windowTitle().toStdString());
+  Ajouter("&Bordereau de la journée…", [=] { return new DialoguePapier(Fenêtre, LeSien, Base, false); });
+  Ajouter("&Ticket d'un chargement…", [=] { return new DialoguePapier(Fenêtre, LeSien, Base, true); });
+  Ajouter("&Exporter les chargements (CSV)…", [=] { return new DialogueExport(Fenêtre, LeSien); });
+  QAction* const Copie = Ajouter("&Sauvegarder la base…", [=] { return new DialogueSauvegarde(Fenêtre, LeSien); });
+  Copie->setEnabled(!EstSurServeur);
+  Copie->setToolTip(EstSurServeur ? QStringLiteral("La base d'un serveur se sauvegarde par les outils du serveur "
+                                                   "(pg_dump).")
+                                  : QStringLiteral("Copie la base entière, station en marche."));
+  Menu.setToolTipsVisible(true);
 }
 
 }  // namespace Ombrey

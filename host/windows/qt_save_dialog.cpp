@@ -27,8 +27,8 @@ class IcônesSansLecture : public QObject, public QFileIconProvider {
 };
 }  // namespace
 
-void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierDemandé& Quoi,
-                     std::function<std::string(const std::filesystem::path&)> Écrire) {
+void ChoisirFichier(QWidget* Parent, const FichierDemandé& Quoi,
+                    std::function<void(const std::filesystem::path&)> Prendre) {
   auto* const Dialogue = new QFileDialog(Parent, Quoi.Titre);
   Dialogue->setAttribute(Qt::WA_DeleteOnClose);
   // Qt's own confirmation would wait in a loop of Qt's own, and the line with it.
@@ -40,21 +40,26 @@ void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierD
   Dialogue->setNameFilter(QStringLiteral("*.") + Quoi.Suffixe);
   Dialogue->selectFile(Quoi.Nom + QDateTime::currentDateTime().toString(QStringLiteral("-yyyy-MM-dd-HHmmss.")) +
                        Quoi.Suffixe);
-  const std::string Titre = Quoi.Titre.toStdString();
   QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
-                   [&Contexte, Tenu = QPointer(Parent), Titre, Écrire = std::move(Écrire)](const QString& Choisi) {
-                     Contexte.Boucle.Poser([&Contexte, Tenu, Titre, Écrire, Fichier = Chemin(Choisi.toStdString())] {
-                       bool EstÉcrit = false;
-                       const std::string Dit = Tarvel::ÉcrireNouveau(Fichier, [&](const std::filesystem::path& Celui) {
-                         std::string Où = Écrire(Celui);
-                         EstÉcrit = true;
-                         return Où;
-                       });
-                       MontrerBoîte(Contexte, Tenu, EstÉcrit ? SigneBoîte::Information : SigneBoîte::Avertissement, Dit,
-                                    Titre);
-                     });
-                   });
+                   [Prendre = std::move(Prendre)](const QString& Choisi) { Prendre(Chemin(Choisi.toStdString())); });
   Dialogue->show();
+}
+
+void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierDemandé& Quoi,
+                     std::function<std::string(const std::filesystem::path&)> Écrire) {
+  const std::string Titre = Quoi.Titre.toStdString();
+  ChoisirFichier(
+      Parent, Quoi, [&Contexte, Tenu = QPointer(Parent), Titre, Écrire = std::move(Écrire)](const auto& Fichier) {
+        Contexte.Boucle.Poser([&Contexte, Tenu, Titre, Écrire, Fichier] {
+          bool EstÉcrit = false;
+          const std::string Dit = Tarvel::ÉcrireNouveau(Fichier, [&](const std::filesystem::path& Celui) {
+            std::string Où = Écrire(Celui);
+            EstÉcrit = true;
+            return Où;
+          });
+          MontrerBoîte(Contexte, Tenu, EstÉcrit ? SigneBoîte::Information : SigneBoîte::Avertissement, Dit, Titre);
+        });
+      });
 }
 
 }  // namespace Ombrey

@@ -86,6 +86,8 @@ class IConnexion {
 
   /// What the operator calls it: the file's path, or the server's address without a secret.
   [[nodiscard]] virtual std::string Nom() const = 0;
+  /// The engine and its version.
+  [[nodiscard]] virtual std::string Moteur() = 0;
   /// The file that holds all of it; none when a server does.
   [[nodiscard]] virtual std::optional<std::filesystem::path> SonFichier() const = 0;
   [[nodiscard]] virtual bool EstEnLectureSeule() const = 0;

@@ -17,14 +17,14 @@
 namespace Ombrey {
 
 ProgrammeFils::ProgrammeFils(IBoucle& Boucle, std::vector<std::string> Mots,
-                             std::function<void(const std::string&)> Dire, std::function<void()> Finir)
+                             std::function<void(const std::string&)> Dire, std::function<void(bool)> Finir)
     : Dire_(std::move(Dire)), Finir_(std::move(Finir)) {
   Lancer(Mots);
   Veille_ = Boucle.Surveiller(Lecture_.Numéro(), IBoucle::Sens::Lecture, [this] {
     if (Recevoir()) return;
     Veille_.reset();
     const auto Fin = std::move(Finir_);
-    Fin();
+    Fin(EstRéussi_);
   });
 }
 
@@ -52,7 +52,16 @@ void ProgrammeFils::Lancer(std::vector<std::string>& Mots) {
   posix_spawn_file_actions_addopen(&Flux, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
   for (const int Sortie : {STDOUT_FILENO, STDERR_FILENO})
     posix_spawn_file_actions_adddup2(&Flux, Écriture.Numéro(), Sortie);
-  const int Numéro = posix_spawn(&Fils_, Arguments[0], &Flux, nullptr, Arguments.data(), environ);
+  // A station that was started in a shell's background ignores it: its child must be stopped by it.
+  sigset_t Repris;
+  sigemptyset(&Repris);
+  sigaddset(&Repris, SIGINT);
+  posix_spawnattr_t Manière;
+  posix_spawnattr_init(&Manière);
+  posix_spawnattr_setsigdefault(&Manière, &Repris);
+  posix_spawnattr_setflags(&Manière, POSIX_SPAWN_SETSIGDEF);
+  const int Numéro = posix_spawn(&Fils_, Arguments[0], &Flux, &Manière, Arguments.data(), environ);
+  posix_spawnattr_destroy(&Manière);
   posix_spawn_file_actions_destroy(&Flux);
   if (Numéro != 0) Fils_ = 0;
   Exiger(Numéro);
@@ -67,7 +76,11 @@ bool ProgrammeFils::Recevoir() {
   for (std::size_t Fin = 0; (Fin = Reste_.find('\n')) != std::string::npos; Reste_.erase(0, Fin + 1))
     Dire_(Reste_.substr(0, Fin));
   if (Lus > 0) return true;
-  waitpid(std::exchange(Fils_, 0), nullptr, 0);
+  int État = -1;
+  while (waitpid(Fils_, &État, 0) < 0 && errno == EINTR) {
+  }
+  Fils_ = 0;
+  EstRéussi_ = État == 0;
   return false;
 }
 

@@ -16,9 +16,10 @@ namespace Ombrey {
 class ProgrammeFils {
  public:
   /// Mots: the program's path and its arguments. Dire gets each line that it writes to either stream; then Finir is
-  /// called, once, in which the object may go. Raises ErreurExécution when it can't be started.
+  /// called, once, with whether it ended well (exit code 0); the object may go in it. Raises ErreurExécution when it
+  /// can't be started.
   ProgrammeFils(IBoucle& Boucle, std::vector<std::string> Mots, std::function<void(const std::string&)> Dire,
-                std::function<void()> Finir);
+                std::function<void(bool EstRéussi)> Finir);
   ProgrammeFils(const ProgrammeFils&) = delete;
   ProgrammeFils& operator=(const ProgrammeFils&) = delete;
   ~ProgrammeFils();
@@ -32,9 +33,10 @@ class ProgrammeFils {
   bool Recevoir();
 
   std::function<void(const std::string&)> Dire_;
-  std::function<void()> Finir_;
+  std::function<void(bool)> Finir_;
   Descripteur Lecture_;
   pid_t Fils_ = 0;  ///< 0: it has ended
+  bool EstRéussi_ = false;
   std::string Reste_;
   IBoucle::Jeton Veille_;
 };

@@ -47,8 +47,8 @@ TEST_P(Rapport, OpensInAFrenchSpreadsheetAndHoldsNoFormula) {
 TEST_P(Rapport, ATicketAndTheStationsTellTheLatestLoad) {
   Ombrey::BaseLue Base(Connexion_);
   const int Jour = LireJour("22/09/2026").value();
-  EXPECT_NE(TextePapier(Base, Jour, "13").find("Chargement n° 13"), std::string::npos);
-  EXPECT_THROW(static_cast<void>(TextePapier(Base, Jour - 1, "13")), Ombrey::ErreurExécution);
+  EXPECT_NE(TextePapier(Base, Jour, {"13"}).find("Chargement n° 13"), std::string::npos);
+  EXPECT_THROW(static_cast<void>(TextePapier(Base, Jour - 1, {"13"})), Ombrey::ErreurExécution);
   for (const char* Site : {"2", "1", "1"}) RegistreStations(Connexion_, Site).Signaler();
   Rangées Stations = TableauStations(Base, {});
   for (auto& Une : Stations) Une[3] = Une[3].substr(0, 10);

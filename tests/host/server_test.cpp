@@ -146,7 +146,7 @@ TEST_F(Serveur, ARoleIsToldWhichRightsItLacksAndTheDiagnosisSaysWhatMendsABase) 
   for (const auto& [Base, Dit, ÀFaire] : Cas) {
     Options Choisies;
     Choisies.Base = Base;
-    const std::string Texte = "\n" + TexteDiagnostic(Choisies);
+    const std::string Texte = "\n" + TexteConstats(Diagnostiquer(Choisies));
     const std::size_t Début = Texte.find("\n" + Dit);
     ASSERT_NE(Début, std::string::npos) << Texte;
     EXPECT_NE(Texte.substr(Début + 1, Texte.find('\n', Début + 1) - Début).find(ÀFaire), std::string::npos) << Texte;

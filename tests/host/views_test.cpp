@@ -66,8 +66,10 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
     EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2080|5420|\n") << "the quotas are those of all sites";
     EXPECT_EQ(Jour.MasseParHeure[14], Cas.Après14h);
   }
-  EXPECT_EQ(Dire(TableauArchive(Base, {})),
-            "5|9|hier|1|1|05|9|10|\n3|2|22/09/2026 09:17|80|10|05|9|10|\n3|3|21/09/2026 00:00|1|1|05|9|10|\n");
+  EXPECT_EQ(
+      Dire(TableauArchive(Base, {})),
+      "5|9|hier|1|1|Aligoté|Saine|Dupré Élise|Martin|\n3|2|22/09/2026 09:17|80|10|Aligoté|Saine|Dupré Élise|Martin|\n"
+      "3|3|21/09/2026 00:00|1|1|Aligoté|Saine|Dupré Élise|Martin|\n");
 }
 
 TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {

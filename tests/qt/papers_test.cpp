@@ -11,6 +11,7 @@
 #include "host/day_slip.h"
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_paper.h"
+#include "host/windows/qt_papers.h"
 #include "host/windows/qt_save_dialog.h"
 #include "platform/loop/descriptor.h"
 #include "tests/qt/qt_fixture.h"
@@ -52,6 +53,46 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
   const QString Ticket = PagesDe(Dossier.Chemin() / "ticket.pdf").simplified();
   for (const char* Dit : {"Chargement n° 1005", "1000 kg", "Page 1 / 1"}) EXPECT_TRUE(Ticket.contains(Dit)) << Dit;
   EXPECT_THROW(ÉcrirePdf("x", QPageSize::A4, Dossier.Chemin() / "absent/x.pdf"), ErreurExécution);
+}
+
+/// A program of this text does the work.
+TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
+  const std::string Programme = Dossier.Chemin() / "programme", Copie = Dossier.Chemin() / "copie.db";
+  const Tarvel::Options Choisies;
+  const std::tuple<const char*, bool, const char*> Cas[] = {
+      {"echo 'tarvel : sauvegarde : 9 %, encore 9 s' >&2; echo \"$1 faite dans $2\"", false,
+       "--sauvegarder faite dans "},
+      {"echo 'tarvel : disque plein' >&2; exit 1", false, "disque plein"},
+      {"kill -9 $$", false, "Arrêté, rien n'est gardé."},
+      {"trap 'echo arrêtée; exit 1' INT; echo 'tarvel : à 9 %, encore 9 s'; while :; do sleep 0.02; done", true,
+       "arrêtée"},
+      {nullptr, false, "ne peut pas être lancé"}};
+  for (const auto& [Texte, Abandonné, Dit] : Cas) {
+    std::filesystem::remove(Programme);
+    if (Texte != nullptr) std::ofstream(Programme) << "#!/bin/sh\n" << Texte << "\n";
+    if (Texte != nullptr) std::filesystem::permissions(Programme, std::filesystem::perms::owner_all);
+    Tarvel::TravauxÀCôté Travaux(Boucle, Choisies, Programme);
+    QWidget Page;
+    QMenu Menu;
+    OffrirPapiers(
+        Menu, &Page, {LesVraies.Contexte(), Travaux}, [] { return nullptr; }, false);
+    Menu.actions().back()->trigger();
+    auto& Dialogue = *Page.findChild<DialogueTravail*>();
+    Clic("&Choisir le fichier…")(Dialogue);
+    Vider();
+    Q_EMIT Dialogue.findChild<QFileDialog*>()->fileSelected(QString::fromStdString(Copie));
+    if (Abandonné) {
+      const auto Vue = [&] { return Dialogue.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly)->text(); };
+      for (int Reste = 1000; Reste > 0 && Vue() != "à 9 %, encore 9 s"; --Reste) Laisser(10ms);
+      EXPECT_FALSE(Le<QPushButton>(Dialogue, "&Choisir le fichier…").isEnabled());
+      Dialogue.close();
+      EXPECT_TRUE(Dialogue.isVisible()) << "it stays until the work has ended";
+    }
+    const std::string Lu = Lire("Sauvegarder la base");
+    EXPECT_NE(Lu.find(Dit), std::string::npos) << Lu;
+    EXPECT_EQ(Lu.find("encore"), std::string::npos) << "how far it was is no news any more: " << Lu;
+    EXPECT_TRUE(Le<QPushButton>(Dialogue, "&Choisir le fichier…").isEnabled());
+  }
 }
 
 TEST_F(Bureau, TheLineIsShownARowAMessageFaultsMarkedAndSavedAsATrace) {

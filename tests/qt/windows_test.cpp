@@ -204,11 +204,13 @@ TEST_F(FenêtresDeQt, ThePortIsTriedAndWhatWasChosenIsKept) {
 TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   Tarvel::Aperçu Aperçu;
   Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
+  const Tarvel::Options Choisies;
+  Tarvel::TravauxÀCôté Travaux(Boucle, Choisies, "/bin/echo");
   FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
+  Fenêtre.Présenter([] { return "version"; }, Travaux);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
   Fenêtre.OffrirMenu("&Charger");
-  Fenêtre.Présenter("version");
   Fenêtre.show();
   QTest::mouseClick(&Le<QToolButton>(Fenêtre), Qt::LeftButton);
   for (const QAction* Menu : Fenêtre.menuBar()->actions()) {
@@ -218,6 +220,10 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   EXPECT_EQ(Trace, "") << "nothing runs inside Qt's dispatch";
   for (int Fois = 0; Fois < 200 && Trace.size() < 6; ++Fois) Laisser(50ms);
   EXPECT_EQ(Lire("À propos"), "version");
+  QStringList Textes;
+  for (int Reste = 1000; Reste > 0 && !Textes.contains("--diagnostic"); --Reste, Laisser(10ms))
+    for (const auto* Zone : Fenêtre.findChildren<QPlainTextEdit*>()) Textes << Zone->toPlainText();
+  EXPECT_TRUE(Textes.contains("--diagnostic")) << "the diagnosis isn't filled in";
   EXPECT_TRUE(Fenêtre.isVisible());
   EXPECT_EQ(Trace, "bcqbmq");
   for (auto* Liste : Fenêtre.findChildren<QTableView*>()) Q_EMIT Liste->activated(Liste->model()->index(0, 0));

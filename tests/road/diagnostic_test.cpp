@@ -70,7 +70,8 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
     P.Faire("$ mkdir poste");
     const VerrouDossier Sien(P.En("poste"));
     std::string Mots[] = {"--diagnostic", "--ini", P.En("tarvel.ini"), "--dossier", P.En("poste")};
-    EXPECT_NE(TexteDiagnostic(Tarvel::LireOptions(Mots)).find("bon     port : "), std::string::npos);
+    EXPECT_NE(TexteConstats(Tarvel::Diagnostiquer(Tarvel::LireOptions(Mots))).find("bon     port : "),
+              std::string::npos);
   }
   close(Autre);
   P.LancerStation();
@@ -111,8 +112,7 @@ TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
   Choisies.Ini = P.En("tarvel.ini");
   const Tarvel::LieuxMachine Lieux{P.En("tty"), P.En("regles"), P.En("montages")};
   const auto Constater = [&](const std::string& Attendu) {
-    std::string Textes;
-    for (const auto& Un : Tarvel::Diagnostiquer(Choisies, Lieux)) Textes += TexteConstat(Un) + "\n";
+    const std::string Textes = TexteConstats(Tarvel::Diagnostiquer(Choisies, Lieux));
     EXPECT_NE(Textes.find(Attendu), std::string::npos) << Textes;
   };
   Constater("70-ombrey-tarvel.rules vient d'être écrite");

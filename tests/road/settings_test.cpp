@@ -98,6 +98,9 @@ TEST(Papers, ComeAsPdfWithTheirTitleOrASentenceSaysWhyNot) {
       {BIN_DIR "/tarvel --ticket 8 u.pdf --du 23/11/2026", "Aucun chargement n° 8 le 23/11/2026.", 1},
       {BIN_DIR "/tarvel --ticket 7 u.pdf --du 31/02/2026", "« 31/02/2026 » n'est pas un jour : il s'écrit jj/", 2},
       {BIN_DIR "/tarvel --bordereau absent/u.pdf", "absent/u.pdf : introuvable", 1},
+      {"env CUPS_SERVER=127.0.0.1:9 " BIN_DIR "/tarvel --imprimer-ticket 7 --du 23/11/2026 --site 1 --heure 12:00",
+       "Aucune imprimante n'est installée", 1},
+      {BIN_DIR "/tarvel --imprimer-ticket 7 --du 23/11/2026 --site 2", "Aucun chargement n° 7 du site 2 le 23/", 1},
       {"./seul --bordereau u.pdf", "Le PDF a besoin du module des fenêtres, qui ne se charge pas", 1},
   };
   for (const auto& [Commande, Dit, Code] : Cas) {

@@ -74,7 +74,7 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
         << P.Dit();
     P.Station->Taper(
         "liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\nligne fautes\netat\napropos\n"
-        "bordereau b\ncopie c d.db\ncsv e.csv " +
+        "diagnostic\nbordereau b\nimprimer-bordereau 1\ncopie c d.db\ncsv e.csv " +
         Arrivée.substr(0, 10));
     for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 7\n",
                            "trace : La trace est dans t.", "trace : Le fichier t existe déjà", "ligne : 0 messages",
@@ -83,7 +83,8 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
       EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
     P.Finir("1 1 1");
     // What is under way when it ends is finished.
-    for (const char* Vu : {"bordereau : ", "copie : La base « ", "csv : 2 chargements exportés dans "})
+    for (const char* Vu : {"la commande s'écrit « imprimer-bordereau [JOUR] »", "est à la station qui travaille",
+                           "bordereau : ", "copie : La base « ", "csv : 2 chargements exportés dans "})
       EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
     EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
                        " FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),

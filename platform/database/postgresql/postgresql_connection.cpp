@@ -304,4 +304,11 @@ void ConnexionPostgresql::Annuler() noexcept {
   DélaiDeTransaction_.reset();
 }
 
+std::string ConnexionPostgresql::Moteur() {
+  constexpr int ParMajeure = 10000;
+  const auto Serveur = Comme<std::string>(Lire("SELECT current_setting('server_version')"));
+  return "PostgreSQL " + Serveur.value_or("?") + ", client " + std::to_string(PQlibVersion() / ParMajeure) + "." +
+         std::to_string(PQlibVersion() % ParMajeure);
+}
+
 }  // namespace Ombrey

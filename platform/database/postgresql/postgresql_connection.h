@@ -22,6 +22,7 @@ class ConnexionPostgresql final : public IConnexion, public std::enable_shared_f
   ConnexionPostgresql(const std::string& Adresse, Horloge Maintenant);
 
   [[nodiscard]] std::string Nom() const override { return Lien_.Adresse(); }
+  [[nodiscard]] std::string Moteur() override;
   [[nodiscard]] std::optional<std::filesystem::path> SonFichier() const override { return std::nullopt; }
   [[nodiscard]] bool EstEnLectureSeule() const override { return EstEnLectureSeule_; }
   [[nodiscard]] Instruction Préparer(std::string_view Sql) override;

@@ -142,6 +142,8 @@ std::shared_ptr<ConnexionSqlite> ConnexionSqlite::Créer(const std::filesystem::
   }
 }
 
+std::string ConnexionSqlite::Moteur() { return std::string("SQLite ") + sqlite3_libversion(); }
+
 bool ConnexionSqlite::EstEnLectureSeule() const { return sqlite3_db_readonly(Base_.get(), "main") == 1; }
 
 Instruction ConnexionSqlite::Préparer(std::string_view Sql) {

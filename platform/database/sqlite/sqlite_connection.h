@@ -40,6 +40,7 @@ class ConnexionSqlite final : public IConnexion {
 
   [[nodiscard]] const std::filesystem::path& Fichier() const { return Fichier_; }
   [[nodiscard]] std::string Nom() const override { return Fichier_.string(); }
+  [[nodiscard]] std::string Moteur() override;
   [[nodiscard]] std::optional<std::filesystem::path> SonFichier() const override { return Fichier_; }
   [[nodiscard]] bool EstEnLectureSeule() const override;
 
