@@ -3,12 +3,17 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QPointer>
 #include <QScreen>
 #include <QShortcut>
 #include <QStyleOptionButton>
 #include <QStylePainter>
+#include <QTimer>
+#include <chrono>
 #include <exception>
+#include <memory>
 #include <utility>
+#include <vector>
 
 #include "platform/qt/qt_measures.h"
 
@@ -71,27 +76,54 @@ void FenêtreQt::RendreLesTouches() {
 }
 
 namespace {
-void RamenerFenêtres() {
-  for (QWidget* const Une : QApplication::topLevelWidgets()) {
-    const Qt::WindowStates Grande = Qt::WindowMaximized | Qt::WindowFullScreen;
-    if ((Une->windowType() != Qt::Window && Une->windowType() != Qt::Dialog) || (Une->windowState() & Grande)) continue;
-    const QRect Avant(Une->pos(), Une->size());
-    PlacerSurÉcran(*Une, PlaceVoulue(*Une));
-    const auto* const Nôtre = dynamic_cast<FenêtreQt*>(Une);
-    const bool Déplacée = Avant != QRect(Une->pos(), Une->size());
-    if (Déplacée && Nôtre != nullptr && Nôtre->isVisible() && Nôtre->SurActivation) Nôtre->SurActivation();
-  }
+/// By now Qt and the window manager have moved what they move when a screen goes.
+constexpr std::chrono::milliseconds RépitÉcrans(300);
+
+struct Placée {
+  QPointer<QWidget> Fenêtre;
+  QRect Voulue;
+};
+
+std::vector<Placée> FenêtresPlacées() {
+  std::vector<Placée> Places;
+  const Qt::WindowStates Grande = Qt::WindowMaximized | Qt::WindowFullScreen;
+  for (QWidget* const Une : QApplication::topLevelWidgets())
+    if ((Une->windowType() == Qt::Window || Une->windowType() == Qt::Dialog) && !(Une->windowState() & Grande))
+      Places.push_back({Une, PlaceVoulue(*Une)});
+  return Places;
+}
+
+void Ramener(QWidget& Une, const QRect& Voulue) {
+  PlacerSurÉcran(Une, Voulue);
+  const auto* const Nôtre = dynamic_cast<FenêtreQt*>(&Une);
+  const bool Déplacée = Voulue != QRect(Une.pos(), Une.size());
+  if (Déplacée && Nôtre != nullptr && Nôtre->isVisible() && Nôtre->SurActivation) Nôtre->SurActivation();
 }
 }  // namespace
 
-/// Through the queue: Qt and the window manager move windows as well.
+/// Where the windows stood is noted ahead of everybody's moves: none of them is the operator's.
 void GarderFenêtresEnVue(QObject& Garde) {
-  const auto Suivre = [&Garde](QScreen* Écran) {
-    QObject::connect(Écran, &QScreen::availableGeometryChanged, &Garde, &RamenerFenêtres, Qt::QueuedConnection);
+  auto* const Répit = new QTimer(&Garde);
+  Répit->setSingleShot(true);
+  Répit->setInterval(RépitÉcrans);
+  const auto Places = std::make_shared<std::vector<Placée>>();
+  const auto Changer = [Répit, Places] {
+    if (!Répit->isActive()) *Places = FenêtresPlacées();
+    Répit->start();
+  };
+  QObject::connect(Répit, &QTimer::timeout, &Garde, [Places] {
+    for (const Placée& Une : *Places)
+      if (Une.Fenêtre) Ramener(*Une.Fenêtre, Une.Voulue);
+  });
+  const auto Suivre = [&Garde, Changer](QScreen* Écran) {
+    QObject::connect(Écran, &QScreen::availableGeometryChanged, &Garde, Changer);
   };
   for (QScreen* const Écran : QGuiApplication::screens()) Suivre(Écran);
-  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &Garde, Suivre);
-  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &Garde, &RamenerFenêtres, Qt::QueuedConnection);
+  QObject::connect(qGuiApp, &QGuiApplication::screenAdded, &Garde, [Suivre, Changer](QScreen* Écran) {
+    Suivre(Écran);
+    Changer();
+  });
+  QObject::connect(qGuiApp, &QGuiApplication::screenRemoved, &Garde, Changer);
 }
 
 /// The ring also sends what the call alone would leave in Qt's buffer until something else is drawn.

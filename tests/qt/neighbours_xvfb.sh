@@ -85,5 +85,14 @@ each same_place
 step "the second screen goes under the running station"
 xrandr --delmonitor right
 each whole_on_the_first
+second_screen
+each same_place
+xrandr --delmonitor right
+each whole_on_the_first
 end 5
+step "it is back at the next start"
+second_screen
+open 6
+each same_place
+end 6
 echo "done"
