@@ -13,6 +13,7 @@
 #include "base/files.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "host/base_values.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -47,8 +48,6 @@ constexpr const char* PremierCodeLibre =
     " AND NOT EXISTS (SELECT 1 FROM Chargement WHERE Métayage = CAST(Code + 1 AS TEXT))"
     " AND NOT EXISTS (SELECT 1 FROM ChargementArchive WHERE Métayage = CAST(Code + 1 AS TEXT))";
 constexpr const char* GroupeParCode = "SELECT IdGrp FROM Groupement WHERE CAST(IdGrp AS INTEGER) = ?1";
-
-std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
 
 /// As the import file, whose bytes are those of the line, can write it: else the site wouldn't find its own loads.
 std::string CodeÉcrivable(const std::string& Code) {

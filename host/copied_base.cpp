@@ -8,8 +8,8 @@
 #include <vector>
 
 #include "base/failures.h"
-#include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "host/base_values.h"
 #include "host/load_columns.h"
 #include "host/schema.h"
 #include "host/schema_upgrade.h"
@@ -84,7 +84,6 @@ ValeurChamp Convertie(const ValeurChamp& Valeur, const Ombrey::ColonneDeTable& C
 }
 
 /// Row by row; a number may be whole on one side and have decimals of zero on the other.
-std::string Forme(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, Ombrey::Régional{}); }
 
 std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienne) {
   std::vector<ValeurChamp> Valeurs;
@@ -92,7 +91,7 @@ std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienn
     try {
       Valeurs.push_back(Convertie(Requête.Valeur(Rang), Sienne.Colonnes[Rang]));
     } catch (const ErreurExécution& Erreur) {
-      throw ErreurExécution("Table " + Sienne.Nom + ", ligne « " + Forme(Requête.Valeur(0)) + " », colonne " +
+      throw ErreurExécution("Table " + Sienne.Nom + ", ligne « " + TexteDe(Requête.Valeur(0)) + " », colonne " +
                             Sienne.Colonnes[Rang].Nom + " : " + Erreur.what());
     }
   }
@@ -155,7 +154,7 @@ void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte
     bool EstPareil = YEnA == Là.Avancer();
     if (EstPareil && !YEnA) return;
     LeCompte.Avancer();
-    if (EstPareil) EstPareil = std::ranges::equal(Rangée(Ici, Sienne), Rangée(Là, Sienne), {}, Forme, Forme);
+    if (EstPareil) EstPareil = std::ranges::equal(Rangée(Ici, Sienne), Rangée(Là, Sienne), {}, TexteDe, TexteDe);
     if (!EstPareil)
       throw ErreurExécution("La copie de la table " + Sienne.Nom + " diffère de l'original : rien n'est gardé");
   }
@@ -166,7 +165,7 @@ std::string Laissées(IConnexion& Source, IConnexion& Cible) {
   Instruction Noms = Source.Préparer(Source.NomsDesTables());
   std::string Liste;
   while (Noms.Avancer()) {
-    const std::string Nom = Forme(Noms.Valeur(0));
+    const std::string Nom = TexteDe(Noms.Valeur(0));
     if (!Nom.starts_with(TableCumuls) && Cible.ColonnesDe(Nom).empty())
       Liste += (Liste.empty() ? "\nRestent sur place : " : ", ") + Nom;
   }

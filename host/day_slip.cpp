@@ -9,13 +9,11 @@
 #include <utility>
 
 #include "base/failures.h"
-#include "base/regional_forms.h"
 #include "base/visible_text.h"
+#include "host/base_values.h"
 
 namespace Tarvel {
 namespace {
-
-const Ombrey::Régional FormesFrançaises{};
 
 std::string Protégé(const std::string& Texte) {
   std::string Sûr;
@@ -107,7 +105,7 @@ std::string Tête(const std::string& Coopérative, const std::string& Document, 
 std::string NomCoopérative(Ombrey::IDatabase& Base) {
   const auto Nom =
       Base.OpenRecordset("SELECT Valeur FROM Paramètre WHERE Nom = 'Coopérative'", Ombrey::TypeRecordset::VersLAvant);
-  return Nom->Eof() ? "" : TexteOuVide(Nom->Fields(0), FormesFrançaises);
+  return Nom->Eof() ? "" : TexteDe(Nom->Fields(0));
 }
 
 std::string TexteBordereau(const std::vector<ChargementRelaté>& Chargements, const std::string& Coopérative, int Jour) {

@@ -13,6 +13,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"
+#include "host/base_values.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {
@@ -46,16 +47,6 @@ constexpr const char* SqlQuotas =
 
 /// A season of three sites archives 300,000 loads; nobody looks through more than this.
 constexpr const char* DernièreArchive = " ORDER BY C.DateCh DESC LIMIT 1000";
-
-const Ombrey::Régional FormesFrançaises{};
-
-std::string TexteDe(const ValeurChamp& Valeur) { return TexteOuVide(Valeur, FormesFrançaises); }
-
-/// A value that is no number counts nothing: the office may have written anything into the column.
-std::optional<double> NombreDe(const ValeurChamp& Valeur) {
-  // Read as the figures read it: the page and the terminal show the same.
-  return Ombrey::NombreTapé(TexteDe(Valeur), FormesFrançaises);
-}
 
 /// The name, or the code of what the database has no name for.
 std::string NomOuCode(const ValeurChamp& Nom, const ValeurChamp& Code) {

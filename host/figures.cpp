@@ -9,6 +9,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "host/base_values.h"
 #include "host/conditions.h"
 #include "host/load_columns.h"
 
@@ -74,7 +75,7 @@ void Figures::DireIllisibles(const Conditions& Choix) const {
         "SELECT C.NoChargement, C.CodeSite, C.Masse FROM " + std::string(Table) + " AS C" + Choix.Sql() +
         " AND C.Masse IS NOT NULL AND " + Connexion_.NombreDans("C.Masse") + " IS NULL");
     Requête.Lier(Choix.Valeurs());
-    const auto Texte = [&](std::size_t Rang) { return TexteOuVide(Requête.Valeur(Rang), Ombrey::Régional{}); };
+    const auto Texte = [&](std::size_t Rang) { return TexteDe(Requête.Valeur(Rang)); };
     while (Requête.Avancer())
       Avis_("Masse du chargement n° " + Texte(0) + " du site " + Texte(1) + " : « " + Texte(2) +
             " » n'est pas un nombre ; il compte pour 0 kg.");

@@ -13,6 +13,7 @@
 #include "base/files.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "host/base_values.h"
 #include "host/load_columns.h"
 #include "platform/system/safe_file.h"
 
@@ -20,9 +21,7 @@ namespace Tarvel {
 namespace {
 
 using Ombrey::ErreurExécution;
-using Ombrey::ValeurChamp;
 
-const Ombrey::Régional FormesFrançaises{};
 constexpr std::string_view MarqueUtf8 = "\xEF\xBB\xBF";
 
 constexpr const char* SqlChargements =
@@ -37,14 +36,6 @@ constexpr const char* SqlChargements =
     " LEFT JOIN Qualité ON Qualité.IdQualité = C.Qualité)"
     " LEFT JOIN Sélection ON Sélection.IdSélection = C.Sélection";
 
-std::string TexteDe(const ValeurChamp& Valeur) {
-  return std::string(Ombrey::SansBlancs(TexteOuVide(Valeur, FormesFrançaises)));
-}
-
-std::optional<double> NombreDe(const ValeurChamp& Valeur) {
-  return Ombrey::NombreTapé(TexteOuVide(Valeur, FormesFrançaises), FormesFrançaises);
-}
-
 void Ajouter(std::vector<ChargementRelaté>& Tous, Ombrey::IDatabase& Base, const Période& Jours, const char* Table) {
   std::string Sql = SqlChargements;
   Sql.replace(Sql.find('#'), 1, Table);
@@ -53,7 +44,7 @@ void Ajouter(std::vector<ChargementRelaté>& Tous, Ombrey::IDatabase& Base, cons
   const auto Lignes = Base.OpenRecordset(Sql, Ombrey::TypeRecordset::VersLAvant);
   for (; !Lignes->Eof(); Lignes->MoveNext()) {
     std::size_t Rang = 0;
-    const auto Texte = [&] { return TexteDe(Lignes->Fields(Rang++)); };
+    const auto Texte = [&] { return std::string(Ombrey::SansBlancs(TexteDe(Lignes->Fields(Rang++)))); };
     const auto Nombre = [&] { return NombreDe(Lignes->Fields(Rang++)); };
     const auto Code = [&] {
       std::string Le = Texte();

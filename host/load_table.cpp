@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "base/regional_forms.h"
+#include "host/base_values.h"
 #include "host/conditions.h"
 #include "host/load_columns.h"
 
@@ -121,7 +121,7 @@ std::string TableDesChargements::Archiver(const ValeurChamp& Site, const ValeurC
       {Porteur[0]});
   Connexion_.Exécuter("DELETE FROM Chargement WHERE IdChargement = ?1", {Porteur[0]});
 
-  const auto Texte = [&](std::size_t Rang) { return TexteOuVide(Porteur[Rang], Ombrey::Régional{}); };
+  const auto Texte = [&](std::size_t Rang) { return TexteDe(Porteur[Rang]); };
   return "Le chargement n° " + Texte(2) + " du site " + Texte(1) + ", arrivé le " + Ombrey::MomentLisible(Porteur[3]) +
          " (exploitation " + Texte(4) + ", " + Texte(5) +
          " kg), passe dans ChargementArchive : son numéro sert à un autre. Il compte toujours dans les cumuls.";

@@ -101,7 +101,7 @@ bool EstValeurIllisible(const std::string& Raison) {
 }
 
 /// The time of day, and the day where it is another one.
-std::string Moment(const DateHeure& Quand) {
+std::string HeureOuDate(const DateHeure& Quand) {
   const DateHeure Ici = HeureLocale();
   const bool Aujourdhui = Quand.Jour == Ici.Jour && Quand.Mois == Ici.Mois && Quand.Année == Ici.Année;
   return TexteFormaté(Quand, Aujourdhui ? "hh:nn" : "jj/mm hh:nn");
@@ -109,7 +109,7 @@ std::string Moment(const DateHeure& Quand) {
 
 std::string ÀFaireDe(const FaitRépété& Refusé) {
   if (!Refusé.Partie) return Refusé.ÀFaire;
-  return "N'est plus proposé par le RG80 depuis " + Moment(*Refusé.Partie) +
+  return "N'est plus proposé par le RG80 depuis " + HeureOuDate(*Refusé.Partie) +
          " : si personne ne l'y a effacé exprès, l'y saisir à nouveau.";
 }
 
@@ -261,7 +261,7 @@ Rangées Aperçu::Refusés() const {
   Rangées Toutes{{"Chargement", "Depuis", "Fois", "Dernière fois", "Motif", "Que faire"}};
   for (const FaitRépété& Un : Refus_.Tous())
     Toutes.push_back(
-        {Un.Sujet, Moment(Un.Premier), std::to_string(Un.Fois), Moment(Un.Dernier), Un.Texte, ÀFaireDe(Un)});
+        {Un.Sujet, HeureOuDate(Un.Premier), std::to_string(Un.Fois), HeureOuDate(Un.Dernier), Un.Texte, ÀFaireDe(Un)});
   return Toutes;
 }
 
@@ -273,7 +273,7 @@ std::size_t Aperçu::NombreRefusés() const {
 Rangées Aperçu::NonLus() const {
   Rangées Toutes{{"Titre", "Message", "Fois", "Première fois", "Dernière fois"}};
   for (const FaitRépété& Un : NonLus_.Tous())
-    Toutes.push_back({Un.Sujet, Un.Texte, std::to_string(Un.Fois), Moment(Un.Premier), Moment(Un.Dernier)});
+    Toutes.push_back({Un.Sujet, Un.Texte, std::to_string(Un.Fois), HeureOuDate(Un.Premier), HeureOuDate(Un.Dernier)});
   return Toutes;
 }
 

@@ -56,7 +56,7 @@ void Station::Exécuter(const OuvrirBase& Ouvrir, std::function<void()> AuRepos)
   Ombrey::PlateformeMachine Plateforme(Boucle_, Édition_.Fenêtres(), this, Options_.Dossier, Édition_.FichierRéglages(),
                                        &Journal_,
                                        {[this](const Ombrey::Octets& Reçus) { Édition_.LAperçu().NoterOctets(Reçus); },
-                                        [this](auto Attente) { NoterRelevé(Attente); },
+                                        [this](auto Délai) { NoterRelevé(Délai); },
                                         [this](const Ombrey::Avancement& Où) { return Édition_.Avancer(Où); }});
   const Ombrey::ÉcouteAppels Appels(Boucle_, Options_.Dossier, [this] { Édition_.SePrésenter(); });
   Plateforme_ = &Plateforme;
@@ -166,12 +166,12 @@ void Station::Tenter(Appel Faire) {
   }
 }
 
-void Station::NoterRelevé(std::optional<std::int32_t> Attente) {
-  if (Attente)
+void Station::NoterRelevé(std::optional<std::int32_t> Délai) {
+  if (Délai)
     ProgrammerRepos(0ms);
   else
     Repos_.reset();
-  Édition_.LAperçu().NoterRelevé(Attente);
+  Édition_.LAperçu().NoterRelevé(Délai);
 }
 
 /// From the loop, so that it goes on behind a list of loads that stands open all day.

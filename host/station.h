@@ -48,7 +48,7 @@ class Station final : public IGestesStation, private Ombrey::IQuestionnairePort 
   void Charger();
   void Démarrer();
   void RepartirAuBesoin();
-  void NoterRelevé(std::optional<std::int32_t> Attente);
+  void NoterRelevé(std::optional<std::int32_t> Délai);
   void ProgrammerRepos(std::chrono::milliseconds Dans);
   void Pomper();
   template <class Appel>

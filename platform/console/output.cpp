@@ -17,8 +17,8 @@ constexpr int PatienceMs = 1000;
 
 /// True when the descriptor takes bytes again within the time.
 bool AttendrePlace(int Descripteur, int DuréeMs) {
-  pollfd Attente{Descripteur, POLLOUT, 0};
-  return poll(&Attente, 1, DuréeMs) > 0 && (Attente.revents & POLLOUT) != 0;
+  pollfd Guet{Descripteur, POLLOUT, 0};
+  return poll(&Guet, 1, DuréeMs) > 0 && (Guet.revents & POLLOUT) != 0;
 }
 
 }  // namespace

@@ -37,11 +37,11 @@ void ProgrammeFils::Arrêter() const {
 }
 
 void ProgrammeFils::Lancer(std::vector<std::string>& Mots) {
-  const auto Exiger = [&](int Numéro) {
+  const auto Réussi = [&](int Numéro) {
     if (Numéro != 0) throw ErreurExécution(Mots[0] + " ne peut pas être lancé : " + TexteErreurSystème(Numéro));
   };
   int Tube[2] = {-1, -1};
-  Exiger(pipe2(Tube, O_CLOEXEC) == 0 ? 0 : errno);
+  Réussi(pipe2(Tube, O_CLOEXEC) == 0 ? 0 : errno);
   Lecture_ = Descripteur(Tube[0]);
   const Descripteur Écriture(Tube[1]);
   std::vector<char*> Arguments;
@@ -64,7 +64,7 @@ void ProgrammeFils::Lancer(std::vector<std::string>& Mots) {
   posix_spawnattr_destroy(&Manière);
   posix_spawn_file_actions_destroy(&Flux);
   if (Numéro != 0) Fils_ = 0;
-  Exiger(Numéro);
+  Réussi(Numéro);
 }
 
 bool ProgrammeFils::Recevoir() {

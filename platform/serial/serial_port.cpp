@@ -145,9 +145,9 @@ void PortSérie::CloreRafale() {
 
 void PortSérie::ArmerSilence() {
   Silence_.reset();
-  const auto Attente = Rafale_.SilenceAttendu();
-  if (!Attente) return;
-  Silence_ = Contexte_.Boucle.Après(*Attente, [Faible = weak_from_this()] {
+  const auto Voulu = Rafale_.SilenceAttendu();
+  if (!Voulu) return;
+  Silence_ = Contexte_.Boucle.Après(*Voulu, [Faible = weak_from_this()] {
     if (const auto Moi = Faible.lock()) Moi->FinSilence();
   });
 }
