@@ -51,7 +51,7 @@ kill $station && wait $station || true
 kill $rg80 && wait $rg80 || true
 # A load that takes over a number, and one that is refused; then polls so seldom that its box is gone meanwhile.
 {
-  echo "0001${day}102208450002100003050050333333050113112105007"
+  echo "0001${day}084510220002100003050050333333050113112105007"
   echo "0010${day}103010410001010001010011000000050111x21310012"
 } >"$work/loads"
 python3 -c 'import sqlite3, sys

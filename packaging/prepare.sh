@@ -34,6 +34,8 @@ missing() {
   have Xvfb || echo "xvfb the station in windows"
   have xdotool || echo "xdotool the station in windows"
   have openbox || echo "openbox the station under a window manager"
+  have xev || echo "x11-utils the station beside another program"
+  have import || echo "imagemagick the station under a window manager"
   have xrandr || echo "x11-xserver-utils a screen that becomes smaller"
   have sqlite3 || echo "sqlite3 a night without an operator"
   have pdftotext || echo "poppler-utils the papers as PDF"

@@ -127,15 +127,15 @@ void FichierTrace::Ouvrir(Mur::time_point Quand) {
     Ouvert = OuvrirTrace(Chemin_, État);
   }
   Fichier_ = std::move(Ouvert);
-  Ranger();
+  Ranger(Quand);
   char Dernier = '\n';
   if (État.st_size > 0 && pread(Fichier_.Numéro(), &Dernier, 1, État.st_size - 1) < 0) Refuser(errno);
   Ajouter((Dernier == '\n' ? "" : "\n") + EntêteTrace(Quand));
 }
 
 /// Lets go of what is older than is kept.
-void FichierTrace::Ranger() const {
-  const std::string Limite = NomDuJour(Chemin_, JourTrace(Mur::now() - JoursGardés)).filename().string();
+void FichierTrace::Ranger(Mur::time_point Quand) const {
+  const std::string Limite = NomDuJour(Chemin_, JourTrace(Quand - JoursGardés)).filename().string();
   const std::string Forme = NomDuJour(Chemin_, "####-##-##").filename().string();
   std::error_code Erreur;
   for (const auto& Entrée : fs::directory_iterator(fs::absolute(Chemin_).parent_path(), Erreur)) {

@@ -32,7 +32,7 @@ class FichierTrace {
 
  private:
   void Ouvrir(std::chrono::system_clock::time_point Quand);
-  void Ranger() const;
+  void Ranger(std::chrono::system_clock::time_point Quand) const;
   void Ajouter(std::string_view Texte);
   void Échouer(const std::string& Raison);
 

@@ -147,7 +147,8 @@ TEST_F(Vie, LeavesTheListenerThatHasTakenItsPlace) {
   LePlugIn->IPlugInTarvel_Terminer();
   EXPECT_EQ(std::pair(Hôte->Écouteur, Hôte->ÉcouteurSynchro), Siens);
   Autre->IPlugInTarvel_Terminer();
-  EXPECT_TRUE(!Hôte->Écouteur && !Hôte->ÉcouteurSynchro);
+  EXPECT_FALSE(Hôte->Écouteur);
+  EXPECT_FALSE(Hôte->ÉcouteurSynchro);
 }
 
 TEST_F(Vie, EndCleansFilesAndReleasesEverything) {

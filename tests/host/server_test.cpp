@@ -167,7 +167,8 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
       "INSERT INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Degré, [N° de ticket])"
       " VALUES (7, '1', 12, 46287.5, '4', 12.5, 'l''été'); CREATE TABLE Visite (Quoi TEXT)");
   const std::string Fait = CopierBase(Fichier, Autre);
-  EXPECT_TRUE(Fait.find("\n  Métayage : 15") != Fait.npos && Fait.ends_with("\nRestent sur place : Visite")) << Fait;
+  EXPECT_NE(Fait.find("\n  Métayage : 15"), Fait.npos) << Fait;
+  EXPECT_TRUE(Fait.ends_with("\nRestent sur place : Visite")) << Fait;
   OuvrirMoteur(Autre)->ExécuterTout(
       "ALTER TABLE Chargement ADD COLUMN [Vu le] TIMESTAMP; UPDATE Chargement SET [Vu le] = '2026-09-22 12:00:00'");
   EXPECT_TRUE(CopierBase(Autre, Retour).ends_with("\n  Paramètre : 2"));

@@ -4,7 +4,7 @@
 # midst of a load and of a transfer; then under a window manager: a transfer that is stopped, a second start, the frames'
 # buttons, a screen that becomes smaller.
 # station_xvfb.sh BIN [DPI [PICTURES]]: the programs' folder, the screen's resolution, where to leave pictures.
-# Exit code 77: not run, for want of a tool.
+# Exit code 77: not run, or not to its end, for want of a tool.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=${2:-96} pictures=${3:-}
 source "$(dirname "$(readlink -f "$0")")/desk.sh"
@@ -130,8 +130,8 @@ wait $station || fail "exit code $? in the midst of a transfer"
 await "end of what was on the line" grep -q 'fichier 4.*reçu' "$work/rg80.txt"
 [ "$(grep -c 'fichier.*prêt' "$work/rg80.txt")" -eq 1 ] || fail "a file was sent behind the end"
 
-for tool in openbox xrandr; do
-  command -v $tool >/dev/null || { echo "done, but for the window manager: $tool isn't installed"; exit 0; }
+for tool in openbox xrandr import; do
+  command -v $tool >/dev/null || { echo "not run to its end, the window manager's part: $tool isn't installed"; exit 77; }
 done
 desk_manager
 by_frame() { xdotool windowactivate --sync "$(window "$1")" key --clearmodifiers alt+F4; }

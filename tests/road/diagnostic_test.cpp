@@ -91,7 +91,8 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   P.Faire("DELETE FROM Chargement WHERE CodeSite = 'B'");
   Regard.Taper("fin");
   EXPECT_EQ(Regard.Fin(), 0);
-  P.Rg80->Signaler(SIGINT), P.Finir("1 1 0");
+  P.Rg80->Signaler(SIGINT);
+  P.Finir("1 1 0");
   for (const auto& [Acte, Constat] : {std::pair("UPDATE CumulSaison SET Masse = Masse + 1", "mauvais cumuls : "),
                                       {"$ " BIN_DIR "/tarvel --base cave.db --refaire-cumuls", "bon     cumuls : "},
                                       {"UPDATE Chargement SET DateCh = DateCh + 90000", "mauvais horloge : "},

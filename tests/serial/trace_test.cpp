@@ -60,19 +60,20 @@ TEST(TraceFile, HoldsADayIsItsOwnersAloneAndNeverStandsInTheWay) {
     return Noms;
   };
   InstantLiaison Quand = InstantLiaison::Présent();
-  const auto Hier = JourTrace(Quand.Mur - 48h);
-  const auto Vieux = JourTrace(Quand.Mur - 24h * 40);
+  const auto Nom = [&](std::chrono::hours Depuis) { return "ligne-" + JourTrace(Quand.Mur - Depuis) + ".trace"; };
+  const auto Gardé = Nom(30 * 24h);
   std::ofstream(Dossier.Chemin() / "ligne.trace") << EntêteTrace(Quand.Mur - 48h) << "coup";
   last_write_time(Dossier.Chemin() / "ligne.trace", std::filesystem::file_time_type::clock::now() - 48h);
-  for (const std::string& Nom : {"ligne-" + Vieux + ".trace", std::string("ligne-x.trace"), std::string("autre")})
-    std::ofstream(Dossier.Chemin() / Nom) << "à moi";
+  // A day more isn't kept, and an hour, for where the clock was put back meanwhile.
+  for (const std::string& Un : {Gardé, Nom(31 * 24h + 1h), std::string("ligne-x.trace"), std::string("autre")})
+    std::ofstream(Dossier.Chemin() / Un) << "à moi";
   std::string Dit;
   FichierTrace Trace(Dossier.Chemin(), [&](const std::string& Texte) { Dit += Texte + "\n"; });
   const auto Écrire = [&](const std::string& Texte) {
     Trace.Écrire({Quand, MessageLiaison::Source::Terminal, Octets(Texte), "un\tmot", true});
   };
   Écrire("\6\x81");
-  EXPECT_EQ(Fichiers(), (std::set<std::string>{"ligne.trace", "ligne-" + Hier + ".trace", "ligne-x.trace", "autre"}));
+  EXPECT_EQ(Fichiers(), (std::set<std::string>{"ligne.trace", Nom(48h), Gardé, "ligne-x.trace", "autre"}));
   EXPECT_TRUE(Lire("ligne.trace").starts_with(EntêteTrace(Quand.Mur))) << Lire("ligne.trace");
   EXPECT_TRUE(Lire("ligne.trace").ends_with("\tRG80\t<ACK><81>\t! un\tmot\n")) << Lire("ligne.trace");
   EXPECT_EQ(std::filesystem::status(Dossier.Chemin() / "ligne.trace").permissions(), std::filesystem::perms(0600));

@@ -2,7 +2,7 @@
 # The two commands where they could pass for more than they did: ./test on a machine that lacks packages and can't have
 # them, and the list that ends ./run when midnight has passed meanwhile.
 #
-#   commands.sh BIN
+#   commands.sh BIN. Exit code 77: midnight wasn't tried, for want of a tool.
 set -euo pipefail
 bin=$(readlink -f "$1")
 cd "$(dirname "$(readlink -f "$0")")/../.."
@@ -45,8 +45,8 @@ mkdir -p "$work/tree/build/dev" && cp CMakePresets.json "$work/tree/" && : >"$wo
 ! (cd "$work/tree" && ctest --preset dev) >"$work/said" 2>&1 || fail "no test at all passes for a success" "$(<"$work/said")"
 ! grep -qi 'no such preset\|could not read' "$work/said" || fail "$(<"$work/said")"
 
-command -v faketime >/dev/null && command -v sqlite3 >/dev/null || { echo "midnight isn't tried: faketime or sqlite3 isn't installed"; exit 0; }
-! ldd "$bin/tarvel" | grep -q libasan || { echo "midnight isn't tried: the sanitizer wants to be loaded first"; exit 0; }
+command -v faketime >/dev/null && command -v sqlite3 >/dev/null || { echo "midnight isn't tried: faketime or sqlite3 isn't installed"; exit 77; }
+! ldd "$bin/tarvel" | grep -q libasan || { echo "midnight isn't tried: the sanitizer wants to be loaded first"; exit 77; }
 "$bin/tarvel" --creer-base "$work/cave.db" --exemple
 sqlite3 "$work/cave.db" "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) VALUES ('1', 77, 46349.99, '4')"
 printf '[PlugInOmbrey]\nPort=%s\nBauds=9600\nParité=aucune\nBitsStop=1\nTailleMots=8\nPériode interrogation=500\n' "$work/absent" >"$work/tarvel.ini"
