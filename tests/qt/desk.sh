@@ -10,7 +10,7 @@ finish() {
   local code=$?
   for pid in "${pids[@]}"; do kill "$pid" 2>/dev/null || true; done
   wait 2>/dev/null || true
-  [ $code -eq 0 ] || { echo "--- tarvel"; cat "$work"/tarvel.* ; echo "--- rg80"; tail -20 "$work/rg80.txt"; } 2>/dev/null || true
+  [ $code -eq 0 ] || [ $code -eq 77 ] || { echo "--- tarvel"; cat "$work"/tarvel.* ; echo "--- rg80"; tail -20 "$work/rg80.txt"; } 2>/dev/null || true
   rm -rf "$work"
 }
 trap finish EXIT

@@ -51,10 +51,12 @@ await "all ten loads" arrived 10
 numbers=$(sql 'SELECT group_concat(NoChargement) FROM (SELECT NoChargement FROM Chargement ORDER BY NoChargement)')
 [ "$numbers" = 1,2,3,4,5,6,7,8,9,10 ] || fail "in the base stand the loads $numbers"
 [ "$(sql 'SELECT count(*) FROM ChargementArchive')" -eq 0 ] || fail "a load took another's number"
-# Which load was refused, and that the base was locked, stand in the list of refused loads and in the window's lines.
-cut -f 4- "$work/station/à-lire.txt" | sort | diff <(printf '%s\t%s\n' 'Erreur du port' "Le port $work/rg80 est absent de cette machine." \
-  'RG80 Ombrey' "Erreur d'importation des données issues du RG80." 'RG80 Ombrey' 'Erreur de check-sum(chargement n° 2, tel que reçu)' | sort) - ||
-  fail "the night is told otherwise"
+# Which load was refused, and that the base was locked, stand in the list of refused loads and in the window's lines. A port
+# that goes in the midst of a request is told as lost as well.
+cut -f 4- "$work/station/à-lire.txt" | tr '\037' ' ' | sed 's/ a été perdu\.$/ est absent de cette machine./' | sort -u |
+  diff <(printf '%s\t%s\n' 'Erreur du port' "Le port $work/rg80 est absent de cette machine." \
+    'RG80 Ombrey' "Erreur d'importation des données issues du RG80." \
+    'RG80 Ombrey' 'Erreur de check-sum (chargement n° 2, tel que reçu)' | sort) - || fail "the night is told otherwise"
 press '^Tarvel' alt+i
 sleep 1
 shot night
