@@ -77,7 +77,7 @@ void ÉditionConsole::MontrerLigne(const Ombrey::JournalLiaison& Journal, const 
   const bool Seules = Ombrey::FormeComparable(Choix).starts_with(Fautes);
   const std::string_view Nombre = Ombrey::SansBlancs(std::string_view(Choix).substr(Seules ? Fautes.size() : 0));
   const auto Voulus = Nombre.empty() ? NombreUsuel : Ombrey::NombreLu<std::size_t>(Nombre);
-  if (!Voulus) throw Ombrey::ErreurExécution("la commande s'écrit « ligne [fautes] [NOMBRE] ».");
+  if (!Voulus) throw Ombrey::ErreurExécution(Ombrey::CommandeMalÉcrite("ligne [fautes] [NOMBRE]"));
   std::deque<std::string> Lignes;
   const auto& Messages = Journal.Messages();
   for (auto Un = Messages.rbegin(); Un != Messages.rend() && Lignes.size() < *Voulus; ++Un)

@@ -172,7 +172,7 @@ std::string RemèdeLectureSeule(const Options& Choisies) {
 }
 
 /// What mends a base that can't be opened.
-std::string RemèdeBase(const Options& Choisies, const LieuxMachine& Lieux) {
+std::string RemèdeOuverture(const Options& Choisies, const LieuxMachine& Lieux) {
   const std::string Nom = PourCommande(Choisies.Base);
   const std::string Créer = "tarvel --creer-base " + Nom;
   const auto Fichier = FichierDeBase(Choisies.Base);
@@ -210,7 +210,7 @@ double ExaminerBase(const Options& Choisies, const LieuxMachine& Lieux, std::vec
     ExaminerHorlogeServeur(*Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
   } catch (const Ombrey::ErreurExécution& Erreur) {
-    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(), RemèdeBase(Choisies, Lieux)});
+    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(), RemèdeOuverture(Choisies, Lieux)});
     return 0;
   }
 }

@@ -24,7 +24,7 @@ using Ombrey::ErreurExécution;
 
 constexpr std::string_view MarqueUtf8 = "\xEF\xBB\xBF";
 
-constexpr const char* SqlChargements =
+constexpr const char* SqlRelatés =
     "SELECT C.CodeSite, C.NoChargement, C.DateCh, C.DateSortie, C.Métayage, Métayage.Propriétaire"
     ", Propriétaire.Nom & ' ' & Propriétaire.Prénom, Métayage.Récoltant, Récoltant.Nom & ' ' & Récoltant.Prénom"
     ", Métayage.IdGrp, Groupement.Nom, C.Sélection, Sélection.Désignation, C.Cépage, C.Qualité, Qualité.Désignation"
@@ -37,7 +37,7 @@ constexpr const char* SqlChargements =
     " LEFT JOIN Sélection ON Sélection.IdSélection = C.Sélection";
 
 void Ajouter(std::vector<ChargementRelaté>& Tous, Ombrey::IDatabase& Base, const Période& Jours, const char* Table) {
-  std::string Sql = SqlChargements;
+  std::string Sql = SqlRelatés;
   Sql.replace(Sql.find('#'), 1, Table);
   if (Jours.Du) Sql += " WHERE C.DateCh >= " + std::to_string(*Jours.Du);
   if (Jours.Au) Sql += (Jours.Du ? " AND" : " WHERE") + std::string(" C.DateCh < ") + std::to_string(*Jours.Au + 1);

@@ -29,6 +29,8 @@ VueSuiviConsole& Suivi(const FenêtresConsole& Fenêtres) {
 
 }  // namespace
 
+std::string CommandeMalÉcrite(const std::string& Usage) { return "la commande s'écrit « " + Usage + " »."; }
+
 CommandesConsole::CommandesConsole(FenêtresConsole& Fenêtres) : Fenêtres_(Fenêtres) {
   AjouterSuivi();
   AjouterTransfert();
@@ -64,7 +66,7 @@ const CommandeConsole* CommandesConsole::Trouver(const std::string& Mot) const {
 
 std::string CommandesConsole::Refus(const CommandeConsole& Commande, const std::string& Argument) const {
   if (!Commande.Argument.starts_with('[') && Argument.empty() != Commande.Argument.empty())
-    return "la commande s'écrit « " + Usage(Commande) + " ».";
+    return CommandeMalÉcrite(Usage(Commande));
   if (Commande.Quand == QuandPermise::Toujours || Commande.Quand == QuandPermise::EntreDeux) return "";
   if (Fenêtres_.BoîteOuverte()) return "répondez d'abord à la boîte ouverte.";
   if (Commande.Quand == QuandPermise::HorsBoîte) return "";

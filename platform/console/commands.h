@@ -30,6 +30,9 @@ struct CommandeConsole {
   std::function<void(const std::string& Argument)> Faire;
 };
 
+/// What the operator is told whose command doesn't fit its usage.
+[[nodiscard]] std::string CommandeMalÉcrite(const std::string& Usage);
+
 /// Reads the operator's lines. Knows the commands on boxes, windows and lists; the station adds its own.
 class CommandesConsole {
  public:

@@ -62,11 +62,10 @@ RéglagesLiaison VérifierRéglages(const std::string& NomPort, const RéglagesD
   if (std::find(std::begin(Vitesses), std::end(Vitesses), Réglages.Bauds) == std::end(Vitesses)) {
     std::string Liste;
     for (const int Vitesse : Vitesses) Liste += (Liste.empty() ? "" : ", ") + std::to_string(Vitesse);
-    Refuser(NomPort, "la vitesse", std::to_string(Demandés.Bauds), "vitesses : " + Liste);
+    Refuser(NomPort, MotVitesse, std::to_string(Demandés.Bauds), "vitesses : " + Liste);
   }
   Réglages.Bits = Demandés.Bits;
-  if (Réglages.Bits < 5 || Réglages.Bits > 8)
-    Refuser(NomPort, "la taille des mots", std::to_string(Demandés.Bits), "5 à 8 bits");
+  if (Réglages.Bits < 5 || Réglages.Bits > 8) Refuser(NomPort, MotTaille, std::to_string(Demandés.Bits), "5 à 8 bits");
   const std::string Nom = MinusculesAscii(Demandés.Parité);
   const auto* Trouvée =
       std::find_if(std::begin(Parités), std::end(Parités), [&](const NomParité& P) { return P.Texte == Nom; });
@@ -75,7 +74,7 @@ RéglagesLiaison VérifierRéglages(const std::string& NomPort, const RéglagesD
   Réglages.LaParité = Trouvée->Valeur;
   Réglages.BitsStop = Demandés.BitsStop;
   if (Réglages.BitsStop < 1 || Réglages.BitsStop > 2)
-    Refuser(NomPort, "le nombre de bits de stop", std::to_string(Demandés.BitsStop), "1 ou 2");
+    Refuser(NomPort, MotBitsStop, std::to_string(Demandés.BitsStop), "1 ou 2");
   return Réglages;
 }
 

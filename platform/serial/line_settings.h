@@ -24,6 +24,11 @@ struct RéglagesLiaison {
   [[nodiscard]] std::chrono::nanoseconds TempsCaractère() const;
 };
 
+/// The settings' names in what a refusal says.
+inline constexpr const char* MotVitesse = "la vitesse";
+inline constexpr const char* MotTaille = "la taille des mots";
+inline constexpr const char* MotBitsStop = "le nombre de bits de stop";
+
 /// The settings as the port was given them.
 struct RéglagesDemandés {
   std::int16_t Bauds = 0;

@@ -62,10 +62,10 @@ std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, con
 RéglagesLiaison Vérifiés(const RéglagesPort& Réglages) {
   const std::string& Nom = Réglages.Port;
   RéglagesDemandés Demandés;
-  Demandés.Bauds = LireNombre(Nom, "la vitesse", Réglages.Bauds);
-  Demandés.Bits = LireNombre(Nom, "la taille des mots", Réglages.TailleMots);
+  Demandés.Bauds = LireNombre(Nom, MotVitesse, Réglages.Bauds);
+  Demandés.Bits = LireNombre(Nom, MotTaille, Réglages.TailleMots);
   Demandés.Parité = Réglages.Parité;
-  Demandés.BitsStop = LireNombre(Nom, "le nombre de bits de stop", Réglages.BitsStop);
+  Demandés.BitsStop = LireNombre(Nom, MotBitsStop, Réglages.BitsStop);
   return VérifierRéglages(Nom, Demandés);
 }
 
