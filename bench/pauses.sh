@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # How long the main window takes to open on a long day, and the longest pauses of the windows' loop in each view: 2,000 loads of the day, some hundreds of lines in the
-# other lists, loads coming in all the while. A pause lasts from the end of one wait for events to the begin of the next.
-# bench/pauses.sh [FOLDER WITH THE PROGRAMS]; a minute and a half. Exit code 0 when nothing is too long, 77 when not run for
+# other lists, loads coming in all the while; diagnosis, CSV, slip and copy from the menu as well. A pause lasts from the end of one wait for events to the begin of the next.
+# bench/pauses.sh [FOLDER WITH THE PROGRAMS]; two minutes. Exit code 0 when nothing is too long, 77 when not run for
 # want of a tool. Needs Xvfb, xdotool and strace, which itself adds some microseconds to each wait.
 . "$(dirname "$(readlink -f "$0")")/setup.sh"
 loads=2000
@@ -57,6 +57,42 @@ for view in j:La_journée r:Refusés c:Archive l:Ligne n:Stations u:Journal i:À
   sleep $each
 done
 keys '^Tarvel' alt+j
+# Picks an entry of the menu Station, and has the dialog that comes write a file; two windows then bear its title: it and
+# the choice of the file, or the word about its end.
+are() { [ "$(window "$1" | wc -l)" -eq "$2" ]; }
+opens() {
+  keys '^Tarvel' alt+s
+  xdotool key "$1"
+  for _ in 1 2 3 4 5 6; do sleep 0.1; ! window "$2" || return 0; done
+  xdotool key Escape
+  return 1
+}
+in_front() { xdotool windowfocus --sync "$(window "$1" | tail -1)" key --clearmodifiers "${@:2}"; }
+beside() {
+  looks "$1"
+  await opens "$2" "$3"
+  sleep 1
+  in_front "$3" "$4"
+  await are "$3" 2
+  in_front "$3" ctrl+a
+  xdotool type "$5"
+  xdotool key Return
+  await test -s "$5"
+  await are "$3" 2
+  sleep 1
+  in_front "$3" Return
+  await are "$3" 1
+  in_front "$3" Escape
+  await are "$3" 0
+}
+looks Diagnostic
+await opens d '^Diagnostic$'
+sleep $each
+in_front '^Diagnostic$' Escape
+await are '^Diagnostic$' 0
+beside CSV e '^Exporter les chargements$' alt+e "$work/loads.csv"
+beside Bordereau_en_PDF b '^Bordereau de la journée$' alt+p "$work/slip.pdf"
+beside Copie_de_la_base s '^Sauvegarder la base$' alt+c "$work/copy.db"
 list='^Liste des chargements$'
 looks Liste_des_chargements
 keys '^Tarvel' F5
@@ -94,5 +130,5 @@ awk -v main="$main" '
 sort -k1,1 -k2,2gr "$work/pauses" | awk -v limit=$max_pause '
   $1 != view { if (view) print line; view = $1; line = sprintf("%-22s longest pauses, ms:", view); told = 0; views++ }
   told++ < 4 { line = line sprintf(" %5.1f", $2); missed += $2 > limit }
-  END { print line; exit missed > 0 || views < 10 }'
+  END { print line; exit missed > 0 || views < 14 }'
 [ $starts -eq 0 ]

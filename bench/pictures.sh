@@ -79,6 +79,7 @@ dialog alt+s d '^Diagnostic$' diagnostic
 dialog alt+s b '^Bordereau de la journée$' slip-dialog
 dialog alt+s t "^Ticket d'un chargement$" ticket-dialog
 dialog alt+s e '^Exporter les chargements$' export
+dialog alt+s s '^Sauvegarder la base$' backup
 dialog alt+a g "^Guide de l'opérateur$" guide
 dialog alt+a p '^À propos$' about
 dialog alt+s c '^Port du RG80$' port

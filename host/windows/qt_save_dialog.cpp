@@ -5,6 +5,7 @@
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QPointer>
+#include <QTimer>
 #include <utility>
 
 #include "base/files.h"
@@ -42,7 +43,7 @@ void ChoisirFichier(QWidget* Parent, const FichierDemandé& Quoi,
                        Quoi.Suffixe);
   QObject::connect(Dialogue, &QFileDialog::fileSelected, Dialogue,
                    [Prendre = std::move(Prendre)](const QString& Choisi) { Prendre(Chemin(Choisi.toStdString())); });
-  Dialogue->show();
+  QTimer::singleShot(0, Dialogue, &QWidget::show);  // a turn of the loop for making it, another for showing it
 }
 
 void EnregistrerSous(QWidget* Parent, const ContexteQt& Contexte, const FichierDemandé& Quoi,
