@@ -56,7 +56,7 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
   }
   Tapé = Ombrey::SansBlancs(Tapé);
   if (Mots.back().empty() || Tapé.empty() == Lequel.VeutFichier)
-    throw Ombrey::ErreurExécution(std::string("la commande s'écrit « ") + Lequel.Nom + " " + Lequel.Argument + " ».");
+    throw Ombrey::ErreurExécution(Ombrey::CommandeMalÉcrite(std::string(Lequel.Nom) + " " + Lequel.Argument));
   if (Lequel.VeutFichier) Mots.push_back(Tapé);
   for (std::size_t Rang = 0; Rang < Jours.size(); ++Rang)
     Mots.insert(Mots.end(), {Rang == 0 ? "--du" : "--au", Jours[Rang]});
