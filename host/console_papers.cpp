@@ -68,20 +68,20 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
 void PapiersConsole::Offrir(Ombrey::CommandesConsole& Commandes) {
   for (const Papier& Un : Papiers)
     Commandes.Ajouter({Un.Nom, Un.Argument, Un.Aide, QuandPermise::EntreDeux, [this, &Un](const std::string& Tapé) {
-                         const auto [Dire, Finir] = Paroles(Un.Nom);
-                         Travaux_.Confier(MotsPour(Un, Tapé), Dire, Finir);
+                         const auto [Dire, Achever] = Paroles(Un.Nom);
+                         Travaux_.Confier(MotsPour(Un, Tapé), Dire, Achever);
                        }});
   Commandes.Ajouter({"diagnostic", "", "examine réglages, port, base et dossier", QuandPermise::EntreDeux,
                      [this](const std::string&) {
-                       const auto [Dire, Finir] = Paroles("diagnostic");
-                       Travaux_.Diagnostiquer(Dire, Finir);
+                       const auto [Dire, Achever] = Paroles("diagnostic");
+                       Travaux_.Diagnostiquer(Dire, Achever);
                      }});
   Commandes.Ajouter({"abandonner", "", "arrête ces travaux", QuandPermise::Toujours, [this](const std::string&) {
                        if (!Travaux_.Abandonner()) throw Ombrey::ErreurExécution("il n'y a rien à abandonner.");
                      }});
 }
 
-std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Finir> PapiersConsole::Paroles(const std::string& Nom) {
+std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Achèvement> PapiersConsole::Paroles(const std::string& Nom) {
   const auto EstDit = std::make_shared<bool>(false);
   return {[=, this](const std::string& Ligne) {
             *EstDit = true;

@@ -22,7 +22,7 @@ class PapiersConsole {
 
  private:
   /// What a work of this name says, and its end where it has said nothing.
-  std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Finir> Paroles(const std::string& Nom);
+  std::pair<TravauxÀCôté::Dire, TravauxÀCôté::Achèvement> Paroles(const std::string& Nom);
 
   Ombrey::SortieConsole& Sortie_;
   TravauxÀCôté Travaux_;

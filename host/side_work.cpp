@@ -2,6 +2,7 @@
 #include "host/side_work.h"
 
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
 #include "base/failures.h"
@@ -20,15 +21,14 @@ TravauxÀCôté::~TravauxÀCôté() {
   for (Fils_.reset(); !File_.empty(); Fils_.reset()) Lancer();
 }
 
-std::size_t TravauxÀCôté::Confier(std::vector<std::string> Mots, Dire Quoi, Finir Fin) {
+std::size_t TravauxÀCôté::Confier(std::vector<std::string> Mots, Dire Quoi, Achèvement Fin) {
   if (!Options_.Base.empty()) Mots.insert(Mots.begin(), {"--base", Options_.Base});
   File_.push_back({++Dernier_, std::move(Mots), std::move(Quoi), std::move(Fin)});
-  const std::size_t Sien = Dernier_;
-  Lancer();
-  return Sien;
+  Départ_ = Boucle_.Après(std::chrono::milliseconds(0), [this] { Lancer(); });
+  return Dernier_;
 }
 
-std::size_t TravauxÀCôté::Diagnostiquer(Dire Quoi, Finir Fin) {
+std::size_t TravauxÀCôté::Diagnostiquer(Dire Quoi, Achèvement Fin) {
   std::vector<std::string> Mots{"--diagnostic"};
   for (const auto& [Nom, Valeur] : {std::pair("--ini", Ombrey::TexteChemin(Options_.Ini)),
                                     {"--dossier", Ombrey::TexteChemin(Options_.Dossier)},
@@ -42,15 +42,15 @@ void TravauxÀCôté::Abandonner(std::size_t Lequel) {
   if (Fils_ && EnCours_.Numéro == Lequel) return Fils_->Arrêter();
   const auto Sien = std::ranges::find(File_, Lequel, &Travail::Numéro);
   if (Sien == File_.end()) return;
-  const Finir Fin = std::move(Sien->Fin);
+  const Achèvement Fin = std::move(Sien->Fin);
   File_.erase(Sien);
   Fin(false);
 }
 
 bool TravauxÀCôté::Abandonner() {
-  if (!Fils_) return false;
+  if (!Fils_ && File_.empty()) return false;
   while (!File_.empty()) Abandonner(File_.back().Numéro);
-  Fils_->Arrêter();
+  if (Fils_) Fils_->Arrêter();
   return true;
 }
 
@@ -76,7 +76,7 @@ void TravauxÀCôté::Lancer() {
 }
 
 void TravauxÀCôté::Achever(bool EstRéussi) {
-  const Finir Fin = std::move(EnCours_.Fin);
+  const Achèvement Fin = std::move(EnCours_.Fin);
   Lancer();
   Fin(EstRéussi);
 }

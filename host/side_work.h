@@ -19,7 +19,7 @@ namespace Tarvel {
 class TravauxÀCôté {
  public:
   using Dire = std::function<void(const std::string& Ligne)>;
-  using Finir = std::function<void(bool EstRéussi)>;
+  using Achèvement = std::function<void(bool EstRéussi)>;
 
   /// Loop and options outlive the object. Programme: who does the work.
   TravauxÀCôté(Ombrey::IBoucle& Boucle, const Options& Choisies, std::string Programme = "/proc/self/exe")
@@ -31,9 +31,9 @@ class TravauxÀCôté {
 
   /// Mots: the task's option and all that goes with it but the base. Quoi gets each line that is said, Fin is told how
   /// it ended, once, unless this object ends first. The result names the work.
-  std::size_t Confier(std::vector<std::string> Mots, Dire Quoi, Finir Fin);
+  std::size_t Confier(std::vector<std::string> Mots, Dire Quoi, Achèvement Fin);
   /// The diagnosis of this very station.
-  std::size_t Diagnostiquer(Dire Quoi, Finir Fin);
+  std::size_t Diagnostiquer(Dire Quoi, Achèvement Fin);
   /// Asks a work to end, and drops one that hasn't begun. One that has ended is no matter.
   void Abandonner(std::size_t Lequel);
   /// All of them; false when there are none.
@@ -44,7 +44,7 @@ class TravauxÀCôté {
     std::size_t Numéro = 0;
     std::vector<std::string> Mots;
     Dire Quoi;
-    Finir Fin;
+    Achèvement Fin;
   };
   void Lancer();
   void Achever(bool EstRéussi);
@@ -56,6 +56,7 @@ class TravauxÀCôté {
   std::deque<Travail> File_;
   Travail EnCours_;  ///< while Fils_ runs
   std::unique_ptr<Ombrey::ProgrammeFils> Fils_;
+  Ombrey::IBoucle::Jeton Départ_;  ///< a work begins in the loop's next turn: whoever asked has its number by then
 };
 
 }  // namespace Tarvel

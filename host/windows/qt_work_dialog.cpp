@@ -3,7 +3,6 @@
 
 #include <QPointer>
 #include <QVBoxLayout>
-#include <memory>
 #include <utility>
 
 #include "base/failures.h"
@@ -66,18 +65,11 @@ void DialogueTravail::Mener(const std::vector<std::string>& Mots) {
   if (EnCours_) return;
   Dit_.clear();
   État_->setText(QStringLiteral("En cours ; la station continue."));
-  // What can't be started has ended when its number is known.
-  const auto Fini = std::make_shared<std::optional<bool>>();
-  EnCours_ = 0;
-  const QPointer Tenu(this);
   Occuper(true);
+  const QPointer Tenu(this);
   EnCours_ = LeSien_.Travaux.Confier(
       Mots, [Tenu](const std::string& Ligne) { Tenu ? Tenu->Entendre(Ligne) : void(); },
-      [Tenu, Fini](bool EstRéussi) {
-        *Fini = EstRéussi;
-        if (Tenu && Tenu->EnCours_ != 0U) Tenu->Achever(EstRéussi);
-      });
-  if (*Fini) Achever(**Fini);
+      [Tenu](bool EstRéussi) { Tenu ? Tenu->Achever(EstRéussi) : void(); });
 }
 
 void DialogueTravail::Entendre(const std::string& Ligne) {

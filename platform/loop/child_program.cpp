@@ -17,13 +17,13 @@
 namespace Ombrey {
 
 ProgrammeFils::ProgrammeFils(IBoucle& Boucle, std::vector<std::string> Mots,
-                             std::function<void(const std::string&)> Dire, std::function<void(bool)> Finir)
-    : Dire_(std::move(Dire)), Finir_(std::move(Finir)) {
+                             std::function<void(const std::string&)> Dire, std::function<void(bool)> Achever)
+    : Dire_(std::move(Dire)), Achever_(std::move(Achever)) {
   Lancer(Mots);
   Veille_ = Boucle.Surveiller(Lecture_.Numéro(), IBoucle::Sens::Lecture, [this] {
     if (Recevoir()) return;
     Veille_.reset();
-    const auto Fin = std::move(Finir_);
+    const auto Fin = std::move(Achever_);
     Fin(EstRéussi_);
   });
 }

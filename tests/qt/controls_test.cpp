@@ -29,7 +29,12 @@ std::string Tour(const QWidget& Fenêtre) {
 struct Commandes : BureauAvecBase {
   Commandes() {
     LesVraies.RépondreSeul();
-    LesVraies.Observer({{}, [&](const std::string& Titre, const std::string&) { return Trace += Titre, ""; }, {}});
+    LesVraies.Observer({{},
+                        [&](const std::string& Titre, const std::string&) {
+                          Trace += Titre;
+                          return "";
+                        },
+                        {}});
     État.DernierNoChargement = "7";
     Services.SurInterrogation = [&] { Trace += "interroge"; };
     Services.SurCumuls = [&] { Trace += "cumule"; };

@@ -51,8 +51,10 @@ await "all ten loads" arrived 10
 numbers=$(sql 'SELECT group_concat(NoChargement) FROM (SELECT NoChargement FROM Chargement ORDER BY NoChargement)')
 [ "$numbers" = 1,2,3,4,5,6,7,8,9,10 ] || fail "in the base stand the loads $numbers"
 [ "$(sql 'SELECT count(*) FROM ChargementArchive')" -eq 0 ] || fail "a load took another's number"
-# Which load was refused, and that the base was locked, stand in the list of refused loads and in the window's lines. A port
-# that goes in the midst of a request is told as lost as well.
+# A port that goes in the midst of a request is told as lost as well.
+told=$(wc -l <"$work/station/à-lire.txt")
+{ [ "$told" -ge 3 ] && [ "$told" -le 4 ]; } || fail "the night is told in $told rows"
+# Which load was refused, and that the base was locked, stand in the list of refused loads and in the window's lines.
 cut -f 4- "$work/station/à-lire.txt" | tr '\037' ' ' | sed 's/ a été perdu\.$/ est absent de cette machine./' | sort -u |
   diff <(printf '%s\t%s\n' 'Erreur du port' "Le port $work/rg80 est absent de cette machine." \
     'RG80 Ombrey' "Erreur d'importation des données issues du RG80." \
