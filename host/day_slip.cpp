@@ -156,15 +156,24 @@ std::string TexteTicket(const ChargementRelaté& Un, const std::string& Coopéra
 std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const ChargementVoulu& Lequel) {
   const auto Chargements = LireChargements(Base, {Jour, Jour});
   if (Lequel.Numéro.empty()) return TexteBordereau(Chargements, NomCoopérative(Base), Jour);
-  const auto Sien = std::find_if(Chargements.rbegin(), Chargements.rend(), [&](const ChargementRelaté& Un) {
+  const auto EstVoulu = [&](const ChargementRelaté& Un) {
     return Un.Numéro == Lequel.Numéro && (Lequel.Site.empty() || Un.Site == Lequel.Site) &&
            (Lequel.Heure.empty() || TexteMoment(Un.Arrivée).substr(11) == Lequel.Heure);
-  });
-  if (Sien == Chargements.rend())
+  };
+  const std::string Coopérative = NomCoopérative(Base);
+  std::string Tickets;
+  for (const ChargementRelaté& Un : Chargements) {
+    if (!EstVoulu(Un)) continue;
+    // Two of one minute only the operator can tell apart.
+    if (Lequel.Heure.empty()) Tickets.clear();
+    if (!Tickets.empty()) Tickets += "<p style=\"page-break-before: always\"></p>";
+    Tickets += TexteTicket(Un, Coopérative);
+  }
+  if (Tickets.empty())
     throw Ombrey::ErreurExécution("Aucun chargement n° " + Lequel.Numéro +
                                   (Lequel.Site.empty() ? "" : " du site " + Lequel.Site) +
                                   (Lequel.Heure.empty() ? "" : " de " + Lequel.Heure) + " le " + TexteJour(Jour) + ".");
-  return TexteTicket(*Sien, NomCoopérative(Base));
+  return Tickets;
 }
 
 }  // namespace Tarvel

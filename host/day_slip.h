@@ -25,8 +25,8 @@ struct ChargementVoulu {
   std::string Heure{};  ///< of its arrival, HH:MM
 };
 
-/// The day's slip, or (where a number is given) the ticket of its latest load of this kind. Raises ErreurExécution when
-/// there is none.
+/// The day's slip, or (where a number is given) the ticket of its latest load of this kind; where a time is given as
+/// well, those of all that came in this minute, a page for each. Raises ErreurExécution when there is none.
 [[nodiscard]] std::string TextePapier(Ombrey::IDatabase& Base, int Jour, const ChargementVoulu& Lequel);
 
 }  // namespace Tarvel

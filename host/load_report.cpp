@@ -131,7 +131,7 @@ std::string TexteCsv(const std::vector<ChargementRelaté>& Chargements) {
   return Texte;
 }
 
-std::string ExporterCsv(Ombrey::IDatabase& Base, const Période& Jours, const std::filesystem::path& Fichier) {
+std::string ExporterCsv(const std::vector<ChargementRelaté>& Chargements, const std::filesystem::path& Fichier) {
   const std::string Vide = TexteCsv({});
   std::string Début(Vide.size(), '\0');
   std::ifstream Ancien(Fichier, std::ios::binary);
@@ -140,7 +140,6 @@ std::string ExporterCsv(Ombrey::IDatabase& Base, const Période& Jours, const st
   if (std::filesystem::exists(Fichier, Erreur) && Début != Vide)
     throw ErreurExécution("Le fichier " + Ombrey::TexteChemin(Fichier) +
                           " existe déjà et n'est pas un export de chargements : il reste tel quel.");
-  const auto Chargements = LireChargements(Base, Jours);
   Ombrey::RemplacerFichier(Fichier, TexteCsv(Chargements));
   return std::to_string(Chargements.size()) + " chargements exportés dans " + Ombrey::TexteChemin(Fichier);
 }

@@ -52,9 +52,9 @@ struct Période {
 /// doubled. What a spreadsheet would take for a formula isn't one any more.
 [[nodiscard]] std::string TexteCsv(const std::vector<ChargementRelaté>& Chargements);
 
-/// Writes the loads of the period; a former export is replaced, any other file stays. The result says in French what
+/// Writes the loads; a former export is replaced, any other file stays. The result says in French what
 /// was done. Raises ErreurExécution.
-std::string ExporterCsv(Ombrey::IDatabase& Base, const Période& Jours, const std::filesystem::path& Fichier);
+std::string ExporterCsv(const std::vector<ChargementRelaté>& Chargements, const std::filesystem::path& Fichier);
 
 /// A day of the calendar as "jj/mm/aaaa" or "aaaa-mm-jj"; none when it is no such day.
 [[nodiscard]] std::optional<int> LireJour(const std::string& Texte);

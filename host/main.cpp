@@ -162,7 +162,9 @@ void Exporter(const Tarvel::Options& Choisies) {
   const auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base);
   const Ombrey::SansHâte Patiente(*Connexion);
   Ombrey::BaseLue Base(Connexion);
-  std::puts(Tarvel::ExporterCsv(Base, Choisies.Jours, Choisies.Copie).c_str());
+  const auto Chargements = Tarvel::LireChargements(Base, Choisies.Jours);
+  const Tarvel::LongTravail Travail("export");  // too short to be given up: the file is whole, or there is none
+  std::puts(Tarvel::ExporterCsv(Chargements, Choisies.Copie).c_str());
 }
 
 /// The slip of a day, or a load's ticket.

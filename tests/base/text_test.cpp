@@ -12,7 +12,6 @@
 #include "base/text_helpers.h"
 
 namespace Ombrey {
-namespace {
 
 TEST(AnsiText, AccentsAndSignsTakeOneByte) {
   // clang-format off
@@ -89,5 +88,4 @@ TEST(TextHelpers, ZerosAtTheEnds) {
   }
 }
 
-}  // namespace
 }  // namespace Ombrey

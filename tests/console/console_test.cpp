@@ -1,8 +1,5 @@
 // The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
 #include <fcntl.h>
-#include <gtest/gtest.h>
-
-#include <csignal>
 
 #include "host/console_station.h"
 #include "host/station.h"
@@ -219,7 +216,7 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
   const std::tuple<std::string, Arguments, std::string> Cas[] = {
       // clang-format off
       {"", {}, "il manque --ini"},
-      {"", {"--base", "b"}, "il manque --ini"},
+      {"", {"--base", "b"}, "il manque --ini"}, {"", {"--help", "traînard"}, "  "}, {"", {"--version"}, "  "},
       {"", {"--ini", Ini}, "il manque --base, ou la clé Base dans la section [Tarvel] de " + Ini},
       {"", {"--ini", "i", "--base"}, "--base veut une valeur : B"},
       {"", {"--base", "", "--ini", "i"}, "--base veut une valeur : B"},
@@ -250,15 +247,6 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
     std::ofstream(Ini) << Réglages;
     EXPECT_EQ(Lues(Donnés), Attendu);
   }
-}
-
-TEST(Options, TellWhatIsToBeDone) {
-  const Tarvel::Options Voulues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
-  EXPECT_TRUE(Voulues.SansOpérateur);
-  EXPECT_FALSE(Voulues.Console);
-  EXPECT_EQ(Voulues.Durée, 9s);
-  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--help", "traînard"}).QueFaire, Tarvel::Tâche::Aide);
-  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--version"}).QueFaire, Tarvel::Tâche::Version);
 }
 
 std::string Réglages(const std::string& Port) {

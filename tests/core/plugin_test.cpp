@@ -3,13 +3,11 @@
 
 #include <gtest/gtest.h>
 
-#include "contracts/line_protocol.h"
 #include "link/daily_error_file.h"
 #include "tests/support/fake_platform.h"
 #include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 struct Vie : testing::Test, Monde {
   Vie() {
@@ -251,5 +249,4 @@ TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {
   EXPECT_FALSE(Fenêtres.Sablier);
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

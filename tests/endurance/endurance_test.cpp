@@ -3,6 +3,7 @@
 #include <deque>
 #include <sstream>
 
+#include "platform/system/machine_system.h"
 #include "tests/endurance/adapter.h"
 #include "tests/endurance/offered_loads.h"
 #include "tests/road/post.h"
@@ -21,12 +22,7 @@ std::size_t Réglage(const char* Nom, std::size_t Ordinaire) {
   return Texte ? std::stoul(Texte) : Ordinaire;
 }
 
-std::string JourCourt() {
-  const std::time_t Maintenant = std::time(nullptr);
-  std::tm Local{};
-  char Texte[8] = "";
-  return {Texte, std::strftime(Texte, sizeof Texte, "%d%m%y", localtime_r(&Maintenant, &Local))};
-}
+std::string JourCourt() { return TexteFormaté(HeureLocale(), "jjmmaaaa").erase(4, 2); }
 
 /// A terminal with its queue, a station in a folder of its own, and what befalls them.
 class Voie {

@@ -10,7 +10,6 @@
 #include "tests/fuzz/sample.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 const Octets DemandeChargement{std::string{ENQ, 'A'}};
 const Octets DemandeChiffres{std::string{ENQ, '8'}};
@@ -213,8 +212,6 @@ struct Banc : Salles, ITraitementChargement {
   int Acquittés = 0;
   std::set<std::string> Refusés;
 };
-
-}  // namespace
 
 void Essayer(Entrée E) { Banc(E).JouerTout(); }
 

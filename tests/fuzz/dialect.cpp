@@ -9,7 +9,6 @@
 #include "tests/fuzz/input.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 /// Literals and bracketed names, sorted: tables may change places. The empty literal is the translator's own word. None
 /// at all when one of them stays open, as the engine then refuses the whole.
@@ -35,8 +34,6 @@ std::string SansBlancs(std::string Sql) {
   std::erase_if(Sql, [](char C) { return C == ' ' || C == '\t' || C == '\r' || C == '\n'; });
   return Sql;
 }
-
-}  // namespace
 
 void Essayer(Entrée E) {
   const std::string Traduit = TraduireEnSqlite(E.Reste);

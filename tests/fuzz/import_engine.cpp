@@ -13,7 +13,6 @@
 #include "tests/fuzz/sample.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 void ComparerLigne(const std::string& Ligne, const Tarvel::ChargementImporté& Importé) {
   const auto Textes = ListeChamps(";").Décomposer(Ligne);
@@ -61,8 +60,6 @@ void Importer(const std::string& Fichier, const std::string& Contenu, bool EstLa
   Exiger(Encore.size() == 1 && Encore[0].IdChargement == Importés[0].IdChargement, "a load that comes twice is known");
   Exiger(!Encore[0].EstNouveau && Compte() == "1/0", "and there once");
 }
-
-}  // namespace
 
 void Essayer(Entrée E) {
   static const std::string Habituel = std::get<std::string>(Coopérative()->Lire("SELECT LongChps FROM MSysEtats"));

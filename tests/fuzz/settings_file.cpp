@@ -9,7 +9,6 @@
 #include "tests/fuzz/input.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 /// Names that a file might hold, found without the product's reader.
 std::vector<std::pair<std::string, std::string>> Noms(const std::string& Bruts) {
@@ -55,8 +54,6 @@ void EcrireUnRéglage(std::string& Bruts, const std::string& Section, const std:
   Exiger(Relu.Bruts() == Texte.Bruts(), "writing it again changes nothing");
   Bruts = Texte.Bruts();
 }
-
-}  // namespace
 
 void Essayer(Entrée E) {
   std::string Bruts = E.Jusque('\f');

@@ -1,13 +1,11 @@
 // Every query of the plug-in, run by the room that has it, on a base with odd values and on an empty one.
 #include "base/text_helpers.h"
-#include "common/context.h"
 #include "host/day_view.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
 #include "monitor/load_list.h"
 #include "quotas/reply.h"
 #include "tests/host/cooperative_fixture.h"
-#include "tests/support/fake_host.h"
 #include "transfer/data_sets.h"
 
 namespace Tarvel {

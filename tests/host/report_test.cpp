@@ -3,7 +3,6 @@
 #include "host/day_slip.h"
 #include "host/load_report.h"
 #include "host/station_register.h"
-#include "platform/database/recordsets.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/machine_system.h"
 #include "tests/host/cooperative_fixture.h"
@@ -55,18 +54,23 @@ TEST_P(Rapport, ATicketAndTheStationsTellTheLatestLoad) {
   const std::string Ici = Ombrey::NomMachine(), Jourdhui = TexteJour(Ombrey::NuméroDeJour(Ombrey::HeureLocale()));
   Stations.erase(Stations.begin());
   EXPECT_EQ(Stations, (Rangées{{"1", Ici, "n° 14, 22/09/2026 18:05", Jourdhui}, {"2", Ici, "", Jourdhui}}));
+  // Another one of the same number and minute.
+  EXPECT_EQ(Importer(Ligne("13", "22/09/26 00:00", "15", "20", "1300")), "");
+  for (const auto& [Heure, Masse, Y] :
+       {std::tuple("", "1234", false), {"", "1300", true}, {"00:00", "1234", true}, {"00:00", "1300", true}})
+    EXPECT_EQ(TextePapier(Base, Jour, {"13", "1", Heure}).find(std::string(Masse) + " kg") != std::string::npos, Y)
+        << Heure << Masse;
 }
 SUR_CHAQUE_MOTEUR(Rapport);
 
 TEST(Export, ReplacesAFormerOneAndNothingElse) {
   const Ombrey::Essais::DossierEssai Dossier;
-  CréerBase(Dossier.Chemin() / "cave.db", true);
-  Ombrey::BaseLue Base(OuvrirMoteur(Dossier.Chemin() / "cave.db"));
+  std::ofstream(Dossier.Chemin() / "cave.db") << "une base";
   const auto Fichier = Dossier.Chemin() / "export.csv";
   for (int Fois = 0; Fois < 2; ++Fois)
-    EXPECT_EQ(ExporterCsv(Base, {}, Fichier), "0 chargements exportés dans " + Fichier.string());
-  EXPECT_THROW(ExporterCsv(Base, {}, Dossier.Chemin() / "cave.db"), Ombrey::ErreurExécution);
-  EXPECT_THROW(ExporterCsv(Base, {}, Dossier.Chemin() / "absent/export.csv"), Ombrey::ErreurExécution);
+    EXPECT_EQ(ExporterCsv({}, Fichier), "0 chargements exportés dans " + Fichier.string());
+  EXPECT_THROW(ExporterCsv({}, Dossier.Chemin() / "cave.db"), Ombrey::ErreurExécution);
+  EXPECT_THROW(ExporterCsv({}, Dossier.Chemin() / "absent/export.csv"), Ombrey::ErreurExécution);
   for (const char* Texte : {"32/01/2026", "2026-02-30", "1/2/26", "22/09/2026 08:30", "", "hier"})
     EXPECT_EQ(LireJour(Texte), std::nullopt) << Texte;
 }

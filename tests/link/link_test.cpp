@@ -1,11 +1,9 @@
 // The waiting primitive (codes, priorities, what stays in the buffer), and dialogues in a row (time-outs, stale
 // answers, the transmission, the link test).
-#include <algorithm>
 
 #include "tests/link/link_bench.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 using enum CodeÉchange;
 
@@ -139,5 +137,4 @@ TEST_F(Banc, PendingFailureOfACalleeIsReported) {
   EXPECT_EQ(Envoyer({""}), "Transmission de l'exportation vers le RG80 : panne");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

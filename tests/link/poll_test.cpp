@@ -5,7 +5,6 @@
 #include "tests/link/link_bench.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 struct Relevé : Banc {
   Relevé() {
@@ -129,9 +128,8 @@ TEST_F(Relevé, RequestsDuringAPollRunOnceWhenTheLineIsFreeAndTheTimerCountsFrom
     Départs.push_back(Système.Horloge - Début);
     Port->Envoyer(Ligne("!A"), milliseconds(2000));
   };
-  for (const int Quand : {0, 100, 101}) {
+  for (const int Quand : {0, 100, 101})
     Système.Après(milliseconds(Quand), [this] { UneInterrogation.Retard_FinTempo(""); });
-  }
   Système.Laisser(milliseconds(4600));
   UneInterrogation.Suspendre([this] { Système.Laisser(milliseconds(2000)); });
   Système.Laisser(milliseconds(501));
@@ -151,5 +149,4 @@ TEST_F(Relevé, DailyFileGoesWhenItHoldsOnlyBlanks) {
   }
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

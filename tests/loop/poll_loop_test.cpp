@@ -8,7 +8,6 @@
 #include "platform/loop/timer.h"
 
 namespace Ombrey {
-namespace {
 
 using namespace std::chrono_literals;
 
@@ -17,8 +16,7 @@ struct Pompe : testing::Test {
     return Boucle.Surveiller(Prêt.Numéro(), IBoucle::Sens::Lecture, std::move(Faire));
   }
   void Vider() {
-    while (Boucle.Pomper(5ms)) {
-    }
+    while (Boucle.Pomper(5ms)) continue;
   }
   Descripteur Prêt{eventfd(1, EFD_CLOEXEC)};  ///< there is always something to read
   IBoucle::Jeton Tardif;                      ///< goes after the loop
@@ -55,8 +53,7 @@ TEST_F(Pompe, BusyDescriptorsAndEndlessDelaysAllGetTheirTurn) {
 }
 
 TEST_F(Pompe, AnActionMayDropItsOwnTokenAndOthersAndPump) {
-  IBoucle::Jeton Veille;
-  IBoucle::Jeton Autre;
+  IBoucle::Jeton Veille, Autre;
   // What the closure owns must outlive the token while the action runs.
   const auto Bien = std::make_shared<std::string>("tenu");
   Veille = Surveiller([&, Mien = Bien] {
@@ -98,5 +95,4 @@ TEST_F(Pompe, ATimerComesOnceAndMayBeStartedAgainAndDroppedWithinItsOwnEvent) {
   EXPECT_EQ(Trace, "abb");
 }
 
-}  // namespace
 }  // namespace Ombrey

@@ -58,7 +58,10 @@ TEST_F(SuiviQt, IsWorkedByKeysAloneAndNothingLiesUnderItsButtons) {
     Le<QTabBar>(Fenêtre).setCurrentIndex(0);
     Vider();
     EXPECT_EQ(Messages.verticalScrollBar()->value(), 0);
-    Dès(NomPlugIn, [&](QWidget& Boîte) { Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString(), Cadre(Boîte); });
+    Dès(NomPlugIn, [&](QWidget& Boîte) {
+      Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString();
+      Cadre(Boîte);
+    });
     QTest::keyClick(&Messages, Qt::Key_Return);
     Vider();
     EXPECT_EQ(Trace, "08:30:00 : la plus récente");
@@ -129,9 +132,14 @@ TEST_F(SuiviQt, ComesBackFromOffTheScreenAndItsControlsFollowItToTinyAndBack) {
 TEST_F(SuiviQt, MayEndWithinAnyOfItsOwnEvents) {
   const auto Finir = [this] { Suivi.reset(); };
   Services.SurInterrogation = Finir;
-  Services.SurCumuls = [&] { Finir(), throw ErreurExécution("trop tard"); };
+  Services.SurCumuls = [&] {
+    Finir();
+    throw ErreurExécution("trop tard");
+  };
   const Geste Cas[] = {Clic("RG80 en attente des &quotas"),
-                       [&](QWidget& Fenêtre) { Clic("&RG80 ?")(Fenêtre), Clic("&RG80 ?")(Fenêtre), Cadre(Fenêtre); },
+                       [&](QWidget& Fenêtre) {
+                         for (const Geste& Un : {Clic("&RG80 ?"), Clic("&RG80 ?"), Geste(Cadre)}) Un(Fenêtre);
+                       },
                        [&](QWidget&) {
                          Suivi->AjouterErreur("panne");
                          Dès(NomPlugIn, [&](QWidget&) { Finir(); });

@@ -1,15 +1,10 @@
 // Qt without a screen for the tests, the plug-in's machine with real windows on it, and the operator's hand.
 #pragma once
 
-#include <gtest/gtest.h>
-
 #include <QtTest>
 #include <QtWidgets>
 
 #include "platform/qt/qt_windows.h"
-#include "tests/support/fake_host.h"
-#include "tests/support/fake_platform.h"
-#include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {
@@ -45,9 +40,10 @@ struct Bureau : testing::Test, FaussePlateforme {
       QWidget* const Devant = QApplication::activeModalWidget();
       const bool Bonne = Devant != nullptr && Devant->windowTitle().toStdString() == Titre;
       if (!Bonne && Essais > 0) return Dès(Titre, Faire, Essais - 1);
-      if (Bonne) return Vider(), Faire(*Devant);
-      ADD_FAILURE() << "no window " << Titre;
-      LesVraies.Finir();
+      if (!Bonne) ADD_FAILURE() << "no window " << Titre;
+      if (!Bonne) return LesVraies.Finir();
+      Vider();
+      Faire(*Devant);
     }));
   }
   /// What the text or the box of this title says, which is closed. Pumps meanwhile, as who waits for the terminal: a
@@ -56,8 +52,9 @@ struct Bureau : testing::Test, FaussePlateforme {
     for (int Essais = 0; Essais < 400; ++Essais, Boucle.Pomper(5ms)) {
       for (const QWidget* Une : QApplication::allWidgets()) {
         const auto* const Zone = qobject_cast<const QTextEdit*>(Une);
-        if (Zone && Zone->isVisible() && Zone->window()->windowTitle().toStdString() == Titre)
-          return Zone->window()->close(), Zone->toPlainText().toStdString();
+        if (!Zone || !Zone->isVisible() || Zone->window()->windowTitle().toStdString() != Titre) continue;
+        Zone->window()->close();
+        return Zone->toPlainText().toStdString();
       }
     }
     return "";

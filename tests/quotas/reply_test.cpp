@@ -4,7 +4,6 @@
 #include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 struct Réponse : AvecCoopérative {
   Réponse() {
@@ -64,5 +63,4 @@ TEST_F(Réponse, AFailedTransmissionIsToldUnlessThePlugInEnds) {
   EXPECT_EQ(État.Erreur.Texte(), "port");
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais

@@ -7,6 +7,7 @@
 #include "platform/serial/udev_rule.h"
 #include "platform/system/folder_lock.h"
 #include "tests/road/post.h"
+#include "tests/support/server.h"
 
 namespace Ombrey::Essais {
 
@@ -102,6 +103,24 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
     P.Faire(Acte);
     Constater(Constat);
   }
+}
+
+TEST(Diagnostic, OfAServerThatSwallowsEverythingHoldsUpNeitherTheLoadsNorTheEnd) {
+  auto* const Serveur = ServeurDEssai::Lui();
+  if (!Serveur) GTEST_SKIP() << "PostgreSQL isn't installed";
+  Poste P;
+  P.NomBase = Serveur->NouvelleBase();
+  Tarvel::CréerBase(P.NomBase, true);
+  P.LancerTerminal("--hasard 1");
+  P.LancerStation("messages");
+  EXPECT_TRUE(P.Station->Attendre("commande « menu »", 60s)) << P.Dit();
+  Serveur->GelerPorte();
+  P.Station->Taper("diagnostic\ninterroger");
+  EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
+  P.Station->Signaler(SIGTERM);
+  EXPECT_EQ(P.Station->Fin(5s), 0) << P.Dit();
+  EXPECT_EQ(P.Dit().find("diagnostic : "), std::string::npos) << "it was over: " << P.Dit();
+  Serveur->Continuer();
 }
 
 TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {

@@ -6,7 +6,6 @@
 #include "core/plugin.h"
 #include "host/cooperative_database.h"
 #include "tests/road/post.h"
-#include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 
 namespace Ombrey::Essais {
@@ -46,7 +45,10 @@ struct OneLoad : Poste, testing::Test {
     if (Texte.size() > 1) Plateforme.Port->Envoyer(Octets(std::string_view(Texte[0] == '\5' ? "\6\x38" : "\6")));
     Cumuls += Texte.size() > 2 ? 1 : 0;
   }
-  void Oublier() { Faire("$ rm -rf poste/imports-refusés"), Faire("DELETE FROM Chargement"); }
+  void Oublier() {
+    Faire("$ rm -rf poste/imports-refusés");
+    Faire("DELETE FROM Chargement");
+  }
 
   FaussePlateforme Plateforme;
   std::shared_ptr<PlugIn> LePlugIn = PlugIn::Créer(Plateforme);
@@ -87,6 +89,7 @@ TEST_F(OneLoad, EachFieldIsReworkedOrRefused) {
   const std::pair<std::string, std::vector<std::pair<std::size_t, std::string>>> Table[] = {
       // clang-format off
       {"TraiterDonnéesReçues : Incompatibilité de type : degré « 12X » du chargement n° 12 : ", {{44, "12X"}}},
+      {"TraiterDonnéesReçues : Dépassement de capacité : degré « 9e9 » du chargement n° 12 : ", {{44, "9e9"}}},
       {"NAK", {{0, "00A2"}, {0, "-012"}, {0, "1'2;"}, {40, "';"}, {42, "0;"}, {40, "\x01\x7F"}, {40, "\x02\x03"}, {47, "X"},
                {47, "';"}, {48, "12X4"}, {48, "-123"}, {48, "    "}, {52, "0;7"}}},
       {"", {{0, "0000"}, {18, "00012X"}, {18, "      "}, {18, "1' OR'"}, {18, "123;45"}, {24, "X00456"}, {24, "00001e"},

@@ -49,8 +49,8 @@ struct Poste {
 
   void LancerStation(const std::string& Tapé = "interroger", const std::string& Plus = "--sans-operateur",
                      const std::string& Par = "exec ") {
-    Station = std::make_unique<Programme>("cd " + En("") + " && " + Par + BIN_DIR +
-                                          "/tarvel --base cave.db --ini tarvel.ini --dossier poste --console " + Plus);
+    Station = std::make_unique<Programme>("cd " + En("") + " && " + Par + BIN_DIR + "/tarvel --base '" + NomBase +
+                                          "' --ini tarvel.ini --dossier poste --console " + Plus);
     Station->Taper(Tapé);
   }
   void LancerTerminal(const std::string& Plus, const std::string& Sortie = "--sortie recu ") {
@@ -67,6 +67,7 @@ struct Poste {
   [[nodiscard]] std::string Dit() const { return Station->Dit() + (Rg80 ? Rg80->Dit() : ""); }
 
   DossierEssai Dossier;  ///< outlives the programs
+  std::string NomBase = "cave.db";
   std::unique_ptr<Programme> Rg80, Station;
 };
 

@@ -36,6 +36,7 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       {"$ : > cave.db", "tarvel : ", "le fichier est vide", 1},
       {"$ yes | head -c 5000 > cave.db", "tarvel : ", "pas une base de données", 1},
       {"DROP TABLE Métayage", "tarvel : ", "Il manque : Métayage", 1},
+      {"UPDATE Schéma SET Numéro = 7", "tarvel : ", "version plus récente de tarvel (schéma n° 7, et cette version connaît le n° 6)", 1},
       // clang-format on
   };
   for (auto& C : Cas) {
@@ -115,6 +116,30 @@ TEST(Papers, ComeAsPdfWithTheirTitleOrASentenceSaysWhyNot) {
     EXPECT_NE(Contenu(P.En(Nom)).find(Large + ")"), std::string::npos) << Nom;
   }
   P.Faire("$ ! ls u.pdf* absent 2>/dev/null");
+}
+
+/// Given up, or killed, as soon as something stands on the disk.
+TEST(Papers, StandUnderTheirNameWholeOrNotAtAll) {
+  if (!std::filesystem::exists(BIN_DIR "/tarvel-qt.so")) GTEST_SKIP() << "built without windows";
+  Poste P;
+  P.Faire(
+      "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL"
+      " SELECT I + 1 FROM N WHERE I < 1500) SELECT '1', I, 46349.5, '4' FROM N;"
+      "CREATE TABLE Lest AS SELECT zeroblob(40000000) AS Tout");
+  const std::pair<const char*, int> Cas[] = {{"--bordereau neuf/f --du 23/11/2026", SIGINT},
+                                             {"--bordereau neuf/f --du 23/11/2026", SIGKILL},
+                                             {"--exporter-csv neuf/f", SIGINT},
+                                             {"--exporter-csv neuf/f", SIGKILL},
+                                             {"--sauvegarder neuf/f", SIGINT}};
+  for (const auto& [Quoi, Signal] : Cas) {
+    P.Faire("$ rm -rf neuf; mkdir neuf");
+    Programme Tarvel("cd " + P.En("") + " && exec " BIN_DIR "/tarvel --base cave.db " + Quoi);
+    EXPECT_TRUE(Bientôt([&] { return !std::filesystem::is_empty(P.En("neuf")); }, 60s)) << Quoi << Tarvel.Dit();
+    Tarvel.Signaler(Signal);
+    const int Code = Tarvel.Fin(60s);
+    EXPECT_EQ(std::filesystem::exists(P.En("neuf/f")), Code == 0) << Quoi << Tarvel.Dit();
+    EXPECT_TRUE(Signal == SIGKILL || std::filesystem::is_empty(P.En("neuf")) == (Code != 0)) << Quoi;
+  }
 }
 
 /// The superuser may write everything, until he gives that up.

@@ -207,9 +207,8 @@ struct FaussesFenêtres : IFenêtres {
   /// "title | text" of each box since the last call, with " ?" behind it where it asks.
   Mots Dites() {
     Mots Toutes;
-    for (const auto& B : std::exchange(Boîtes, {})) {
+    for (const auto& B : std::exchange(Boîtes, {}))
       Toutes.push_back(B.Titre + " | " + B.Texte + (B.Boutons == BoutonsBoîte::Ok ? "" : " ?"));
-    }
     return Toutes;
   }
   RéponseBoîte Boîte(Mot Texte, Mot Titre, BoutonsBoîte Boutons) override {

@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 #include <optional>
 
@@ -48,6 +45,8 @@ class ServeurDEssai {
     EXPECT_EQ(std::system(("psql -q '" + Adresse + "' -c \"" + Sql + "\"").c_str()), 0) << Sql;
   }
   void Geler() { Signaler(SIGSTOP); }
+  /// Links that there are go on; a new one is taken, and nothing said to it.
+  void GelerPorte() const { Serveur_->Signaler(SIGSTOP); }
   void Continuer() { Signaler(SIGCONT); }
   [[nodiscard]] std::string Adresse(const std::string& Base) const {
     return "postgresql://tarvel@/" + Base + "?host=" + Dossier_.Chemin().string();

@@ -11,9 +11,8 @@ namespace Rg80 {
 inline std::string Bytes(std::string Text) {
   for (const NomDeContrôle& Named : NomsDeContrôle) {
     const std::string Name = "<" + std::string(Named.Nom) + ">";
-    for (auto At = Text.find(Name); At != std::string::npos; At = Text.find(Name)) {
+    for (auto At = Text.find(Name); At != std::string::npos; At = Text.find(Name))
       Text.replace(At, Name.size(), 1, Named.Code);
-    }
   }
   return Text;
 }

@@ -11,7 +11,6 @@
 #include "tests/terminal/bytes.h"
 
 namespace Rg80 {
-namespace {
 
 using namespace std::chrono_literals;
 
@@ -157,5 +156,4 @@ TEST(Engine, ShowsEachFaultOnBothSides) {
   }
 }
 
-}  // namespace
 }  // namespace Rg80

@@ -8,7 +8,6 @@
 #include "terminal/options.h"
 
 namespace Rg80 {
-namespace {
 
 TEST(Frame, HasTheChecksumWorkedOutByHandAndIsReadable) {
   const std::pair<std::string, const char*> Rows[] = {{"abc", "2;"}, {"\xE9", ">>"}, {"}}", "??"}, {"}~", "00"}};
@@ -74,5 +73,4 @@ TEST(CommandLine, SaysWhatIsWrong) {
   EXPECT_EQ(Read.Taux, (TauxDePannes{0.1, 0, 0, 0, 0, 0, 1}));
 }
 
-}  // namespace
 }  // namespace Rg80

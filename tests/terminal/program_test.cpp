@@ -4,14 +4,10 @@
 #include <gtest/gtest.h>
 #include <sys/times.h>
 
-#include <fstream>
-
 #include "terminal/frame.h"
 #include "tests/support/test_folder.h"
 
-namespace {
-
-using namespace std::chrono_literals;
+namespace Ombrey::Essais {
 
 // Of the programs that have ended.
 std::clock_t Work() {
@@ -22,13 +18,11 @@ std::clock_t Work() {
 
 struct ProgramTest : testing::Test {
   // A command line of the shell, in the folder.
-  [[nodiscard]] Ombrey::Essais::Programme Start(const std::string& Command) const {
-    return Ombrey::Essais::Programme("cd " + In("") + "; " + Command);
-  }
-  [[nodiscard]] std::string In(const std::string& Name) const { return (Folder.Chemin() / Name).string(); }
-  [[nodiscard]] std::string Text(const std::string& Name) const { return Ombrey::Essais::Contenu(In(Name)); }
+  [[nodiscard]] Programme Start(const std::string& Command) const { return Programme("cd " + In("") + "; " + Command); }
+  [[nodiscard]] std::string In(const std::string& Name) const { return Folder.Chemin() / Name; }
+  [[nodiscard]] std::string Text(const std::string& Name) const { return Contenu(In(Name)); }
 
-  Ombrey::Essais::DossierEssai Folder;
+  DossierEssai Folder;
 };
 
 TEST_F(ProgramTest, RunsOneDialogueAtLinePaceIdlesWithoutAPeerAndEndsByItself) {
@@ -74,4 +68,4 @@ TEST_F(ProgramTest, RefusesWhatItCannotServeWithCode2) {
   EXPECT_EQ(Text("file"), "not a link");
 }
 
-}  // namespace
+}  // namespace Ombrey::Essais

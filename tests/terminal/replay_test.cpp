@@ -9,7 +9,6 @@
 #include "tests/terminal/bytes.h"
 
 namespace Rg80 {
-namespace {
 
 using namespace std::chrono_literals;
 
@@ -129,5 +128,4 @@ TEST(Replay, AnswersAtTheSameDistanceAndTellsWhereTheStationSaysOtherwise) {
   }
 }
 
-}  // namespace
 }  // namespace Rg80

@@ -5,7 +5,6 @@
 #include "transfer/transfer_window.h"
 
 namespace Ombrey::Essais {
-namespace {
 
 std::string Blancs(std::size_t Nombre) { return std::string(Nombre, ' '); }
 
@@ -19,9 +18,8 @@ TEST(RecordEncoders, NumbersAndShares) {
       {100.0, "1000000"}, {33.3333, "0330000"}, {50.25, "0500000"}, {50.5, "0500000"}, {std::string("33.5"), "0340000"},
       {std::string("12,6"), "0130000"}, {std::string("tout"), "0000000"}, {{}, "0000000"}, {1000.0, "10000000"}};
   // clang-format on
-  for (const auto& [Texte, Attendu, Longueur] : Nombres) {
+  for (const auto& [Texte, Attendu, Longueur] : Nombres)
     EXPECT_EQ(CadrerNombre(Texte, Longueur, {}), Octets(Attendu)) << Texte;
-  }
   for (const auto& [Valeur, Attendu] : Parts) EXPECT_EQ(EncoderPart(Valeur, 7, {}), Octets(Attendu)) << Attendu;
   EXPECT_THROW((void)EncoderPart(40000.0, 7, {}), ErreurExécution);
 }
@@ -116,7 +114,9 @@ TEST_F(Transfert, GroupZeroIsNoGroupAndQuotasBeyondTheSixthAreToldOnceTheFileWen
   Refusé = 2;
   Fenêtres.Réponses = {RéponseBoîte::Recommencer};
   Fenêtres.PendantBoîte = [this] { Refusé = 0; };
-  Ouvrir([](auto& Vue) { Transférer(Vue), Transférer(Vue); });
+  Ouvrir([](auto& Vue) {
+    for (int Fois = 0; Fois < 2; ++Fois) Transférer(Vue);
+  });
   const std::string Omis = "Groupement 7 : quotas non transmis : 2 (le RG80 n'en tient que 6 par groupement).";
   EXPECT_EQ(Fenêtres.Dites(), (Mots{T + "Groupements\r\nAucune réponse du RG80. ?", T + Omis}));
   EXPECT_EQ(Canal.Erreurs, Mots{Omis});
@@ -210,5 +210,4 @@ TEST_F(Transfert, EndsQuietlyInAPauseASendingAndABox) {
   EXPECT_EQ(Services.Transmis.size(), 3U);
 }
 
-}  // namespace
 }  // namespace Ombrey::Essais
