@@ -47,6 +47,10 @@ class ApplicationQt {
     // What Qt says itself, such as in the choice of a file, where the machine has its translation.
     if (Français_.load(QLocale(QLocale::French), "qtbase", "_", QLibraryInfo::path(QLibraryInfo::TranslationsPath)))
       QApplication::installTranslator(&Français_);
+    // Qt brings all the icons that are shown; a look into the desktop's themes held the loop up for 45 ms a dialog. An
+    // empty list would be the usual one again.
+    for (const auto Chercher : {&QIcon::setThemeSearchPaths, &QIcon::setFallbackSearchPaths})
+      Chercher({QStringLiteral(":/aucun")});
     std::setlocale(LC_NUMERIC, "C");  // Qt took the user's; numbers in files and queries have a point
     QApplication::setQuitOnLastWindowClosed(false);
   }
