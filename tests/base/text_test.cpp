@@ -38,12 +38,11 @@ TEST(AnsiText, EveryByteSurvivesTheWayThereAndBack) {
 }
 
 TEST(DelimitedList, ItemsAndPlaces) {
+  // clang-format off
   const std::tuple<const char*, const char*, std::vector<std::string>> Table[] = {
       {";", "a;;b;", {"a", "", "b"}},  // a closing delimiter opens no item
-      {";", "", {}},
-      {";", ";", {""}},
-      {"\r\n", "a;b\r\nc", {"a;b", "c"}},
-      {"", "a;b", {"a;b"}}};
+      {";", "", {}}, {";", ";", {""}}, {"\r\n", "a;b\r\nc", {"a;b", "c"}}, {"", "a;b", {"a;b"}}};
+  // clang-format on
   for (const auto& [Séparateur, Texte, Éléments] : Table)
     EXPECT_EQ(ListeChamps(Séparateur).Décomposer(Texte), Éléments);
   ListeChamps Liste;

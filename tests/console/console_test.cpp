@@ -152,13 +152,13 @@ TEST(Console, ShowsAndDoesWhatIsTypedInItsTurn) {
 
 TEST(QuestionsPort, AsksForThePortLineByLine) {
   const RéglagesPort Présents{"COM1:", "9600", "aucune", "1", ""};
+  // clang-format off
   const std::pair<const char*, RéglagesPort> Cas[] = {
       {"\n\n\n\n\n8\n", {"COM1:", "9600", "aucune", "1", "8"}},
       {"2\n4800\npaire\n2\n7\n", {"/dev/ttyUSB0", "4800", "paire", "2", "7"}},
       {"/dev/faux\n\n\n\n8\nnon\n3\n\n\n\n\n", {"3", "9600", "aucune", "1", "8"}},
-      {"/dev/faux\n\n\n\n8\nannuler\n", Présents},
-      {"2\n\n", Présents},
-  };
+      {"/dev/faux\n\n\n\n8\nannuler\n", Présents}, {"2\n\n", Présents}};
+  // clang-format on
   const ChoixPort Usuels{{"4800", "9600"}, {"aucune", "paire"}, {"1", "2"}, {"7", "8"}};
   const auto Ports = [] { return std::vector<PortTrouvé>{{"COM1:", "série"}, {"/dev/ttyUSB0", "adaptateur"}}; };
   for (const auto& [Tapé, Attendus] : Cas) {
@@ -215,7 +215,6 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
   const std::string Serveur = "[Tarvel]\nBase=postgresql://h/cave\nDossier=d\n";
   const std::tuple<std::string, Arguments, std::string> Cas[] = {
       // clang-format off
-      {"", {}, "il manque --ini"},
       {"", {"--base", "b"}, "il manque --ini"}, {"", {"--help", "traînard"}, "  "}, {"", {"--version"}, "  "},
       {"", {"--ini", Ini}, "il manque --base, ou la clé Base dans la section [Tarvel] de " + Ini},
       {"", {"--ini", "i", "--base"}, "--base veut une valeur : B"},

@@ -249,8 +249,7 @@ void Cave::Corriger(ConnexionSqlite& Base) {
       "Métayage = (SELECT IdMétayage FROM Métayage WHERE IdGrp IS NOT NULL ORDER BY random() LIMIT 1)"};
   Transaction Tout(Base);
   const ValeurChamp Un = Base.Lire(
-      "SELECT IdChargement FROM (SELECT IdChargement FROM Chargement ORDER BY IdChargement DESC LIMIT 2) ORDER BY "
-      "random()");
+      "SELECT IdChargement FROM (SELECT * FROM Chargement ORDER BY IdChargement DESC LIMIT 2) ORDER BY random()");
   if (EstNull(Un)) return;
   Base.Exécuter("UPDATE Chargement SET " + Colonnes[Hasard_(Colonnes.size())] + " WHERE IdChargement = ?1", {Un});
   Base.Exécuter(
@@ -270,16 +269,17 @@ void Cave::Vérifier(Décompte& Somme) {
   Somme["corrections"] += Corrections_;
   // What the office has written stays, and all the rest is as it came; nothing archived; what was created, created
   // once.
-  EXPECT_EQ(P.Valeur("SELECT group_concat(CodeSite || '/' || NoChargement) FROM Chargement AS C"
-                     " LEFT JOIN Bureau AS B USING (IdChargement) WHERE NOT (InfoChargnt3 = C.Qualité"
-                     " AND Operateur || Ramassage || InfoChargnt1 || InfoChargnt2 || InfoChargnt4 = '00000'"
-                     " AND Cépage IS (SELECT Désignation FROM Cépage WHERE Sélection = C.Sélection AND Rang = 1)"
-                     " AND NoChargement || DateCh || DateSortie || C.Sélection || C.Qualité || NoQuai || Cuve"
-                     " = ReçuNoChargement || ReçuDateCh || ReçuDateSortie || ReçuSélection || ReçuQualité || "
-                     "ReçuNoQuai || ReçuCuve"
-                     " AND C.Degré = ifnull(B.Degré, ReçuDegré) AND C.Masse = ifnull(B.Masse, ReçuMasse)"
-                     " AND C.Métayage = ifnull(B.Métayage, C.Métayage))"),
-            "");
+  EXPECT_EQ(
+      P.Valeur(
+          "SELECT group_concat(CodeSite || '/' || NoChargement) FROM Chargement AS C"
+          " LEFT JOIN Bureau AS B USING (IdChargement) WHERE NOT (InfoChargnt3 = C.Qualité"
+          " AND Operateur || Ramassage || InfoChargnt1 || InfoChargnt2 || InfoChargnt4 = '00000'"
+          " AND Cépage IS (SELECT Désignation FROM Cépage WHERE Sélection = C.Sélection AND Rang = 1)"
+          " AND NoChargement || DateCh || DateSortie || C.Sélection || C.Qualité || NoQuai || Cuve ="
+          " ReçuNoChargement || ReçuDateCh || ReçuDateSortie || ReçuSélection || ReçuQualité ||"
+          " ReçuNoQuai || ReçuCuve AND C.Degré = ifnull(B.Degré, ReçuDegré) AND C.Masse = ifnull(B.Masse, ReçuMasse)"
+          " AND C.Métayage = ifnull(B.Métayage, C.Métayage))"),
+      "");
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM ChargementArchive"), "0");
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM Métayage"), "17") << "two were unknown";
   EXPECT_EQ(P.Valeur("SELECT count(*) FROM Coopérateur"), "15") << "three were unknown";

@@ -14,9 +14,7 @@ namespace Ombrey::Essais {
 const Octets DemandeChargement{std::string{ENQ, 'A'}};
 const Octets DemandeChiffres{std::string{ENQ, '8'}};
 const std::string Oui{ACK, 'A'};
-const std::string BonneRéponse = Oui +
-                                 "\x02"
-                                 "0012190908083009150001230004560071000000050112521234007\x03<;";
+const std::string BonneRéponse = Oui + "\2" + "0012190908083009150001230004560071000000050112521234007\3<;";
 const std::string LigneImport = "1;12;19/09/08 08:30;19/09/08 09:15;4;05;Syrah;01;12,5;2;1234;7;0;0;0;0;01;0;\r\n";
 
 /// STX, 55 bytes of record, ETX, two checksum characters.

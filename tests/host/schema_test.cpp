@@ -102,17 +102,16 @@ TEST_P(Sommes, FollowTheRowsWhoeverChangesThem) {
   Vérifier("the sums made anew");
 
   const std::string Neuf =
-      "INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Masse) VALUES (1, '1', 12, 46287, '5', "
-      "77)";
+      "INTO Chargement (IdChargement, CodeSite, NoChargement, DateCh, Métayage, Masse)"
+      " VALUES (1, '1', 12, 46287, '5', 77)";
   std::vector<std::string> Changements = {
       "UPDATE Chargement SET Masse = 1.5 WHERE NoChargement = 11",
       "UPDATE Chargement SET Masse = NULL WHERE NoChargement = 12",
       "UPDATE Chargement SET Métayage = '5', Sélection = NULL WHERE NoChargement = 13",
       "UPDATE Chargement SET DateCh = 46022.99 WHERE NoChargement = 14",
       "UPDATE Chargement SET Masse = Masse + 1",
-      "INSERT INTO ChargementArchive (CodeSite, NoChargement, DateCh, Métayage, Masse) SELECT CodeSite, NoChargement, "
-      "DateCh,"
-      " Métayage, Masse FROM Chargement WHERE NoChargement = 11",
+      "INSERT INTO ChargementArchive (CodeSite, NoChargement, DateCh, Métayage, Masse)"
+      " SELECT CodeSite, NoChargement, DateCh, Métayage, Masse FROM Chargement WHERE NoChargement = 11",
       "DELETE FROM Chargement WHERE NoChargement = 11"};
   if (EstUnFichier)
     Changements.insert(Changements.end(), {"INSERT OR IGNORE " + Neuf, "INSERT OR REPLACE " + Neuf, "REPLACE " + Neuf,

@@ -23,9 +23,8 @@ struct Vues : AvecCoopérative {
         " ('3', 2, 46287 + 845 / 1440.0, '10', '05', '9', NULL, 520, -1),"
         " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1), ('3', 3, 46286, '10', '05', '9', 1, 1, -1);"
         "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3;"
-        "INSERT INTO ChargementArchive"
-        " SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0 FROM ChargementArchive;"
-        "UPDATE Chargement SET Masse = '1 t' WHERE CodeSite = '4';"
+        "INSERT INTO ChargementArchive SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0"
+        " FROM ChargementArchive; UPDATE Chargement SET Masse = '1 t' WHERE CodeSite = '4';"
         "INSERT INTO ChargementArchive SELECT '3', 2, DateCh - 0.2, Métayage, Sélection, Qualité, 10, 80, 0"
         " FROM Chargement WHERE CodeSite = '3' AND NoChargement = 2");
   }

@@ -64,10 +64,9 @@ TEST_F(Import, AFieldIsReworkedAndALoadWithoutAHoldingListed) {
 
 TEST_F(Import, TheHoldingIsChosenByShareThenByGroup) {
   Exécuter(
-      "INSERT INTO Métayage VALUES"
+      "INSERT INTO Coopérateur VALUES ('200','A',''),('0201','B',''),('202','C',''); INSERT INTO Métayage VALUES"
       " ('6001','000200','201',33.3333,11,'8'),('6002','200','201',66.5,12,'7'),('6003','200','201',33,13,NULL),"
-      " ('6004','200','201',50,14,'009'),('6010','201','201',100,15,NULL),('6020','200','202',12,16,NULL);"
-      "INSERT INTO Coopérateur VALUES ('200','A',''),('0201','B',''),('202','C','')");
+      " ('6004','200','201',50,14,'009'),('6010','201','201',100,15,NULL),('6020','200','202',12,16,NULL)");
   // clang-format off
   const std::array<const char*, 5> Table[] = {
       {"000200", "000201", "033.0000", "007", "6001"},   // whole numbers count, the first of two wins

@@ -131,13 +131,11 @@ TEST(Engine, ShowsEachFaultOnBothSides) {
   const std::string Noise = "[^<STX><ETX><EOT><ENQ><ACK><NAK>]{1,8}", Whole = "<ACK>A" + Frame12;
   // clang-format off
   const std::tuple<Panne, std::array<std::string, 3>, unsigned> Rows[] = {  // regular expressions, replies kept
-      {Panne::Silence, {"", "", ""}, 0},
-      {Panne::Nak, {"<NAK>A", "<NAK>8", ""}, 0},
+      {Panne::Silence, {"", "", ""}, 0}, {Panne::Nak, {"<NAK>A", "<NAK>8", ""}, 0},
       {Panne::Checksum, {"<ACK>A<STX>" + Load12 + "<ETX><0", "<ACK>8", "<NAK>"}, 0},
       {Panne::Bruit, {"<ACK>A" + Noise + Frame12, Noise + "<ACK>8", Noise + "<ACK>"}, 1},
       {Panne::Coupe, {"<ACK>A<STX>[0-9]*(<ETX><?)?", "<ACK>8", "<ACK>"}, 1},
-      {Panne::Retard, {Whole, "<ACK>8", "<ACK>"}, 1},
-      {Panne::AckPerdu, {Whole, "<ACK>8", ""}, 1},
+      {Panne::Retard, {Whole, "<ACK>8", "<ACK>"}, 1}, {Panne::AckPerdu, {Whole, "<ACK>8", ""}, 1},
   };
   // clang-format on
   for (const auto& [Fault, Expected, Kept] : Rows) {
