@@ -2,10 +2,32 @@
 # Makes the pictures of docs/images: each view of the station in a window manager's frame.
 # bench/pictures.sh BIN DPI [WIDTH HEIGHT [FOLDER]]: the programs' folder, where they are installed (cmake --install
 # build/release --prefix /usr/local), so that no picture shows a path of the work on them; the screen, 1366×768 times
-# DPI/96 unless given. At 96 dpi a picture is called VIEW.png, at another VIEW-DPI.png. Needs poppler-utils.
+# DPI/96 unless given. At 96 dpi a picture is called VIEW.png, at another VIEW-DPI.png. Needs poppler-utils and a compiler.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=$2 root=$(dirname "$(readlink -f "$0")")/..
+# The pictures show a cooperative's machine, not the one that makes them: name, /srv and kernel are its own.
+if [ -z "${studio:-}" ]; then
+  [ "$(id -u)" = 0 ] || own=--map-root-user
+  studio=1 exec unshare --uts --mount ${own:-} bash "$0" "$@"
+fi
+hostname caisse
 source "$root/tests/qt/desk.sh"
+rmdir "$work"
+mount -t tmpfs none /srv
+work=/srv/cave
+mkdir $work
+under=(env LD_PRELOAD=$work/kernel.so)
+cc -shared -fPIC -x c - -o $work/kernel.so <<'KERNEL'
+#include <string.h>
+#include <sys/syscall.h>
+#include <sys/utsname.h>
+#include <unistd.h>
+int uname(struct utsname* of) {
+  long result = syscall(SYS_uname, of);
+  strcpy(of->release, "6.1.0-26-amd64");
+  return (int)result;
+}
+KERNEL
 width=${3:-$((1366 * dpi / 96))} height=${4:-$((768 * dpi / 96))} out=${5:-$root/docs/images}
 suffix=$([ "$dpi" = 96 ] || echo "-$dpi")
 desk_start "$width" "$height" "$dpi"
@@ -20,6 +42,7 @@ line=/dev/rg80 # where it may be made: a name that says nothing of this machine
 ln -sf "$work/rg80" $line 2>/dev/null && sed -i "s|^Port=.*|Port=$line|" "$work/tarvel.ini"
 day=$(date +%d%m%y)
 desk_loads
+sed -i 's/^0008/!bruit &/' "$work/loads"
 echo "!checksum 0009${day}101510290001020001020011000000050112413905003" >>"$work/loads"
 terminal 9600 --chargements "$work/loads" --f6
 printf '[Tarvel]\nDuréeBoîtes=1\n' >>"$work/tarvel.ini"
@@ -40,6 +63,8 @@ nine() { [ "$(grep -c '^réponse reçue' "$work/rg80.txt")" -ge 9 ]; }
 await "nine loads" nine
 await "end of the box" gone '^RG80 Ombrey$'
 view "$main" main
+press "$main" alt+l
+view "$main" line
 await "monitoring window" shown
 sleep 3
 view '^Liste des chargements$' monitoring-errors
@@ -64,16 +89,16 @@ start 2
 await "box about the refused load" seen '^RG80 Ombrey$'
 view '^RG80 Ombrey$' box
 await "end of the box" gone '^RG80 Ombrey$'
-for tab in r:refused l:line i:unread c:archive u:journal n:stations; do
+for tab in r:refused i:unread c:archive u:journal n:stations; do
   press "$main" alt+${tab%:*}
   view "$main" ${tab#*:}
 done
-# What a key of a menu, and one in it, lead to.
+# What a key of a menu, and one in it, lead to. A box that comes up meanwhile may take a key.
+shut() { gone "$1" || { press "$1" Escape 2>/dev/null; sleep 0.5; false; }; }
 dialog() {
   await "$4" pick "$1" "$2" "$3"
   view "$3" "$4"
-  press "$3" Escape
-  await "closed $4" gone "$3"
+  await "closed $4" shut "$3"
 }
 dialog alt+s d '^Diagnostic$' diagnostic
 dialog alt+s b '^Bordereau de la journée$' slip-dialog
