@@ -123,7 +123,7 @@ std::string TexteBordereau(const std::vector<ChargementRelaté>& Chargements, co
                        Un.Masse});
   }
   return Tête(Coopérative, "Bordereau du " + TexteJour(Jour), "Bordereau de la journée du " + TexteJour(Jour)) +
-         Tableau(Colonnes, Rangées) + "<p><b>" + std::to_string(Total.Nombre) + " chargements, " + Kg(Total.Kilos) +
+         Tableau(Colonnes, Rangées) + "<p><b>" + DireChargements(Total.Nombre) + ", " + Kg(Total.Kilos) +
          " kg</b></p>" + (Repris ? "<p>* Un autre chargement a repris ce numéro.</p>" : "") +
          Sommes(Chargements, "Appellation", [](const ChargementRelaté& Un) { return Dire(Un.Appellation); }) +
          Sommes(Chargements, "Exploitation", DireExploitation) +

@@ -15,6 +15,7 @@
 #include "contracts/phrases.h"
 #include "host/base_values.h"
 #include "host/load_columns.h"
+#include "host/load_report.h"
 
 namespace Tarvel {
 namespace {
@@ -169,8 +170,7 @@ std::string Tonnes(double Kilos) {
 }
 
 std::string TexteTotal(const Journée& Jour) {
-  const std::size_t Nombre = Jour.Chargements.size();
-  return std::to_string(Nombre) + (Nombre < 2 ? " chargement, " : " chargements, ") + Tonnes(Jour.Masse());
+  return DireChargements(Jour.Chargements.size()) + ", " + Tonnes(Jour.Masse());
 }
 
 Rangées TableauChargements(const Journée& Jour, const Ombrey::Régional& Formes) {

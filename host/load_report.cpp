@@ -131,6 +131,10 @@ std::string TexteCsv(const std::vector<ChargementRelaté>& Chargements) {
   return Texte;
 }
 
+std::string DireChargements(std::size_t Nombre) {
+  return std::to_string(Nombre) + (Nombre < 2 ? " chargement" : " chargements");
+}
+
 std::string ExporterCsv(const std::vector<ChargementRelaté>& Chargements, const std::filesystem::path& Fichier) {
   const std::string Vide = TexteCsv({});
   std::string Début(Vide.size(), '\0');
@@ -141,7 +145,8 @@ std::string ExporterCsv(const std::vector<ChargementRelaté>& Chargements, const
     throw ErreurExécution("Le fichier " + Ombrey::TexteChemin(Fichier) +
                           " existe déjà et n'est pas un export de chargements : il reste tel quel.");
   Ombrey::RemplacerFichier(Fichier, TexteCsv(Chargements));
-  return std::to_string(Chargements.size()) + " chargements exportés dans " + Ombrey::TexteChemin(Fichier);
+  return DireChargements(Chargements.size()) + (Chargements.size() < 2 ? " exporté dans " : " exportés dans ") +
+         Ombrey::TexteChemin(Fichier);
 }
 
 std::optional<int> LireJour(const std::string& Texte) {

@@ -52,6 +52,9 @@ struct Période {
 /// doubled. What a spreadsheet would take for a formula isn't one any more.
 [[nodiscard]] std::string TexteCsv(const std::vector<ChargementRelaté>& Chargements);
 
+/// « 1 chargement », « 9 chargements ».
+[[nodiscard]] std::string DireChargements(std::size_t Nombre);
+
 /// Writes the loads; a former export is replaced, any other file stays. The result says in French what
 /// was done. Raises ErreurExécution.
 std::string ExporterCsv(const std::vector<ChargementRelaté>& Chargements, const std::filesystem::path& Fichier);

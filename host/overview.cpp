@@ -174,6 +174,11 @@ void Aperçu::NoterOctets(const Octets& Reçus) {
   Liaison_.NoterRéponse(std::time(nullptr));
 }
 
+void Aperçu::OublierLiaison() {
+  Liaison_ = {};
+  Changer();
+}
+
 void Aperçu::NoterRelevé(std::optional<std::int32_t> Attente) {
   EnRelevé_ = !Attente;
   if (Attente) Attente_ = std::chrono::milliseconds(*Attente);

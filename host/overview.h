@@ -35,6 +35,8 @@ class Aperçu {
   void NoterRetrait(const std::string& Titre, const std::string& Message);
   /// Characters that came over the line.
   void NoterOctets(const Ombrey::Octets& Reçus);
+  /// What was known of the link is another port's.
+  void OublierLiaison();
   /// The next poll is due in Attente milliseconds; none: one is under way, or the collection stands still.
   void NoterRelevé(std::optional<std::int32_t> Attente);
   /// Nothing is collected while the transfer window is open.

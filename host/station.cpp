@@ -140,6 +140,7 @@ void Station::RepartirAuBesoin() {
   Tenter([this] { Charger(); });
   if (PlugIn_ == Ancien) return;
   Tenter([&Ancien] { Ancien->IPlugInTarvel_Terminer(); });
+  Édition_.LAperçu().OublierLiaison();
   Démarrer();
 }
 

@@ -31,7 +31,7 @@ struct SigneRefus {
   const char* Texte;
   const char* ÀFaire;
 };
-constexpr const char* TrameAbîmée = "Rien d'abord : le RG80 la renvoie. Si cela dure, faire vérifier le câble.";
+constexpr const char* TrameAbîmée = "Rien d'abord : le RG80 le renvoie. Si cela dure, faire vérifier le câble.";
 constexpr SigneRefus SignesRefus[] = {
     {Phrase::ChecksumFaux, TrameAbîmée},
     {Phrase::TropCourt, TrameAbîmée},

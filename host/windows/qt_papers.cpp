@@ -58,7 +58,7 @@ class DialoguePapier : public DialogueTravail {
     if (!Base) return;
     const int Jour = static_cast<int>(JourZéro.daysTo(Jour_->date()));
     Chargements_ = Tarvel::LireChargements(*Base, {Jour, Jour});
-    QStringList Textes(QStringLiteral("Bordereau : %1 chargements").arg(Chargements_.size()));
+    QStringList Textes(Texte("Bordereau : " + Tarvel::DireChargements(Chargements_.size())));
     for (const Tarvel::ChargementRelaté& Un : Chargements_)
       Textes << Texte("Ticket : n° " + Un.Numéro + ", " + HeureDe(Un) + ", " + Un.Propriétaire.Nom + ", " + Un.Masse +
                       " kg");

@@ -68,7 +68,7 @@ TEST(Export, ReplacesAFormerOneAndNothingElse) {
   std::ofstream(Dossier.Chemin() / "cave.db") << "une base";
   const auto Fichier = Dossier.Chemin() / "export.csv";
   for (int Fois = 0; Fois < 2; ++Fois)
-    EXPECT_EQ(ExporterCsv({}, Fichier), "0 chargements exportés dans " + Fichier.string());
+    EXPECT_EQ(ExporterCsv({}, Fichier), "0 chargement exporté dans " + Fichier.string());
   EXPECT_THROW(ExporterCsv({}, Dossier.Chemin() / "cave.db"), Ombrey::ErreurExécution);
   EXPECT_THROW(ExporterCsv({}, Dossier.Chemin() / "absent/export.csv"), Ombrey::ErreurExécution);
   for (const char* Texte : {"32/01/2026", "2026-02-30", "1/2/26", "22/09/2026 08:30", "", "hier"})
