@@ -5,7 +5,6 @@
 
 #include "link/daily_error_file.h"
 #include "tests/support/fake_platform.h"
-#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -1,6 +1,4 @@
 // Bases that were left behind: those of former and of later programs, met at opening, and a copy that goes back.
-#include <sstream>
-
 #include "host/saved_base.h"
 #include "host/schema_upgrade.h"
 #include "tests/host/cooperative_fixture.h"
@@ -12,9 +10,8 @@ struct Schema : Coopérative {
   Schema() {
     Fermer();
     std::filesystem::remove(Fichier_);
-    std::ostringstream Script;
-    Script << std::ifstream(SOURCE_DIR "/tests/host/former_base.sql").rdbuf();
-    Ombrey::ConnexionSqlite::Créer(Fichier_)->ExécuterTout(Script.str());
+    const std::string Script = Ombrey::Essais::Contenu(SOURCE_DIR "/tests/host/former_base.sql");
+    Ombrey::ConnexionSqlite::Créer(Fichier_)->ExécuterTout(Script);
     Rouvrir();
   }
   static std::string Plan(Ombrey::IConnexion& Connexion) {

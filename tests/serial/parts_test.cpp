@@ -133,13 +133,13 @@ TEST(RègleUdev, KnowsAnAdapterByWhatStaysItsOwn) {
 TEST(Mode, IsWhatTheSettingsSayWhateverAnotherProgramLeft) {
   // Settings, speed, the flags that a pseudo-terminal keeps and the others.
   constexpr tcflag_t Autres = CSIZE | PARENB;
+  // clang-format off
   const std::tuple<RéglagesLiaison, speed_t, tcflag_t, tcflag_t> Table[] = {
-      {{50, 5, Parité::Aucune, 1}, B50, 0, CS5},
-      {{110, 6, Parité::Aucune, 2}, B110, CSTOPB, CS6},
-      {{300, 7, Parité::Paire, 2}, B300, CSTOPB, CS7 | PARENB},
-      {{1200, 7, Parité::Impaire, 1}, B1200, PARODD, CS7 | PARENB},
+      {{50, 5, Parité::Aucune, 1}, B50, 0, CS5}, {{110, 6, Parité::Aucune, 2}, B110, CSTOPB, CS6},
+      {{300, 7, Parité::Paire, 2}, B300, CSTOPB, CS7 | PARENB}, {{1200, 7, Parité::Impaire, 1}, B1200, PARODD, CS7 | PARENB},
       {{9600, 8, Parité::Marque, 1}, B9600, PARODD | CMSPAR, CS8 | PARENB},
       {{19200, 8, Parité::Espace, 1}, B19200, CMSPAR, CS8 | PARENB}};
+  // clang-format on
   for (const auto& [Réglages, Vitesse, Gardés, LesAutres] : Table) {
     SCOPED_TRACE(Réglages.Bauds);
     const PseudoTerminal Loin;
@@ -174,14 +174,14 @@ TEST(Mode, IsWhatTheSettingsSayWhateverAnotherProgramLeft) {
 }
 
 TEST(ConseilDroit, IsGivenWhereTheGroupHelps) {
+  // clang-format off
   const std::tuple<mode_t, const char*, Demandeur, const char*> Table[] = {
       {0660, "dialout", {"anne", false, false}, "« sudo usermod -aG dialout anne »"},
       {0660, "dialout", {"anne", true, false}, "inscrit : ouvrez une nouvelle session"},
-      {0660, "dialout", {"anne", true, true}, nullptr},
-      {0660, "root", {"anne", false, false}, nullptr},
-      {0660, "", {"anne", false, false}, nullptr},
-      {0620, "tty", {"anne", false, false}, nullptr},
+      {0660, "dialout", {"anne", true, true}, nullptr}, {0660, "root", {"anne", false, false}, nullptr},
+      {0660, "", {"anne", false, false}, nullptr}, {0620, "tty", {"anne", false, false}, nullptr},
       {0600, "dialout", {"anne", false, false}, nullptr}};
+  // clang-format on
   for (const auto& [Mode, Groupe, Qui, Mots] : Table) {
     const std::string Dit = ConseilDroit(Mode, Groupe, Qui);
     EXPECT_TRUE(Mots ? Dit.find(Mots) != std::string::npos : Dit.empty()) << Groupe << Mode << Dit;

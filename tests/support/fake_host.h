@@ -2,13 +2,12 @@
 #pragma once
 
 #include <array>
-#include <fstream>
 #include <functional>
-#include <iterator>
 
 #include "base/failures.h"
 #include "common/operator_channel.h"
 #include "contracts/host.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 
@@ -88,8 +87,7 @@ struct FausseBaseDeD : IBaseDeD, IEtatBdD, IKVSynchro {
 
   std::string DernièreErreur() override { return Erreur; }
   bool TableImporter(Mot, Mot Fichier, bool&) override {
-    std::ifstream Flux(Fichier, std::ios::binary);
-    Importés.emplace_back(std::istreambuf_iterator<char>(Flux), std::istreambuf_iterator<char>());
+    Importés.push_back(Contenu(Fichier));
     PendantImport();
     if (Lève) throw ErreurExécution("la base ne répond pas");
     return Importe;
