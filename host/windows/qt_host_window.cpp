@@ -34,7 +34,6 @@ constexpr int ToursParLecture = 30;
 constexpr const char* Section = "FenêtrePrincipale";
 constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
-const std::string SignalReçu = Phrase::ChargementAjouté;
 
 /// A page that is one list alone, laid out like those of several parts.
 QWidget* AvecMarge(QWidget* Liste) {
@@ -250,8 +249,8 @@ void FenêtrePrincipaleQt::Suivre(std::shared_ptr<IBaseDeD> Base) {
 
 void FenêtrePrincipaleQt::Dire(const std::string& Message) {
   // The plug-in's list is read in this turn of the loop: the day in another.
-  if (Message.starts_with(SignalReçu))
-    return Différé([this, Numéro = Message.substr(SignalReçu.size())] {
+  if (Message.starts_with(Phrase::ChargementAjouté))
+    return Différé([this, Numéro = Message.substr(std::string_view(Phrase::ChargementAjouté).size())] {
       Actualiser();
       Dire(DireReçu(Numéro));
     })();
