@@ -83,8 +83,6 @@ ValeurChamp Convertie(const ValeurChamp& Valeur, const Ombrey::ColonneDeTable& C
   return *Nombre;
 }
 
-/// Row by row; a number may be whole on one side and have decimals of zero on the other.
-
 std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienne) {
   std::vector<ValeurChamp> Valeurs;
   for (std::size_t Rang = 0; Rang < Sienne.Colonnes.size(); ++Rang) {
@@ -146,6 +144,7 @@ std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sie
   return Nombre;
 }
 
+/// Row by row; a number may be whole on one side and have decimals of zero on the other.
 void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte& LeCompte) {
   Instruction Ici = Sienne.Lire(Source);
   Instruction Là = Sienne.Lire(Cible);

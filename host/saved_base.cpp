@@ -9,6 +9,7 @@
 #include "base/regional_forms.h"
 #include "host/engine.h"
 #include "host/load_columns.h"
+#include "host/new_file.h"
 #include "host/schema.h"
 
 namespace Tarvel {
@@ -18,10 +19,10 @@ using Ombrey::ErreurExécution;
 using Ombrey::TexteChemin;
 namespace fs = std::filesystem;
 
-/// A name beside the base's that nothing bears yet.
-fs::path NomLibre(const fs::path& Base, const char* Raison) {
-  fs::path Libre = Base.string() + Raison;
-  for (int Rang = 2; fs::exists(Libre); ++Rang) Libre = Base.string() + Raison + "-" + std::to_string(Rang);
+/// A name beside the file's that nothing bears yet.
+fs::path NomLibre(const fs::path& Fichier, const char* Raison) {
+  fs::path Libre = Fichier.string() + Raison;
+  for (int Rang = 2; fs::exists(Libre); ++Rang) Libre = Fichier.string() + Raison + "-" + std::to_string(Rang);
   return Libre;
 }
 
@@ -68,8 +69,12 @@ std::string SauvegarderBase(const fs::path& Base, const fs::path& Copie, const O
   if (!Ombrey::DisqueRéseau(Base).empty() && EstOuvertAilleurs(Base))
     throw ErreurExécution("La base « " + TexteChemin(Base) +
                           " » est sur un disque de réseau, et un programme y travaille : arrêtez-le d'abord.");
+  ExigerNouveau(Copie);
   static_cast<void>(OuvrirAuRepos(Base));
-  CopierFichier(Base, Copie, Dire);
+  // A killed copy never bears the name of a whole one.
+  const fs::path Partielle = NomLibre(Copie, ".partielle");
+  CopierFichier(Base, Partielle, Dire);
+  Ombrey::DéplacerFichier(Partielle, Copie);
   return "La base « " + TexteChemin(Base) + " » est sauvegardée dans « " + TexteChemin(Copie) + " ».";
 }
 

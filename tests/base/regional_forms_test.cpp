@@ -9,9 +9,14 @@
 #include "base/failures.h"
 
 namespace Ombrey {
-
 const Régional Français{','};
 constexpr double PasUnNombre = std::numeric_limits<double>::quiet_NaN();
+
+std::string DescriptionDe(const std::function<void()>& Faire) {
+  ErreurEnAttente Levée;
+  Ignorer(Levée, Faire);
+  return Levée.Texte();
+}
 
 // clang-format off
 constexpr std::pair<const char*, double> Réels[] = {
@@ -40,7 +45,7 @@ TEST(Numbers, WhatCountsAsNumeric) {
   for (const char* Texte :
        {"", " ", ",", "-", "1e", "12.5", "1,2,3", "--1", "0x10", "nan", "inf", "1 2", "1e999", "12a", "- 1", "١"}) {
     EXPECT_FALSE(EstNumérique(Texte, Français)) << Texte;
-    EXPECT_THROW(static_cast<void>(EnRéel(Texte, Français)), ErreurExécution) << Texte;
+    EXPECT_EQ(DescriptionDe([&] { static_cast<void>(EnRéel(Texte, Français)); }), "Incompatibilité de type");
   }
   EXPECT_TRUE(EstNumérique("12.5", {'.'}));
 }
@@ -49,8 +54,9 @@ TEST(Numbers, WholeNumbersRoundHalvesToEvenAndRefuseOverflow) {
   for (const auto& [Texte, Valeur] : Entiers) EXPECT_EQ(EnEntier32(Texte, Français), Valeur) << Texte;
   EXPECT_EQ(EnEntier16("32767", Français), 32767);
   EXPECT_EQ(EnEntier16("-32768,5", Français), -32768);
-  for (const char* Texte : {"2147483647,5", "-2147483649", "1e300"})
-    EXPECT_THROW(static_cast<void>(EnEntier32(Texte, Français)), ErreurExécution) << Texte;
+  for (const char* Texte : {"2147483647,5", "-2147483649", "1e300"}) {
+    EXPECT_EQ(DescriptionDe([&] { static_cast<void>(EnEntier32(Texte, Français)); }), "Dépassement de capacité");
+  }
   EXPECT_THROW(static_cast<void>(EnEntier16("32767,5", Français)), ErreurExécution);
   EXPECT_THROW(static_cast<void>(ArrondirEntier32(PasUnNombre)), ErreurExécution);
 }
@@ -65,8 +71,9 @@ TEST(Numbers, TextFormReadsBack) {
 
 TEST(Dates, StrictlyDayMonthYear) {
   for (const auto& [Texte, Valeur] : Dates) EXPECT_EQ(LireDate(Texte, 2026), Valeur) << Texte;
-  for (const auto& [Présente, Chiffres, Année] : Siècles)
+  for (const auto& [Présente, Chiffres, Année] : Siècles) {
     EXPECT_EQ(LireDate("01/01/" + std::string(Chiffres), Présente), (DateHeure{Année, 1, 1})) << Présente;
+  }
   for (const char* Texte : {"", "19/13/08 08:30", "31/04/08", "29/02/23", "00/01/08", "09/19/08", "19/09/08 24:00",
                             "19/09/08 08:60", "19/09/08 08", "19/09/0808:30", "19/09/08 08:30:61", "19/09/008", "19/09",
                             "2008/09/19", "19/ 9/08", "19/09/08 08:30 x", "aa/bb/cc dd:ee", "19/09/0000", "-1/09/08"}) {
@@ -81,8 +88,9 @@ TEST(Dates, DayNumbers) {
        {DateHeure{2026, 2, 28, 23, 59, 59}, DateHeure{1899, 12, 29, 6, 0, 1}, DateHeure{9999, 12, 31, 23, 59, 59}}) {
     EXPECT_EQ(DepuisNuméroDeJour(NuméroDeJour(Moment)), Moment);
   }
-  for (const double Jours : {1e9, -1e9, PasUnNombre})
+  for (const double Jours : {1e9, -1e9, PasUnNombre}) {
     EXPECT_THROW(static_cast<void>(DepuisNuméroDeJour(Jours)), ErreurExécution);
+  }
 }
 
 }  // namespace Ombrey

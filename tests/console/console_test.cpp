@@ -1,10 +1,14 @@
 // The station on a console: command line, lines, boxes, commands and views, and the plug-in's life on it.
 #include <fcntl.h>
+#include <gtest/gtest.h>
+
+#include <csignal>
 
 #include "host/console_station.h"
 #include "host/station.h"
 #include "tests/console/typist.h"
 #include "tests/support/fake_host.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -3,8 +3,10 @@
 
 #include <gtest/gtest.h>
 
+#include "contracts/line_protocol.h"
 #include "link/daily_error_file.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -203,11 +203,18 @@ TEST_F(BaseVigne, BringsItsLogHomeAtRestAndIsCopiedWholeAtWork) {
   Transaction EnCours(*AuTravail);
   AuTravail->Exécuter("DELETE FROM Vigne");
   Connexion->Sauvegarder(Copie);
-  for (const auto& Prise : {Copie, Ailleurs.Chemin() / "absent/copie.db"})
-    EXPECT_THROW(Connexion->Sauvegarder(Prise), ErreurExécution) << Prise;
   EXPECT_EQ(Nombre(*ConnexionSqlite::Ouvrir(Copie)), 4);
+  EXPECT_THROW(Connexion->Sauvegarder(Copie), ErreurExécution);
   EXPECT_TRUE(ConnexionSqlite::EstOuverteAilleurs(Fichier));
   EXPECT_FALSE(ConnexionSqlite::EstOuverteAilleurs(Copie));
+}
+
+TEST_F(BaseVigne, IsAFileAndCreatedOnlyWhereNothingStands) {
+  const auto Connexion = Nouvelle();
+  EXPECT_THROW(static_cast<void>(ConnexionSqlite::Ouvrir(Dossier.Chemin())), ErreurExécution);
+  for (const char* Nom : {"coopé.db", "absent/b.db"})
+    EXPECT_THROW(static_cast<void>(ConnexionSqlite::Créer(Dossier.Chemin() / Nom)), ErreurExécution) << Nom;
+  EXPECT_EQ(Nombre(*Connexion), 4);
 }
 
 }  // namespace Ombrey::Essais

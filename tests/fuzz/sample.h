@@ -5,6 +5,7 @@
 #include "platform/database/recordsets.h"
 #include "platform/database/sqlite/sqlite_connection.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -9,7 +9,6 @@
 #include "tests/fuzz/input.h"
 
 namespace Ombrey::Essais {
-
 /// Names that a file might hold, found without the product's reader.
 std::vector<std::pair<std::string, std::string>> Noms(const std::string& Bruts) {
   std::vector<std::pair<std::string, std::string>> Tous;
@@ -23,6 +22,15 @@ std::vector<std::pair<std::string, std::string>> Noms(const std::string& Bruts) 
   return Tous;
 }
 
+/// One change of the bytes, within one line or of whole lines.
+void ComparerOctets(const std::string& Avant, const std::string& Après) {
+  const auto Change = std::mismatch(Avant.begin(), Avant.end(), Après.begin(), Après.end()).first;
+  const auto Devant = Change - Avant.begin();
+  const auto Pareil =
+      std::mismatch(Avant.rbegin(), Avant.rend() - Devant, Après.rbegin(), Après.rend() - Devant).first.base();
+  Exiger(std::count(Change, Pareil, '\n') == 0, "no line goes");
+}
+
 void EcrireUnRéglage(std::string& Bruts, const std::string& Section, const std::string& Clé,
                      const std::string& Valeur) {
   const TexteIni Avant(Bruts);
@@ -34,7 +42,7 @@ void EcrireUnRéglage(std::string& Bruts, const std::string& Section, const std:
     return;
   }
   Exiger(Texte.Lire(Section, Clé) == Valeur, "what was written is read");
-  Exiger(std::ranges::count(Texte.Bruts(), '\n') >= std::ranges::count(Bruts, '\n'), "no line goes");
+  ComparerOctets(Bruts, Texte.Bruts());
   TexteIni Relu(Texte.Bruts());
   Exiger(Relu.Lire(Section, Clé) == Valeur, "and read again from the file");
   for (const auto& [S, C] : Noms(Bruts)) {

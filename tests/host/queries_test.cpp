@@ -6,6 +6,7 @@
 #include "monitor/load_list.h"
 #include "quotas/reply.h"
 #include "tests/host/cooperative_fixture.h"
+#include "tests/support/fake_host.h"
 #include "transfer/data_sets.h"
 
 namespace Tarvel {

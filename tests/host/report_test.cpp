@@ -3,6 +3,7 @@
 #include "host/day_slip.h"
 #include "host/load_report.h"
 #include "host/station_register.h"
+#include "platform/database/recordsets.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/machine_system.h"
 #include "tests/host/cooperative_fixture.h"

@@ -2,6 +2,9 @@
 #include <netinet/in.h>
 #include <sys/socket.h>
 
+#include <chrono>
+#include <thread>
+
 #include "host/copied_base.h"
 #include "host/diagnostic.h"
 #include "host/station_register.h"

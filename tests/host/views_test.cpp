@@ -6,6 +6,7 @@
 #include "host/overview.h"
 #include "platform/loop/poll_loop.h"
 #include "platform/system/machine_system.h"
+#include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Tarvel {

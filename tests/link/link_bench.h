@@ -10,6 +10,7 @@
 #include "link/polling.h"
 #include "link/transmission.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

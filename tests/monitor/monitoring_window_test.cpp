@@ -4,7 +4,6 @@
 #include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {
-
 using enum ContrôleSuivi;
 const std::string Heure = "08:30:00 : ";
 
@@ -82,15 +81,20 @@ TEST_F(Suivi, PrintsEveryErrorOldestFirstAndBreaksBehindNineTenthsOfAPage) {
 TEST_F(Suivi, ListsTodaysLoadsAndStaysAsItWasWhenTheDatabaseIsGone) {
   Exécuter(
       "INSERT INTO Coopérateur VALUES('1','Dupré','Élise'),('2','Martin',NULL);"
-      "INSERT INTO Métayage VALUES('10','1','2',33.3333,'5','7'); INSERT INTO Groupement VALUES('7','Coteaux');"
+      "INSERT INTO Métayage VALUES('10','1','2',33.3333,'5','7'),('11','2','1',100,'6','8'); INSERT INTO Groupement "
+      "VALUES('7','Coteaux');"
       "INSERT INTO Sélection VALUES('05','Aligoté',1);"
-      "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1)");
+      "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1),"
+      " ('3', 2, 46287 + 845 / 1440.0, '11', '99', '9', 12.5, 1480, -1),"  // 22 September 2026, minutes
+      " ('3', 3, 46287 - 1 / 1440.0, '10', '05', '9', 1, 1, -1), ('3', 4, 46287, '0', '05', '9', 1, 1, -1),"
+      " ('3', 5, 46288 + 1 / 1440.0, '10', '05', '9', 1, 1, -1)");
   Réglages = {{"FSuiviChargnt/Colonne 2", "1200"}, {"FSuiviChargnt/Colonne 3", "0"}, {"FSuiviChargnt/Colonne 4", "x"}};
   Fenêtre->Rafraîchir();
   // clang-format off
   const std::vector<Mots> Attendues = {
       {"Chai", "N°Pesée", "Heure", "Pesée", "%Vol", "Appellation", "Classe sanitaire", "Propriétaire", "Récoltant",
        "Part", "Groupe", "Synchro"},
+      {"3", "2", "22/09 14:05", "1480", "12,5", "", "", "Martin ", "Dupré Élise", "100", " ", "1"},
       {"3", "1", "22/09 08:05", "1480", "12,5", "Aligoté", "", "Dupré Élise", "Martin ", "33,3333", "7 Coteaux", "1"}};
   // clang-format on
   EXPECT_EQ(Vue().Grille, Attendues);

@@ -1,10 +1,15 @@
 // Qt without a screen for the tests, the plug-in's machine with real windows on it, and the operator's hand.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <QtTest>
 #include <QtWidgets>
 
 #include "platform/qt/qt_windows.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 #include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {

@@ -6,6 +6,7 @@
 #include "core/plugin.h"
 #include "host/cooperative_database.h"
 #include "tests/road/post.h"
+#include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
 
 namespace Ombrey::Essais {

@@ -130,7 +130,8 @@ TEST(Papers, StandUnderTheirNameWholeOrNotAtAll) {
                                              {"--bordereau neuf/f --du 23/11/2026", SIGKILL},
                                              {"--exporter-csv neuf/f", SIGINT},
                                              {"--exporter-csv neuf/f", SIGKILL},
-                                             {"--sauvegarder neuf/f", SIGINT}};
+                                             {"--sauvegarder neuf/f", SIGINT},
+                                             {"--sauvegarder neuf/f", SIGKILL}};
   for (const auto& [Quoi, Signal] : Cas) {
     P.Faire("$ rm -rf neuf; mkdir neuf");
     Programme Tarvel("cd " + P.En("") + " && exec " BIN_DIR "/tarvel --base cave.db " + Quoi);

@@ -1,7 +1,14 @@
 // The engines that keep a cooperative's database, for tests that run on each of them.
 #pragma once
 
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <string>
+
+#include "host/engine.h"
 #include "tests/support/server.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -14,6 +14,7 @@
 #include "platform/system/service_notice.h"
 #include "tests/serial/pseudo_terminal.h"
 #include "tests/support/fake_platform.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 

@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 #include <sys/times.h>
 
+#include <fstream>
+
 #include "terminal/frame.h"
 #include "tests/support/test_folder.h"
 
