@@ -57,15 +57,15 @@ void Dessiner(QPrinter& Imprimante, const std::string& Html) {
 }  // namespace
 
 void ÉcrirePdf(const std::string& Html, QPageSize::PageSizeId Papier, const std::filesystem::path& Fichier) {
-  std::error_code Ignorée;
-  EcrireFichier(Fichier, "");  // says why where none can stand: Qt doesn't
-  std::filesystem::remove(Fichier, Ignorée);
   QPrinter Imprimante(QPrinter::HighResolution);
   Imprimante.setOutputFormat(QPrinter::PdfFormat);
   Imprimante.setPageSize(QPageSize(Papier));
   Imprimante.setPageMargins({Marge, Marge, Marge, Marge}, QPageLayout::Millimeter);
   Imprimante.setCreator(QStringLiteral("Tarvel"));
   if (DessinerEnFichier(Imprimante, Fichier, [&] { Dessiner(Imprimante, Html); })) return;
+  EcrireFichier(Fichier, "");  // says why where none can stand: Qt doesn't
+  std::error_code Ignorée;
+  std::filesystem::remove(Fichier, Ignorée);
   throw ErreurExécution("Le fichier " + TexteChemin(Fichier) + " n'a pas pu être écrit.");
 }
 
