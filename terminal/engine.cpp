@@ -13,7 +13,6 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr char CodeChargement = 'A';
-constexpr char CodeRéponse = '8';
 constexpr std::size_t IgnorésMontrésMax = 80;
 
 constexpr auto DélaiCode = 2s;

@@ -13,6 +13,8 @@ inline constexpr char EOT = 4;
 inline constexpr char ENQ = 5;
 inline constexpr char ACK = 6;
 inline constexpr char NAK = 21;
+/// The code under which the reply with the figures is announced.
+inline constexpr char CodeRéponse = '8';
 
 struct NomDeContrôle {
   char Code;

@@ -19,7 +19,6 @@ constexpr auto SilenceMessage = 1s;
 constexpr auto Adieu = 500ms;
 
 constexpr char CodeChargement = 'A';
-constexpr char CodeRéponse = '8';
 
 bool SuitRupture(const MessageTracé& Un) { return Un.Avant != MessageTracé::Rupture::Aucune; }
 
