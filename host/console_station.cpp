@@ -137,7 +137,7 @@ std::string ÉditionConsole::TexteÉtat() const {
     Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
     const Journée Jour = LireJour("");
     if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;
-    Laquelle = TexteDernier(Jour) + ". " + Laquelle;
+    Laquelle = TexteDernier(Jour, Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant()) + ". " + Laquelle;
   });
   return Liaison + Laquelle + (Lue ? "" : ". La base ne répond pas : " + Erreur.Texte());
 }

@@ -144,10 +144,10 @@ Journée Filtrer(const Journée& Toute, const std::string& Mots) {
   return Jour;
 }
 
-std::string TexteDernier(const Journée& Jour) {
-  if (Jour.Chargements.empty()) return "Aucun chargement aujourd'hui";
-  const ChargementDuJour& Un = Jour.Chargements.front();
-  return "Dernier : n° " + Un.Numéro + ", " + Entier(Un.Masse) + " kg, " + Un.Heure;
+std::string TexteDernier(const Journée& Jour, const std::string& Site) {
+  const auto Un = std::ranges::find(Jour.Chargements, Site, &ChargementDuJour::Site);
+  if (Un == Jour.Chargements.end()) return "Aucun chargement aujourd'hui";
+  return "Dernier : n° " + Un->Numéro + ", " + Entier(Un->Masse) + " kg, " + Un->Heure;
 }
 
 std::string TexteBase(const std::string& Nom, bool EstSurServeur, Ombrey::IDatabase* Base) {

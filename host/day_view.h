@@ -61,8 +61,8 @@ struct Journée {
 /// How many loads, and their tonnage.
 [[nodiscard]] std::string TexteTotal(const Journée& Jour);
 
-/// The newest load's number, weight and time, or that there is none.
-[[nodiscard]] std::string TexteDernier(const Journée& Jour);
+/// Number, weight and time of the site's newest load, or that there is none.
+[[nodiscard]] std::string TexteDernier(const Journée& Jour, const std::string& Site);
 
 /// Which database, and where. Of a server's also what one question and its answer take, when Base is there; raises
 /// what that question raises.

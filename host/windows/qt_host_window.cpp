@@ -295,7 +295,7 @@ void FenêtrePrincipaleQt::Actualiser() {
 void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
   Site_ = Site;
   Tarvel::Journée Jour = Tarvel::LireJournée(Base, Journée_->TousLesSites() ? "" : Site);
-  if (!Jour.Chargements.empty()) Bandeau_->DireDernier(Texte(TexteDernier(Jour)));
+  Bandeau_->DireDernier(Texte(TexteDernier(Jour, Site)));
   Journée_->Montrer(std::move(Jour));
   Pages_->setTabVisible(Pages_->indexOf(Stations_->parentWidget()), Tarvel::SontPlusieurs(Base));
   // In a turn of the loop of its own.

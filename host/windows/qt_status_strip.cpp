@@ -48,7 +48,7 @@ BandeauQt::BandeauQt(QWidget* Parent)
       Signe_(new QLabel(this)),
       Liaison_(new LigneÉlidée(this)),
       Relevé_(new LigneÉlidée(this)),
-      Dernier_(new LigneÉlidée(Texte(Tarvel::TexteDernier({})), this)),
+      Dernier_(new LigneÉlidée(Texte(Tarvel::TexteDernier({}, {})), this)),
       Base_(new LigneÉlidée(this)) {
   for (QLabel* Un : {Signe_, static_cast<QLabel*>(Liaison_), static_cast<QLabel*>(Relevé_),
                      static_cast<QLabel*>(Dernier_), static_cast<QLabel*>(Base_)})

@@ -65,6 +65,8 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
     EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2080|5420|\n") << "the quotas are those of all sites";
     EXPECT_EQ(Jour.MasseParHeure[14], Cas.Après14h);
   }
+  EXPECT_EQ(TexteDernier(LireJournée(Base, ""), "3"), "Dernier : n° 2, 520 kg, 14:05") << "the site's own";
+  EXPECT_EQ(TexteDernier(LireJournée(Base, ""), "5"), "Aucun chargement aujourd'hui");
   EXPECT_EQ(
       Dire(TableauArchive(Base, {})),
       "5|9|hier|1|1|Aligoté|Saine|Dupré Élise|Martin|\n3|2|22/09/2026 09:17|80|10|Aligoté|Saine|Dupré Élise|Martin|\n"
