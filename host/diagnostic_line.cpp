@@ -1,5 +1,4 @@
 // What stands between a station and its terminal: the settings, the device, who holds it, and its lasting name.
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -12,8 +11,9 @@
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "base/text_helpers.h"
 #include "host/diagnostic.h"
-#include "platform/serial/line_device.h"
+#include "platform/serial/device_tree.h"
 #include "platform/serial/machine_ports.h"
 #include "platform/serial/port_dialogue.h"
 #include "platform/serial/udev_rule.h"
@@ -27,6 +27,7 @@ namespace {
 namespace fs = std::filesystem;
 using Ombrey::Chemin;
 using Ombrey::TexteChemin;
+using Ombrey::Énumérer;
 using std::string_literals::operator""s;
 
 constexpr const char* SectionPort = "PlugInOmbrey";
@@ -71,32 +72,6 @@ Ombrey::RéglagesPort ExaminerRéglages(const Options& Choisies, std::vector<Con
   return {};
 }
 
-/// The processes that have the device open, as far as this account may see: "tarvel, processus 4711".
-std::vector<std::string> Tenants(dev_t Appareil) {
-  std::vector<std::string> Trouvés;
-  std::error_code Code;
-  for (fs::directory_iterator Processus("/proc", Code), Fin; !Code && Processus != Fin; Processus.increment(Code)) {
-    const std::string Numéro = Processus->path().filename();
-    if (Numéro.find_first_not_of("0123456789") != std::string::npos) continue;
-    std::error_code Fermé;
-    for (fs::directory_iterator Lien(Processus->path() / "fd", Fermé), Bout; !Fermé && Lien != Bout;
-         Lien.increment(Fermé)) {
-      if (Ombrey::IdentitéAppareil(Lien->path()) != Appareil) continue;
-      std::string Nom = Ombrey::LireFichier(Processus->path() / "comm").value_or("?");
-      Nom.erase(std::min(Nom.find('\n'), Nom.size()));
-      Trouvés.push_back(Nom + ", processus " + Numéro);
-      break;
-    }
-  }
-  return Trouvés;
-}
-
-std::string Énumérer(const std::vector<std::string>& Textes) {
-  std::string Suite;
-  for (const std::string& Texte : Textes) Suite += (Suite.empty() ? "" : " ; ") + Texte;
-  return Suite;
-}
-
 std::vector<std::string> NomsPorts(const LieuxMachine& Lieux) {
   std::vector<std::string> Noms;
   for (const Ombrey::PortTrouvé& Port : Ombrey::PortsListésDans(Lieux.Ports))
@@ -113,7 +88,8 @@ std::string RemèdePort(const std::string& Appareil, const std::string& Refus, c
     return "branchez l'adaptateur, ou choisissez un autre port ; la machine a : " +
            (Présents.empty() ? "aucun port série"s : Présents);
   }
-  if (!Eux.empty()) return "arrêtez ce qui le tient : " + Énumérer(Eux);
+  if (!Eux.empty())  // the refusal may have told their names
+    return "arrêtez ce qui le tient" + (Refus.find(Eux.front()) == std::string::npos ? " : " + Énumérer(Eux) : ""s);
   if (access(Appareil.c_str(), R_OK | W_OK) != 0)
     return "débranchez et rebranchez l'adaptateur, puis regardez « ls -lL " + PourCommande(Appareil) + " »";
   return "sudo fuser -v " + PourCommande(Appareil) + " montre qui le tient ; vérifiez câble et adaptateur";
@@ -123,8 +99,7 @@ void ExaminerPort(const Ombrey::RéglagesPort& Réglages, const Options& Choisie
                   std::vector<Constat>& Constats) {
   constexpr const char* Sujet = "port";
   const std::string Appareil = Ombrey::CheminDuPort(Réglages.Port);
-  const dev_t Identité = Ombrey::IdentitéAppareil(Appareil);
-  const std::vector<std::string> Eux = Identité == 0 ? std::vector<std::string>() : Tenants(Identité);
+  const std::vector<std::string> Eux = Ombrey::Tenants(Ombrey::IdentitéAppareil(Appareil));
   // A station that works on these settings holds the port by right.
   const auto Station = Choisies.Dossier.empty() ? std::nullopt : Ombrey::OccupantDossier(Choisies.Dossier);
   if (Station && std::ranges::find(Eux, *Station) != Eux.end()) {

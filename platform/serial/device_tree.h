@@ -4,8 +4,10 @@
 #include <sys/types.h>
 
 #include <filesystem>
+#include <limits>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace Ombrey {
 
@@ -17,6 +19,14 @@ struct RacinesSystème {
 
 /// The first line of a file, without the blanks at its end; empty when there is none.
 [[nodiscard]] std::string PremièreLigne(const std::filesystem::path& Fichier);
+
+/// Number of the device behind a path, 0 when there is none.
+[[nodiscard]] dev_t IdentitéAppareil(const std::string& Chemin);
+
+/// The processes that have the device open, but for one of them, as far as this account may see: "tarvel, processus
+/// 4711". The search looks so often and no further, and waits for nothing.
+[[nodiscard]] std::vector<std::string> Tenants(dev_t Appareil, pid_t Sauf = 0,
+                                               int Regards = std::numeric_limits<int>::max());
 
 /// The adapter that bears a port. What it doesn't tell is empty.
 struct AdaptateurUsb {

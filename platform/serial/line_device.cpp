@@ -20,6 +20,7 @@
 
 #include "base/failures.h"
 #include "base/system_error.h"
+#include "base/text_helpers.h"
 #include "contracts/octets.h"
 #include "platform/serial/line_mode.h"
 
@@ -36,6 +37,9 @@ constexpr int RéglagesRefusés = -1;
 
 /// How long after the coming of a device udev's rule may take to open it to its group.
 constexpr auto DélaiDroit = std::chrono::milliseconds(500);
+
+/// How many open files are looked at for whoever holds a port: 40 ms of the loop's time, and plenty for a post.
+constexpr int RegardsAuPlus = 10'000;
 
 /// What an adapter takes as accepted and can't do, where its driver is known to say nothing of it.
 struct LimitePilote {
@@ -63,6 +67,12 @@ std::string Conseil(const std::string& Chemin) {
   return ConseilDroit(État.st_mode, Groupe->gr_name, Qui);
 }
 
+/// Who else has the device open, to stand behind a word; empty where that isn't to be seen.
+std::string ParQui(const std::string& Chemin) {
+  const std::string Eux = Énumérer(Tenants(IdentitéAppareil(Chemin), getpid(), RegardsAuPlus));
+  return Eux.empty() ? "" : " : " + Eux;
+}
+
 [[noreturn]] void Refuser(const AdressePort& Adresse, int Numéro) {
   const std::string Port = "Le port " + Désignation(Adresse);
   switch (Numéro) {
@@ -74,7 +84,7 @@ std::string Conseil(const std::string& Chemin) {
       throw ErreurExécution(Port + " ne répond pas : il n'y a pas d'appareil derrière lui.");
     case EBUSY:
     case EWOULDBLOCK:
-      throw ErreurExécution(Port + " est déjà utilisé par un autre programme.");
+      throw ErreurExécution(Port + " est déjà utilisé par un autre programme" + ParQui(Adresse.Chemin) + ".");
     case EACCES:
       throw ErreurExécution("Vous n'avez pas le droit d'utiliser le port " + Désignation(Adresse) + "." +
                             Conseil(Adresse.Chemin));
@@ -141,11 +151,6 @@ class AttentesBrèves {
 };
 
 }  // namespace
-
-dev_t IdentitéAppareil(const std::string& Chemin) {
-  struct stat État {};
-  return stat(Chemin.c_str(), &État) == 0 && S_ISCHR(État.st_mode) ? État.st_rdev : dev_t{0};
-}
 
 bool AttendSonDroit(const std::string& Chemin) {
   struct stat État {};

@@ -57,9 +57,6 @@ class AppareilLiaison {
   bool PseudoTerminal_ = false;
 };
 
-/// Number of the device behind a path, 0 when there is none.
-[[nodiscard]] dev_t IdentitéAppareil(const std::string& Chemin);
-
 /// Whether a device that may not be used has come so short a time ago that the system may still be about to grant it.
 [[nodiscard]] bool AttendSonDroit(const std::string& Chemin);
 

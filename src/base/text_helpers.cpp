@@ -56,6 +56,12 @@ std::string MinusculesAscii(std::string_view Texte) {
   return Petites;
 }
 
+std::string Énumérer(const std::vector<std::string>& Textes) {
+  std::string Suite;
+  for (const std::string& Texte : Textes) Suite += (Suite.empty() ? "" : " ; ") + Texte;
+  return Suite;
+}
+
 std::string SupprZéroDébut(std::string Texte) {
   Texte.erase(0, std::min(Texte.find_first_not_of('0'), Texte.size()));
   return Texte;

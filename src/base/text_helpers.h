@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "contracts/system.h"
 
@@ -39,6 +40,9 @@ template <class Nombre>
   return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C;
 }
 [[nodiscard]] std::string MinusculesAscii(std::string_view Texte);
+
+/// "this ; that"
+[[nodiscard]] std::string Énumérer(const std::vector<std::string>& Textes);
 
 /// Drops all zeros at the front; a text of zeros gives the empty text.
 [[nodiscard]] std::string SupprZéroDébut(std::string Texte);

@@ -76,14 +76,15 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
 TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
   // What the plug-in says, the port's own word, and what is made of it.
   // clang-format off
-  const std::string Panne = "Erreur du port de communication au RG80.", Occupé = "Le port COM1: est occupé par minicom.";
+  const std::string Panne = "Erreur du port de communication au RG80.";
+  const std::string Occupé = "Le port COM1: (/dev/ttyS0) est déjà utilisé par un autre programme : minicom, processus 4711.";
   const std::string SansPort = "Aucun port n'est réglé (Station > Configurer le port)";
   const std::array<std::string, 3> Table[] = {
       {"Module initialisé.", "", "Le RG80 n'a pas encore été interrogé"},
       {"08:30:00 : Aucun chargement à récupérer.", "", "Le RG80 répond"},
       {"Echec de lecture de données du RG80 : Aucune réponse du RG80.", "", "Le RG80 est muet depuis 12 min"},
       {Panne, "", "Le port est en panne (depuis 12 min)"}, {Panne, Occupé, Occupé + " (depuis 12 min)"},
-      {"Mise à jour des cumuls : Exploitation : 12", "Le port COM1: est absent.", "Le RG80 répond"},
+      {"Mise à jour des cumuls : Exploitation : 12", "Le port COM1: (/dev/ttyS0) est absent de cette machine.", "Le RG80 répond"},
       {"Vérification. Erreur " + SansPort, "", SansPort}};
   // clang-format on
   for (const auto& [Dit, Port, Phrase] : Table) {

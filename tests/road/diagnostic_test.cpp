@@ -66,7 +66,8 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
   };
   const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
-  Constater("est déjà utilisé par un autre programme. À faire : arrêtez ce qui le tient : ");
+  Constater("est déjà utilisé par un autre programme : test_road, processus " + std::to_string(getpid()));
+  Constater("À faire : arrêtez ce qui le tient\n");
   {  // asked in the station itself, as from its menu
     P.Faire("$ mkdir poste");
     const VerrouDossier Sien(P.En("poste"));
