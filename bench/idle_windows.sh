@@ -5,7 +5,7 @@
 # the targets, 77 when not run for want of a tool.
 . "$(dirname "$(readlink -f "$0")")/setup.sh"
 seconds=${2:-60}
-max_permille=10 # of one core
+max_permille=2  # of one core
 max_start=1500  # milliseconds
 need_screen xdotool
 

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 #include <QWindow>
 #include <algorithm>
+#include <string>
 
 #include "base/files.h"
 #include "host/about.h"

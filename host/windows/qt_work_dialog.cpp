@@ -3,6 +3,7 @@
 
 #include <QPointer>
 #include <QVBoxLayout>
+#include <filesystem>
 #include <utility>
 
 #include "base/failures.h"

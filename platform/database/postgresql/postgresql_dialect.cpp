@@ -172,16 +172,16 @@ std::string TraduireEnPostgresql(std::string_view Sql, const Horloge& Maintenant
 std::vector<std::string_view> Instructions(std::string_view Script) {
   std::vector<std::string_view> Toutes;
   const char* Début = Script.data();
-  const auto Finir = [&](const char* Fin) {
+  const auto Ajouter = [&](const char* Fin) {
     const std::string_view Une(Début, static_cast<std::size_t>(Fin - Début));
     if (!EstRemplissage(Une)) Toutes.push_back(Une);
   };
   for (const Jeton& Un : Découper(Script)) {
     if (Un.Texte != ";") continue;
-    Finir(Un.Texte.data());
+    Ajouter(Un.Texte.data());
     Début = Un.Texte.data() + 1;
   }
-  Finir(Script.data() + Script.size());
+  Ajouter(Script.data() + Script.size());
   return Toutes;
 }
 
