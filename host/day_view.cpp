@@ -62,7 +62,7 @@ void Sommer(Journée& Jour) {
     SommeDuJour& Somme = Sommes[{Un.Appellation, Un.Classe}];
     ++Somme.Nombre;
     Somme.Masse += Un.Masse;
-    Somme.DegréHecto += Un.Masse * Un.Degré.value_or(0) / 100;
+    if (Un.Degré) Somme.DegréHecto = Somme.DegréHecto.value_or(0) + Un.Masse * *Un.Degré / 100;
     const auto Heure = static_cast<std::size_t>(std::clamp(std::atoi(Un.Heure.c_str()), 0, 23));
     Jour.MasseParHeure[Heure] += Un.Masse;
   }
@@ -187,7 +187,7 @@ Rangées TableauSommes(const Journée& Jour, const Ombrey::Régional& Formes) {
   Rangées Tableau{{"Appellation", "Classe", "Nombre", "kg", "Degré-hecto"}};
   for (const SommeDuJour& Une : Jour.Sommes)
     Tableau.push_back({Une.Appellation, Une.Classe, std::to_string(Une.Nombre), Entier(Une.Masse),
-                       TexteNombre(std::round(Une.DegréHecto * 10) / 10, Formes)});
+                       Une.DegréHecto ? TexteNombre(std::round(*Une.DegréHecto * 10) / 10, Formes) : ""});
   return Tableau;
 }
 

@@ -31,7 +31,7 @@ struct SommeDuJour {
   std::string Classe;
   std::size_t Nombre = 0;
   double Masse = 0;
-  double DegréHecto = 0;  ///< kg × % vol / 100, of the loads that have a degree
+  std::optional<double> DegréHecto;  ///< kg × % vol / 100, of the loads that have a degree; none when no load has one
 };
 
 /// An appellation that has quotas for the day, those of all groups together.

@@ -47,7 +47,7 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
       "3|2|14:05|520||Aligoté|Saine|Dupré Élise|Martin|\n3|2*|09:17|80|10|Aligoté|Saine|Dupré Élise|Martin|\n"
       "3|1|08:05|1480|12,5|Aligoté|Saine|Dupré Élise|Martin|\n";
   const std::string Quatre = "4|1|14:06|1 t||99 (inconnu)|8 (inconnu)|||\n";
-  const std::string Aligoté = "Aligoté|Saine|3|2080|193|\n", Inconnue = "99 (inconnu)|8 (inconnu)|1|0|0|\n";
+  const std::string Aligoté = "Aligoté|Saine|3|2080|193|\n", Inconnue = "99 (inconnu)|8 (inconnu)|1|0||\n";
   const struct {
     const char *Site, *Mots;
     std::string Chargements, Sommes;
@@ -56,6 +56,7 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
                {"3", "", Deux, Aligoté, 520},
                {"4", "", Quatre, Inconnue, 0},
                {"", "ÉLISE  8:05", Deux.substr(Deux.rfind("3|1")), "Aligoté|Saine|1|1480|185|\n", 0},
+               {"", "14:05", Deux.substr(0, Deux.find("3|2*")), "Aligoté|Saine|1|520||\n", 520},
                {"", "inconnu", Quatre, Inconnue, 0},
                {"", "aligoté zzz", "", "", 0}};
   for (const auto& Cas : Table) {
