@@ -25,7 +25,8 @@ class IBoucle {
   /// Lets one event run, or waits until one comes or AttenteMax is over; costs no processor time meanwhile.
   /// True when an event ran. A negative AttenteMax counts as zero.
   virtual bool Pomper(std::chrono::nanoseconds AttenteMax) = 0;
-  /// For whoever waits without pumping: windows paint themselves, and nothing else happens.
+  /// For whoever waits without pumping: windows paint themselves under an hourglass, which the next Pomper takes away;
+  /// nothing else happens.
   virtual void Peindre() {}
 };
 

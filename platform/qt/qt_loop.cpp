@@ -82,6 +82,7 @@ void BoucleQt::Garder(const Action& Faire) {
 
 /// Delays that are due only join the queue here; descriptors wait.
 void BoucleQt::Peindre() {
+  Sablier_.Fixer(true);
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
@@ -98,7 +99,9 @@ bool BoucleQt::Pomper(std::chrono::nanoseconds AttenteMax) {
 }
 
 /// Lets Qt serve what is waiting, or wait for something. True when it served anything but the end of the wait.
+/// Whoever waited without pumping is back when this runs.
 bool BoucleQt::LaisserQt(std::chrono::milliseconds AttenteMax) {
+  Sablier_.Fixer(false);
   bool Écoulé = false;
   QTimer Réveil;
   QEventLoop::ProcessEventsFlags Drapeaux = QEventLoop::AllEvents;

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "platform/loop/loop.h"
+#include "platform/qt/qt_hourglass.h"
 
 namespace Ombrey {
 
@@ -33,6 +34,7 @@ class BoucleQt : public IBoucle {
 
   std::deque<Action> Posées_;
   std::deque<std::shared_ptr<Source>> Prêtes_;
+  SablierQt Sablier_;    ///< held from a painting to the next pump
   int Imbrication_ = 0;  ///< how many times Qt's dispatch stands on the stack
 };
 

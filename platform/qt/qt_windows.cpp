@@ -53,7 +53,7 @@ RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& 
     return Boutons == BoutonsBoîte::Ok ? RéponseBoîte::Ok : RéponseBoîte::Annuler;
   }
   const std::string Précision = Contexte_.Témoins.Boîte ? Contexte_.Témoins.Boîte(Titre, Texte) : "";
-  const bool Sablier = Sablier_;
+  const bool Sablier = Sablier_.EstTenu();
   FixerSablier(false);
   const RéponseBoîte Réponse =
       DemanderParBoîte(Contexte_, Texte + (Précision.empty() ? "" : "\n") + Précision, Titre, Boutons);
@@ -64,14 +64,6 @@ RéponseBoîte FenêtresQt::Boîte(const std::string& Texte, const std::string& 
 bool FenêtresQt::Avancer(const Avancement& Où) {
   const auto Sienne = Progression_.lock();
   return !Sienne || Sienne->Avancer(Où);
-}
-
-void FenêtresQt::FixerSablier(bool Sablier) {
-  if (std::exchange(Sablier_, Sablier) == Sablier) return;
-  if (Sablier)
-    QApplication::setOverrideCursor(Qt::WaitCursor);
-  else
-    QApplication::restoreOverrideCursor();
 }
 
 void FenêtresQt::PoserImages(const std::vector<Image>& Tailles) {

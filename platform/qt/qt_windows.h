@@ -13,6 +13,7 @@
 
 #include "contracts/system.h"
 #include "contracts/toolkit.h"
+#include "platform/qt/qt_hourglass.h"
 #include "platform/qt/qt_window.h"
 
 namespace Ombrey {
@@ -26,11 +27,10 @@ class FenêtresQt : public IFenêtres {
   FenêtresQt(BoucleQt& Boucle, std::filesystem::path DossierTravail);
   FenêtresQt(const FenêtresQt&) = delete;
   FenêtresQt& operator=(const FenêtresQt&) = delete;
-  ~FenêtresQt() override { FixerSablier(false); }
 
   RéponseBoîte Boîte(const std::string& Texte, const std::string& Titre, BoutonsBoîte Boutons) override;
   /// A state, not a count: one call with false puts the pointer back. An open box shows the normal pointer.
-  void FixerSablier(bool Sablier) override;
+  void FixerSablier(bool Sablier) override { Sablier_.Fixer(Sablier); }
   void PoserImages(const std::vector<Image>& Tailles) override;
   [[nodiscard]] std::unique_ptr<IImprimante> OuvrirImprimante() override;
   [[nodiscard]] std::unique_ptr<IVueSuiviChargnt> CréerVueSuivi(IGestesSuivi& Gestes, const std::string& Légende,
@@ -62,7 +62,7 @@ class FenêtresQt : public IFenêtres {
   ContexteQt Contexte_;
   std::filesystem::path DossierTravail_;
   bool RépondSeul_ = false;
-  bool Sablier_ = false;
+  SablierQt Sablier_;
   std::weak_ptr<ProgressionQt> Progression_;  ///< of the transfer window that lives
   QIcon Image_;
   QObject Garde_;  ///< the screens

@@ -48,6 +48,13 @@ TEST_F(BoucleDeQt, RunsOneEventAPumpGesturesFirstAndLetsFailuresOut) {
   EXPECT_FALSE(Boucle.Pomper(-5ms));
 }
 
+TEST_F(BoucleDeQt, WhoeverWaitsWithoutPumpingShowsAnHourglassUntilTheNextPump) {
+  for (const bool Attente : {true, true, false, true, false}) {
+    Attente ? Boucle.Peindre() : Vider();
+    EXPECT_EQ(QApplication::overrideCursor() != nullptr, Attente);
+  }
+}
+
 TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
   const auto Veille = Surveiller([&] {
     Trace += '.';
