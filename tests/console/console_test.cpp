@@ -218,7 +218,8 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
   const std::string Serveur = "[Tarvel]\nBase=postgresql://h/cave\nDossier=d\n";
   const std::tuple<std::string, Arguments, std::string> Cas[] = {
       // clang-format off
-      {"", {"--base", "b"}, "il manque --ini"}, {"", {"--help", "traînard"}, "  "}, {"", {"--version"}, "  "},
+      {"", {}, "il manque --ini"},
+      {"", {"--base", "b"}, "il manque --ini"},
       {"", {"--ini", Ini}, "il manque --base, ou la clé Base dans la section [Tarvel] de " + Ini},
       {"", {"--ini", "i", "--base"}, "--base veut une valeur : B"},
       {"", {"--base", "", "--ini", "i"}, "--base veut une valeur : B"},
@@ -249,6 +250,15 @@ TEST(Options, AreReadFromTheLineAndTheSettingsFileOrRefusedWithAReason) {
     std::ofstream(Ini) << Réglages;
     EXPECT_EQ(Lues(Donnés), Attendu);
   }
+}
+
+TEST(Options, TellWhatIsToBeDone) {
+  const Tarvel::Options Voulues = Choisies("/d", {"--duree", "9", "--sans-operateur"});
+  EXPECT_TRUE(Voulues.SansOpérateur);
+  EXPECT_FALSE(Voulues.Console);
+  EXPECT_EQ(Voulues.Durée, 9s);
+  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--help", "traînard"}).QueFaire, Tarvel::Tâche::Aide);
+  EXPECT_EQ(Tarvel::LireOptions(Arguments{"--version"}).QueFaire, Tarvel::Tâche::Version);
 }
 
 std::string Réglages(const std::string& Port) {

@@ -55,6 +55,15 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
   EXPECT_EQ(Copies(), 1);
 }
 
+TEST_F(Schema, RefusesALaterProgramsBase) {
+  MettreAJourSchéma(*Connexion_);
+  Connexion_->Exécuter("UPDATE Schéma SET Numéro = 7");
+  EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
+            "La base « " + Fichier_.string() +
+                " » est celle d'une version plus récente de tarvel (schéma n° 7, et cette version connaît le n° 6) : "
+                "installez-la sur ce poste");
+}
+
 struct Sommes : SurChaqueMoteur {
   const bool EstUnFichier = Moteur_ != Ombrey::Essais::Moteur::Postgresql;
 

@@ -52,21 +52,45 @@ TEST_F(Import, AGoodFrameBecomesTheHostsLineWhateverStandsBehindItAndInPlaceOfIt
   }
 }
 
-TEST_F(Import, AFieldIsReworkedAndALoadWithoutAHoldingListed) {
-  const std::tuple<std::size_t, const char*, const char*> Table[] = {
-      {17, "6x", "1;12;19/09/08 08:30;22/09/2026 08:30:00;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;"},
-      {45, "000", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;0;2;1234;7;0;01;;"},
-      {45, "12000034000", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;12;;0034;;0;01;;"},
-      {19, "0001x3", ""}};
-  for (const auto& [Position, Valeur, Ligne] : Table) EXPECT_EQ(Record(Position, Valeur), Ligne);
-  EXPECT_EQ(Canal.Erreurs, Mots{"Code exploitation introuvable : /01x3/0456/100.0000/007"});
+TEST_F(Import, OneRightChecksumCharacterIsNotEnough) {
+  for (const char* Faux : {"<:", "=;"}) {
+    EXPECT_EQ(Traiter("\x02" + RecordModèle + "\x03" + Faux), "");
+    EXPECT_EQ(Réponse, Octets(1, NAK));
+    EXPECT_TRUE(Tampon.EstVide());
+  }
+}
+
+TEST_F(Import, AFieldIsReworkedOrRefusedOnItsOwn) {
+  struct Cas {
+    std::size_t Position;
+    std::string Valeur, Ligne;
+    Mots Dits;  ///< errors and boxes
+  };
+  const Cas Table[] = {
+      {17, "6x", "1;12;19/09/08 08:30;22/09/2026 08:30:00;5001;Chardonnay;05;01;12,5;2;1234;7;0;01;;", {}},
+      {45, "000", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;0;2;1234;7;0;01;;", {}},
+      {45, "12000034000", "1;12;19/09/08 08:30;19/09/08 09:15;5001;Chardonnay;05;01;12;;0034;;0;01;;", {}},
+      {19, "0001x3", "", {"Code exploitation introuvable : /01x3/0456/100.0000/007"}},
+      {45,
+       "9e9",
+       "",
+       {"RG80 Ombrey | TraiterDonnéesReçues : Dépassement de capacité : degré « 9e9 » du chargement n° 12"}}};
+  for (const Cas& C : Table) {
+    EXPECT_EQ(Record(C.Position, C.Valeur), C.Ligne);
+    EXPECT_EQ(Réponse, Octets(1, ACK));
+    EXPECT_EQ(Tampon.EstVide(), !C.Ligne.empty()) << C.Valeur;
+    const Mots Boîtés = Fenêtres.Dites();
+    Canal.Erreurs.insert(Canal.Erreurs.end(), Boîtés.begin(), Boîtés.end());
+    EXPECT_EQ(std::exchange(Canal.Erreurs, {}), C.Dits);
+  }
 }
 
 TEST_F(Import, TheHoldingIsChosenByShareThenByGroup) {
   Exécuter(
-      "INSERT INTO Coopérateur VALUES ('200','A',''),('0201','B',''),('202','C',''); INSERT INTO Métayage VALUES"
+      "INSERT INTO Métayage VALUES"
       " ('6001','000200','201',33.3333,11,'8'),('6002','200','201',66.5,12,'7'),('6003','200','201',33,13,NULL),"
-      " ('6004','200','201',50,14,'009'),('6010','201','201',100,15,NULL),('6020','200','202',12,16,NULL)");
+      " ('6004','200','201',50,14,'009'),('6010','201','201',100,15,NULL),('6020','200','202',12,16,NULL);"
+      "INSERT INTO Coopérateur VALUES ('200','A',''),('0201','B',''),('202','C','')");
   // clang-format off
   const std::array<const char*, 5> Table[] = {
       {"000200", "000201", "033.0000", "007", "6001"},   // whole numbers count, the first of two wins
@@ -77,8 +101,9 @@ TEST_F(Import, TheHoldingIsChosenByShareThenByGroup) {
       {"000200", "000202", "099.0000", "007", "6020"},   // the pair's only holding
       {"000000", "000201", "099.0000", "007", "6010"}};  // no owner: the harvester with himself
   // clang-format on
-  for (const auto& [Propriétaire, Récoltant, Part, Groupe, Code] : Table)
+  for (const auto& [Propriétaire, Récoltant, Part, Groupe, Code] : Table) {
     EXPECT_EQ(Vérifier(Propriétaire, Récoltant, Part, Groupe), Code) << Part;
+  }
   EXPECT_TRUE(Canal.Messages.empty());
   EXPECT_TRUE(Hôte->Coopérateurs.empty());
 }

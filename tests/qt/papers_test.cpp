@@ -1,4 +1,4 @@
-// The day and the error list as PDF, read back by another program, and the page that shows the line.
+// The day as PDF, read back by another program, and the page that shows the line.
 #include <fcntl.h>
 
 #include <QCheckBox>
@@ -13,15 +13,14 @@
 #include "host/windows/qt_paper.h"
 #include "host/windows/qt_papers.h"
 #include "host/windows/qt_save_dialog.h"
-#include "monitor/error_printout.h"
 #include "platform/loop/descriptor.h"
 #include "tests/qt/qt_fixture.h"
 
 namespace Ombrey::Essais {
 
-static QString PagesDe(const std::filesystem::path& Fichier, const char* Comment = "-layout") {
+static QString PagesDe(const std::filesystem::path& Fichier) {
   QProcess Lecteur;
-  Lecteur.start("pdftotext", {Comment, QString::fromStdString(Fichier), "-"});
+  Lecteur.start("pdftotext", {"-layout", QString::fromStdString(Fichier), "-"});
   Lecteur.waitForFinished();
   return QString::fromUtf8(Lecteur.readAllStandardOutput());
 }
@@ -54,48 +53,6 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
   const QString Ticket = PagesDe(Dossier.Chemin() / "ticket.pdf").simplified();
   for (const char* Dit : {"Chargement n° 1005", "1000 kg", "Page 1 / 1"}) EXPECT_TRUE(Ticket.contains(Dit)) << Dit;
   EXPECT_THROW(ÉcrirePdf("x", QPageSize::A4, Dossier.Chemin() / "absent/x.pdf"), ErreurExécution);
-}
-
-TEST_F(Bureau, FiveHundredErrorsComeOntoTheirPagesEachOnceAndWholeOrItIsSaidThatTheyCannot) {
-  if (QStandardPaths::findExecutable("pdftotext").isEmpty()) GTEST_SKIP() << "pdftotext isn't installed";
-  LesVraies.OuvrirImprimante()->Imprimer("abandonnée");
-  EXPECT_TRUE(std::filesystem::is_empty(Dossier.Chemin()));
-  std::deque<std::string> Erreurs;
-  QString Attendu;
-  for (int Rang = 0; Rang < 500; ++Rang) {
-    std::string Erreur = "08:30:00 : Erreur n° " + std::to_string(Rang);
-    for (int Fois = Rang % 5 == 0 ? Rang / 3 : Rang % 7 * 4; Fois > 0; --Fois) Erreur += " refusé";
-    Attendu.prepend(QString::fromStdString(Erreur).remove(' '));
-    Erreurs.push_back(Erreur);
-  }
-  Attendu.prepend("22/09/202608:30:00-Listedeserreurssurvenues:______________________________");
-  Dès("Liste des erreurs", [&](QWidget& Boîte) {
-    Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString();
-    Cadre(Boîte);
-  });
-  const auto Imprimante = LesVraies.OuvrirImprimante();
-  ImprimerErreurs(*Imprimante, {2026, 9, 22, 8, 30, 0}, Erreurs);
-  static const QRegularExpression Signe(
-      R"re(<page width="(.*)" height="(.*)">|<word xMin=".*" yMin=".*" xMax="(.*)" yMax="(.*)">(.*)</word>)re");
-  QString Lu;
-  double Large = 0, Haute = 0, Bas = 0;
-  for (const auto& Un : Signe.globalMatch(PagesDe(Trace.substr(Trace.find('\n') + 1), "-bbox"))) {
-    const auto Nombre = [&](int Rang) { return Un.captured(Rang).toDouble(); };
-    if (Un.hasCaptured(5)) {
-      Lu += Un.captured(5);
-      Bas = Nombre(4);
-      EXPECT_LT(Nombre(3), Large);
-      EXPECT_LT(Bas, Haute);
-      continue;
-    }
-    EXPECT_GE(Bas, Haute * 0.7) << "paper is wasted";
-    Large = Nombre(1);
-    Haute = Nombre(2);
-    Bas = 0;
-  }
-  EXPECT_EQ(Lu, Attendu);
-  std::filesystem::remove_all(Dossier.Chemin());
-  EXPECT_THROW(Imprimante->TerminerDocument(), ErreurExécution);
 }
 
 /// A program of this text does the work.

@@ -36,7 +36,6 @@ TEST(Start, SaysWhatIsWrongWithSettingsOrDatabaseAndGoesOnIfItCan) {
       {"$ : > cave.db", "tarvel : ", "le fichier est vide", 1},
       {"$ yes | head -c 5000 > cave.db", "tarvel : ", "pas une base de données", 1},
       {"DROP TABLE Métayage", "tarvel : ", "Il manque : Métayage", 1},
-      {"UPDATE Schéma SET Numéro = 7", "tarvel : ", "version plus récente de tarvel (schéma n° 7, et cette version connaît le n° 6)", 1},
       // clang-format on
   };
   for (auto& C : Cas) {
