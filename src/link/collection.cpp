@@ -91,7 +91,7 @@ void Collecte::OuvrirFichierErreurs() {
 }
 
 bool Collecte::DemanderChargement() {
-  Échange_.FaireTaire();
+  Échange_.FaireTaire(Doute::Rang::Première);
   return Accordé(Requête(Octets(CodeDemande)), Phrase::RienÀRécupérer);
 }
 

@@ -8,13 +8,13 @@ std::chrono::milliseconds Doute::Silence() const {
   return std::chrono::milliseconds(static_cast<std::int32_t>(Système_.Tics() - Depuis_));
 }
 
-std::chrono::milliseconds Doute::SilenceManquant() const {
-  return Niveau_ == Niveau::Trouble ? DélaiRéponse - Silence() : std::chrono::milliseconds(0);
+std::chrono::milliseconds Doute::SilenceManquant(Rang Demande) const {
+  const bool SeCalme = Niveau_ == Niveau::Reprise && Entendu_ && Demande == Rang::Première;
+  return Niveau_ == Niveau::Trouble || SeCalme ? DélaiRéponse - Silence() : std::chrono::milliseconds(0);
 }
 
 bool Doute::EstCopie(const Octets& Trame) {
   const bool Copie = !EstCalme() && !Trame.EstVide() && Trame == Acquittée_;
-  if (Copie && Niveau_ == Niveau::Reprise) NoterSansRéponse();
   Copies_ = Copie ? Copies_ + 1 : 0;
   return Copie && Copies_ <= CopiesLaissées;
 }

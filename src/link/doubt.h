@@ -17,17 +17,20 @@ namespace Ombrey {
 /// heard and then nothing for as long as an answer may take, and once a request behind that was answered.
 class Doute {
  public:
+  /// Where a request stands in its dialogue: between two dialogues the terminal's driver waits for nothing.
+  enum class Rang { Première, Suivante };
+
   explicit Doute(const ISystème& Système) : Système_(Système) {}
 
   /// What comes next can't be the answer to an older request.
   [[nodiscard]] bool EstCalme() const { return Niveau_ == Niveau::Calme; }
   /// Since the last character, or the end of the last wait in vain.
   [[nodiscard]] std::chrono::milliseconds Silence() const;
-  /// The silence that is still lacking before the next request; zero or less when it may go.
-  [[nodiscard]] std::chrono::milliseconds SilenceManquant() const;
+  /// The silence that is still lacking before this request; zero or less when it may go.
+  [[nodiscard]] std::chrono::milliseconds SilenceManquant(Rang Demande) const;
   /// True for the last acknowledged frame while the line isn't calm: it can be the answer to an older request, and an
-  /// ACK would remove the load behind it. It shows that a new line is a troubled one. A load whose ACK was lost on a
-  /// line that never gets calm must not block the queue: behind CopiesLaissées it is taken for what it says.
+  /// ACK would remove the load behind it. A load whose ACK was lost on a line that never gets calm must not block the
+  /// queue: behind CopiesLaissées it is taken for what it says.
   [[nodiscard]] bool EstCopie(const Octets& Trame);
 
   void Acquitter(const Octets& Trame) {
@@ -42,8 +45,8 @@ class Doute {
   void NoterSansRéponse();
   /// A request is about to go.
   void NoterDemande();
-  /// The line is taken over: somebody else may have asked on it a moment ago. Nothing says so: no request waits for
-  /// silence, but the line isn't calm until it has been silent.
+  /// The line is taken over: somebody else may have asked on it a moment ago. Nothing says so: the line isn't calm
+  /// until it has been silent. Once something was heard, the next dialogue waits for that, and no request within it.
   void NoterReprise() {
     if (EstCalme()) Niveau_ = Niveau::Reprise;
   }

@@ -72,7 +72,7 @@ bool Échange::Relever() {
   return TamponRéception_.Taille() > Avant;
 }
 
-void Échange::FaireTaire() {
+void Échange::FaireTaire(Doute::Rang Demande) {
   ISystème& Système = État_.Plateforme.Système();
   const std::uint32_t Début = Système.Tics();
   Relever();
@@ -80,7 +80,7 @@ void Échange::FaireTaire() {
     TamponRéception_.Vider();
     if (Doute_.EstÀDire()) État_.Canal.AjouterMessage(TexteInattendus, false);
     const std::chrono::milliseconds Écoulé(static_cast<std::int32_t>(Système.Tics() - Début));
-    const auto Reste = std::min(Doute_.SilenceManquant(), AttenteSilenceMax - Écoulé);
+    const auto Reste = std::min(Doute_.SilenceManquant(Demande), AttenteSilenceMax - Écoulé);
     if (Reste.count() <= 0) break;
     Système.Pomper(Reste);
     if (État_.Abandon) return;
@@ -187,7 +187,7 @@ std::optional<CodeÉchange> Échange::Reconnaître(const Attente& Demande, Octet
 
 bool Échange::RéponseÀLaRequêteDeTest() {
   if (!PortComm_) return false;
-  FaireTaire();
+  FaireTaire(Doute::Rang::Suivante);
   // Only an answer at the head of the buffer counts.
   Attente Test = Requête(Octets(std::to_string(FichierRéponse)));
   std::swap(Test.Motif1, Test.Motif3);

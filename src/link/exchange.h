@@ -62,7 +62,7 @@ class Échange {
   /// Comes ahead of every request, so that what is taken for its answer was said behind it: drops what has come, and
   /// while an older request can still be answered waits until the terminal has been silent for as long as it may take
   /// to answer, ten seconds at most. The operator is told once what was dropped. Pumps.
-  void FaireTaire();
+  void FaireTaire(Doute::Rang Demande);
 
   /// Sends, then watches the reception buffer for the patterns, in their order, until one matches or the time is up.
   /// Réponse receives the whole buffer on a match and is untouched otherwise. Pumps: anything may happen meanwhile.

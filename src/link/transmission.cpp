@@ -34,7 +34,7 @@ Transmission::Suite Transmission::EnvoyerLigne(Octets& Ligne) {
 }
 
 bool Transmission::Annoncer() {
-  Échange_.FaireTaire();
+  Échange_.FaireTaire(Doute::Rang::Suivante);
   Octets Réponse;
   const CodeÉchange Code = Échange_.AttendreRéponse(Requête(Code_), Réponse);
   Erreur_ = Code == CodeÉchange::Motif4 ? Phrase::PasPrêt : TextePanne(Code);
