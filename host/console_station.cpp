@@ -133,7 +133,7 @@ std::string ÉditionConsole::TexteÉtat() const {
   std::string Laquelle = TexteBase(Options_.NomBase(), EstSurServeur);
   if (!Base_) return Liaison + Laquelle;
   Ombrey::ErreurEnAttente Erreur;
-  const bool Lue = Ignorer(Erreur, [&] {
+  const bool Lue = Garder(Erreur, [&] {
     Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
     const Journée Jour = LireJour("");
     if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;

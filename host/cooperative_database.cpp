@@ -132,7 +132,7 @@ bool EtatBdDTarvel::TableImporter(const std::string& Titre, const std::string& F
   for (const ChargementImporté& Chargement : Importés) {
     // The load is on the disk: what a listener meets afterwards is no failure of the import.
     Ombrey::ErreurEnAttente DeLÉcouteur;
-    if (!Ignorer(DeLÉcouteur, [&] { Annoncer(Chargement); }))
+    if (!Garder(DeLÉcouteur, [&] { Annoncer(Chargement); }))
       std::cerr << "tarvel : annonce d'un chargement importé : " << DeLÉcouteur.Texte() << std::endl;
   }
   return Drapeau;

@@ -97,9 +97,9 @@ std::vector<ValeurChamp> Rangée(const Instruction& Requête, const Table& Sienn
 }
 
 /// Rows are written and read again: each counts twice.
-class Compte {
+class Décompte {
  public:
-  Compte(IConnexion& Source, const Ombrey::Progrès& Dire) : Dire_(Dire) {
+  Décompte(IConnexion& Source, const Ombrey::Progrès& Dire) : Dire_(Dire) {
     for (const std::string Nom : TablesCoopérative()) {
       const auto Nombre = Ombrey::Comme<std::int64_t>(Source.Lire("SELECT COUNT(*) FROM " + Nom));
       Total_ += 2 * static_cast<std::size_t>(Nombre.value_or(0));
@@ -128,14 +128,14 @@ Instruction PréparerAjout(IConnexion& Cible, const Table& Sienne, std::size_t L
   return Cible.Préparer("INSERT INTO " + Sienne.Nom + " (" + Sienne.Noms() + ") VALUES " + Places + ")");
 }
 
-std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte& LeCompte) {
+std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Décompte& LeDécompte) {
   Instruction Ajout = PréparerAjout(Cible, Sienne, Lot);
-  Instruction Lecture = Sienne.Lire(Source);
+  Instruction Lignes = Sienne.Lire(Source);
   std::vector<ValeurChamp> Valeurs;
   std::size_t Nombre = 0;
-  for (; Lecture.Avancer(); ++Nombre) {
-    for (ValeurChamp& Une : Rangée(Lecture, Sienne)) Valeurs.push_back(std::move(Une));
-    LeCompte.Avancer();
+  for (; Lignes.Avancer(); ++Nombre) {
+    for (ValeurChamp& Une : Rangée(Lignes, Sienne)) Valeurs.push_back(std::move(Une));
+    LeDécompte.Avancer();
     if ((Nombre + 1) % Lot != 0) continue;
     Ajout.Lier(Valeurs).Exécuter();
     Valeurs.clear();
@@ -145,14 +145,14 @@ std::size_t CopierLignes(IConnexion& Source, IConnexion& Cible, const Table& Sie
 }
 
 /// Row by row; a number may be whole on one side and have decimals of zero on the other.
-void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Compte& LeCompte) {
+void Comparer(IConnexion& Source, IConnexion& Cible, const Table& Sienne, Décompte& LeDécompte) {
   Instruction Ici = Sienne.Lire(Source);
   Instruction Là = Sienne.Lire(Cible);
   for (;;) {
     const bool YEnA = Ici.Avancer();
     bool EstPareil = YEnA == Là.Avancer();
     if (EstPareil && !YEnA) return;
-    LeCompte.Avancer();
+    LeDécompte.Avancer();
     if (EstPareil) EstPareil = std::ranges::equal(Rangée(Ici, Sienne), Rangée(Là, Sienne), {}, TexteDe, TexteDe);
     if (!EstPareil)
       throw ErreurExécution("La copie de la table " + Sienne.Nom + " diffère de l'original : rien n'est gardé");
@@ -182,13 +182,13 @@ std::string CopierBase(const std::string& De, const std::string& Vers, const Omb
   std::optional<Ombrey::Transaction> PersonneNEcrit;
   if (!Source->EstEnLectureSeule()) PersonneNEcrit.emplace(*Source);
   std::string Fait = "La base « " + De + " » est copiée dans « " + Vers + " » :";
-  Compte LeCompte(*Source, Dire);
+  Décompte LeDécompte(*Source, Dire);
   CréerBase(Vers, [&](IConnexion& Cible) {
     for (const std::string Nom : TablesCoopérative()) {
       Cible.Exécuter("DELETE FROM " + Nom);
       const Table Sienne = PréparerTable(*Source, Cible, Nom);
-      const std::size_t Nombre = CopierLignes(*Source, Cible, Sienne, LeCompte);
-      Comparer(*Source, Cible, Sienne, LeCompte);
+      const std::size_t Nombre = CopierLignes(*Source, Cible, Sienne, LeDécompte);
+      Comparer(*Source, Cible, Sienne, LeDécompte);
       Fait += "\n  " + Nom + " : " + std::to_string(Nombre);
     }
     Fait += Laissées(*Source, Cible);

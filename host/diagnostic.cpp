@@ -155,7 +155,7 @@ void ExaminerDroits(Ombrey::IConnexion& Connexion, std::vector<Constat>& Constat
   if (Connexion.SonFichier() || NuméroSchémaDe(Connexion) != NuméroSchéma) return;
   constexpr const char* Remède = "le propriétaire des tables les donne par GRANT : docs/server.md, « Rights »";
   Ombrey::ErreurEnAttente Refus;
-  const bool LesA = Ignorer(Refus, [&] { VérifierDroits(Connexion); });
+  const bool LesA = Garder(Refus, [&] { VérifierDroits(Connexion); });
   const std::string Sans = SansSigneDeVie(Connexion);
   if (!LesA)
     Constats.push_back({Jugement::Mauvais, "droits", Refus.Texte(), Remède});

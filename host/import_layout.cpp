@@ -58,7 +58,7 @@ bool EstCommande(char C) {
 }
 
 /// No figure of a load is negative, and "9E99" is a fault of the line rather than a weight.
-std::optional<ValeurChamp> LireNombre(std::string Texte, const Régional& Formes) {
+std::optional<ValeurChamp> LireMesure(std::string Texte, const Régional& Formes) {
   if (Texte.find_first_of("+-eE") != std::string::npos || !NormaliserNombre(Texte, Formes)) return std::nullopt;
   return EnRéel(Texte, Formes);
 }
@@ -77,7 +77,7 @@ std::optional<ValeurChamp> Interpréter(GenreValeur Genre, const std::string& Te
     case GenreValeur::Entier:
       return EntierSimple<std::int64_t>(Texte);
     case GenreValeur::Nombre:
-      return LireNombre(Texte, Système.FormesRégionales());
+      return LireMesure(Texte, Système.FormesRégionales());
     case GenreValeur::Date:
       return LireMoment(Texte, Système);
     case GenreValeur::Booléen:
@@ -110,7 +110,7 @@ ValeurImport LireValeur(const ColonneImport& Colonne, const std::string& Texte, 
 }
 
 /// What stands ahead of each separator. Every value is followed by one, the last too.
-std::vector<std::string> Découper(std::string_view Ligne, const std::string& Séparateur) {
+std::vector<std::string> ValeursDe(std::string_view Ligne, const std::string& Séparateur) {
   std::vector<std::string> Valeurs;
   while (!Ligne.empty()) {
     const std::size_t Place = Ligne.find(Séparateur);
@@ -157,7 +157,7 @@ DéfinitionImport LireDéfinition(Ombrey::IConnexion& Connexion, const std::stri
 }
 
 LigneImport LireLigne(const DéfinitionImport& Définition, std::string_view Ligne, const Ombrey::ISystème& Système) {
-  const std::vector<std::string> Textes = Découper(Ligne, Définition.Séparateur);
+  const std::vector<std::string> Textes = ValeursDe(Ligne, Définition.Séparateur);
   if (Textes.size() != Définition.Colonnes.size())
     throw ErreurContenu("Nombre de valeurs incorrect : " + std::to_string(Définition.Colonnes.size()) + " attendues, " +
                         std::to_string(Textes.size()) + " lues");

@@ -34,11 +34,11 @@ void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
   const auto Maintenant = Horloge::now();
   if (Maintenant - Dernière_ < EntreLignes || Faits == 0 || Total < Faits) return;
   Dernière_ = Maintenant;
-  const double Part = static_cast<double>(Faits) / static_cast<double>(Total);
+  const double Fraction = static_cast<double>(Faits) / static_cast<double>(Total);
   const double Passées = std::chrono::duration<double>(Maintenant - Début_).count();
   // Whoever reads it from elsewhere has no such key.
-  std::fprintf(stderr, "tarvel : %s : %.0f%s%.0f s%s\n", Nom_.c_str(), 100 * Part, EncoreTant.data(),
-               Passées / Part - Passées, isatty(STDERR_FILENO) != 0 ? " (Ctrl+C l'arrête)" : "");
+  std::fprintf(stderr, "tarvel : %s : %.0f%s%.0f s%s\n", Nom_.c_str(), 100 * Fraction, EncoreTant.data(),
+               Passées / Fraction - Passées, isatty(STDERR_FILENO) != 0 ? " (Ctrl+C l'arrête)" : "");
 }
 
 }  // namespace Tarvel

@@ -56,8 +56,8 @@ void OccuperFluxStandard() {
 }
 
 void SePlaindre(const std::string& Texte) {
-  const char* const Niveau = Ombrey::MèneAuJournal(STDERR_FILENO) ? "<3>" : "";
-  std::fprintf(stderr, "%starvel : %s\n", Niveau, Texte.c_str());
+  const char* const Gravité = Ombrey::MèneAuJournal(STDERR_FILENO) ? "<3>" : "";
+  std::fprintf(stderr, "%starvel : %s\n", Gravité, Texte.c_str());
 }
 
 /// The one place that chooses what the station looks like.
@@ -81,7 +81,7 @@ std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, 
   Ombrey::ErreurEnAttente SansDroit;
   const auto Compléter = [&] { Tarvel::CompléterArchive(*Connexion); };
   // Another station that starts may be at it: a second look finds its columns.
-  if (!Ignorer(SansDroit, Compléter) && !Ignorer(SansDroit, Compléter))
+  if (!Garder(SansDroit, Compléter) && !Garder(SansDroit, Compléter))
     Édition.Dire("ChargementArchive n'a pas toutes les colonnes de Chargement ; son propriétaire doit les ajouter. " +
                  SansDroit.Texte());
   return Connexion;

@@ -18,7 +18,7 @@ std::string ÉcrireNouveau(const std::filesystem::path& Fichier,
                           const std::function<std::string(const std::filesystem::path&)>& Écrire) {
   std::string Dit;
   Ombrey::ErreurEnAttente Échec;
-  const bool Écrit = Ignorer(Échec, [&] {
+  const bool Écrit = Garder(Échec, [&] {
     ExigerNouveau(Fichier);
     Dit = Écrire(Fichier);
   });

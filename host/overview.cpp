@@ -131,8 +131,7 @@ void Aperçu::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path
 
 /// A list that can't be kept is still shown.
 void Aperçu::GarderNonLus() {
-  Ombrey::ErreurEnAttente Ignorée;
-  if (!FichierNonLus_.empty()) Ignorer(Ignorée, [this] { EcrireNonLus(FichierNonLus_, NonLus_.Tous()); });
+  if (!FichierNonLus_.empty()) Ombrey::Ignorer([this] { EcrireNonLus(FichierNonLus_, NonLus_.Tous()); });
 }
 
 void Aperçu::NoterLigne(const std::string& Ligne) {

@@ -53,7 +53,7 @@ std::set<std::string> Faits(Ombrey::IConnexion& Connexion) {
 std::string DireManquants(const fs::path& Ancienne, const fs::path& Copie) {
   std::size_t Manquants = 0;
   Ombrey::ErreurEnAttente Illisible;
-  if (!Ignorer(Illisible, [&] {
+  if (!Garder(Illisible, [&] {
         const auto Gardés = Faits(*OuvrirAuRepos(Copie));
         Manquants = static_cast<std::size_t>(std::ranges::count_if(
             Faits(*OuvrirAuRepos(Ancienne)), [&](const std::string& Un) { return !Gardés.contains(Un); }));

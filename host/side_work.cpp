@@ -64,7 +64,7 @@ void TravauxÀCôté::Lancer() {
   const auto Redire = [this](const std::string& Ligne) {
     EnCours_.Quoi(Ligne.substr(Ligne.starts_with(Plainte) ? Plainte.size() : 0));
   };
-  if (Ignorer(Échec, [&] {
+  if (Garder(Échec, [&] {
         Fils_ = std::make_unique<Ombrey::ProgrammeFils>(Boucle_, std::move(Mots), Redire, [this](bool EstRéussi) {
           Fils_.reset();
           Achever(EstRéussi);

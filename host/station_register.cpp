@@ -29,8 +29,7 @@ void RegistreStations::Signaler() {
   const auto Maintenant = std::chrono::steady_clock::now();
   if (Maintenant < Prochain_ || Connexion_->EstEnLectureSeule()) return;
   Prochain_ = Maintenant + EntreSignes;
-  Ombrey::ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] {
+  Ombrey::Ignorer([this] {
     // No other station has this site: nobody can be faster.
     const bool EstConnue =
         !Ombrey::EstNull(Connexion_->Lire("SELECT Vue FROM Station WHERE CodeSite = ?1", {CodeSite_}));
@@ -48,9 +47,8 @@ std::string SansSigneDeVie(Ombrey::IConnexion& Connexion) {
 }
 
 bool SontPlusieurs(Ombrey::IDatabase& Base) {
-  Ombrey::ErreurEnAttente SansListe;
   bool Plusieurs = false;
-  Ignorer(SansListe, [&] {
+  Ombrey::Ignorer([&] {
     const auto Sites = Base.OpenRecordset("SELECT CodeSite FROM Station LIMIT 2", Ombrey::TypeRecordset::VersLAvant);
     if (!Sites->Eof()) Sites->MoveNext();
     Plusieurs = !Sites->Eof();

@@ -18,7 +18,7 @@ constexpr char Séparateur = '\t';
 constexpr std::size_t Colonnes = 5;
 constexpr char Coupure = '\x1F';
 
-std::string SurUneLigne(std::string Texte) {
+std::string EnChamp(std::string Texte) {
   for (char& C : Texte) {
     if (C == '\n' || C == '\r') C = Coupure;
     if (C == Séparateur) C = ' ';
@@ -52,7 +52,7 @@ void EcrireNonLus(const std::filesystem::path& Fichier, const std::vector<FaitR�
   std::string Tout;
   for (const FaitRépété& Un : Faits)
     Tout += std::to_string(Un.Fois) + Séparateur + TexteDateHeure(Un.Premier) + Séparateur +
-            TexteDateHeure(Un.Dernier) + Séparateur + SurUneLigne(Un.Sujet) + Séparateur + SurUneLigne(Un.Texte) + "\n";
+            TexteDateHeure(Un.Dernier) + Séparateur + EnChamp(Un.Sujet) + Séparateur + EnChamp(Un.Texte) + "\n";
   Ombrey::RemplacerFichier(Fichier, Tout);
 }
 

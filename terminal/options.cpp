@@ -17,7 +17,7 @@ constexpr unsigned BaudsMin = 50;
 constexpr unsigned BaudsMax = 4000000;
 constexpr unsigned AuHasardMax = 1000000;
 
-unsigned LireNombre(std::string_view Nom, const std::string& Valeur, unsigned Min, unsigned Max) {
+unsigned NombreVoulu(std::string_view Nom, const std::string& Valeur, unsigned Min, unsigned Max) {
   unsigned Nombre = 0;
   const char* const Fin = Valeur.data() + Valeur.size();
   const auto [Arrêt, Erreur] = std::from_chars(Valeur.data(), Fin, Nombre);
@@ -44,17 +44,17 @@ constexpr std::array<Option, 15> TableOptions{{
      [](Options& Cible, std::string_view, const std::string& Valeur) { Cible.Chargements = Valeur; }},
     {"--hasard", "N", "ajoute N chargements tirés au hasard",
      [](Options& Cible, std::string_view Nom, const std::string& Valeur) {
-       Cible.AuHasard = LireNombre(Nom, Valeur, 0, AuHasardMax);
+       Cible.AuHasard = NombreVoulu(Nom, Valeur, 0, AuHasardMax);
      }},
     {"--cadence", "BAUDS", "passe chaque octet au rythme de la ligne ; vitesse du port (9600)",
      [](Options& Cible, std::string_view Nom, const std::string& Valeur) {
-       Cible.Bauds = LireNombre(Nom, Valeur, BaudsMin, BaudsMax);
+       Cible.Bauds = NombreVoulu(Nom, Valeur, BaudsMin, BaudsMax);
      }},
     {"--panne", "P=TAUX,…", "pannes et leurs taux de 0 à 1, par exemple silence=0.1,nak=0.05",
      [](Options& Cible, std::string_view, const std::string& Valeur) { Cible.Taux = LireTaux(Valeur); }},
     {"--graine", "N", "graine du hasard (1)",
      [](Options& Cible, std::string_view Nom, const std::string& Valeur) {
-       Cible.Graine = LireNombre(Nom, Valeur, 0, UINT32_MAX);
+       Cible.Graine = NombreVoulu(Nom, Valeur, 0, UINT32_MAX);
      }},
     {"--f6", "", "attend des fichiers (touche F6)",
      [](Options& Cible, std::string_view, const std::string&) { Cible.EnFichiers = true; }},

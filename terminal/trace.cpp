@@ -58,18 +58,18 @@ std::optional<std::string> LireOctets(std::string_view Texte) {
 std::optional<std::chrono::milliseconds> LireHeure(std::string_view Texte) {
   constexpr std::string_view Modèle = "00:00:00.000";
   if (Texte.size() != Modèle.size()) return std::nullopt;
-  std::array<int, 4> Parts{};
-  std::size_t Part = 0;
+  std::array<int, 4> Nombres{};
+  std::size_t Lequel = 0;
   for (std::size_t Rang = 0; Rang < Modèle.size(); ++Rang) {
     const bool EstChiffre = Texte[Rang] >= '0' && Texte[Rang] <= '9';
     if (Modèle[Rang] == '0' ? !EstChiffre : Texte[Rang] != Modèle[Rang]) return std::nullopt;
     if (EstChiffre)
-      Parts[Part] = Parts[Part] * 10 + (Texte[Rang] - '0');
+      Nombres[Lequel] = Nombres[Lequel] * 10 + (Texte[Rang] - '0');
     else
-      ++Part;
+      ++Lequel;
   }
-  return std::chrono::hours(Parts[0]) + std::chrono::minutes(Parts[1]) + std::chrono::seconds(Parts[2]) +
-         std::chrono::milliseconds(Parts[3]);
+  return std::chrono::hours(Nombres[0]) + std::chrono::minutes(Nombres[1]) + std::chrono::seconds(Nombres[2]) +
+         std::chrono::milliseconds(Nombres[3]);
 }
 
 // Up to the next TAB, which goes with it.
@@ -113,12 +113,13 @@ class Lecteur {
     ++Ligne_;
     if (Ligne.ends_with('\r')) Ligne.remove_suffix(1);
     if (Ligne.starts_with(Signature)) {
-      if (!Ligne.substr(Signature.size()).starts_with(Forme)) Refuser(Ligne_, "cette forme de trace n'est pas connue");
+      if (!Ligne.substr(Signature.size()).starts_with(Forme))
+        RefuserLigne(Ligne_, "cette forme de trace n'est pas connue");
       Mauvaise_ = 0;  // the one that wrote what stands above was stopped
       Départ_ = !Lus_.empty();
     }
     if (Ligne.starts_with(Lacune)) Rompue_ = true;
-    if (Mauvaise_ > 0) Refuser(Mauvaise_, "ce n'est pas une ligne de trace");
+    if (Mauvaise_ > 0) RefuserLigne(Mauvaise_, "ce n'est pas une ligne de trace");
     if (Ligne.empty() || Ligne.starts_with('#')) return;
     auto Lu = LireMessage(Ligne);
     if (!Lu) {
@@ -134,13 +135,13 @@ class Lecteur {
   }
 
   std::vector<MessageTracé> Terminer(bool Coupée) {
-    if (Mauvaise_ > 0 && !Coupée) Refuser(Mauvaise_, "ce n'est pas une ligne de trace");
+    if (Mauvaise_ > 0 && !Coupée) RefuserLigne(Mauvaise_, "ce n'est pas une ligne de trace");
     if (Lus_.empty()) throw ErreurDemande("Trace " + Nom_ + " : elle ne contient aucun message.");
     return std::move(Lus_);
   }
 
  private:
-  [[noreturn]] void Refuser(std::size_t Ligne, const char* Raison) const {
+  [[noreturn]] void RefuserLigne(std::size_t Ligne, const char* Raison) const {
     throw ErreurDemande("Trace " + Nom_ + ", ligne " + std::to_string(Ligne) + " : " + Raison + ".");
   }
 

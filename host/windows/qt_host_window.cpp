@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "base/failures.h"
+#include "base/visible_text.h"
 #include "contracts/phrases.h"
 #include "host/station_register.h"
 #include "host/windows/qt_line_page.h"
@@ -163,8 +164,7 @@ void FenêtrePrincipaleQt::SauverPlace() {
   std::ostringstream Gardée;
   for (const int Mesure : {Place_.x(), Place_.y(), Place_.width(), Place_.height(), isMaximized() ? 1 : 0})
     Gardée << Mesure << ' ';
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [&] { Réglages_.Ecrire(Application, Section, CléPlace, Gardée.str()); });
+  Ignorer([&] { Réglages_.Ecrire(Application, Section, CléPlace, Gardée.str()); });
 }
 
 std::function<void()> FenêtrePrincipaleQt::Différé(std::function<void()> Geste) const {
@@ -254,7 +254,7 @@ void FenêtrePrincipaleQt::Dire(const std::string& Message) {
       Actualiser();
       Dire(DireReçu(Numéro));
     })();
-  const QString Ligne = SurUneLigne(Message);
+  const QString Ligne = Texte(SurUneLigne(Message));
   État_->Dire(Ligne);
   Journal_->appendPlainText(QTime::currentTime().toString(QStringLiteral("HH:mm:ss")) + QStringLiteral(" : ") + Ligne);
 }
@@ -267,10 +267,10 @@ std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
 
 void FenêtrePrincipaleQt::ActualiserFaits() {
   const auto Titrer = [this](QWidget* Page, const char* Titre, std::size_t Nombre) {
-    const std::string Compte = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
+    const std::string Combien = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
     const int Rang = Pages_->indexOf(Page);
     // Qt lays all tabs out anew, even for the text that they have.
-    if (const QString Dit = Texte(Titre + Compte); Pages_->tabText(Rang) != Dit) Pages_->setTabText(Rang, Dit);
+    if (const QString Dit = Texte(Titre + Combien); Pages_->tabText(Rang) != Dit) Pages_->setTabText(Rang, Dit);
   };
   Titrer(Refusés_, "&Refusés", Aperçu_.NombreRefusés());
   Titrer(NonLues_, "À l&ire", Aperçu_.NombreNonLus());
@@ -283,13 +283,13 @@ void FenêtrePrincipaleQt::Actualiser() {
   if (!Base_) return;
   ErreurEnAttente Erreur;
   std::string Laquelle = Tarvel::TexteBase(Sujet_.Base, Sujet_.EstSurServeur);
-  const bool Lue = Ignorer(Erreur, [&] {
+  const bool Lue = Garder(Erreur, [&] {
     const auto Base = Exiger(Base_->BaseDAO());
     Laquelle = Tarvel::TexteBase(Sujet_.Base, Sujet_.EstSurServeur, Base.get());
     Lire(*Base, Exiger(Base_->KVSynchro())->CodeSiteCourant());
   });
   Bandeau_->DireBase(Texte(Laquelle), Lue ? QString() : Texte(Erreur.Texte()));
-  if (!Lue) État_->Dire(QStringLiteral("La base ne répond pas : ") + SurUneLigne(Erreur.Texte()));
+  if (!Lue) État_->Dire(QStringLiteral("La base ne répond pas : ") + Texte(SurUneLigne(Erreur.Texte())));
 }
 
 void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
@@ -305,8 +305,8 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
 /// The page in sight reads what it alone shows; the others when they come in sight.
 void FenêtrePrincipaleQt::ActualiserPage() {
   if (!Base_) return;
-  ErreurEnAttente Ignorée;  // the strip tells it from the day's reading
-  Ignorer(Ignorée, [this] {
+  // The strip tells it from the day's reading.
+  Ignorer([this] {
     IDatabase& Base = *Exiger(Base_->BaseDAO());
     if (Archive_->isVisible()) Remplir(*Archive_, Tarvel::TableauArchive(Base, Formes_));
     if (Stations_->isVisible()) Remplir(*Stations_, Tarvel::TableauStations(Base, Formes_));

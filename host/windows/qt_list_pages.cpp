@@ -9,6 +9,7 @@
 #include <utility>
 #include <vector>
 
+#include "base/visible_text.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_message_box.h"
 
@@ -16,7 +17,7 @@ namespace Ombrey {
 
 namespace {
 /// What the operator reads and copies, and doesn't write.
-QPlainTextEdit* Lecture(QWidget* Parent, const QString& Nom) {
+QPlainTextEdit* TexteÀLire(QWidget* Parent, const QString& Nom) {
   auto* const Zone = new QPlainTextEdit(Parent);
   Zone->setReadOnly(true);
   Zone->setTabChangesFocus(true);
@@ -37,7 +38,7 @@ void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées, bool Nouveaut
   std::vector<std::string> Entêtes = std::move(Rangées.front());
   Rangées.erase(Rangées.begin());
   for (auto& Rangée : Rangées)
-    for (std::string& Texte : Rangée) Texte = SurUneLigne(Texte).toStdString();
+    for (std::string& Texte : Rangée) Texte = SurUneLigne(Texte);
   Grille.Remplir(std::move(Entêtes), std::move(Rangées), Nouveautés);
 }
 
@@ -52,7 +53,7 @@ PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, cons
     : QWidget(Parent),
       Aperçu_(Aperçu),
       Liste_(new ListeQt(this, Contexte, QStringLiteral("Chargements refusés"))),
-      Détail_(Lecture(this, QStringLiteral("Le chargement refusé"))) {
+      Détail_(TexteÀLire(this, QStringLiteral("Le chargement refusé"))) {
   auto* const Moitiés = new QSplitter(Qt::Vertical, this);
   Moitiés->addWidget(Liste_);
   Moitiés->addWidget(Détail_);

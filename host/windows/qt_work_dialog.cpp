@@ -8,6 +8,7 @@
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "base/visible_text.h"
 #include "host/long_work.h"
 #include "host/new_file.h"
 #include "platform/qt/qt_measures.h"
@@ -39,7 +40,7 @@ DialogueTravail::DialogueTravail(QWidget* Fenêtre, const Atelier& LeSien, const
 void DialogueTravail::Poser(std::function<void()> Faire) {
   LeSien_.Contexte.Boucle.Poser([this, Tenu = QPointer(this), Faire = std::move(Faire)] {
     ErreurEnAttente Échec;
-    if (Tenu && !Ignorer(Échec, Faire))
+    if (Tenu && !Garder(Échec, Faire))
       MontrerBoîte(LeSien_.Contexte, this, SigneBoîte::Avertissement, Échec.Texte(), windowTitle().toStdString());
   });
 }
@@ -75,7 +76,7 @@ void DialogueTravail::Mener(const std::vector<std::string>& Mots) {
 
 void DialogueTravail::Entendre(const std::string& Ligne) {
   const bool Avance = Ligne.find(Tarvel::EncoreTant) != std::string::npos;
-  if (Avance) État_->setText(SurUneLigne(Ligne));
+  if (Avance) État_->setText(Texte(SurUneLigne(Ligne)));
   Dit_ = Avance ? "" : Dit_ + (Dit_.empty() ? "" : "\n") + Ligne;
 }
 

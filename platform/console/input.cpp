@@ -18,7 +18,7 @@ EntréeConsole::EntréeConsole(IBoucle& Boucle, int Descripteur, Preneur Prendre
 }
 
 void EntréeConsole::Écouter() {
-  Écoute_ = Boucle_.Surveiller(Descripteur_, IBoucle::Sens::Lecture, [this] { Recevoir(); });
+  Écoute_ = Boucle_.Surveiller(Descripteur_, IBoucle::Sens::Entrée, [this] { Recevoir(); });
 }
 
 void EntréeConsole::Recevoir() {
@@ -26,7 +26,7 @@ void EntréeConsole::Recevoir() {
   const ssize_t Lus = read(Descripteur_, Tampon.data(), Tampon.size());
   if (Lus < 0 && (errno == EINTR || errno == EAGAIN)) return;
   if (Lus > 0) {
-    Découper(std::string_view(Tampon.data(), static_cast<std::size_t>(Lus)));
+    Recueillir(std::string_view(Tampon.data(), static_cast<std::size_t>(Lus)));
   } else {
     if (!EnCours_.empty()) RangerLigne();
     Finie_ = true;
@@ -38,7 +38,7 @@ void EntréeConsole::Recevoir() {
   }
 }
 
-void EntréeConsole::Découper(std::string_view Bruts) {
+void EntréeConsole::Recueillir(std::string_view Bruts) {
   for (const char Octet : Bruts) {
     if (Octet == '\n') {
       RangerLigne();

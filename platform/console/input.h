@@ -35,7 +35,7 @@ class EntréeConsole {
  private:
   void Écouter();
   void Recevoir();
-  void Découper(std::string_view Bruts);
+  void Recueillir(std::string_view Bruts);
   void RangerLigne();
   void Offrir();
 

@@ -25,7 +25,7 @@ bool AttendrePlace(int Descripteur, int DuréeMs) {
 
 void SortieConsole::Ligne(std::string_view Texte) {
   if (Perdues_ > 0 && Passer("console : lignes perdues : " + std::to_string(Perdues_) + '\n')) Perdues_ = 0;
-  if (Perdues_ > 0 || !Passer(std::string(EstJournal_ ? NiveauJournal(Texte) : "") + TexteVisible(Texte) + '\n'))
+  if (Perdues_ > 0 || !Passer(std::string(EstJournal_ ? GravitéJournal(Texte) : "") + TexteVisible(Texte) + '\n'))
     ++Perdues_;
 }
 

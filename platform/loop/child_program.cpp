@@ -20,7 +20,7 @@ ProgrammeFils::ProgrammeFils(IBoucle& Boucle, std::vector<std::string> Mots,
                              std::function<void(const std::string&)> Dire, std::function<void(bool)> Achever)
     : Dire_(std::move(Dire)), Achever_(std::move(Achever)) {
   Lancer(Mots);
-  Veille_ = Boucle.Surveiller(Lecture_.Numéro(), IBoucle::Sens::Lecture, [this] {
+  Veille_ = Boucle.Surveiller(Lecture_.Numéro(), IBoucle::Sens::Entrée, [this] {
     if (Recevoir()) return;
     Veille_.reset();
     const auto Fin = std::move(Achever_);

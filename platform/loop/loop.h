@@ -15,7 +15,7 @@ class IBoucle {
   using Action = std::function<void()>;
   /// Keeps a watch or a delay alive: dropping it ends it at once, and its action runs no more.
   using Jeton = std::shared_ptr<void>;
-  enum class Sens { Lecture, Écriture };
+  enum class Sens { Entrée, Sortie };
 
   virtual ~IBoucle() = default;
   /// Calls Faire each time that the descriptor can be read (or written), or is at its end or broken.

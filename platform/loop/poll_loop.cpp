@@ -30,7 +30,7 @@ IBoucle::Jeton BouclePoll::Surveiller(int Descripteur, Sens Quoi, Action Faire) 
   Entrée Veille;
   Veille.Faire = std::make_shared<const Action>(std::move(Faire));
   Veille.Descripteur = Descripteur;
-  Veille.Événements = Quoi == Sens::Lecture ? POLLIN : POLLOUT;
+  Veille.Événements = Quoi == Sens::Entrée ? POLLIN : POLLOUT;
   Veille.Tour = Tour_;
   return Inscrire(Veilles_, std::move(Veille));
 }

@@ -48,10 +48,10 @@ SignauxFin::SignauxFin(IBoucle& Boucle, std::function<void()> Demandée) {
     // Who started the program without a terminal to lose (nohup) keeps it so.
     if (Signaux[i] == SIGHUP && Anciens_[i].sa_handler == SIG_IGN) sigaction(SIGHUP, &Anciens_[i], nullptr);
   }
-  Veille_ = Boucle.Surveiller(Sortie_.Numéro(), IBoucle::Sens::Lecture,
-                              [Lecture = Sortie_.Numéro(), Faire = std::move(Demandée)] {
+  Veille_ = Boucle.Surveiller(Sortie_.Numéro(), IBoucle::Sens::Entrée,
+                              [Bout = Sortie_.Numéro(), Faire = std::move(Demandée)] {
                                 char Octet = 0;
-                                if (read(Lecture, &Octet, 1) == 1) Faire();
+                                if (read(Bout, &Octet, 1) == 1) Faire();
                               });
 }
 

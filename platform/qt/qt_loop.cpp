@@ -50,7 +50,7 @@ void BoucleQt::Signaler(const std::shared_ptr<Source>& Origine) {
 IBoucle::Jeton BoucleQt::Surveiller(int Descripteur, Sens Quoi, Action Faire) {
   auto Origine = std::make_shared<Source>(std::move(Faire));
   Origine->Veilleur = std::make_unique<QSocketNotifier>(
-      Descripteur, Quoi == Sens::Lecture ? QSocketNotifier::Read : QSocketNotifier::Write);
+      Descripteur, Quoi == Sens::Entrée ? QSocketNotifier::Read : QSocketNotifier::Write);
   QObject::connect(Origine->Veilleur.get(), &QSocketNotifier::activated,
                    [this, Faible = std::weak_ptr<Source>(Origine)] {
                      if (const auto Là = Faible.lock()) Signaler(Là);

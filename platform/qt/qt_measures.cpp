@@ -43,11 +43,11 @@ QRect RamenéeSurÉcran(const QRect& Fenêtre, const std::vector<QRect>& Écrans
   QRegion EnVue;
   for (const QRect& Écran : Écrans) EnVue += Écran;
   if (QRegion(Fenêtre).subtracted(EnVue).isEmpty()) return Fenêtre;
-  const auto Part = [&Fenêtre](const QRect& Écran) {
+  const auto AireEnVue = [&Fenêtre](const QRect& Écran) {
     const QSize Commune = (Écran & Fenêtre).size();
     return static_cast<qint64>(Commune.width()) * Commune.height();
   };
-  const QRect Libre = *std::ranges::max_element(Écrans, {}, Part);
+  const QRect Libre = *std::ranges::max_element(Écrans, {}, AireEnVue);
   const QSize Taille = Fenêtre.size().boundedTo(Libre.size());
   return {std::clamp(Fenêtre.left(), Libre.left(), Libre.right() + 1 - Taille.width()),
           std::clamp(Fenêtre.top(), Libre.top(), Libre.bottom() + 1 - Taille.height()), Taille.width(),
@@ -73,12 +73,6 @@ void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place) {
 QRect PlaceVoulue(const QWidget& Fenêtre) {
   const QRect Présente(Fenêtre.pos(), Fenêtre.size());
   return Fenêtre.property(PlaceDEmprunt).toRect() == Présente ? Fenêtre.property(SaPlace).toRect() : Présente;
-}
-
-QString SurUneLigne(const std::string& Utf8) {
-  QString Ligne = Texte(Utf8);
-  Ligne.replace(QLatin1String("\r\n"), QLatin1String(" "));
-  return Ligne.replace(QLatin1Char('\r'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 
 int LargeurDuTitre(const QWidget& Fenêtre) {

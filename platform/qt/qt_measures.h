@@ -34,8 +34,6 @@ void PlacerSurÉcran(QWidget& Fenêtre, const QRect& Place);
 [[nodiscard]] QRect PlaceVoulue(const QWidget& Fenêtre);
 
 [[nodiscard]] inline QString Texte(const std::string& Utf8) { return QString::fromStdString(Utf8); }
-/// A list shows a text's line breaks as blanks; a box or a tool tip shows them as they are.
-[[nodiscard]] QString SurUneLigne(const std::string& Utf8);
 
 /// The inner width that shows the window's title whole, beside a frame's buttons.
 [[nodiscard]] int LargeurDuTitre(const QWidget& Fenêtre);

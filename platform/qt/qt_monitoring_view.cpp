@@ -11,6 +11,7 @@
 #include <memory>
 #include <utility>
 
+#include "base/visible_text.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
@@ -222,7 +223,7 @@ void VueSuiviChargntQt::FixerLargeurColonne(std::size_t Colonne, int Twips) {
 
 void VueSuiviChargntQt::InsérerLigne(Onglet LaListe, std::size_t Place, const std::string& Ligne, bool Coché) {
   if (LaListe == Onglet::Suivis && Contexte_.Témoins.Ligne) Contexte_.Témoins.Ligne(Ligne);
-  auto Élément = std::make_unique<QListWidgetItem>(SurUneLigne(Ligne));
+  auto Élément = std::make_unique<QListWidgetItem>(Texte(SurUneLigne(Ligne)));
   // The tick is the plug-in's word on the line: shown, but no click changes it.
   Élément->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
   if (LaListe == Onglet::Suivis) Élément->setCheckState(Coché ? Qt::Checked : Qt::Unchecked);

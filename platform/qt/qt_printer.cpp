@@ -33,10 +33,10 @@ bool DessinerEnFichier(QPrinter& Imprimante, const std::filesystem::path& Fichie
   std::filesystem::path Ébauche = Fichier;
   Ébauche += ".partiel";
   Imprimante.setOutputFileName(Texte(Ébauche.string()));
-  ErreurEnAttente Échec;
+  const bool Dessinée = Ignorer(Dessiner);
   std::error_code Erreur;
-  if (Ignorer(Échec, Dessiner)) std::filesystem::rename(Ébauche, Fichier, Erreur);
-  if (!Échec.EstPrésente() && !Erreur) return true;
+  if (Dessinée) std::filesystem::rename(Ébauche, Fichier, Erreur);
+  if (Dessinée && !Erreur) return true;
   std::filesystem::remove(Ébauche, Erreur);
   return false;
 }

@@ -20,7 +20,7 @@ namespace {
 namespace fs = std::filesystem;
 
 /// From a port up to the adapter that bears it.
-constexpr int NiveauxMax = 6;
+constexpr int MontéesMax = 6;
 
 /// Whether one of a process's open files is the device. Only what stands among the devices is asked for its number: a
 /// file on a server that has gone would keep whoever asks waiting.
@@ -73,7 +73,7 @@ std::optional<AdaptateurUsb> AdaptateurDe(const fs::path& Entrée) {
   std::error_code Erreur;
   AdaptateurUsb Adaptateur;
   Adaptateur.Dossier = fs::canonical(Entrée / "device", Erreur);
-  for (int Niveau = 0; !Erreur && Niveau < NiveauxMax && Adaptateur.Dossier.has_relative_path(); ++Niveau) {
+  for (int Montées = 0; !Erreur && Montées < MontéesMax && Adaptateur.Dossier.has_relative_path(); ++Montées) {
     const fs::path& Ici = Adaptateur.Dossier;
     if (Adaptateur.Interface.empty()) Adaptateur.Interface = PremièreLigne(Ici / "bInterfaceNumber");
     Adaptateur.Marque = PremièreLigne(Ici / "idVendor");

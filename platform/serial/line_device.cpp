@@ -73,7 +73,7 @@ std::string ParQui(const std::string& Chemin) {
   return Eux.empty() ? "" : " : " + Eux;
 }
 
-[[noreturn]] void Refuser(const AdressePort& Adresse, int Numéro) {
+[[noreturn]] void RefuserPort(const AdressePort& Adresse, int Numéro) {
   const std::string Port = "Le port " + Désignation(Adresse);
   switch (Numéro) {
     case ENOENT:
@@ -166,11 +166,11 @@ AppareilLiaison::AppareilLiaison(const AdressePort& Adresse, const RéglagesLiai
   const char* Chemin = Adresse.Chemin.c_str();
   struct stat État {};
   // Looked at before it is opened: opening alone can start something on a device that is no serial port.
-  if (stat(Chemin, &État) != 0) Refuser(Adresse, errno);
-  if (!S_ISCHR(État.st_mode)) Refuser(Adresse, ENOTTY);
+  if (stat(Chemin, &État) != 0) RefuserPort(Adresse, errno);
+  if (!S_ISCHR(État.st_mode)) RefuserPort(Adresse, ENOTTY);
   RefuserAuPilote(Adresse, Réglages, PiloteDe(EntréeDe(Racines, État.st_rdev)));
   Descripteur_ = Descripteur(open(Chemin, O_RDWR | O_NONBLOCK | O_NOCTTY | O_CLOEXEC));
-  if (!Descripteur_.EstOuvert() || fstat(Numéro(), &État) != 0) Refuser(Adresse, errno);
+  if (!Descripteur_.EstOuvert() || fstat(Numéro(), &État) != 0) RefuserPort(Adresse, errno);
   Identité_ = État.st_rdev;
   const unsigned Majeur = major(Identité_);
   PseudoTerminal_ = Majeur >= PremierMajeurPty && Majeur <= DernierMajeurPty;
@@ -192,14 +192,14 @@ AppareilLiaison::~AppareilLiaison() {
 /// A pseudo-terminal would stay exclusive when its program is killed, until its far side ends.
 void AppareilLiaison::Prendre(const AdressePort& Adresse, const RéglagesLiaison& Réglages) const {
   termios Présent{};
-  if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) Refuser(Adresse, errno);
+  if (tcgetattr(Numéro(), &Présent) != 0 || flock(Numéro(), LOCK_EX | LOCK_NB) != 0) RefuserPort(Adresse, errno);
   const termios Voulu = ModeBrut(Présent, Réglages);
   // The call succeeds when any part of the settings was taken.
-  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) Refuser(Adresse, errno == EINVAL ? RéglagesRefusés : errno);
-  if (tcgetattr(Numéro(), &Présent) != 0) Refuser(Adresse, errno);
-  if (!PseudoTerminal_ && !EstAppliqué(Voulu, Présent)) Refuser(Adresse, RéglagesRefusés);
+  if (tcsetattr(Numéro(), TCSANOW, &Voulu) != 0) RefuserPort(Adresse, errno == EINVAL ? RéglagesRefusés : errno);
+  if (tcgetattr(Numéro(), &Présent) != 0) RefuserPort(Adresse, errno);
+  if (!PseudoTerminal_ && !EstAppliqué(Voulu, Présent)) RefuserPort(Adresse, RéglagesRefusés);
   tcflush(Numéro(), TCIFLUSH);
-  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) Refuser(Adresse, errno);
+  if (!PseudoTerminal_ && ioctl(Numéro(), TIOCEXCL) != 0) RefuserPort(Adresse, errno);
 }
 
 Passage AppareilLiaison::Lire(char* Place, std::size_t Taille) const { return Résultat(read(Numéro(), Place, Taille)); }

@@ -43,7 +43,7 @@ void LecteurLiaison::FinÉmission(const Octets& Texte, InstantLiaison Quand, con
   const std::string_view Dit = Texte.Bruts();
   const char Premier = Dit.empty() ? '\0' : Dit[0];
   if (Premier == ENQ && Dit.size() == LongRéponse) Code_ = Dit[1];
-  const Lecture Lue = LireDeStation(Texte, Code_);
+  const Récit Lue = LireDeStation(Texte, Code_);
   if (Refus.empty()) {
     Donner_({Quand, MessageLiaison::Source::Station, Texte, Lue.Texte, Lue.Faute});
     if (Premier == ENQ) Attendre(Attendu::RéponseÀDemande, Quand);
@@ -91,7 +91,7 @@ bool LecteurLiaison::LireUn() {
       break;
   }
   if (JeterDevant(EstRéponse)) return true;
-  const Lecture Lue = LireRéponseÀTrame(Octets(1, Reçus_.front().Octet));
+  const Récit Lue = LireRéponseÀTrame(Octets(1, Reçus_.front().Octet));
   Attendu_ = Attendu::Rien;
   Donner(1, Lue.Texte, Lue.Faute);
   return true;
@@ -113,7 +113,7 @@ bool LecteurLiaison::LireRéponseÀDemande() {
     return true;
   }
   const bool Accord = Reçus_[0].Octet == ACK;
-  const Lecture Lue = Ombrey::LireRéponseÀDemande(Octets(std::string{Reçus_[0].Octet, Code_}));
+  const Récit Lue = Ombrey::LireRéponseÀDemande(Octets(std::string{Reçus_[0].Octet, Code_}));
   if (Accord && Code_ == CodeDemande[0])
     Attendre(Attendu::Chargement, Reçus_[1].Quand);
   else
@@ -127,7 +127,7 @@ bool LecteurLiaison::LireChargement() {
   if (Reçus_.size() < LongTrameChargement) return false;
   std::string Trame;
   for (std::size_t Rang = 0; Rang < LongTrameChargement; ++Rang) Trame += Reçus_[Rang].Octet;
-  const Lecture Lue = LireTrameChargement(Octets(Trame));
+  const Récit Lue = LireTrameChargement(Octets(Trame));
   Attendu_ = Attendu::Rien;
   Donner(LongTrameChargement, Lue.Texte, Lue.Faute);
   return true;
@@ -156,7 +156,7 @@ void LecteurLiaison::Donner(std::size_t Nombre, std::string Texte, bool Faute) {
 
 void LecteurLiaison::Jeter(std::size_t Nombre, Rejet Raison) {
   const auto Rang = static_cast<std::size_t>(Raison);
-  Compte& Total = Jetés_[Rang];
+  Quantité& Total = Jetés_[Rang];
   Total.Octets += Nombre;
   ++Total.Fois;
   const InstantLiaison Quand = Reçus_.front().Quand;

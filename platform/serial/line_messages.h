@@ -84,11 +84,11 @@ class LecteurLiaison {
   char Code_ = 0;  ///< of the last request
   bool EnÉmission_ = false;
   std::deque<Reçu> Reçus_;
-  struct Compte {
+  struct Quantité {
     std::uint64_t Octets = 0;
     std::uint64_t Fois = 0;
   };
-  std::array<Compte, 4> Jetés_{};  ///< by their reason
+  std::array<Quantité, 4> Jetés_{};  ///< by their reason
 };
 
 }  // namespace Ombrey

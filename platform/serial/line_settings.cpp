@@ -29,8 +29,8 @@ constexpr NomParité Parités[] = {
     {"espace", Parité::Espace},
 };
 
-[[noreturn]] void Refuser(const std::string& NomPort, const std::string& Quoi, const std::string& Valeur,
-                          const std::string& Attendu) {
+[[noreturn]] void RefuserRéglage(const std::string& NomPort, const std::string& Quoi, const std::string& Valeur,
+                                 const std::string& Attendu) {
   throw ErreurExécution("Port " + NomPort + " : " + Quoi + " « " + Valeur + " » n'est pas possible (" + Attendu + ").");
 }
 
@@ -62,19 +62,20 @@ RéglagesLiaison VérifierRéglages(const std::string& NomPort, const RéglagesD
   if (std::find(std::begin(Vitesses), std::end(Vitesses), Réglages.Bauds) == std::end(Vitesses)) {
     std::string Liste;
     for (const int Vitesse : Vitesses) Liste += (Liste.empty() ? "" : ", ") + std::to_string(Vitesse);
-    Refuser(NomPort, MotVitesse, std::to_string(Demandés.Bauds), "vitesses : " + Liste);
+    RefuserRéglage(NomPort, MotVitesse, std::to_string(Demandés.Bauds), "vitesses : " + Liste);
   }
   Réglages.Bits = Demandés.Bits;
-  if (Réglages.Bits < 5 || Réglages.Bits > 8) Refuser(NomPort, MotTaille, std::to_string(Demandés.Bits), "5 à 8 bits");
+  if (Réglages.Bits < 5 || Réglages.Bits > 8)
+    RefuserRéglage(NomPort, MotTaille, std::to_string(Demandés.Bits), "5 à 8 bits");
   const std::string Nom = MinusculesAscii(Demandés.Parité);
   const auto* Trouvée =
       std::find_if(std::begin(Parités), std::end(Parités), [&](const NomParité& P) { return P.Texte == Nom; });
   if (Trouvée == std::end(Parités))
-    Refuser(NomPort, "la parité", Demandés.Parité, "aucune, paire, impaire, marque, espace ; ou N, E, O, M, S");
+    RefuserRéglage(NomPort, "la parité", Demandés.Parité, "aucune, paire, impaire, marque, espace ; ou N, E, O, M, S");
   Réglages.LaParité = Trouvée->Valeur;
   Réglages.BitsStop = Demandés.BitsStop;
   if (Réglages.BitsStop < 1 || Réglages.BitsStop > 2)
-    Refuser(NomPort, MotBitsStop, std::to_string(Demandés.BitsStop), "1 ou 2");
+    RefuserRéglage(NomPort, MotBitsStop, std::to_string(Demandés.BitsStop), "1 ou 2");
   return Réglages;
 }
 

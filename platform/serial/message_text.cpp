@@ -30,7 +30,7 @@ const FichierTerminal* Fichier(char Code) {
 }
 
 /// Puts the verdict on the checksum behind what the frame says.
-Lecture Juger(const Octets& Trame, Lecture Dit) {
+Récit Juger(const Octets& Trame, Récit Dit) {
   const std::size_t Fin = Trame.Taille() - 2;
   const std::string Attendue(CalculerCheckSum(Trame.Extrait(0, Fin)).Bruts().substr(Fin));
   const std::string_view Reçue = Trame.Bruts().substr(Fin);
@@ -78,7 +78,7 @@ constexpr auto BoutsRéponse = std::to_array<Bout>({
     {", reste ", {1 + 3 * ChiffresParCumul, ChiffresParCumul}},
 });
 
-Lecture RaconterFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
+Récit RaconterFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
   const std::size_t Reste = Longueur % Lequel.LongEnreg;
   std::string Texte = "fichier des " + std::string(Lequel.Nom) + ", " + std::to_string(Longueur / Lequel.LongEnreg) +
                       " enregistrements";
@@ -86,7 +86,7 @@ Lecture RaconterFichier(const FichierTerminal& Lequel, std::size_t Longueur) {
   return {Texte, Reste > 0};
 }
 
-Lecture LireTrameStation(const Octets& Trame, char Code) {
+Récit LireTrameStation(const Octets& Trame, char Code) {
   if (Trame.Taille() < EnrobageTrame) return {"trame sans fin", true};
   const Octets Texte = Trame.Extrait(1, Trame.Taille() - EnrobageTrame);
   if (const FichierTerminal* Connu = Fichier(Code)) return Juger(Trame, RaconterFichier(*Connu, Texte.Taille()));
@@ -105,7 +105,7 @@ std::string LireDemande(char Code) {
 
 }  // namespace
 
-Lecture LireDeStation(const Octets& Message, char Code) {
+Récit LireDeStation(const Octets& Message, char Code) {
   switch (Message.EstVide() ? 0 : Message[0]) {
     case ENQ:
       if (Message.Taille() == 2) return {LireDemande(Message.Bruts()[1])};
@@ -124,18 +124,18 @@ Lecture LireDeStation(const Octets& Message, char Code) {
   return {"message inconnu", true};
 }
 
-Lecture LireRéponseÀDemande(const Octets& Message) {
+Récit LireRéponseÀDemande(const Octets& Message) {
   const bool Accord = Message[0] == ACK;
   if (Message.Bruts().substr(1) == CodeDemande) return {Accord ? "un chargement suit" : "aucun chargement"};
   return {Accord ? "prêt" : "pas prêt", !Accord};
 }
 
-Lecture LireRéponseÀTrame(const Octets& Message) {
+Récit LireRéponseÀTrame(const Octets& Message) {
   if (Message[0] == ACK) return {"trame reçue"};
   return {"trame refusée", true};
 }
 
-Lecture LireTrameChargement(const Octets& Trame) {
+Récit LireTrameChargement(const Octets& Trame) {
   return Juger(Trame, {Raconter(Trame.Extrait(1, LongEnregChargement), BoutsChargement)});
 }
 

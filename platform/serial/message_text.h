@@ -8,19 +8,19 @@
 namespace Ombrey {
 
 /// What a message says, and whether it shows a fault.
-struct Lecture {
+struct Récit {
   std::string Texte;
   bool Faute = false;
 };
 
 /// What the station says; Code is that of its last request.
-[[nodiscard]] Lecture LireDeStation(const Octets& Message, char Code);
+[[nodiscard]] Récit LireDeStation(const Octets& Message, char Code);
 /// The terminal's answer to a request.
-[[nodiscard]] Lecture LireRéponseÀDemande(const Octets& Message);
+[[nodiscard]] Récit LireRéponseÀDemande(const Octets& Message);
 /// The terminal's answer to a frame.
-[[nodiscard]] Lecture LireRéponseÀTrame(const Octets& Message);
+[[nodiscard]] Récit LireRéponseÀTrame(const Octets& Message);
 /// The frame of a load, which is read by its places.
-[[nodiscard]] Lecture LireTrameChargement(const Octets& Trame);
+[[nodiscard]] Récit LireTrameChargement(const Octets& Trame);
 
 /// The bytes in UTF-8, so that they can be had back: the six control characters by name (<STX>), whatever else has no
 /// sign of its own, and "<", as two hexadecimal digits (<0D>), all others as their character of Windows-1252.

@@ -52,7 +52,7 @@ void ÉcrireRéglages(ILecteurIni& Lecteur, const RéglagesPort& Anciens, const 
   }
 }
 
-std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, const std::string& Texte) {
+std::int16_t NombreDuRéglage(const std::string& NomPort, const std::string& Quoi, const std::string& Texte) {
   const auto Nombre = NombreLu<std::int16_t>(Texte);
   if (!Nombre)
     throw ErreurExécution("Port " + NomPort + " : " + Quoi + " « " + Texte + " » n'est pas un nombre possible.");
@@ -62,10 +62,10 @@ std::int16_t LireNombre(const std::string& NomPort, const std::string& Quoi, con
 RéglagesLiaison Vérifiés(const RéglagesPort& Réglages) {
   const std::string& Nom = Réglages.Port;
   RéglagesDemandés Demandés;
-  Demandés.Bauds = LireNombre(Nom, MotVitesse, Réglages.Bauds);
-  Demandés.Bits = LireNombre(Nom, MotTaille, Réglages.TailleMots);
+  Demandés.Bauds = NombreDuRéglage(Nom, MotVitesse, Réglages.Bauds);
+  Demandés.Bits = NombreDuRéglage(Nom, MotTaille, Réglages.TailleMots);
   Demandés.Parité = Réglages.Parité;
-  Demandés.BitsStop = LireNombre(Nom, MotBitsStop, Réglages.BitsStop);
+  Demandés.BitsStop = NombreDuRéglage(Nom, MotBitsStop, Réglages.BitsStop);
   return VérifierRéglages(Nom, Demandés);
 }
 
@@ -106,7 +106,7 @@ std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
   const AppareilLiaison Appareil({Réglages.Port, CheminDuPort(Réglages.Port)}, Vérifiés(Réglages));
   std::string Reçu;
   bool Fini = false;
-  const auto Veille = Boucle.Surveiller(Appareil.Numéro(), IBoucle::Sens::Lecture, [&] {
+  const auto Veille = Boucle.Surveiller(Appareil.Numéro(), IBoucle::Sens::Entrée, [&] {
     char Place[64];
     const Passage Lus = Appareil.Lire(Place, sizeof Place);
     Reçu.append(Place, Lus.Nombre);
@@ -131,7 +131,7 @@ bool ConfigurerPort(const ContextePort& Contexte, const std::string& FichierIni,
   const auto Essayer = [&](const RéglagesPort& Réglages) {
     std::string Raison;
     ErreurEnAttente Refus;
-    const bool Menée = Ignorer(Refus, [&] {
+    const bool Menée = Garder(Refus, [&] {
       Libérer(CheminDuPort(Réglages.Port));
       Raison = EssayerLiaison(Contexte.Boucle, Réglages);
     });

@@ -68,7 +68,7 @@ bool PortSérie::Prendre() {
   }
   Signalement_ = SignalementDe(EntréeDe(Contexte_.Racines, Appareil_->Identité()));
   Rafale_ = Rafale(TempsCaractère_);
-  Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Sens::Lecture, [Faible = weak_from_this()] {
+  Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Sens::Entrée, [Faible = weak_from_this()] {
     if (const auto Moi = Faible.lock()) Moi->Recevoir();
   });
   Erreur_.clear();

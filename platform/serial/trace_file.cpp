@@ -57,20 +57,20 @@ fs::path NomDuJour(const fs::path& Fichier, const std::string& Jour) {
   return Fichier.parent_path() / ((Nom += "-" + Jour) += Fichier.extension());
 }
 
-[[noreturn]] void Refuser(int Numéro) { throw ErreurExécution(TexteErreurSystème(Numéro)); }
+[[noreturn]] void RefuserTrace(int Numéro) { throw ErreurExécution(TexteErreurSystème(Numéro)); }
 
 /// Opens what is a trace already, or is empty, and makes what is missing.
 Descripteur OuvrirTrace(const fs::path& Chemin, struct stat& État) {
   Descripteur Fichier(open(Chemin.c_str(), O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NOCTTY | O_NONBLOCK, 0600));
-  if (!Fichier.EstOuvert() || fstat(Fichier.Numéro(), &État) != 0) Refuser(errno);
+  if (!Fichier.EstOuvert() || fstat(Fichier.Numéro(), &État) != 0) RefuserTrace(errno);
   if (!S_ISREG(État.st_mode)) throw ErreurExécution("ce n'est pas un fichier");
   if (flock(Fichier.Numéro(), LOCK_EX | LOCK_NB) != 0) throw ErreurExécution("une autre station y écrit");
   std::string Début(std::string_view(Signature).size(), '\0');
   const ssize_t Lus = pread(Fichier.Numéro(), Début.data(), Début.size(), 0);
-  if (Lus < 0) Refuser(errno);
+  if (Lus < 0) RefuserTrace(errno);
   if (!std::string_view(Signature).starts_with(Début.substr(0, static_cast<std::size_t>(Lus))))
     throw ErreurExécution("ce fichier n'est pas une trace");
-  if ((État.st_mode & 077U) != 0 && fchmod(Fichier.Numéro(), 0600) != 0) Refuser(errno);
+  if ((État.st_mode & 077U) != 0 && fchmod(Fichier.Numéro(), 0600) != 0) RefuserTrace(errno);
   return Fichier;
 }
 
@@ -129,7 +129,7 @@ void FichierTrace::Ouvrir(Mur::time_point Quand) {
   Fichier_ = std::move(Ouvert);
   Ranger(Quand);
   char Dernier = '\n';
-  if (État.st_size > 0 && pread(Fichier_.Numéro(), &Dernier, 1, État.st_size - 1) < 0) Refuser(errno);
+  if (État.st_size > 0 && pread(Fichier_.Numéro(), &Dernier, 1, État.st_size - 1) < 0) RefuserTrace(errno);
   Ajouter((Dernier == '\n' ? "" : "\n") + EntêteTrace(Quand));
 }
 
@@ -151,7 +151,7 @@ void FichierTrace::Ajouter(std::string_view Texte) {
   while (!Texte.empty()) {
     const ssize_t Écrits = write(Fichier_.Numéro(), Texte.data(), Texte.size());
     if (Écrits < 0 && errno == EINTR) continue;
-    if (Écrits < 0) Refuser(errno);
+    if (Écrits < 0) RefuserTrace(errno);
     Texte.remove_prefix(static_cast<std::size_t>(Écrits));
   }
 }

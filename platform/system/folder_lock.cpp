@@ -52,17 +52,17 @@ std::string NomMachine() {
 VerrouFichier::VerrouFichier(const fs::path& Fichier, const std::string& Occupé, const std::string& Impossible,
                              const std::string& Remède)
     : Fichier_(open(Fichier.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, PourSonPropriétaire)) {
-  const auto Refuser = [&](int Numéro) {
+  const auto RefuserVerrou = [&](int Numéro) {
     throw ErreurExécution(Impossible + " ne peut pas être verrouillé : " + TexteErreurSystème(Numéro) + ". " + Remède);
   };
   if (!Fichier_.EstOuvert()) {
     const int Motif = errno;
-    if (access(Fichier.parent_path().c_str(), W_OK) == 0) Refuser(Motif);
+    if (access(Fichier.parent_path().c_str(), W_OK) == 0) RefuserVerrou(Motif);
     return;
   }
   struct flock Voulu = Tout();
   if (fcntl(Fichier_.Numéro(), F_OFD_SETLK, &Voulu) != 0) {
-    if (errno != EACCES && errno != EAGAIN) Refuser(errno);
+    if (errno != EACCES && errno != EAGAIN) RefuserVerrou(errno);
     throw ErreurExécution(Occupé + " (" + Décrire(Fichier) + "). " + Remède);
   }
   const std::string Texte = std::to_string(getpid()) + " " + NomMachine() + "\n";

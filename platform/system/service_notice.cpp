@@ -28,7 +28,7 @@ std::string_view Variable(const char* Nom) {
 /// 0 unless the whole text is a number above it.
 long long NombreOuZéro(std::string_view Texte) { return std::max(0LL, NombreLu<long long>(Texte).value_or(0)); }
 
-struct Niveau {
+struct Gravité {
   std::string_view Début;
   std::string_view Fin;
   std::string_view Marque;
@@ -36,11 +36,11 @@ struct Niveau {
 
 /// A poll that finds nothing is the journal's lowest level: at one every two seconds it would fill the journal by
 /// itself.
-constexpr Niveau Niveaux[] = {{"erreur ", "", "<3>"},
-                              {"boîte ", "", "<4>"},
-                              {"hôte ", "", "<5>"},
-                              {"message [ ] ", Phrase::RienÀRécupérer, "<7>"},
-                              {"", "", "<6>"}};
+constexpr Gravité Gravités[] = {{"erreur ", "", "<3>"},
+                                {"boîte ", "", "<4>"},
+                                {"hôte ", "", "<5>"},
+                                {"message [ ] ", Phrase::RienÀRécupérer, "<7>"},
+                                {"", "", "<6>"}};
 
 }  // namespace
 
@@ -86,8 +86,8 @@ bool MèneAuJournal(int Descripteur) {
          Variable("JOURNAL_STREAM") == std::to_string(État.st_dev) + ":" + std::to_string(État.st_ino);
 }
 
-std::string_view NiveauJournal(std::string_view Ligne) {
-  for (const auto& [Début, Fin, Marque] : Niveaux)
+std::string_view GravitéJournal(std::string_view Ligne) {
+  for (const auto& [Début, Fin, Marque] : Gravités)
     if (Ligne.starts_with(Début) && Ligne.ends_with(Fin)) return Marque;
   return "";
 }

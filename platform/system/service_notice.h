@@ -37,6 +37,6 @@ class AvisService {
 
 /// The level of a console's line for the journal: "<3>" for an error to "<6>" for what merely happened, "<7>" for a
 /// poll that found nothing.
-[[nodiscard]] std::string_view NiveauJournal(std::string_view Ligne);
+[[nodiscard]] std::string_view GravitéJournal(std::string_view Ligne);
 
 }  // namespace Ombrey

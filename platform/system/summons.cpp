@@ -40,7 +40,7 @@ Descripteur Prise() { return Descripteur(socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEX
     : Oreille_(Prise()) {
   const Adresse Sienne(Dossier);
   if (!Oreille_.EstOuvert() || bind(Oreille_.Numéro(), Sienne.Brute(), Sienne.Taille) != 0) return;
-  Veille_ = Boucle.Surveiller(Oreille_.Numéro(), IBoucle::Sens::Lecture,
+  Veille_ = Boucle.Surveiller(Oreille_.Numéro(), IBoucle::Sens::Entrée,
                               [Numéro = Oreille_.Numéro(), Faire = std::move(Appelée)] {
                                 char Mot = 0;
                                 if (recv(Numéro, &Mot, sizeof Mot, 0) >= 0) Faire();

@@ -1,4 +1,4 @@
-// Run-time failures: the exception, the pending error, and running a statement whose failure is to be ignored.
+// Run-time failures: the exception, the pending error, and statements whose failure is kept or ignored.
 #pragma once
 
 #include <exception>
@@ -45,10 +45,10 @@ class ErreurEnAttente {
   std::string Texte_;
 };
 
-/// Runs one statement; a failure that it raises becomes the pending error, and the caller goes on with its next
-/// statement. True when it ran through.
+/// Runs one statement whose failure is to be shown later: it becomes the pending error, and the caller goes on with its
+/// next statement. True when it ran through.
 template <class Instruction>
-bool Ignorer(ErreurEnAttente& Pendante, Instruction&& Faire) {
+bool Garder(ErreurEnAttente& Pendante, Instruction&& Faire) {
   try {
     std::forward<Instruction>(Faire)();
     return true;
@@ -56,6 +56,14 @@ bool Ignorer(ErreurEnAttente& Pendante, Instruction&& Faire) {
     Pendante.Noter(Erreur);
     return false;
   }
+}
+
+/// Runs one statement whose failure is nobody's business; the caller goes on with its next one. True when it ran
+/// through.
+template <class Instruction>
+bool Ignorer(Instruction&& Faire) {
+  ErreurEnAttente Oubliée;
+  return Garder(Oubliée, std::forward<Instruction>(Faire));
 }
 
 /// What Faire gives; its failure says behind its description what it was about, such as a field and its value.

@@ -43,12 +43,12 @@ std::string ContenuOuVide(const std::filesystem::path& Fichier) {
 void CréerDossier(const std::filesystem::path& Dossier) {
   std::error_code Code;
   if (std::filesystem::is_directory(Dossier, Code)) return;
-  std::filesystem::path Niveau;
+  std::filesystem::path Atteint;
   for (const auto& Élément : Dossier) {
-    Niveau /= Élément;
-    const bool Créé = std::filesystem::create_directory(Niveau, Code);
-    if (Créé) std::filesystem::permissions(Niveau, std::filesystem::perms::owner_all, Code);
-    if (Code) throw Échec("Impossible de créer le dossier ", Niveau, Code);
+    Atteint /= Élément;
+    const bool Créé = std::filesystem::create_directory(Atteint, Code);
+    if (Créé) std::filesystem::permissions(Atteint, std::filesystem::perms::owner_all, Code);
+    if (Code) throw Échec("Impossible de créer le dossier ", Atteint, Code);
   }
 }
 

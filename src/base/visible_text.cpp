@@ -1,6 +1,8 @@
 // Text as it is shown.
 #include "base/visible_text.h"
 
+#include <algorithm>
+
 #include "base/ansi_text.h"
 #include "contracts/octets.h"
 
@@ -44,6 +46,17 @@ std::string TexteVisible(std::string_view Texte) {
     }
   }
   return Visible;
+}
+
+std::string SurUneLigne(std::string_view Texte) {
+  std::string Ligne;
+  for (const char C : Texte.substr(0, Texte.find_last_not_of(" \r\n\t") + 1)) {
+    if (C == '\n' && Ligne.ends_with('\r')) Ligne.pop_back();
+    Ligne += C;
+  }
+  std::ranges::replace_if(
+      Ligne, [](char C) { return C == '\r' || C == '\n' || C == '\t'; }, ' ');
+  return Ligne;
 }
 
 std::size_t NombreCaractères(std::string_view Texte) {

@@ -11,6 +11,9 @@ namespace Ombrey {
 /// Bytes that are no UTF-8 are read as Windows-1252.
 [[nodiscard]] std::string TexteVisible(std::string_view Texte);
 
+/// The text with a blank for each line break (CR LF, CR or LF) and tab, without those at its end.
+[[nodiscard]] std::string SurUneLigne(std::string_view Texte);
+
 /// Number of characters of a UTF-8 text.
 [[nodiscard]] std::size_t NombreCaractères(std::string_view Texte);
 

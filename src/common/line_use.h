@@ -14,7 +14,7 @@ namespace Ombrey {
 /// What can ask for the line while it is taken, in the order in which it is served afterwards. Configuration, printing
 /// and reading don't use it, but would hold up whoever does for as long as the operator looks at their boxes. The poll
 /// comes last: with a short period there is always one that wants the line.
-enum class DemandeLiaison { Bouton, Menu, Cumuls, Configuration, Impression, Lecture, Interrogation };
+enum class DemandeLiaison { Bouton, Menu, Cumuls, Configuration, Impression, LigneEntière, Interrogation };
 
 /// Marks the line as taken for a poll, a test, a reply, a transfer or the port's configuration. A request that comes
 /// meanwhile is kept, once for each kind, and runs from the loop when the line is free again: never within the holder's

@@ -149,10 +149,9 @@ void PlugIn::LirePériode() {
 }
 
 void PlugIn::IPlugInTarvel_Afficher() {
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(Échange_.Port())->Activer(true); });
+  Ignorer([this] { Exiger(Échange_.Port())->Activer(true); });
   if (État_.Abandon) return;
-  Ignorer(Ignorée, [this] { Interrogation_.Commencer(); });
+  Ignorer([this] { Interrogation_.Commencer(); });
 }
 
 void PlugIn::IPlugInTarvel_Configurer() {

@@ -120,17 +120,16 @@ void PlugIn::TransférerDonnées() {
 std::shared_ptr<IBaseDeD> PlugIn::IPlugInTarvel_BaseDeD() const { return État_.BaseDeD; }
 
 void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
-  ErreurEnAttente Ignorée;
   // The new base may have a load of its own under this number.
   if (Objet != État_.BaseDeD) État_.DernierNoChargement.clear();
   // The former base's objects go even when the new one can't give its own: no load of one goes into the other.
   DéconnecterÉvénements();
   État_.BaseDeD = std::move(Objet);
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] {
     État_.EtatBdD = Exiger(État_.BaseDeD)->EtatBdD();
     Exiger(État_.EtatBdD)->Connecter(&Notifications_);
   });
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] {
     KVSynchro_ = Exiger(État_.EtatBdD)->KVSynchro();
     Exiger(KVSynchro_)->Connecter(&Notifications_);
   });
@@ -138,9 +137,8 @@ void PlugIn::IPlugInTarvel_FixerBaseDeD(std::shared_ptr<IBaseDeD> Objet) {
 
 void PlugIn::DéconnecterÉvénements() {
   // Each on its own: a listener left behind would be called after the plug-in's end.
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(KVSynchro_)->Déconnecter(&Notifications_); });
-  Ignorer(Ignorée, [this] { Exiger(État_.EtatBdD)->Déconnecter(&Notifications_); });
+  Ignorer([this] { Exiger(KVSynchro_)->Déconnecter(&Notifications_); });
+  Ignorer([this] { Exiger(État_.EtatBdD)->Déconnecter(&Notifications_); });
   KVSynchro_.reset();
   État_.EtatBdD.reset();
 }

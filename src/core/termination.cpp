@@ -20,22 +20,21 @@ constexpr std::string_view DébutFichierImport = "RG80 ";
 std::string PlugIn::IPlugInTarvel_Terminer() {
   // Releasing PlugInCourant may drop the last reference in the middle of the steps.
   const auto Tenu = weak_from_this().lock();
-  ErreurEnAttente Ignorée;
   État_.Abandon = true;
   État_.Liaison.Terminer();
-  Ignorer(Ignorée, [this] { Interrogation_.Terminer(); });
-  Ignorer(Ignorée, [this] { NettoyerFichiersImport(); });
+  Ignorer([this] { Interrogation_.Terminer(); });
+  Ignorer([this] { NettoyerFichiersImport(); });
   // Not in the second call: it would bring back a folder that the host has put away meanwhile.
-  if (État_.PlugInCourant) Ignorer(Ignorée, [this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
-  Ignorer(Ignorée, [this] {
+  if (État_.PlugInCourant) Ignorer([this] { NettoyerFichierErreurs(État_.Plateforme.Système()); });
+  Ignorer([this] {
     if (const auto Ouverte = FChargntDonnées_.lock()) Ouverte->Décharger();
   });
-  Ignorer(Ignorée, [this] { Canal_.Décharger(); });
+  Ignorer([this] { Canal_.Décharger(); });
   État_.PlugInCourant.reset();
   EventPortComRG80_.reset();
-  Ignorer(Ignorée, [this] { Échange_.FermerPort(); });
+  Ignorer([this] { Échange_.FermerPort(); });
   ServeurPortComm_.reset();
-  Ignorer(Ignorée, [this] { Exiger(AccèsDistant_)->Fermer(); });
+  Ignorer([this] { Exiger(AccèsDistant_)->Fermer(); });
   AccèsDistant_.reset();
   DéconnecterÉvénements();
   État_.EventPlugin.reset();

@@ -26,7 +26,7 @@ constexpr std::size_t Cuve = RangChamp("Cuve");
 
 std::string Lire(const Octets& Enregistrement, Position Place) { return DepuisAnsi(Place.Dans(Enregistrement)); }
 
-std::vector<std::string> Découper(const Octets& Enregistrement) {
+std::vector<std::string> LireChamps(const Octets& Enregistrement) {
   std::vector<std::string> Champs;
   for (const ChampChargement& Champ : ChampsChargement) Champs.push_back(Lire(Enregistrement, Champ.Place));
   return Champs;
@@ -80,7 +80,7 @@ bool TraitementTrame::CheckSumJuste(const Octets& Trame) const {
 
 std::optional<std::string> TraitementTrame::TraiterEnregistrement(const Octets& Enregistrement,
                                                                   std::string& NoChargement) {
-  std::vector<std::string> DonnéesReçues = Découper(Enregistrement);
+  std::vector<std::string> DonnéesReçues = LireChamps(Enregistrement);
   const std::string CodeExploitation = TrouverExploitation(Enregistrement);
   if (CodeExploitation.empty() || État_.Abandon) return std::nullopt;
 

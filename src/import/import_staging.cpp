@@ -29,7 +29,7 @@ std::string MiseEnFormeImport::MiseEnFormePourImport(const std::vector<std::stri
   Définition D;
   if (!LireDéfinition(D)) return {};
   std::string Ligne;
-  Ignorer(État_.Erreur, [&] { Ligne = ComposerLigne(D, DonnéesReçues); });
+  Garder(État_.Erreur, [&] { Ligne = ComposerLigne(D, DonnéesReçues); });
   return Ligne;
 }
 
@@ -39,7 +39,7 @@ bool MiseEnFormeImport::LireDéfinition(Définition& Lue) {
   if (Rangées->Eof()) return false;
   const Régional Formes = État_.Formes();
   Lue.Colonnes = TexteValeur(Rangées->FieldsNommé("LongChps"), Formes);
-  Ignorer(État_.Erreur, [&] { Lue.Séparateur = TexteValeur(Rangées->FieldsNommé("Format"), Formes); });
+  Garder(État_.Erreur, [&] { Lue.Séparateur = TexteValeur(Rangées->FieldsNommé("Format"), Formes); });
   return true;
 }
 

@@ -215,8 +215,7 @@ void Collecte::EnvoyerCumuls() {
   Exiger(BaseDeD_)->Actualiser();
   VérifierErreurEnAttente();
   Etape_ = EtapeAnnonce;
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Exiger(État_.EventPlugin)->Signaler(Phrase::ChargementAjouté + NoChargement_); });
+  Ignorer([this] { Exiger(État_.EventPlugin)->Signaler(Phrase::ChargementAjouté + NoChargement_); });
   État_.Erreur.Effacer();
 }
 
@@ -235,13 +234,12 @@ void Collecte::VérifierErreurEnAttente() {
 }
 
 void Collecte::Clore() {
-  ErreurEnAttente Ignorée;
   // What fails because the plug-in was ended in the middle is no failure for the operator.
   if (État_.Erreur.EstPrésente() && Résultat_.empty() && !État_.Abandon) {
     Résultat_ = TexteÉchecLecture + État_.Erreur.Texte() + " - Etape " + std::to_string(Etape_) + " - " + NoChargement_;
-    Ignorer(Ignorée, [this] { État_.Avertir("LireDonnéesDeRG80 : " + Résultat_); });
+    Ignorer([this] { État_.Avertir("LireDonnéesDeRG80 : " + Résultat_); });
   }
-  if (!Résultat_.empty()) Ignorer(Ignorée, [this] { État_.Canal.AjouterMessage(Résultat_, false); });
+  if (!Résultat_.empty()) Ignorer([this] { État_.Canal.AjouterMessage(Résultat_, false); });
   Erreurs_.reset();
   std::error_code Code;
   if (!FichierImport_.empty()) std::filesystem::remove(FichierImport_, Code);

@@ -205,9 +205,9 @@ bool Échange::TesterConnexion() {
   // Failures stay inside: one of them makes the test fail, and the pointer comes back whatever happens.
   ErreurEnAttente Échec;
   bool Répond = false;
-  Ignorer(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(true); });
-  Ignorer(Échec, [&] { Répond = RéponseÀLaRequêteDeTest(); });
-  Ignorer(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(false); });
+  Garder(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(true); });
+  Garder(Échec, [&] { Répond = RéponseÀLaRequêteDeTest(); });
+  Garder(Échec, [&] { État_.Plateforme.Fenêtres().FixerSablier(false); });
   return Répond && !Échec.EstPrésente();
 }
 

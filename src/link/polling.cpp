@@ -22,7 +22,7 @@ void Interrogation::Armer() { Exiger(Retard_)->Démarrer(PériodeInterrogation_,
 void Interrogation::Suspendre(const std::function<void()>& Faire) {
   Exiger(Retard_)->Arrêter();
   ErreurEnAttente Levée;
-  Ignorer(Levée, Faire);
+  Garder(Levée, Faire);
   if (État_.Abandon) return;
   Armer();
   if (Levée.EstPrésente()) throw ErreurExécution(Levée.Texte());
@@ -36,15 +36,14 @@ void Interrogation::Retard_FinTempo(const std::string& CodeRetour) {
 
   if (État_.Abandon) return;
   Exiger(Retard_)->Arrêter();
-  ErreurEnAttente Ignorée;
   std::string Erreur = Collecte(État_, Échange_, Traitement_).LireDonnéesDeRG80();
   if (État_.Erreur.EstPrésente()) Erreur = "Erreur " + État_.Erreur.Texte() + " - " + Erreur;
   État_.Erreur.Effacer();
-  Ignorer(Ignorée, [&] {
+  Ignorer([&] {
     État_.Canal.AjouterMessage("Vérification de nouveaux chargements sur le RG80. " + Erreur, Erreur.empty());
   });
   if (État_.Abandon) return;
-  Ignorer(Ignorée, [this] { Armer(); });
+  Ignorer([this] { Armer(); });
 }
 
 void Interrogation::Terminer() {

@@ -35,9 +35,9 @@ std::string SqlChargementsDuJour() {
 
 }  // namespace
 
-TableauChargements LireChargementsDuJour(IDatabase& Base, const Régional& Formes) {
+ListeChargements LireChargementsDuJour(IDatabase& Base, const Régional& Formes) {
   const auto Chargements = Base.OpenRecordset(SqlChargementsDuJour(), TypeRecordset::VersLAvant);
-  TableauChargements Tableau{Chargements->Colonnes(), {}};
+  ListeChargements Tableau{Chargements->Colonnes(), {}};
   for (; !Chargements->Eof(); Chargements->MoveNext()) {
     auto& Rangée = Tableau.Rangées.emplace_back();
     Rangée.reserve(Tableau.Entêtes.size());

@@ -10,12 +10,12 @@
 namespace Ombrey {
 
 /// Each row has as many texts as there are headings; a Null is the empty text.
-struct TableauChargements {
+struct ListeChargements {
   std::vector<std::string> Entêtes;
   std::vector<std::vector<std::string>> Rangées;
 };
 
 /// Newest load first. Raises ErreurExécution when the query can't be run or read.
-[[nodiscard]] TableauChargements LireChargementsDuJour(IDatabase& Base, const Régional& Formes);
+[[nodiscard]] ListeChargements LireChargementsDuJour(IDatabase& Base, const Régional& Formes);
 
 }  // namespace Ombrey

@@ -50,23 +50,22 @@ FSuiviChargnt::FSuiviChargnt(ÉtatPartagé& État, IServicesLiaison& Services)
 FSuiviChargnt::~FSuiviChargnt() { Form_Unload(); }
 
 void FSuiviChargnt::Form_Load() {
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { Vue_->OffrirOnglet(Onglet::Erreurs, !Erreurs_.empty()); });
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] { Vue_->OffrirOnglet(Onglet::Erreurs, !Erreurs_.empty()); });
+  Ignorer([this] {
     Rectangle Place = Vue_->PlaceContrôle(ContrôleSuivi::BtnMasquer);
     Place.Gauche = -Place.Largeur;  // out of sight, yet Esc still presses it
     Vue_->PlacerContrôle(ContrôleSuivi::BtnMasquer, Place);
   });
-  Ignorer(Ignorée, [this] { ReprendrePlace(); });  // a window that is never shown saves its place all the same
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] { ReprendrePlace(); });  // a window that is never shown saves its place all the same
+  Ignorer([this] {
     if (RéglagesPlacement(État_.Plateforme.Réglages(), État_.Formes()).LireAgrandie()) Vue_->Agrandir();
   });
   OffrirCumuls();
 }
 
 void FSuiviChargnt::Form_Unload() {
-  ErreurEnAttente Ignorée;  // nobody is left to be told
-  Ignorer(Ignorée, [this] { SauverPlacement(); });
+  // Nobody is left to be told.
+  Ignorer([this] { SauverPlacement(); });
 }
 
 std::string FSuiviChargnt::Horodatage() const {
@@ -111,8 +110,7 @@ void FSuiviChargnt::OffrirCumuls() {
 void FSuiviChargnt::Rafraîchir() {
   OffrirCumuls();
   if (!État_.Liaison.EstPrise()) return RelireListe();
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] {
     if (!Relecture_) Relecture_ = État_.Plateforme.CréerRetard([this](const std::string&) { RelireListe(); });
     if (!std::exchange(ÀRelire_, true)) Relecture_->Démarrer(0, "");
   });
@@ -121,9 +119,8 @@ void FSuiviChargnt::Rafraîchir() {
 void FSuiviChargnt::RelireListe() {
   ÀRelire_ = false;
   // A pending error here would be told to the operator as one of the dialogue that asked for the list.
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { RemplirGrille(); });
-  Ignorer(Ignorée, [this] {
+  Ignorer([this] { RemplirGrille(); });
+  Ignorer([this] {
     const RéglagesPlacement Placement(État_.Plateforme.Réglages(), État_.Formes());
     const std::size_t Colonnes = Vue_->NombreColonnes();
     for (std::size_t Colonne = 0; Colonne < Colonnes; ++Colonne) {
@@ -161,7 +158,7 @@ void FSuiviChargnt::BtnForcerCumulsRG80_Click() {
   if (!Prise) return;
   std::string DernierChargement;
   ErreurEnAttente Erreur;
-  const bool Faite = Ignorer(Erreur, [&] { Services_.MettreAJourCumuls(DernierChargement); });
+  const bool Faite = Garder(Erreur, [&] { Services_.MettreAJourCumuls(DernierChargement); });
   if (!Faite && !Vie.expired()) AjouterErreur(Erreur.Texte());
 }
 
@@ -169,7 +166,7 @@ void FSuiviChargnt::BtnImprimer_Click() {
   if (Erreurs_.empty() || !BoîtePermise(DemandeLiaison::Impression, [this] { BtnImprimer_Click(); })) return;
   const auto PlugIn = État_.PlugInCourant;
   ErreurEnAttente Erreur;
-  const bool Imprimée = Ignorer(Erreur, [this] {
+  const bool Imprimée = Garder(Erreur, [this] {
     const auto Imprimante = État_.Plateforme.Fenêtres().OuvrirImprimante();
     ImprimerErreurs(*Imprimante, État_.Plateforme.Système().Maintenant(), Erreurs_);
   });
@@ -192,7 +189,7 @@ void FSuiviChargnt::ListeMessages_DblClick(Onglet Liste) {
 }
 
 void FSuiviChargnt::MontrerLigne(const std::string& Texte) {
-  if (BoîtePermise(DemandeLiaison::Lecture, [this, Texte] { MontrerLigne(Texte); })) État_.Avertir(Texte);
+  if (BoîtePermise(DemandeLiaison::LigneEntière, [this, Texte] { MontrerLigne(Texte); })) État_.Avertir(Texte);
 }
 
 /// A box in the midst of an exchange would hold up the terminal: Reprise then runs behind it. The line itself goes back
@@ -206,10 +203,9 @@ bool FSuiviChargnt::BoîtePermise(DemandeLiaison Demande, std::function<void()> 
 }
 
 void FSuiviChargnt::Form_Activate() {
-  ErreurEnAttente Ignorée;
-  Ignorer(Ignorée, [this] { ReprendrePlace(); });
+  Ignorer([this] { ReprendrePlace(); });
   Rafraîchir();
-  Ignorer(Ignorée, [this] { Vue_->MettreDevant(); });
+  Ignorer([this] { Vue_->MettreDevant(); });
 }
 
 void FSuiviChargnt::Form_Resize() { DisposerContrôles(*Vue_); }
@@ -217,7 +213,7 @@ void FSuiviChargnt::Form_Resize() { DisposerContrôles(*Vue_); }
 bool FSuiviChargnt::Form_QueryUnload(bool ParUtilisateur) {
   if (!ParUtilisateur) return false;
   ErreurEnAttente Erreur;
-  const bool Sauvé = Ignorer(Erreur, [this] { SauverPlacement(); });
+  const bool Sauvé = Garder(Erreur, [this] { SauverPlacement(); });
   Vue_->Cacher();
   if (!Sauvé) AjouterMessage("La place de la fenêtre n'a pas pu être enregistrée : " + Erreur.Texte(), false);
   return true;

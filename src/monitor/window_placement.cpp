@@ -109,8 +109,7 @@ void RéglagesPlacement::EcrireLargeur(std::size_t Colonne, int Twips) const { E
 
 int RéglagesPlacement::Lire(const std::string& Clé) const {
   int Twips = NonRéglé;
-  ErreurEnAttente Illisible;
-  Ignorer(Illisible, [&] {
+  Ignorer([&] {
     const auto Texte = Réglages_.Lire(NomComposant, Section, Clé, std::to_string(NonRéglé));
     const int Lus = EnEntier32(Texte, Formes_);
     if (Lus <= TwipsAuPlus) Twips = Lus;

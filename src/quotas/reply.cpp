@@ -39,7 +39,7 @@ void RéponseCumuls::MettreAJourCumuls(std::string& NoChargement) {
 
   const std::string Enregistrement = ComposerEnregistrement(C);
   État_.Erreur.Effacer();
-  Ignorer(État_.Erreur, [&] {
+  Garder(État_.Erreur, [&] {
     État_.Canal.AjouterMessage(
         Phrase::Cumuls + C.IdMétayage + " - Appellation : " + C.Sélection + " - Groupe : " + C.IdGrp, true);
   });
@@ -67,7 +67,7 @@ std::string RéponseCumuls::ComposerEnregistrement(Chargement& C) {
   float Chiffre = 0;
   std::string Enregistrement = TexteChiffre(Chiffre);  // no figure of the host feeds the first field
   const auto Ajouter = [&](const auto& Calculer) {
-    Ignorer(État_.Erreur, [&] { Chiffre = static_cast<float>(Calculer(*Exiger(État_.BaseDeD))); });
+    Garder(État_.Erreur, [&] { Chiffre = static_cast<float>(Calculer(*Exiger(État_.BaseDeD))); });
     if (Chiffre < 0 || Chiffre == static_cast<float>(SansQuota)) Chiffre = 0;
     Enregistrement += TexteChiffre(Chiffre);
   };
@@ -89,11 +89,11 @@ std::string RéponseCumuls::ComposerEnregistrement(Chargement& C) {
 void RéponseCumuls::Transmettre(const std::string& Enregistrement) {
   std::vector<Octets> Lignes{VersAnsi(Enregistrement)};
   std::string Raison;
-  Ignorer(État_.Erreur, [&] { Raison = Services_.TransmettreLignes(FichierRéponse, Lignes); });
+  Garder(État_.Erreur, [&] { Raison = Services_.TransmettreLignes(FichierRéponse, Lignes); });
   if (Raison.empty() || État_.Abandon) return;
-  Ignorer(État_.Erreur, [&] { État_.Canal.AjouterMessage(Phrase::EnvoiEnÉchec + Raison, false); });
-  Ignorer(État_.Erreur, [&] { État_.Canal.AjouterMessage("CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS.", false); });
-  Ignorer(État_.Erreur, [&] { État_.Canal.AjouterErreur("Transmission du quotas vers le RG80 : " + Raison); });
+  Garder(État_.Erreur, [&] { État_.Canal.AjouterMessage(Phrase::EnvoiEnÉchec + Raison, false); });
+  Garder(État_.Erreur, [&] { État_.Canal.AjouterMessage("CLIQUEZ SUR RG80 EN ATTENTE DES QUOTAS.", false); });
+  Garder(État_.Erreur, [&] { État_.Canal.AjouterErreur("Transmission du quotas vers le RG80 : " + Raison); });
 }
 
 }  // namespace Ombrey

@@ -59,7 +59,7 @@ std::string TrameAbrégée(const std::string& Raison) {
 void FChargntDonnées::Afficher(IServicesLiaison& PlugIn) {
   PlugIn_ = &PlugIn;
   ErreurEnAttente Levée;
-  Ignorer(Levée, [this] { MontrerSiConnecté(); });
+  Garder(Levée, [this] { MontrerSiConnecté(); });
   Vue_.reset();
   PlugIn_ = nullptr;
   if (Levée.EstPrésente()) throw ErreurExécution(Levée.Texte());
@@ -141,7 +141,7 @@ std::optional<std::string> FChargntDonnées::Transférer(const JeuDeDonnées& Je
   std::string Raison;
   std::vector<std::string> Omissions;
   ErreurEnAttente Levée;
-  const bool Mené = Ignorer(Levée, [&] {
+  const bool Mené = Garder(Levée, [&] {
     const auto Base = État_.BaseDAO();
     Omissions = ConstruireFichier(Jeu, {*Base, État_.Formes()}, Titrer, Lignes);
     Attendre(Jeu.Pause);

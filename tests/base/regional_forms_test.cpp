@@ -14,7 +14,7 @@ constexpr double PasUnNombre = std::numeric_limits<double>::quiet_NaN();
 
 std::string DescriptionDe(const std::function<void()>& Faire) {
   ErreurEnAttente Levée;
-  Ignorer(Levée, Faire);
+  Garder(Levée, Faire);
   return Levée.Texte();
 }
 

@@ -312,7 +312,7 @@ TEST_P(VieDeStation, GoesWithThePlugInAndLetsItGo) {
   Base->Dossier = D + "/";
   const Terminal T(C.Tapé);
   ErreurEnAttente Refus;
-  Ignorer(Refus, [&] {
+  Garder(Refus, [&] {
     Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
     Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
   });

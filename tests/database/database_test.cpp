@@ -165,7 +165,7 @@ TEST_F(BaseVigne, GoesOnWithTheOrdinaryJournalWhereTheDriveCarriesNoOther) {
     if (EstDéjàLà) std::filesystem::copy(Dossier.Chemin(), Ailleurs.Chemin(), std::filesystem::copy_options::recursive);
     const DisqueSansPartage Disque;
     ErreurEnAttente Refus;  // where another program has it open
-    if (EstDéjàLà) Ignorer(Refus, [&] { static_cast<void>(ConnexionSqlite::Ouvrir(Fichier)); });
+    if (EstDéjàLà) Garder(Refus, [&] { static_cast<void>(ConnexionSqlite::Ouvrir(Fichier)); });
     EXPECT_EQ(Refus.Texte().find(Dossier.Chemin().string() + " » ne permet pas") != std::string::npos, EstDéjàLà);
     const auto Ici = EstDéjàLà ? ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / Fichier.filename()) : Nouvelle();
     const std::string Dit = testing::internal::GetCapturedStderr();

@@ -135,7 +135,7 @@ void Voie::Malmener() {
   }
   const bool Débranche = Hasard_(3) == 0, Tue = Hasard_(2) == 0, Relance = Hasard_(2) == 0;
   // The other lane may hold it longer than anybody waits.
-  if (ErreurEnAttente Verrouillée; Hasard_(3) == 0) Ignorer(Verrouillée, [&] { Pris.emplace(P_); });
+  if (Hasard_(3) == 0) Ignorer([&] { Pris.emplace(P_); });
   Comptes["locks"] += Pris ? 1 : 0;
   Comptes["port losses"] += Débranche ? 1 : 0;
   Adaptateur_->Brancher(!Débranche);
@@ -233,12 +233,11 @@ void Cave::Tenir(std::chrono::seconds Patience) {
   for (Voie* Voie : {&Une_, &Autre_})
     Fils.emplace_back([=, this] {
       ErreurEnAttente Erreur;
-      EXPECT_TRUE(Ignorer(Erreur, [&] { Voie->Tenir(Patience); })) << Erreur.Texte();
+      EXPECT_TRUE(Garder(Erreur, [&] { Voie->Tenir(Patience); })) << Erreur.Texte();
       --Ouvertes_;
     });
   for (const auto Base = Une_.Lieu().Base(); Ouvertes_ > 0; std::this_thread::sleep_for(1ms * Hasard_(40))) {
-    ErreurEnAttente Verrouillée;
-    Ignorer(Verrouillée, [&] { Corriger(*Base); });
+    Ignorer([&] { Corriger(*Base); });
   }
   for (std::thread& Fil : Fils) Fil.join();
 }

@@ -34,7 +34,7 @@ void ComparerLigne(const std::string& Ligne, const Tarvel::ChargementImporté& I
 }
 
 /// The rows of both tables.
-std::string Compte() {
+std::string Rangées() {
   return TexteOuVide(Coopérative()->Lire("SELECT (SELECT count(*) FROM Chargement) || '/' ||"
                                          " (SELECT count(*) FROM ChargementArchive)"),
                      Régional{});
@@ -47,7 +47,7 @@ void Importer(const std::string& Fichier, const std::string& Contenu, bool EstLa
   try {
     Importés = Moteur.Importer(Tarvel::TitreImport, Fichier);
   } catch (const ErreurExécution&) {
-    Exiger(Compte() == "0/0", "a file that is refused leaves nothing behind");
+    Exiger(Rangées() == "0/0", "a file that is refused leaves nothing behind");
     return;
   }
   std::vector<std::string> Lignes = ListeChamps("\r\n").Décomposer(DepuisAnsi(Octets(Contenu)));
@@ -58,7 +58,7 @@ void Importer(const std::string& Fichier, const std::string& Contenu, bool EstLa
   if (Lignes.size() > 1) return;
   const auto Encore = Moteur.Importer(Tarvel::TitreImport, Fichier);
   Exiger(Encore.size() == 1 && Encore[0].IdChargement == Importés[0].IdChargement, "a load that comes twice is known");
-  Exiger(!Encore[0].EstNouveau && Compte() == "1/0", "and there once");
+  Exiger(!Encore[0].EstNouveau && Rangées() == "1/0", "and there once");
 }
 
 void Essayer(Entrée E) {

@@ -79,7 +79,7 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
   /// How a call is refused; empty when it isn't.
   static std::string Refus(const std::function<void()>& Faire) {
     Ombrey::ErreurEnAttente Erreur;
-    return Ignorer(Erreur, Faire) ? "" : Erreur.Texte();
+    return Garder(Erreur, Faire) ? "" : Erreur.Texte();
   }
   /// Rows with commas between them, values with blanks.
   std::string Lire(const std::string& Sql) {

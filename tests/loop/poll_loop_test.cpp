@@ -13,7 +13,7 @@ using namespace std::chrono_literals;
 
 struct Pompe : testing::Test {
   IBoucle::Jeton Surveiller(IBoucle::Action Faire) {
-    return Boucle.Surveiller(Prêt.Numéro(), IBoucle::Sens::Lecture, std::move(Faire));
+    return Boucle.Surveiller(Prêt.Numéro(), IBoucle::Sens::Entrée, std::move(Faire));
   }
   void Vider() {
     while (Boucle.Pomper(5ms)) continue;

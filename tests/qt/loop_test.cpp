@@ -23,7 +23,7 @@ namespace Ombrey::Essais {
 
 struct BoucleDeQt : Bureau {
   BoucleDeQt() { Vider(); }
-  IBoucle::Jeton Surveiller(IBoucle::Action Faire, IBoucle::Sens Sens = IBoucle::Sens::Lecture) {
+  IBoucle::Jeton Surveiller(IBoucle::Action Faire, IBoucle::Sens Sens = IBoucle::Sens::Entrée) {
     return Boucle.Surveiller(Près.Numéro(), Sens, std::move(Faire));
   }
   PseudoTerminal Loin;
@@ -66,7 +66,7 @@ TEST_F(BoucleDeQt, AByteEndsTheWaitAndAWatchComesAgainUntilItIsRead) {
     EXPECT_EQ(Trace, Attendue);
   }
   EXPECT_FALSE(Boucle.Pomper(5ms));
-  auto Place = Surveiller([&] { Trace += 'e'; }, IBoucle::Sens::Écriture);
+  auto Place = Surveiller([&] { Trace += 'e'; }, IBoucle::Sens::Sortie);
   EXPECT_TRUE(Boucle.Pomper(1s));
   EXPECT_EQ(Trace, "...e") << "there is room to write";
   Place.reset();

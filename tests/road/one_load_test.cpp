@@ -147,8 +147,8 @@ static Panne Sans(const std::string& Table, const std::string& Boîte) {
 }
 
 static const std::string Refusé = "Erreur d'importation des données issues du RG80.";
-static const std::string Lecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
-static const std::string Écriture = Lecture + "Impossible d'écrire le fichier ";
+static const std::string ÉchecLecture = "LireDonnéesDeRG80 : Echec de lecture de données du RG80 : ";
+static const std::string Écriture = ÉchecLecture + "Impossible d'écrire le fichier ";
 static const Panne Pannes[] = {
     // clang-format off
     Sans("Chargement", Refusé), Sans("ChargementArchive", Refusé), Sans("Métayage", "Table introuvable : Métayage"),
@@ -158,10 +158,10 @@ static const Panne Pannes[] = {
      "UPDATE MSysEtats SET LongChps = substr(LongChps, 1, length(LongChps) - 11)", Refusé},
     {"UPDATE Métayage SET Part = NULL; INSERT INTO Métayage (IdMétayage, Propriétaire, Récoltant) VALUES (0, 123, 456)",
      "UPDATE Métayage SET Part = 100; DELETE FROM Métayage WHERE IdGrp IS NULL", "Utilisation incorrecte de Null"},
-    {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", Lecture},
+    {"$ rm -r poste/import; touch poste/import", "$ rm poste/import", ÉchecLecture},
     {"$ mkdir -p 'poste/" + FichierImport + "/x'", "$ rm -r poste/import", Écriture},
-    {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", Lecture},
-    {"", "", Lecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
+    {"$ rm -rf poste/données; touch poste/données", "$ rm poste/données", ÉchecLecture},
+    {"", "", ÉchecLecture, 0}, {"", "", Écriture, 20}, {"", "", Refusé, 300},
     // clang-format on
 };
 

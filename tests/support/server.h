@@ -59,7 +59,7 @@ class ServeurDEssai {
     const std::string Nom = "essai" + std::to_string(++Bases_);
     ErreurEnAttente Refus;
     const auto Créer = [&] { Tarvel::OuvrirMoteur(Adresse("postgres"))->ExécuterTout("CREATE DATABASE " + Nom); };
-    EXPECT_TRUE(Bientôt([&] { return Ignorer(Refus, Créer); }, 1min)) << Refus.Texte();
+    EXPECT_TRUE(Bientôt([&] { return Garder(Refus, Créer); }, 1min)) << Refus.Texte();
     return Adresse(Nom);
   }
 

@@ -191,9 +191,8 @@ TEST_F(Machine, ConfiguringAPortWritesOnlyWhatWasChanged) {
       return Garder;
     };
     bool Gardé = false;
-    ErreurEnAttente Pleine;
     LimiterFichiers(Place);
-    Ignorer(Pleine, [&] { Gardé = Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"); });
+    Ignorer([&] { Gardé = Machine_.CréerClientPortComm({}, {})->Configurer(Ini_, "S"); });
     LimiterFichiers(RLIM_INFINITY);
     const bool EstVoulu = Garder && Place == RLIM_INFINITY;
     EXPECT_EQ(Gardé, EstVoulu);
@@ -307,7 +306,7 @@ TEST(Service, KnowsTheJournalAndTheLevelsOfItsLines) {
                                                         {"message [ ] 08:00:00 : Aucune réponse du RG80.", "<6>"},
                                                         {"message [ ] 08:00:00 : Aucun chargement à récupérer.", "<7>"},
                                                         {"message [x] 08:00:00 : erreur x", "<6>"}};
-  for (const auto& [Ligne, Niveau] : Lignes) EXPECT_EQ(NiveauJournal(Ligne), Niveau) << Ligne;
+  for (const auto& [Ligne, Gravité] : Lignes) EXPECT_EQ(GravitéJournal(Ligne), Gravité) << Ligne;
 }
 
 }  // namespace Ombrey::Essais

@@ -123,8 +123,8 @@ TEST(Replay, AnswersAtTheSameDistanceAndTellsWhereTheStationSaysOtherwise) {
     EXPECT_EQ(Replay.Terminer(), Row.Told.ends_with("différences 0"));
     EXPECT_EQ(Heard.Said, Row.Said);
     std::istringstream Told(Row.Told);
-    for (std::string Part; std::getline(Told, Part, '|');)
-      EXPECT_NE(Heard.Told.find(Part + "\n"), std::string::npos) << Heard.Told;
+    for (std::string Sentence; std::getline(Told, Sentence, '|');)
+      EXPECT_NE(Heard.Told.find(Sentence + "\n"), std::string::npos) << Heard.Told;
   }
 }
 

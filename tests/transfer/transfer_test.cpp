@@ -49,7 +49,7 @@ struct Transfert : AvecCoopérative {
     std::vector<Octets> Lignes{Octets("left over"), Octets("from before")};
     ErreurEnAttente Levée;
     const auto Titrer = [this](Mot Titre) { Titres.push_back(Titre); };
-    Ignorer(Levée, [&] {
+    Garder(Levée, [&] {
       static_cast<void>(ConstruireFichier(JeuxDeDonnées()[Rang], {*Hôte->Base, {}}, Titrer, Lignes));
     });
     EXPECT_EQ(Lignes.size(), 1U);

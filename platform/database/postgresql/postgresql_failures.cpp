@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <array>
 
+#include "base/visible_text.h"
 #include "platform/database/connection.h"
 #include "platform/database/failure_words.h"
 
@@ -56,13 +57,6 @@ std::string NomCité(std::string_view Mots) {
 }
 
 }  // namespace
-
-std::string SurUneLigne(std::string_view Mots) {
-  std::string Texte(Mots.substr(0, Mots.find_last_not_of(" \n") + 1));
-  std::ranges::replace_if(
-      Texte, [](char C) { return C == '\n' || C == '\t'; }, ' ');
-  return Texte;
-}
 
 void LeverÉchecServeur(std::string_view Code, std::string_view Mots) {
   const auto* const Trouvée =

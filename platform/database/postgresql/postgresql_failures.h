@@ -14,7 +14,4 @@ inline constexpr const char* LiaisonPerdue = "La liaison avec le serveur de la b
 /// bring through.
 [[noreturn]] void LeverÉchecServeur(std::string_view Code, std::string_view Mots);
 
-/// The server's words on one line.
-[[nodiscard]] std::string SurUneLigne(std::string_view Mots);
-
 }  // namespace Ombrey

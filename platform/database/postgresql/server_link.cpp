@@ -11,6 +11,7 @@
 #include <optional>
 #include <utility>
 
+#include "base/visible_text.h"
 #include "platform/database/connection.h"
 #include "platform/database/postgresql/postgresql_failures.h"
 

@@ -107,8 +107,8 @@ std::vector<ServeurÀEssayer> ServeursDe(const std::string& Adresse, Temps::time
       Tous.push_back(std::move(Un));
       continue;
     }
-    const auto Part = (Échéance - Temps::now()) / 2;
-    for (const std::string& Une : AdressesDe(Un.Hôte, Temps::now() + Part, Patience))
+    const auto Moitié = (Échéance - Temps::now()) / 2;
+    for (const std::string& Une : AdressesDe(Un.Hôte, Temps::now() + Moitié, Patience))
       Tous.push_back({Un.Hôte, Une, Un.Port});
   }
   return Tous;

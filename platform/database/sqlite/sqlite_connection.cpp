@@ -254,10 +254,10 @@ void ConnexionSqlite::RangerJournal() {
 
 void ConnexionSqlite::Transporter(ConnexionSqlite& Vers, const Progrès& Dire) {
   // A reading that lasts: what others commit meanwhile neither gets in nor makes the copy begin anew.
-  struct Lecture {
+  struct LectureTenue {
     ConnexionSqlite& Sienne;
-    explicit Lecture(ConnexionSqlite& Une) : Sienne(Une) { Sienne.ExécuterTout("BEGIN"); }
-    ~Lecture() { Sienne.Annuler(); }
+    explicit LectureTenue(ConnexionSqlite& Une) : Sienne(Une) { Sienne.ExécuterTout("BEGIN"); }
+    ~LectureTenue() { Sienne.Annuler(); }
   } const Tenue(*this);
   static_cast<void>(Lire("SELECT COUNT(*) FROM sqlite_master"));
   const std::unique_ptr<sqlite3_backup, decltype(&sqlite3_backup_finish)> Transport(
