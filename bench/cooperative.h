@@ -6,7 +6,6 @@
 #include <memory>
 #include <string>
 
-#include "bench/temporary_folder.h"
 #include "bench/timed_connection.h"
 #include "host/cooperative_database.h"
 #include "host/machine_platform.h"
@@ -14,6 +13,7 @@
 #include "platform/console/windows.h"
 #include "platform/loop/descriptor.h"
 #include "platform/loop/poll_loop.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey::Mesures {
 
@@ -29,7 +29,7 @@ class Machine {
  private:
   [[nodiscard]] std::filesystem::path FichierLignes() const { return Dossier() / "lignes.txt"; }
 
-  DossierTemporaire Dossier_;
+  Essais::DossierEssai Dossier_;
   Descripteur Ecran_;
   BouclePoll Boucle_;
   SortieConsole Sortie_;

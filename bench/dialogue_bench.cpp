@@ -1,22 +1,19 @@
 // One whole dialogue on a pseudo-terminal: poll, frame, import with its commit on the disk, acknowledgement, figures.
 #include <benchmark/benchmark.h>
-#include <fcntl.h>
-#include <signal.h>
-#include <spawn.h>
-#include <sys/wait.h>
 
 #include <chrono>
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <iomanip>
 #include <stdexcept>
 #include <string>
 #include <thread>
-#include <vector>
 
 #include "base/regional_forms.h"
 #include "bench/cooperative.h"
 #include "core/plugin.h"
+#include "tests/support/program.h"
 
 namespace Ombrey::Mesures {
 namespace {
@@ -30,34 +27,20 @@ constexpr int OctetsDuDialogue = 2 + 2 + (55 + 4) + 1 + 2 + 2 + (24 + 4) + 1 + 1
 constexpr int BitsParOctet = 10;
 constexpr int DialoguesDAvance = 2;
 
-/// The terminal's stand-in as a child, at the far end of a pseudo-terminal.
+/// The terminal's stand-in at the far end of a pseudo-terminal. Nobody reads what it says.
 class TerminalEnfant {
  public:
-  TerminalEnfant(const std::filesystem::path& Dossier, std::vector<std::string> Options) : Lien_(Dossier / "rg80") {
-    Options.insert(Options.begin(), {RG80, "--lien", Lien_.string(), "--graine", "1"});
-    std::vector<char*> Arguments;
-    Arguments.reserve(Options.size() + 1);
-    for (std::string& Option : Options) Arguments.push_back(Option.data());
-    Arguments.push_back(nullptr);
-    posix_spawn_file_actions_t Actions;
-    posix_spawn_file_actions_init(&Actions);
-    posix_spawn_file_actions_addopen(&Actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    const int Code = posix_spawn(&Pid_, RG80, &Actions, nullptr, Arguments.data(), environ);
-    posix_spawn_file_actions_destroy(&Actions);
-    if (Code != 0) throw std::runtime_error("no terminal: " RG80);
-    for (int Essai = 0; Essai < 200 && !std::filesystem::exists(Lien_); ++Essai) std::this_thread::sleep_for(10ms);
-  }
-  TerminalEnfant(const TerminalEnfant&) = delete;
-  TerminalEnfant& operator=(const TerminalEnfant&) = delete;
-  ~TerminalEnfant() {
-    kill(Pid_, SIGTERM);
-    waitpid(Pid_, nullptr, 0);
+  TerminalEnfant(const std::filesystem::path& Dossier, const std::string& Options)
+      : Lien_(Dossier / "rg80"),
+        Rg80_("exec " RG80 " --lien '" + Lien_.string() + "' --graine 1 " + Options + " >/dev/null") {
+    if (!Essais::Bientôt([this] { return std::filesystem::exists(Lien_); }, 2s))
+      throw std::runtime_error("no terminal: " RG80);
   }
   [[nodiscard]] std::string Port() const { return Lien_.string(); }
 
  private:
   std::filesystem::path Lien_;
-  pid_t Pid_ = -1;
+  Essais::Programme Rg80_;
 };
 
 void EcrireRéglages(const std::filesystem::path& Fichier, const std::string& Port, int Bauds) {
@@ -98,15 +81,13 @@ std::filesystem::path EcrireChargements(Machine& Poste, std::int64_t Nombre) {
   return Fichier;
 }
 
-void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string>& OptionsTerminal,
-               bool SurServeur = false, std::int64_t MilliersDeLaSaison = 0) {
+void Dialogues(benchmark::State& État, int Bauds, const std::string& OptionsTerminal, bool SurServeur = false,
+               std::int64_t MilliersDeLaSaison = 0) {
   if (SurServeur && !AServeurDesMesures()) return État.SkipWithError("bench/server.sh measures this");
   Coopérative Cave(true, SurServeur);
   RemplirSaison(Cave, MilliersDeLaSaison);
-  std::vector<std::string> Options = {"--chargements",
-                                      EcrireChargements(Cave.Poste, État.max_iterations + DialoguesDAvance).string()};
-  Options.insert(Options.end(), OptionsTerminal.begin(), OptionsTerminal.end());
-  const TerminalEnfant Rg80(Cave.Poste.Dossier(), Options);
+  const auto Chargements = EcrireChargements(Cave.Poste, État.max_iterations + DialoguesDAvance);
+  const TerminalEnfant Rg80(Cave.Poste.Dossier(), "--chargements '" + Chargements.string() + "' " + OptionsTerminal);
   const auto Ini = Cave.Poste.Dossier() / "tarvel.ini";
   EcrireRéglages(Ini, Rg80.Port(), Bauds);
 
@@ -138,14 +119,14 @@ void Dialogues(benchmark::State& État, int Bauds, const std::vector<std::string
   if (Cave.Poste.Lignes().find("boîte «") != std::string::npos) État.SkipWithError("a box came up");
 }
 
-void WholeDialogueAtFullSpeed(benchmark::State& État) { Dialogues(État, static_cast<int>(État.range(0)), {}); }
+void WholeDialogueAtFullSpeed(benchmark::State& État) { Dialogues(État, static_cast<int>(État.range(0)), ""); }
 void WholeDialogueAtLinePace(benchmark::State& État) {
   const auto Bauds = static_cast<int>(État.range(0));
-  Dialogues(État, Bauds, {"--cadence", std::to_string(Bauds)});
+  Dialogues(État, Bauds, "--cadence " + std::to_string(Bauds));
 }
 
 void DialogueInASeason(benchmark::State& État) {
-  Dialogues(État, 9'600, {"--cadence", "9600"}, État.range(0) != 0, État.range(1));
+  Dialogues(État, 9'600, "--cadence 9600", État.range(0) != 0, État.range(1));
 }
 
 BENCHMARK(DialogueInASeason)

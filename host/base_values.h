@@ -6,6 +6,8 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/database.h"
+#include "contracts/system.h"
 
 namespace Tarvel {
 

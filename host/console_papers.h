@@ -8,6 +8,7 @@
 #include "host/side_work.h"
 #include "platform/console/commands.h"
 #include "platform/console/output.h"
+#include "platform/loop/loop.h"
 
 namespace Tarvel {
 

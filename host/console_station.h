@@ -9,15 +9,19 @@
 #include <string>
 #include <utility>
 
+#include "contracts/host.h"
 #include "host/console_papers.h"
 #include "host/edition.h"
 #include "host/options.h"
+#include "host/overview.h"
 #include "platform/console/commands.h"
 #include "platform/console/input.h"
 #include "platform/console/output.h"
 #include "platform/console/port_questions.h"
 #include "platform/console/windows.h"
 #include "platform/loop/poll_loop.h"
+#include "platform/loop/witnesses.h"
+#include "platform/serial/line_journal.h"
 
 namespace Tarvel {
 

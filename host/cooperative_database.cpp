@@ -5,8 +5,10 @@
 
 #include <array>
 #include <exception>
+#include <filesystem>
 #include <iostream>
 #include <utility>
+#include <vector>
 
 #include "base/ansi_text.h"
 #include "base/failures.h"
@@ -14,6 +16,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "host/base_values.h"
+#include "host/import_layout.h"
 #include "host/load_columns.h"
 
 namespace Tarvel {

@@ -8,10 +8,12 @@
 #include <string>
 #include <utility>
 
+#include "contracts/database.h"
 #include "contracts/host.h"
 #include "contracts/system.h"
 #include "host/figures.h"
 #include "host/import_engine.h"
+#include "host/load_table.h"
 #include "host/watch.h"
 #include "platform/database/connection.h"
 #include "platform/database/recordsets.h"

@@ -2,13 +2,17 @@
 #include "host/copied_base.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <memory>
 #include <optional>
 #include <utility>
+#include <variant>
 #include <vector>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"
+#include "contracts/database.h"
+#include "contracts/system.h"
 #include "host/base_values.h"
 #include "host/load_columns.h"
 #include "host/schema.h"

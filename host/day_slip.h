@@ -4,6 +4,7 @@
 #include <string>
 #include <vector>
 
+#include "contracts/database.h"
 #include "host/load_report.h"
 
 namespace Tarvel {

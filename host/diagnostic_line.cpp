@@ -16,6 +16,7 @@
 #include "platform/serial/device_tree.h"
 #include "platform/serial/machine_ports.h"
 #include "platform/serial/port_dialogue.h"
+#include "platform/serial/port_settings.h"
 #include "platform/serial/udev_rule.h"
 #include "platform/system/folder_lock.h"
 #include "platform/system/safe_file.h"

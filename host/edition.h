@@ -9,6 +9,7 @@
 #include "contracts/toolkit.h"
 #include "host/overview.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/witnesses.h"
 #include "platform/serial/line_journal.h"
 #include "platform/serial/port_settings.h"
 

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "contracts/database.h"
 #include "contracts/system.h"
 #include "host/conditions.h"
 #include "platform/database/connection.h"

@@ -1,6 +1,7 @@
 // A loop whose actions can't unwind one another.
 #pragma once
 
+#include <chrono>
 #include <functional>
 #include <string>
 #include <utility>

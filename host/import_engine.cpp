@@ -8,6 +8,7 @@
 
 #include "base/ansi_text.h"
 #include "base/files.h"
+#include "contracts/octets.h"
 #include "host/import_layout.h"
 #include "platform/system/safe_file.h"
 

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "contracts/system.h"
+#include "host/import_layout.h"
 #include "host/load_table.h"
 #include "platform/database/connection.h"
 

@@ -2,6 +2,7 @@
 #include "host/load_table.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "host/base_values.h"
 #include "host/conditions.h"

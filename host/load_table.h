@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "contracts/database.h"
 #include "host/import_layout.h"
 #include "platform/database/connection.h"
 

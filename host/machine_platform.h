@@ -4,11 +4,20 @@
 #include <cstdint>
 #include <filesystem>
 #include <functional>
+#include <memory>
 #include <optional>
+#include <string>
 
+#include "contracts/host.h"
+#include "contracts/octets.h"
 #include "contracts/platform.h"
+#include "contracts/port.h"
+#include "contracts/system.h"
+#include "contracts/toolkit.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/witnesses.h"
 #include "platform/serial/line_journal.h"
+#include "platform/serial/port_settings.h"
 #include "platform/serial/serial_port.h"
 #include "platform/system/machine_system.h"
 #include "platform/system/settings_files.h"

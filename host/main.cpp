@@ -7,6 +7,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <filesystem>
 #include <memory>
 #include <optional>
 #include <string>
@@ -15,12 +16,14 @@
 #include "base/failures.h"
 #include "base/files.h"
 #include "base/regional_forms.h"
+#include "contracts/system.h"
 #include "host/about.h"
 #include "host/console_station.h"
 #include "host/cooperative_database.h"
 #include "host/copied_base.h"
 #include "host/day_slip.h"
 #include "host/diagnostic.h"
+#include "host/edition.h"
 #include "host/load_table.h"
 #include "host/long_work.h"
 #include "host/new_file.h"
@@ -31,6 +34,7 @@
 #include "host/schema_upgrade.h"
 #include "host/station.h"
 #include "host/station_register.h"
+#include "host/watch.h"
 #include "host/windows_module.h"
 #include "platform/database/connection.h"
 #include "platform/database/recordsets.h"

@@ -3,7 +3,9 @@
 
 #include <chrono>
 #include <cmath>
+#include <cstddef>
 #include <exception>
+#include <string>
 
 #include "base/regional_forms.h"
 #include "host/about.h"

@@ -3,6 +3,7 @@
 
 #include <filesystem>
 #include <memory>
+#include <string>
 
 #include "contracts/host.h"
 #include "contracts/platform.h"

@@ -4,6 +4,8 @@
 #include <initializer_list>
 #include <vector>
 
+#include "contracts/database.h"
+
 namespace Tarvel {
 namespace {
 

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdint>
 #include <filesystem>
 #include <string>
 
@@ -10,6 +11,7 @@
 #include "base/regional_forms.h"
 #include "host/engine.h"
 #include "host/load_columns.h"
+#include "platform/database/kept_sums.h"
 
 namespace Tarvel {
 namespace {

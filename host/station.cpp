@@ -8,10 +8,13 @@
 #include <utility>
 
 #include "base/files.h"
+#include "contracts/octets.h"
 #include "contracts/phrases.h"
 #include "host/machine_platform.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
+#include "platform/loop/witnesses.h"
+#include "platform/serial/trace_file.h"
 #include "platform/system/summons.h"
 
 namespace Tarvel {

@@ -4,7 +4,10 @@
 #include <chrono>
 #include <memory>
 #include <string>
+#include <utility>
 
+#include "contracts/database.h"
+#include "contracts/system.h"
 #include "host/day_view.h"
 #include "platform/database/connection.h"
 

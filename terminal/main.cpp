@@ -7,12 +7,15 @@
 #include <fstream>
 #include <iostream>
 #include <iterator>
+#include <optional>
 #include <stdexcept>
+#include <string>
 #include <utility>
 #include <vector>
 
 #include "terminal/device.h"
 #include "terminal/engine.h"
+#include "terminal/faults.h"
 #include "terminal/loads.h"
 #include "terminal/options.h"
 #include "terminal/recorder.h"

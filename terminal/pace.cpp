@@ -1,6 +1,7 @@
 // Absolute deadlines of a paced line.
 #include "terminal/pace.h"
 
+#include <chrono>
 #include <limits>
 
 namespace Rg80 {

@@ -1,8 +1,11 @@
 // The frames that the terminal receives: replies and files of reference data.
 #include <algorithm>
+#include <cstddef>
+#include <string>
 #include <utility>
 
 #include "terminal/engine.h"
+#include "terminal/faults.h"
 #include "terminal/frame.h"
 
 namespace Rg80 {

@@ -2,6 +2,7 @@
 #include "terminal/replay.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "terminal/frame.h"

@@ -7,6 +7,7 @@
 #include <map>
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include "terminal/frame.h"
 #include "terminal/loads.h"

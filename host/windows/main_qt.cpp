@@ -13,13 +13,22 @@
 #include <utility>
 
 #include "base/files.h"
+#include "contracts/host.h"
+#include "contracts/toolkit.h"
 #include "host/about.h"
+#include "host/edition.h"
+#include "host/overview.h"
 #include "host/side_work.h"
 #include "host/windows/qt_host_window.h"
 #include "host/windows/qt_paper.h"
 #include "host/windows_module.h"
+#include "platform/loop/loop.h"
+#include "platform/loop/witnesses.h"
+#include "platform/qt/qt_loop.h"
 #include "platform/qt/qt_port_dialog.h"
 #include "platform/qt/qt_windows.h"
+#include "platform/serial/line_journal.h"
+#include "platform/serial/port_settings.h"
 #include "platform/system/settings_files.h"
 
 namespace Tarvel {

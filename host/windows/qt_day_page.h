@@ -15,6 +15,7 @@
 #include "contracts/system.h"
 #include "host/day_view.h"
 #include "host/windows/qt_list_pages.h"
+#include "platform/qt/qt_window.h"
 
 namespace Ombrey {
 

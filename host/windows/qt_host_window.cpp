@@ -16,6 +16,7 @@
 #include "base/failures.h"
 #include "base/visible_text.h"
 #include "contracts/phrases.h"
+#include "host/day_view.h"
 #include "host/station_register.h"
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_papers.h"

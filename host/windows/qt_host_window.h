@@ -8,11 +8,13 @@
 #include <QPlainTextEdit>
 #include <QTabWidget>
 #include <QTimer>
+#include <chrono>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
+#include "contracts/database.h"
 #include "contracts/host.h"
 #include "contracts/system.h"
 #include "host/overview.h"

@@ -10,6 +10,7 @@
 
 #include "platform/qt/qt_window.h"
 #include "platform/serial/line_journal.h"
+#include "platform/serial/line_messages.h"
 
 namespace Ombrey {
 

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 #include "base/ansi_text.h"

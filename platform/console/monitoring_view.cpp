@@ -2,6 +2,7 @@
 #include "platform/console/monitoring_view.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <utility>
 
 #include "base/visible_text.h"

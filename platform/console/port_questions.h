@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "platform/console/commands.h"
+#include "platform/console/windows.h"
 #include "platform/serial/port_settings.h"
 
 namespace Ombrey {

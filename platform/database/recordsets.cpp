@@ -2,6 +2,7 @@
 #include "platform/database/recordsets.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <limits>
 #include <vector>
 

@@ -3,7 +3,9 @@
 
 #include <poll.h>
 
+#include <chrono>
 #include <cstdint>
+#include <memory>
 #include <vector>
 
 #include "platform/loop/loop.h"

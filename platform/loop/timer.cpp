@@ -2,6 +2,7 @@
 #include "platform/loop/timer.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <utility>

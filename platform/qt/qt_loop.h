@@ -1,6 +1,7 @@
 // The event loop on Qt's: descriptors, delays and window events are served by one pump.
 #pragma once
 
+#include <chrono>
 #include <deque>
 #include <memory>
 

@@ -13,7 +13,9 @@
 
 #include "contracts/system.h"
 #include "contracts/toolkit.h"
+#include "platform/loop/witnesses.h"
 #include "platform/qt/qt_hourglass.h"
+#include "platform/qt/qt_loop.h"
 #include "platform/qt/qt_window.h"
 
 namespace Ombrey {

@@ -2,6 +2,7 @@
 #include "platform/serial/line_messages.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <string_view>
 #include <utility>
 

@@ -10,6 +10,7 @@
 #include "base/checksum.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "contracts/rg80.h"
 #include "platform/system/safe_file.h"
 
 namespace Ombrey {

@@ -3,12 +3,15 @@
 
 #include <chrono>
 #include <cstdint>
+#include <iterator>
 
 #include "base/failures.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
+#include "platform/serial/line_device.h"
+#include "platform/serial/line_settings.h"
 
 namespace Ombrey {
 

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "contracts/system.h"
+#include "platform/serial/port_settings.h"
 #include "platform/serial/serial_port.h"
 
 namespace Ombrey {

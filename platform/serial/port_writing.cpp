@@ -6,6 +6,8 @@
 #include <string_view>
 #include <thread>
 
+#include "contracts/octets.h"
+#include "platform/serial/line_device.h"
 #include "platform/serial/serial_port.h"
 
 namespace Ombrey {

@@ -8,12 +8,15 @@
 #include <memory>
 #include <string>
 
+#include "contracts/octets.h"
 #include "contracts/port.h"
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
 #include "platform/loop/witnesses.h"
 #include "platform/serial/burst.h"
+#include "platform/serial/device_tree.h"
 #include "platform/serial/line_device.h"
+#include "platform/serial/line_settings.h"
 #include "platform/serial/port_settings.h"
 
 namespace Ombrey {

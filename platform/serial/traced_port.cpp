@@ -1,8 +1,11 @@
 // A tap on the line.
 #include "platform/serial/traced_port.h"
 
+#include <chrono>
+#include <cstdint>
 #include <utility>
 
+#include "contracts/octets.h"
 #include "platform/serial/line_messages.h"
 
 namespace Ombrey {

@@ -1,6 +1,7 @@
 // Time, waiting, places and regional forms of this machine.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <filesystem>
 

@@ -8,6 +8,7 @@
 #include "base/failures.h"
 #include "common/line_use.h"
 #include "common/operator_channel.h"
+#include "contracts/database.h"
 #include "contracts/host.h"
 #include "contracts/platform.h"
 #include "contracts/system.h"

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <string_view>
 
+#include "contracts/octets.h"
 #include "contracts/rg80.h"
 
 namespace Ombrey {

@@ -1,8 +1,16 @@
 // Start of the link: settings, port, polling period, first tick.
+#include <cstdint>
+#include <memory>
+#include <string>
 #include <utility>
 
 #include "base/regional_forms.h"
+#include "contracts/host.h"
+#include "contracts/octets.h"
 #include "contracts/phrases.h"
+#include "contracts/platform.h"
+#include "contracts/port.h"
+#include "contracts/system.h"
 #include "core/plugin.h"
 
 namespace Ombrey {

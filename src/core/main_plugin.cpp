@@ -1,6 +1,8 @@
 // The one symbol that the plug-in's library exports.
 #include <memory>
 
+#include "contracts/host.h"
+#include "contracts/platform.h"
 #include "core/plugin.h"
 
 static_assert(Ombrey::VersionContrat == 2, "the name below bears the contract's version");

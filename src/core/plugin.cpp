@@ -8,6 +8,7 @@
 #include "contracts/phrases.h"
 #include "core/button_picture.h"
 #include "link/transmission.h"
+#include "monitor/monitoring_window.h"
 
 namespace Ombrey {
 namespace {

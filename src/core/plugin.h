@@ -8,7 +8,11 @@
 #include <vector>
 
 #include "common/context.h"
+#include "common/operator_channel.h"
 #include "contracts/host.h"
+#include "contracts/octets.h"
+#include "contracts/platform.h"
+#include "contracts/port.h"
 #include "core/window_channel.h"
 #include "import/frame_processing.h"
 #include "import/holding_checks.h"

@@ -9,6 +9,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/phrases.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

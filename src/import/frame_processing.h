@@ -7,6 +7,7 @@
 
 #include "common/context.h"
 #include "contracts/line_protocol.h"
+#include "contracts/octets.h"
 #include "import/holding_checks.h"
 #include "import/import_staging.h"
 

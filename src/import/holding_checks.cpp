@@ -6,7 +6,9 @@
 
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/host.h"
 #include "contracts/phrases.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "common/context.h"
+#include "contracts/database.h"
 
 namespace Ombrey {
 

@@ -3,6 +3,7 @@
 
 #include "base/regional_forms.h"
 #include "contracts/phrases.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

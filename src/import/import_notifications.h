@@ -4,6 +4,8 @@
 #include <string>
 
 #include "common/context.h"
+#include "contracts/database.h"
+#include "contracts/host.h"
 
 namespace Ombrey {
 

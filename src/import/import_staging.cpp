@@ -11,6 +11,7 @@
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

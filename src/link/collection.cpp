@@ -1,6 +1,7 @@
 // The collection dialogue, read from top to bottom as it runs on the line.
 #include "link/collection.h"
 
+#include <chrono>
 #include <cstddef>
 #include <exception>
 #include <filesystem>

@@ -7,6 +7,9 @@
 #include <string>
 
 #include "common/context.h"
+#include "contracts/host.h"
+#include "contracts/octets.h"
+#include "contracts/system.h"
 #include "link/daily_error_file.h"
 #include "link/exchange.h"
 

@@ -5,7 +5,9 @@
 #include <cstdint>
 #include <utility>
 
+#include "base/failures.h"
 #include "contracts/phrases.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

@@ -3,6 +3,8 @@
 
 #include <utility>
 
+#include "base/failures.h"
+
 namespace Ombrey {
 namespace {
 

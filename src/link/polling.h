@@ -7,6 +7,7 @@
 #include <string>
 
 #include "common/context.h"
+#include "contracts/system.h"
 #include "link/collection.h"
 #include "link/exchange.h"
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "common/context.h"
+#include "contracts/octets.h"
 #include "link/exchange.h"
 
 namespace Ombrey {

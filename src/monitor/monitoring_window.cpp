@@ -3,9 +3,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cstddef>
 #include <cstdlib>
 #include <utility>
 
+#include "base/failures.h"
 #include "base/regional_forms.h"
 #include "monitor/error_printout.h"
 #include "monitor/load_list.h"

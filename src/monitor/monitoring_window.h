@@ -8,7 +8,9 @@
 #include <string>
 
 #include "common/context.h"
+#include "common/line_use.h"
 #include "common/operator_channel.h"
+#include "contracts/system.h"
 #include "contracts/toolkit.h"
 
 namespace Ombrey {

@@ -9,8 +9,11 @@
 #include "base/ansi_text.h"
 #include "base/regional_forms.h"
 #include "base/text_helpers.h"
+#include "contracts/host.h"
 #include "contracts/line_protocol.h"
+#include "contracts/octets.h"
 #include "contracts/phrases.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

@@ -4,6 +4,7 @@
 #include <string>
 
 #include "common/context.h"
+#include "common/operator_channel.h"
 
 namespace Ombrey {
 

@@ -7,6 +7,7 @@
 #include <utility>
 
 #include "base/ansi_text.h"
+#include "base/failures.h"
 #include "base/visible_text.h"
 #include "contracts/line_protocol.h"
 #include "transfer/file_builder.h"

@@ -9,6 +9,7 @@
 
 #include "common/context.h"
 #include "common/operator_channel.h"
+#include "contracts/octets.h"
 #include "contracts/toolkit.h"
 #include "transfer/data_sets.h"
 

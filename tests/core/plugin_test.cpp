@@ -33,6 +33,13 @@ struct Vie : testing::Test, Monde {
   void Dans(std::uint64_t Délai, std::function<void()> Faire) { Système.Après(milliseconds(Délai), std::move(Faire)); }
   void Bouton() { LePlugIn->IPlugInTarvel_BoutonBarreOutilsAppelé(3, ""); }
   void Menu() { LePlugIn->IPlugInTarvel_MenuAppelé(3, ""); }
+  /// While the operator is asked for the port's settings, which he doesn't give.
+  void EnQuestion(std::function<void()> Faire) {
+    Port->SurConfigurer = [Faire = std::move(Faire)] {
+      Faire();
+      return false;
+    };
+  }
   void Laisser(int Durée) { Système.Laisser(milliseconds(Durée)); }
   /// A terminal that answers every link test and has no load.
   void TerminalVide() {
@@ -121,14 +128,20 @@ TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
       EXPECT_TRUE(Port->Ecrits.empty()) << "a poll in the midst of the " << Quoi;
       Venus.emplace_back(Quoi);
     };
-    Port->SurConfigurer = [&] { return Tenir("question"), true; };
+    Port->SurConfigurer = [&] {
+      Tenir("question");
+      return true;
+    };
     Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
       Menu();
       Tenir("transfer window");
       Fenêtre.Gestes.BtnFermer_Click();
     };
     Dans(10002, [&] {
-      for (int Fois = 0; Fois < 2; ++Fois) LePlugIn->IPlugInTarvel_Configurer(), Menu();
+      for (int Fois = 0; Fois < 2; ++Fois) {
+        LePlugIn->IPlugInTarvel_Configurer();
+        Menu();
+      }
     });
     Laisser(30000);
     EXPECT_EQ(Venus, (Mots{"transfer window", "question"}));
@@ -180,15 +193,16 @@ const Fin Fins[] = {
     {"start", [](Vie&, const Geste& Finir) { Finir(); }, false},
     {"first question", [](Vie& H, const Geste& Finir) {
        H.Ini.erase("Port");
-       H.Port->SurConfigurer = [Finir] { return Finir(), false; };
+       H.EnQuestion(Finir);
        EXPECT_EQ(H.Initialiser(), ""); }, false},
     {"question", [](Vie& H, const Geste& Finir) {
-       H.Port->SurConfigurer = [Finir] { return Finir(), false; };
+       H.EnQuestion(Finir);
        H.LePlugIn->IPlugInTarvel_Configurer(); }},
     {"question put off", [](Vie& H, const Geste& Finir) {
-       H.Port->SurConfigurer = [] { return ADD_FAILURE() << "asked behind the end", true; };
+       H.EnQuestion([] { ADD_FAILURE() << "asked behind the end"; });
        H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
-       H.Dans(10600, Finir), H.Dans(19000, [Tenu = H.LePlugIn] {}); }},
+       H.Dans(10600, Finir);
+       H.Dans(19000, [Tenu = H.LePlugIn] {}); }},
     {"poll", [](Vie& H, const Geste& Finir) { H.Dans(10100, Finir); }},
     {"poll with another put off", [](Vie& H, const Geste& Finir) {
        H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
@@ -206,11 +220,22 @@ const Fin Fins[] = {
     {"figures", [](Vie& H, const Geste& Finir) {
        H.Dans(1000, Finir);
        H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }},
-    {"link test", [](Vie& H, const Geste& Finir) { H.Dans(1000, Finir), H.Bouton(); }},
-    {"monitoring window", [](Vie& H, const Geste& Finir) { H.Dans(3000, Finir), H.Bouton(); }},
-    {"link test of the menu", [](Vie& H, const Geste& Finir) { H.Dans(1000, Finir), H.Menu(); }},
-    {"box of the menu", [](Vie& H, const Geste& Finir) { H.Fenêtres.PendantBoîte = Finir, H.Menu(); }},
-    {"transfer window", [](Vie& H, const Geste& Finir) { H.TerminalVide(), H.Dans(3000, Finir), H.Menu(); }},
+    {"link test", [](Vie& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Bouton(); }},
+    {"monitoring window", [](Vie& H, const Geste& Finir) {
+       H.Dans(3000, Finir);
+       H.Bouton(); }},
+    {"link test of the menu", [](Vie& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Menu(); }},
+    {"box of the menu", [](Vie& H, const Geste& Finir) {
+       H.Fenêtres.PendantBoîte = Finir;
+       H.Menu(); }},
+    {"transfer window", [](Vie& H, const Geste& Finir) {
+       H.TerminalVide();
+       H.Dans(3000, Finir);
+       H.Menu(); }},
     {"transfer", [](Vie& H, const Geste& Finir) {
        H.TerminalVide();
        H.Fenêtres.SurVueChargntDonnées = [&](auto& Fenêtre) {

@@ -148,13 +148,13 @@ TEST_F(Aperçus, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Offrir("26", 30);
   Vue.NoterBoîte("RG80 Ombrey", "Données trop courtes");
   EXPECT_EQ(Résumé(), "En tête de file 1 Données trop courtes|12 2 La base est verrouillée.|");
-  for (const std::size_t Ailleurs : {0U, 1U}) {
-    if (Ailleurs == 1)
-      Vue.NoterLigne("Vérification de nouveaux chargements sur le RG80. Aucun chargement à récupérer.");
-    if (Ailleurs == 0) Vue.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : degré du chargement n° 13");
-    EXPECT_EQ(Vue.NombreRefusés(), 1 - Ailleurs) << "deleted at the terminal";
-    EXPECT_EQ(Vue.Refusés().at(3 - Ailleurs).at(5).find("N'est plus proposé par le RG80 depuis "), 0U);
-  }
+  const std::string Parti = "N'est plus proposé par le RG80 depuis ";
+  Vue.NoterBoîte("RG80 Ombrey", "TraiterDonnéesReçues : degré du chargement n° 13");
+  EXPECT_EQ(Vue.NombreRefusés(), 1U) << "deleted at the terminal";
+  EXPECT_EQ(Vue.Refusés().at(3).at(5).find(Parti), 0U);
+  Vue.NoterLigne("Vérification de nouveaux chargements sur le RG80. Aucun chargement à récupérer.");
+  EXPECT_EQ(Vue.NombreRefusés(), 0U) << "deleted at the terminal";
+  EXPECT_EQ(Vue.Refusés().at(2).at(5).find(Parti), 0U);
   const std::string Dit = Vue.NoterReçu();
   EXPECT_EQ(Dit + Résumé() + Vue.Détail(0), "");
 }

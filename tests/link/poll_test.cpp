@@ -63,7 +63,12 @@ const Issue Issues[] = {
     {"another base in the figures", [](Banc& d) { d.PendantCumuls = d.AutreBase; }, "?A^", Changée, {}, 0, 1},
     {"end in the frame", [](Banc& d) { d.PendantTrame = d.Fin; }, "?A", "", {}, 0, 0},
     {"end in the box", [](Banc& d) { d.Refuser(d.Fin); }, "?A", "", {Refus}, 1, 1},
-    {"end in the figures", [](Banc& d) { d.PendantCumuls = [&d] { d.Panne(), d.Fin(); }; }, "?A^",
+    {"end in the figures", [](Banc& d) {
+       d.PendantCumuls = [&d] {
+         d.Panne();
+         d.Fin();
+       };
+     }, "?A^",
      "Erreur panne - ", {}, 0, 1}};
 // clang-format on
 

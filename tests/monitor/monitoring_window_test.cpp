@@ -139,15 +139,16 @@ std::map<std::string, std::string> Place(Mot Gauche, Mot Haut, Mot Hauteur, Mot 
 }
 
 TEST_F(Suivi, RemembersItsPlaceAndSavesItWhenClosedOrUnloadedButNotWhenHidden) {
+  const Rectangle Usuelle{1000, 800, 11265, 9525};
   // clang-format off
   const std::pair<std::map<std::string, std::string>, Rectangle> Table[] = {
-      {{}, {1000, 800, 11265, 9525}}, {Place("0", "0", "0", "0"), {0, 0, 11265, 9525}},
+      {{}, Usuelle}, {Place("0", "0", "0", "0"), {0, 0, 11265, 9525}},
       {Place("-1", "haut", "7000", "2000000000"), {1000, 800, 11265, 7000}},
       {Place("99999999999", "", "", "5000"), {1000, 800, 5000, 9525}}};
   // clang-format on
   for (const auto& [Réglés, Attendue] : Table) {
     Réglages = Réglés;
-    Vue().Fenêtre = Table[0].second;
+    Vue().Fenêtre = Usuelle;
     Fenêtre->Form_Activate();
     EXPECT_EQ(Vue().Fenêtre, Attendue);
   }

@@ -2,12 +2,17 @@
 #pragma once
 
 #include <chrono>
+#include <filesystem>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
+#include "contracts/database.h"
 #include "platform/database/connection.h"
+#include "platform/database/kept_sums.h"
 #include "platform/database/postgresql/server_link.h"
 
 namespace Ombrey {

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "base/regional_forms.h"
+#include "contracts/system.h"
 
 namespace Ombrey {
 namespace {

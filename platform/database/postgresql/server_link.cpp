@@ -8,8 +8,10 @@
 #include <algorithm>
 #include <array>
 #include <charconv>
+#include <cstdint>
 #include <optional>
 #include <utility>
+#include <variant>
 
 #include "base/visible_text.h"
 #include "platform/database/connection.h"

@@ -12,7 +12,9 @@
 #include <utility>
 #include <vector>
 
+#include "contracts/database.h"
 #include "platform/database/connection.h"
+#include "platform/database/kept_sums.h"
 #include "platform/database/sqlite/sqlite_statement.h"
 #include "platform/database/sqlite/sqlite_sums.h"
 #include "platform/system/folder_lock.h"

@@ -4,7 +4,9 @@
 #include <sqlite3.h>
 
 #include <algorithm>
+#include <cstdint>
 #include <utility>
+#include <variant>
 
 #include "base/failures.h"
 #include "platform/database/dialect.h"

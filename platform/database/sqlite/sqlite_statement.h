@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "contracts/database.h"
 #include "platform/database/connection.h"
 
 struct sqlite3;
