@@ -103,6 +103,9 @@ std::size_t Rejeu::LongueurMessage(bool Complet) const {
 
 void Rejeu::Traiter(const std::string& Message, Instant Maintenant) {
   ++Entendus_;
+  // Of a line just taken over the station hears first what comes unasked. The one here has gone on, asks earlier, and
+  // would take it for its answer.
+  if (EstDemande(Message)) HorsDialogue_ += std::erase_if(Envois_, [](const Envoi& Un) { return Un.EstÀUnAutre; });
   if (Message[0] == ACK) Acquitté_ = Offert_;
   const bool AuBout = Rang_ == Messages_.size();
   if (!AuBout && Message == Messages_[Rang_].Octets) return Suivre(Rang_, Maintenant);
@@ -188,7 +191,7 @@ void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant M
   for (; Rang < Rang_; ++Rang) {
     Écartée_ |= SuitRupture(Messages_[Rang]) || EstCopieDouteuse(Rang);
     if (Messages_[Rang].Octets[0] == STX) Offert_ = Messages_[Rang].Octets;
-    Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets);
+    Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets, Messages_[Rang].EstÀUnAutre);
   }
   Abandon_.reset();
   if (Rang_ == Messages_.size()) return;
@@ -197,8 +200,8 @@ void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant M
 }
 
 // In the order of the trace, whatever the distances.
-void Rejeu::Dire(Instant Départ, const std::string& Octets) {
-  Envois_.push_back({Envois_.empty() ? Départ : std::max(Départ, Envois_.back().Départ), Octets});
+void Rejeu::Dire(Instant Départ, const std::string& Octets, bool EstÀUnAutre) {
+  Envois_.push_back({Envois_.empty() ? Départ : std::max(Départ, Envois_.back().Départ), Octets, EstÀUnAutre});
 }
 
 // A load that the station here has acknowledged already. Behind a break the one that was stopped trusts its line less

@@ -37,6 +37,7 @@ class Rejeu final : public IInterlocuteur {
   struct Envoi {
     Instant Départ;
     std::string Octets;
+    bool EstÀUnAutre = false;
   };
 
   void Commencer(Instant Maintenant);
@@ -47,7 +48,7 @@ class Rejeu final : public IInterlocuteur {
   void Improviser(const std::string& Message, Instant Maintenant);
   void Suivre(std::size_t Rang, Instant Maintenant);
   void Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant Maintenant);
-  void Dire(Instant Départ, const std::string& Octets);
+  void Dire(Instant Départ, const std::string& Octets, bool EstÀUnAutre = false);
   void Différer(const std::string& Message);
   [[nodiscard]] std::size_t Station(std::size_t Rang) const;
   [[nodiscard]] std::size_t Trouver(const std::string& Octets) const;

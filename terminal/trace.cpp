@@ -106,6 +106,35 @@ bool EstComplet(const std::string& Dit, auto Premier, auto Fin) {
   return Entendu([&](const auto& Octets) { return (EstRelevé && Octets[0] == STX) || Octets == Paire(NAK, Dit[1]); });
 }
 
+// What answers a request bears its code; a frame is answered by a character alone.
+bool EstRéponse(const std::string& Octets, const std::string& Dit) {
+  if (Octets[0] != ACK && Octets[0] != NAK) return false;
+  return Dit[0] == STX ? Octets.size() == 1 : Dit.size() == 2 && Octets.size() > 1 && Octets[1] == Dit[1];
+}
+
+// Behind a start of the station: what it hears while all that it has asked since is answered. When an answer is
+// overdue, this may be it.
+void MarquerLesAutres(std::vector<MessageTracé>& Lus) {
+  bool Départ = false, EnRetard = false;
+  const MessageTracé* Demande = nullptr;
+  for (MessageTracé& Un : Lus) {
+    if (Un.Avant == MessageTracé::Rupture::Arrêt) {
+      Départ = true;
+      EnRetard = false;
+      Demande = nullptr;
+    }
+    const bool EstTrame = Un.Octets[0] == STX;
+    if (Un.EstDeStation) {
+      EnRetard |= Demande != nullptr;
+      Demande = EstTrame || Un.Octets[0] == ENQ ? &Un : nullptr;
+    } else if (Demande != nullptr) {
+      if (EstRéponse(Un.Octets, Demande->Octets)) Demande = nullptr;
+    } else {
+      Un.EstÀUnAutre = Départ && !EnRetard && !EstTrame;
+    }
+  }
+}
+
 class Lecteur {
  public:
   explicit Lecteur(std::string Nom) : Nom_(std::move(Nom)) {}
@@ -138,6 +167,7 @@ class Lecteur {
   std::vector<MessageTracé> Terminer(bool Coupée) {
     if (Mauvaise_ > 0 && !Coupée) RefuserLigne(Mauvaise_, "ce n'est pas une ligne de trace");
     if (Lus_.empty()) throw ErreurDemande("Trace " + Nom_ + " : elle ne contient aucun message.");
+    MarquerLesAutres(Lus_);
     return std::move(Lus_);
   }
 

@@ -17,6 +17,8 @@ struct MessageTracé {
   std::string Heure;       ///< as it stands there
   std::size_t Ligne = 0;   ///< counted from 1
   bool EstDuPort = false;  ///< an event, said by nobody
+  /// The terminal's, to a station that had been stopped by then: the one that heard it had asked for nothing.
+  bool EstÀUnAutre = false;
   /// Ahead of it the line was broken, or messages are missing; at Arrêt another start of the station begins.
   enum class Rupture { Aucune, Ligne, Arrêt } Avant = Rupture::Aucune;
 };

@@ -127,7 +127,10 @@ TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePaint
 TEST_F(Serveur, ARoleIsToldWhichRightsItLacksAndTheDiagnosisSaysWhatMendsABase) {
   ServeurDEssai::Faire(Adresse_,
                        "CREATE ROLE poste2 LOGIN; GRANT SELECT ON ALL TABLES IN SCHEMA public TO poste2;"
-                       " GRANT INSERT ON \\\"Métayage\\\" TO poste2; CREATE SCHEMA tard; CREATE FUNCTION tard.now() "
+                       " GRANT INSERT ON \\\"Métayage\\\" TO poste2; CREATE ROLE poste3 LOGIN;"
+                       " GRANT ALL ON ALL TABLES IN SCHEMA public TO poste3;"
+                       " GRANT ALL ON ALL SEQUENCES IN SCHEMA public TO poste3;"
+                       " REVOKE INSERT ON \\\"Station\\\" FROM poste3; CREATE SCHEMA tard; CREATE FUNCTION tard.now() "
                        "RETURNS timestamptz LANGUAGE sql AS"
                        " 'SELECT pg_catalog.now() - interval ''90 s'''; CREATE SCHEMA lent;"
                        " CREATE FUNCTION lent.pg_backend_pid() RETURNS int LANGUAGE sql AS 'SELECT 1'");
@@ -138,6 +141,9 @@ TEST_F(Serveur, ARoleIsToldWhichRightsItLacksAndTheDiagnosisSaysWhatMendsABase) 
       {Adresse_, "bon     droits : ", ""},
       {Sous("poste2"), "mauvais droits : Il manque", "   INSERT sur Coopérateur   INSERT, UPDATE, DELETE sur Chargement "},
       {Sous("poste2"), "mauvais droits : Il manque", "par GRANT"},
+      {Sous("poste3"), "à voir  droits : ", "INSERT sur Station"},
+      {Adresse_ + "&options=-cdefault_transaction_read_only%3Don", "mauvais base : ", "donnez l'adresse du serveur qui écrit"},
+      {Adresse_, "bon     horloge du serveur : ", ""},
       {Sous("personne"), "mauvais base : Le serveur de la base ne peut pas être joint", "~/.pgpass"},
       {Chemin + "tard,public,pg_catalog", "à voir  horloge du serveur : ", ", le serveur retarde. À faire : sudo tim"},
       {Chemin + "lent,public,pg_catalog", "mauvais base : L'adresse de la base est celle d'un répartiteur", ""},

@@ -2,7 +2,8 @@
 # A night without an operator, in a minute: a frame with a wrong checksum, a port that goes away, a load that the base
 # refuses until the office mends it, a base that another program locks. Every good load is in by morning, and what was
 # said stands in a row for each trouble, however often it came.
-# night_xvfb.sh BIN [PICTURES]. Exit code 77: not run, for want of a tool.
+# night_xvfb.sh BIN [PICTURES]. Exit code 77: not run, for want of a tool. NIGHT=long: boxes step aside after their own
+# half minute, the port is away for a minute and the base locked for half of one, which takes four minutes.
 set -euo pipefail
 bin=$(readlink -f "$1") dpi=96 pictures=${2:-}
 source "$(dirname "$(readlink -f "$0")")/desk.sh"
@@ -12,7 +13,12 @@ done
 desk_start 1366 768 96
 desk_manager
 desk_base 9600 500
-printf '[Tarvel]\nDuréeBoîtes=2\n' >>"$work/tarvel.ini"
+refused=6 away=8 locked=12
+if [ "${NIGHT:-}" = long ]; then
+  refused=70 away=60 locked=30 patience=200
+else
+  printf '[Tarvel]\nDuréeBoîtes=2\n' >>"$work/tarvel.ini"
+fi
 sql() { sqlite3 -cmd '.timeout 20000' "$work/cave.db" "$1"; }
 day=$(date +%d%m%y)
 offer() { for n in "$@"; do printf '%s%04d%s01000115000101000101001100000005011251%04d007\n' "$([ "$n" = 2 ] && echo '!checksum ')" "$n" "$day" $((1000 + n)); done; }
@@ -25,7 +31,7 @@ terminal 9600 --chargements "$work/first"
 start 1
 await "the loads ahead of the refused one" arrived 3
 step "a load is refused, over and over"
-sleep 6
+sleep $refused
 arrived 4 && fail "the refused load came in"
 [ "$(ls "$work/station/imports-refusés" | wc -l)" -eq 1 ] || fail "the refused load is kept more than once"
 sql "DROP TRIGGER Refus"
@@ -34,7 +40,7 @@ step "the port goes away"
 kill $rg80
 wait $rg80 || true
 rm -f "$work/rg80"
-sleep 8
+sleep $away
 step "it is back, and the base is locked"
 offer 7 8 9 10 >"$work/second"
 mkfifo "$work/lock"
@@ -43,7 +49,7 @@ pids+=($!)
 exec 6>"$work/lock"
 echo "BEGIN IMMEDIATE;" >&6
 terminal 9600 --chargements "$work/second"
-sleep 12
+sleep $locked
 echo "ROLLBACK;" >&6
 exec 6>&-
 step "morning"

@@ -16,22 +16,29 @@ constexpr const char* Commande = BIN_DIR "/tarvel --diagnostic --base cave.db --
 TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
   const std::string Autre = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
   const std::string Seul = geteuid() == 0 ? "unshare -m" : "unshare -rm";
+  const std::string Serré = Seul + " sh -c 'mount -t tmpfs -o size=$0 x poste && exec \"$@\"' ";
+  const Descripteur Muet{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};  // whose far side was never unlocked
+  const std::string NomMuet = ptsname(Muet.Numéro());
   // What is done to the post, and as whom it is looked at, up to "…"; how the line begins, what stands in it.
   const std::array<std::string, 4> Cas[] = {
       // clang-format off
       {"rm tarvel.ini", "", "mauvais réglages : ", "cp /usr/share/doc/ombrey/examples/site.ini "},
       {"rm tarvel.ini; mkdir tarvel.ini", "", "mauvais réglages : ", "remettez un fichier de texte"},
       {"chmod 000 tarvel.ini", Autre, "mauvais réglages : ", "sudo chmod a+r "},
+      {"mv tarvel.ini poste; ln -s poste/tarvel.ini .; chmod 0 poste", Autre, "mauvais réglages : ", "relancez avec sudo"},
+      {"true", "setpriv --reuid=0 ", "à voir  compte : ", "runuser -u nobody -- tarvel --diagnostic"},
       {"sed -i /Port/d tarvel.ini", "", "mauvais réglages : ", "Configurer le port"},
       {"sed -i s/9600/9601/ tarvel.ini", "", "mauvais réglages : ", "[PlugInOmbrey]"},
       {"sed -i s,=/.*,=/dev/absent, tarvel.ini", "", "mauvais port : Le port /dev/absent est absent", "la machine a : "},
       {"sed -i s,=/.*,=/dev/null, tarvel.ini", "", "mauvais port : Le port /dev/null n'est pas un port série", " À faire : "},
+      {"sed -i s,=/.*,=" + NomMuet + ", tarvel.ini", "", "mauvais port : Le port " + NomMuet + " ne répond pas", "vérifiez câble et adaptateur"},
       {"sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini", "", "à voir  règle udev : ", "branchez cet adaptateur"},
       {"chmod 000 $(readlink -f ligne)", Autre, "mauvais port : Vous n'avez pas le droit", " À faire : "},
       {"rm cave.db", "", "mauvais base : ", "tarvel --creer-base "},
       {"yes | head -c 5000 > cave.db", "", "mauvais base : ", "--restaurer SAUVEGARDE"},
       {"chmod 444 cave.db", Autre, "mauvais base : ", "sudo chown -R "},
-      {"true", Seul + " sh -c 'mount -t tmpfs -o size=9m x poste && exec \"$@\"' - ", "mauvais disque : ", "df -h "},
+      {"true", Serré + "9m ", "mauvais disque : ", "df -h "},
+      {"true", Serré + "200m ", "à voir  disque : ", "df -h "},
       {"true", "faketime 2001-01-01 ", "mauvais horloge : ", "timedatectl set-ntp"},
       {"rmdir poste; : > poste", "", "mauvais dossier : ", "--dossier"},
       {"chmod 555 poste", Autre, "mauvais dossier : ", "sudo chown -R "},
@@ -39,9 +46,13 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
       {"true", "env sh -c 'exec \"$@\" --greffon absent' - ", "mauvais versions : ", "--reinstall ombrey"},
       // clang-format on
   };
+  std::string Sans;  // what this machine refuses
   for (const auto& [Acte, Par, Dit, ÀFaire] : Cas) {
     SCOPED_TRACE(Par + "… " + Acte);
-    if (!Par.empty() && std::system((Par.substr(0, Par.find(" sh ")) + " true").c_str()) != 0) continue;
+    if (!Par.empty() && std::system((Par.substr(0, Par.find(" sh ")) + " true").c_str()) != 0) {
+      Sans += "\n" + Dit + "(" + Par + ")";
+      continue;
+    }
     Poste P;
     P.LancerTerminal("--hasard 1");
     P.Faire("$ mkdir poste; " +
@@ -54,6 +65,7 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
     EXPECT_NE(Texte.substr(Début, Texte.find('\n', Début) - Début).find(ÀFaire), std::string::npos) << Texte;
     EXPECT_EQ(Code, ("\n" + Texte).find("\nmauvais ") == std::string::npos ? 0 : 1) << Texte;
   }
+  if (!Sans.empty()) GTEST_SKIP() << "not provoked here:" << Sans;
 }
 
 /// The newest load's day, the schema's number, a port that another program or the station itself holds.
@@ -127,7 +139,7 @@ TEST(Diagnostic, OfAServerThatSwallowsEverythingHoldsUpNeitherTheLoadsNorTheEnd)
 TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
   Poste P;
   P.Faire(
-      "$ mkdir -p usb/ttyUSB0 tty/ttyUSB0 regles && ln -s ../../usb tty/ttyUSB0/device && "
+      "$ mkdir -p usb/ttyUSB0 tty/ttyUSB0 && : > regles && ln -s ../../usb tty/ttyUSB0/device && "
       "printf 0403 > usb/idVendor && printf A1 > usb/serial && sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini");
   Tarvel::Options Choisies;
   Choisies.Ini = P.En("tarvel.ini");
@@ -136,6 +148,8 @@ TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
     const std::string Textes = TexteConstats(Tarvel::Diagnostiquer(Choisies, Lieux));
     EXPECT_NE(Textes.find(Attendu), std::string::npos) << Textes;
   };
+  Constater("n'a pas de nom qui lui reste, et ce compte ne peut pas écrire ");
+  P.Faire("$ rm regles && mkdir regles");
   Constater("70-ombrey-tarvel.rules vient d'être écrite");
   P.Faire("$ grep -q 'ATTRS{serial}==\"A1\", SYMLINK+=\"ombrey-tarvel\"' regles/70-ombrey-tarvel.rules");
   Constater("bon     règle udev : ");

@@ -94,6 +94,9 @@ const Row Rows[] = {
      "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@200 <ACK>@300 <NAK>A@501 <NAK>A@601 <ACK>A@701 <STX>L<ETX>xx@702 <ACK>A@801 "
      "<STX>L<ETX>xx@802 <NAK>A@1001 ",
      "s'était arrêtée là : 4|station 11, différences 0", Stopped},
+    // A late answer to the one that was stopped; the one here asks ahead of it.
+    {"<ENQ>A<ENQ>A", "<NAK>A@1 <NAK>A@2 ", "s'était arrêtée là : 1|station 2, différences 0",
+     "00 s<ENQ>A 01 p 02 # 03 p 04 s<ENQ>A 05 r<NAK>A 40 r<ACK>A<STX>L<ETX>xx 60 s<ENQ>A 62 r<NAK>A"},
     {OtherFigures, AnsweredAlike, "à l'autre base, non comptés : 2|différences 0", Figures, true},
     {OtherFigures, AnsweredAlike, "différences 3", Figures},
 };
