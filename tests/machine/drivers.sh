@@ -111,7 +111,13 @@ lane_gadget() {
 lane_generic() {
   driver=usbserial_generic line=dans port=/dev/ttyUSB0 far=/dev/ttyGS1 pace=9600
   try "eight loads, 9600" eight_loads 9600
-  try "settings that it can't take" refused 1200 "n'accepte pas"
+  # What is done to a device that somebody has open outlives who did it.
+  chmod 666 "$port"
+  sleep 999 <>"$port" &
+  behind=open_to_others
+  try "settings that it can't take, and nothing stays behind" refused 1200 "n'accepte pas"
+  kill $!
+  behind=
   at_work 9600
 }
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # The two commands where they could pass for more than they did: ./test on a machine that lacks packages and can't have
-# them, and the list that ends ./run when midnight has passed meanwhile.
+# them, or has them since, and the list that ends ./run when midnight has passed meanwhile.
 #
 #   commands.sh BIN. Exit code 77: midnight wasn't tried, for want of a tool.
 set -euo pipefail
@@ -17,7 +17,7 @@ machine() {
   for tool in bash cat cut dirname env grep head id mktemp nproc printf readlink rm sed sort tail tee tr; do
     ln -s "$(command -v "$tool")" "$work/bin/"
   done
-  for tool in cmake ninja ctest 'apt-get exit 1' 'c++ text=$(cat); for lacking in '"$*"'; do [[ $text != *"$lacking"* ]] || exit 1; done'; do
+  for tool in "cmake echo \"\$@\" >>'$work/configured'" ninja ctest 'apt-get exit 1' 'c++ text=$(cat); for lacking in '"$*"'; do [[ $text != *"$lacking"* ]] || exit 1; done'; do
     printf '#!%s\n%s\n' "$(command -v bash)" "${tool#"${tool%% *}"}" >"$work/bin/${tool%% *}"
     chmod +x "$work/bin/${tool%% *}"
   done
@@ -44,6 +44,14 @@ tried
 mkdir -p "$work/tree/build/dev" && cp CMakePresets.json "$work/tree/" && : >"$work/tree/build/dev/CTestTestfile.cmake"
 ! (cd "$work/tree" && ctest --preset dev) >"$work/said" 2>&1 || fail "no test at all passes for a success" "$(<"$work/said")"
 ! grep -qi 'no such preset\|could not read' "$work/said" || fail "$(<"$work/said")"
+# What was configured ahead of a package is configured again behind it.
+machine
+: >"$work/tree/build/dev/CMakeCache.txt"
+for windows in OFF ON; do
+  : >"$work/configured"
+  (cd "$work/tree" && PATH=$work/bin bash -c "source '$OLDPWD/packaging/prepare.sh'; have_file() { [ $windows = ON ]; }; build dev")
+  grep -q -e "^--preset dev -DOMBREY_WINDOWS=$windows\$" "$work/configured" || fail "isn't configured with windows $windows" "$(<"$work/configured")"
+done
 
 command -v faketime >/dev/null && command -v sqlite3 >/dev/null || { echo "midnight isn't tried: faketime or sqlite3 isn't installed"; exit 77; }
 ! ldd "$bin/tarvel" | grep -q libasan || { echo "midnight isn't tried: the sanitizer wants to be loaded first"; exit 77; }
