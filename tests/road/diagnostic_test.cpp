@@ -4,6 +4,9 @@
 #include <fcntl.h>
 #include <sys/file.h>
 
+#include <cstdlib>
+
+#include "platform/loop/descriptor.h"
 #include "platform/serial/udev_rule.h"
 #include "platform/system/folder_lock.h"
 #include "tests/road/post.h"
