@@ -139,7 +139,7 @@ std::string ÉditionConsole::TexteÉtat() const {
     if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;
     Laquelle = TexteDernier(Jour, Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant()) + ". " + Laquelle;
   });
-  return Liaison + Laquelle + (Lue ? "" : ". La base ne répond pas : " + Erreur.Texte());
+  return Liaison + Laquelle + (Lue ? "" : ". " + TexteBaseMuette(Erreur.Texte()));
 }
 
 /// What the windows show at a glance.
@@ -174,8 +174,15 @@ void ÉditionConsole::AjouterVues() {
                       }});
   AjouterTableau("alire", "", "les boîtes auxquelles personne n'a répondu",
                  [this](const std::string&) { return Aperçu_.NonLus(); });
-  Commandes_.Ajouter(
-      {"lu", "", "vide cette liste", QuandPermise::EntreDeux, [this](const std::string&) { Aperçu_.ToutEstLu(); }});
+  Commandes_.Ajouter({"lu", "[refuses]", "vide cette liste ; celle des refusés, de ce que le RG80 ne propose plus",
+                      QuandPermise::EntreDeux, [this](const std::string& Liste) { MarquerLu(Liste); }});
+}
+
+void ÉditionConsole::MarquerLu(const std::string& Liste) {
+  const std::string Laquelle = Ombrey::FormeComparable(Liste);
+  if (Laquelle.empty()) return Aperçu_.ToutEstLu();
+  if (Laquelle != "refuses") throw Ombrey::ErreurExécution(Ombrey::CommandeMalÉcrite("lu [refuses]"));
+  Aperçu_.RefusésLus();
 }
 
 void ÉditionConsole::OffrirBouton(const std::string& Infobulle) { Sortie_.Ligne("commande « bouton » : " + Infobulle); }

@@ -53,6 +53,7 @@ class ÉditionConsole final : public IÉdition {
   /// Blank ones apart.
   void DireEnLignes(const std::string& Texte);
   void AjouterVues();
+  void MarquerLu(const std::string& Liste);
   void AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
                       std::function<Rangées(const std::string&)> Lire);
   /// The state of the link, the last load and the base.

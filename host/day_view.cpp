@@ -24,13 +24,13 @@ using Ombrey::SansBlancs;
 using Ombrey::ValeurChamp;
 
 /// A table's loads with their names; the third column says when each came in. What stands behind the number of each is
-/// the last but one.
+/// the last but two.
 std::string SqlChargements(const std::string& Table, const std::string& Moment, const std::string& Marque) {
   return "SELECT C.CodeSite, C.NoChargement, " + Moment +
          ", C.Masse, C.Degré"
          ", Sélection.Désignation, Qualité.Désignation, Propriétaire.Nom & ' ' & Propriétaire.Prénom"
          ", Récoltant.Nom & ' ' & Récoltant.Prénom, C.Sélection, C.Qualité, '" +
-         Marque + "', C.DateCh FROM ((((" + Table +
+         Marque + "', C.DateCh, C.IdChargement FROM ((((" + Table +
          " AS C LEFT JOIN Métayage ON Métayage.IdMétayage = C.Métayage)"
          " LEFT JOIN Coopérateur AS Récoltant ON Métayage.Récoltant = Récoltant.IdCoopérateur)"
          " LEFT JOIN Coopérateur AS Propriétaire ON Métayage.Propriétaire = Propriétaire.IdCoopérateur)"
@@ -114,6 +114,7 @@ Journée LireJournée(Ombrey::IDatabase& Base, const std::string& Site) {
                         std::string(SansBlancs(TexteDe(Champ(7)))),
                         std::string(SansBlancs(TexteDe(Champ(8))))};
     if (!NombreDe(Champ(3))) Un.MasseIllisible = TexteDe(Champ(3));
+    Un.Entrée = Ombrey::Comme<std::int64_t>(Champ(13)).value_or(0);
     Reçus[Un.Appellation] += Un.Masse;
     if (Site.empty() || Un.Site == Site) Jour.Chargements.push_back(std::move(Un));
   }
@@ -145,8 +146,10 @@ Journée Filtrer(const Journée& Toute, const std::string& Mots) {
 }
 
 std::string TexteDernier(const Journée& Jour, const std::string& Site) {
-  const auto Un = std::ranges::find(Jour.Chargements, Site, &ChargementDuJour::Site);
-  if (Un == Jour.Chargements.end()) return "Aucun chargement aujourd'hui";
+  const ChargementDuJour* Un = nullptr;
+  for (const ChargementDuJour& Celui : Jour.Chargements)
+    if (Celui.Site == Site && (Un == nullptr || Celui.Entrée > Un->Entrée)) Un = &Celui;
+  if (Un == nullptr) return "Aucun chargement aujourd'hui";
   return "Dernier : n° " + Un->Numéro + ", " + Entier(Un->Masse) + " kg, " + Un->Heure;
 }
 
@@ -160,6 +163,8 @@ std::string TexteBase(const std::string& Nom, bool EstSurServeur, Ombrey::IDatab
   const auto Délai = std::chrono::floor<std::chrono::milliseconds>(steady_clock::now() - Début);
   return Texte + ", " + std::to_string(Délai.count()) + " ms";
 }
+
+std::string TexteBaseMuette(const std::string& Pourquoi) { return "La base ne répond pas : " + Pourquoi; }
 
 std::string Tonnes(double Kilos) {
   std::string Texte = std::to_string(std::round(Kilos / 100) / 10);  // six decimals

@@ -3,6 +3,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <vector>
@@ -23,6 +24,7 @@ struct ChargementDuJour {
   std::string Propriétaire;
   std::string Récoltant;
   std::string MasseIllisible{};  ///< what was typed there when it is no number
+  std::int64_t Entrée = 0;       ///< higher than that of each load that came in before it
 };
 
 /// The loads of one appellation and class.
@@ -61,12 +63,14 @@ struct Journée {
 /// How many loads, and their tonnage.
 [[nodiscard]] std::string TexteTotal(const Journée& Jour);
 
-/// Number, weight and time of the site's newest load, or that there is none.
+/// Number, weight and time of the day's load of this site that came in last, or that there is none.
 [[nodiscard]] std::string TexteDernier(const Journée& Jour, const std::string& Site);
 
 /// Which database, and where. Of a server's also what one question and its answer take, when Base is there; raises
 /// what that question raises.
 [[nodiscard]] std::string TexteBase(const std::string& Nom, bool EstSurServeur, Ombrey::IDatabase* Base = nullptr);
+
+[[nodiscard]] std::string TexteBaseMuette(const std::string& Pourquoi);
 
 /// As « 12,3 t ».
 [[nodiscard]] std::string Tonnes(double Kilos);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <filesystem>
+#include <functional>
 #include <memory>
 #include <string>
 
@@ -9,6 +10,7 @@
 #include "contracts/toolkit.h"
 #include "host/overview.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/signals.h"
 #include "platform/loop/witnesses.h"
 #include "platform/serial/line_journal.h"
 #include "platform/serial/port_settings.h"
@@ -60,5 +62,14 @@ class IÉdition {
   /// The station is ending: boxes and questions answer themselves, and windows hold nobody up.
   virtual void Finir() = 0;
 };
+
+/// What a database calls over and over while it makes the station wait: windows are painted meanwhile, and a station
+/// that is asked to end waits no longer.
+[[nodiscard]] inline std::function<bool()> PatienceDe(IÉdition& Édition) {
+  return [&Édition] {
+    Édition.Boucle().Peindre();
+    return !Ombrey::SignauxFin::EstDemandée();
+  };
+}
 
 }  // namespace Tarvel

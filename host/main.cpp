@@ -75,6 +75,7 @@ std::unique_ptr<Tarvel::IÉdition> CréerÉdition(const Tarvel::Options& Choisie
 std::shared_ptr<Ombrey::IConnexion> OuvrirBase(const Tarvel::Options& Choisies, Ombrey::ISystème& Système,
                                                Tarvel::IÉdition& Édition) {
   auto Connexion = Tarvel::OuvrirCoopérative(Choisies.Base, [&Système] { return NuméroDeJour(Système.Maintenant()); });
+  Connexion->FixerPatience(Tarvel::PatienceDe(Édition));
   Tarvel::MettreAJourSchéma(*Connexion);
   Tarvel::VérifierDroits(*Connexion);
   if (Connexion->EstEnLectureSeule()) {
@@ -104,10 +105,6 @@ void Travailler(const Tarvel::Options& Choisies) {
     Base = std::make_shared<Tarvel::BaseDeDTarvel>(Connexion, Système, Choisies.CodeSite,
                                                    [&](const std::string& Texte) { Édition->Dire(Texte); });
     Base->SurRefus([&](const Tarvel::ImportRefusé& Import) { Édition->LAperçu().NoterRefus(Import); });
-    Connexion->FixerPatience([&] {
-      Édition->Boucle().Peindre();
-      return !Ombrey::SignauxFin::EstDemandée();
-    });
     Connexion->PrendreSite(Base->KVSynchro()->CodeSiteCourant());
     Registre.emplace(Connexion, Base->KVSynchro()->CodeSiteCourant());
     return Base;

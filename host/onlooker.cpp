@@ -32,6 +32,7 @@ Spectateur::Spectateur(const Options& Choisies, IÉdition& Édition)
 
 void Spectateur::Exécuter() {
   Connexion_ = OuvrirCoopérative(Options_.Base);
+  Connexion_->FixerPatience(PatienceDe(Édition_));
   NoterMoteur(Édition_.LAperçu(), *Connexion_);
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
   const Ombrey::IBoucle::Jeton Échéance =

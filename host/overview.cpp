@@ -16,8 +16,8 @@
 #include "contracts/line_protocol.h"
 #include "contracts/phrases.h"
 #include "contracts/system.h"
+#include "host/kept_facts.h"
 #include "host/load_report.h"
-#include "host/unread_file.h"
 #include "platform/system/machine_system.h"
 
 namespace Tarvel {
@@ -36,6 +36,8 @@ constexpr const char* RemèdeBase =
 /// A next poll so near is over before its time is read: the distance is told instead, unless one takes longer.
 constexpr std::chrono::milliseconds Rapproché(10000);
 constexpr double EntreAvis = 1 / 24.;  ///< of clocks that differ, in days
+/// As often a count that grows is written down.
+constexpr std::chrono::minutes EntreÉcritures(1);
 
 /// A field of the load record as the operator knows it.
 struct ChampLisible {
@@ -66,6 +68,13 @@ std::string Numéro(const std::string& Trame) {
   const std::string Lu(Ombrey::PlaceChamp("NoChargement").Dans(Enregistrement(Trame)).Bruts());
   const bool EstNombre = Lu.find_first_not_of("0123456789") == std::string::npos;
   return EstNombre ? Ombrey::SupprZéroDébut(Lu) : SansNuméro;
+}
+
+/// As the terminal says it, whatever it says.
+std::string ArrivéeBrute(const std::string& Trame) {
+  if (Trame.empty()) return {};
+  const auto Lire = [&](Position Place) { return std::string(Place.Dans(Enregistrement(Trame)).Bruts()); };
+  return Lire(Place::Date) + " " + Lire(Place::Arrivée);
 }
 
 /// By the terminal's clock; none when it names no moment.
@@ -124,14 +133,20 @@ Ombrey::TémoinsFenêtres Aperçu::Témoins() {
 
 void Aperçu::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
   DossierConservés_ = std::move(Conservés);
-  FichierNonLus_ = Dossier / "à-lire.txt";
-  NonLus_.Reprendre(LireNonLus(FichierNonLus_));
+  Dossier_ = Dossier;
+  NonLus_.Reprendre(LireFaits(Dossier / FichierNonLus));
+  Refus_.Reprendre(LireFaits(Dossier / FichierRefus));
   Changer();
 }
 
 /// A list that can't be kept is still shown.
-void Aperçu::GarderNonLus() {
-  if (!FichierNonLus_.empty()) Ombrey::Ignorer([this] { EcrireNonLus(FichierNonLus_, NonLus_.Tous()); });
+void Aperçu::Garder(const char* Fichier, const FaitsRépétés& Faits) const {
+  if (!Dossier_.empty()) Ombrey::Ignorer([&] { EcrireFaits(Dossier_ / Fichier, Faits.Tous()); });
+}
+
+void Aperçu::GarderRefus() {
+  RefusGardés_ = std::chrono::steady_clock::now();
+  Garder(FichierRefus, Refus_);
 }
 
 void Aperçu::NoterLigne(const std::string& Ligne) {
@@ -194,8 +209,10 @@ bool Aperçu::NoterTexte(const std::string& Texte) {
   // Its queue is empty: a load that was refused has been deleted there.
   if (Texte.find(Ombrey::Phrase::RienÀRécupérer) != std::string::npos) {
     const bool EstNouveau = Refus_.LaisserPartir(HeureLocale());
-    if (EstNouveau) Changer();
-    return EstNouveau;
+    if (!EstNouveau) return false;
+    GarderRefus();
+    Changer();
+    return true;
   }
   Refus Lu = LireRefus(Texte);
   // A holding that couldn't be looked for isn't known to be missing.
@@ -216,24 +233,35 @@ void Aperçu::Refuser(Refus Lu, std::string Contenu) {
   // A frame that was cut off stays in the buffer: the one before it says nothing of this load.
   const std::string Trame = Tampon_.empty() ? Trame_ : "";
   if (Lu.Sujet == SansNuméro) Lu.Sujet = Numéro(Trame);
-  // The terminal offers the head of its queue alone.
-  if (Lu.Sujet != SansNuméro) Refus_.LaisserPartir(HeureLocale(), Lu.Sujet);
-  Refus_.Noter(HeureLocale(), {.Sujet = std::move(Lu.Sujet),
-                               .Texte = std::move(Lu.Motif),
-                               .ÀFaire = std::move(Lu.ÀFaire),
-                               .Détail = Champs(Trame),
-                               .Contenu = std::move(Contenu),
-                               .Passage = Passage_});
+  FaitRépété Fait{.Sujet = std::move(Lu.Sujet),
+                  .Texte = std::move(Lu.Motif),
+                  .ÀFaire = std::move(Lu.ÀFaire),
+                  .Détail = Champs(Trame),
+                  .Contenu = std::move(Contenu),
+                  .Passage = Passage_,
+                  .Arrivée = Lu.EstAbîmé ? "" : ArrivéeBrute(Trame),
+                  .EstAbîmé = Lu.EstAbîmé};
+  // The terminal offers the head of its queue alone; which that is, a spoilt frame doesn't say.
+  bool EstNouveau = Fait.Sujet != SansNuméro && !Fait.EstAbîmé && Refus_.LaisserPartir(HeureLocale(), Fait);
+  EstNouveau = Refus_.Noter(HeureLocale(), std::move(Fait)) || EstNouveau;
+  if (EstNouveau || std::chrono::steady_clock::now() - RefusGardés_ > EntreÉcritures) GarderRefus();
 }
 
-std::string Aperçu::NoterReçu() {
-  Refus_.Vider();
+std::string Aperçu::NoterReçu(const std::string& LeSien) {
+  const FaitRépété Reçu{.Sujet = LeSien, .Texte = {}, .Arrivée = Numéro(Trame_) == LeSien ? ArrivéeBrute(Trame_) : ""};
+  Refus_.Retirer([&](const FaitRépété& Un) {
+    // A frame that was spoilt comes again by itself, and this is it.
+    const bool ÉtaitEnTête = !Un.Partie && (Un.EstAbîmé || Un.Sujet == SansNuméro);
+    return MêmeArrivée(Un, Reçu) && (ÉtaitEnTête || Un.Sujet == Reçu.Sujet);
+  });
+  Refus_.LaisserPartir(HeureLocale());
+  GarderRefus();
   Changer();
   const double Maintenant = NuméroDeJour(HeureLocale());
   const double Avance = ArrivéeDe(Trame_).value_or(Maintenant) - Maintenant;
   if (Avance < AvanceDHorloge || (Horloges_ && std::abs(Maintenant - *Horloges_) < EntreAvis)) return {};
   Horloges_ = Maintenant;
-  return "Le chargement n° " + Numéro(Trame_) + " est arrivé au RG80 à " + TexteMoment(Maintenant + Avance) +
+  return "Le chargement n° " + LeSien + " est arrivé au RG80 à " + TexteMoment(Maintenant + Avance) +
          ", et cette station n'en est qu'à " + TexteMoment(Maintenant) +
          " : comparez l'heure et le fuseau des deux, sinon des chargements manquent dans la liste du jour.";
 }
@@ -241,6 +269,12 @@ std::string Aperçu::NoterReçu() {
 void Aperçu::ToutEstLu() {
   NonLus_.Vider();
   GarderNonLus();
+  Changer();
+}
+
+void Aperçu::RefusésLus() {
+  Refus_.Retirer([](const FaitRépété& Un) { return Un.Partie.has_value(); });
+  GarderRefus();
   Changer();
 }
 

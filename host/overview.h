@@ -29,6 +29,9 @@ inline constexpr std::chrono::minutes RappelTransfert(5);
 /// Is told what happens, and words it. Times are those of the machine.
 class Aperçu {
  public:
+  static constexpr const char* FichierNonLus = "à-lire.txt";
+  static constexpr const char* FichierRefus = "refusés.txt";
+
   void NoterLigne(const std::string& Ligne);
   /// Which load the message is about, where it doesn't say so itself and the terminal did.
   std::string NoterBoîte(const std::string& Titre, const std::string& Message);
@@ -42,14 +45,17 @@ class Aperçu {
   /// Nothing is collected while the transfer window is open.
   void NoterTransfert(bool Ouverte);
   void NoterRefus(const ImportRefusé& Import);
-  /// A load has come in. The terminal offers the head of its queue alone: what it offered before is settled. What is
-  /// to be said of the terminal's clock, once an hour; mostly empty.
-  [[nodiscard]] std::string NoterReçu();
+  /// The load of this number has come in: its own row goes. The terminal offers the head of its queue alone, so what it
+  /// offered before is gone from there, which its row says until RefusésLus. What is to be said of the terminal's
+  /// clock, once an hour; mostly empty.
+  [[nodiscard]] std::string NoterReçu(const std::string& Numéro);
+  /// The operator has read the list: what in it is over, goes.
   void ToutEstLu();
+  void RefusésLus();
 
   /// Called behind whatever changes the tables, or the link's state.
   void SurChangement(std::function<void()> Dire) { Dire_ = std::move(Dire); }
-  /// The station's folders: what nobody has read goes on where an earlier run left it.
+  /// The station's folders: both lists go on where an earlier run left them.
   void Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés);
   /// What an edition's windows have to tell.
   [[nodiscard]] Ombrey::TémoinsFenêtres Témoins();
@@ -81,12 +87,14 @@ class Aperçu {
   [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);
   void Changer() const;
-  void GarderNonLus();
+  void GarderNonLus() const { Garder(FichierNonLus, NonLus_); }
+  void GarderRefus();
+  void Garder(const char* Fichier, const FaitsRépétés& Faits) const;
 
   std::function<void()> Dire_;
   std::map<std::string, std::string> Versions_;
   std::filesystem::path DossierConservés_;
-  std::filesystem::path FichierNonLus_;  ///< none, until Ouvrir
+  std::filesystem::path Dossier_;  ///< where the lists are kept; none, until Ouvrir
   ÉtatLiaison Liaison_;
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
@@ -95,11 +103,12 @@ class Aperçu {
   std::chrono::milliseconds Attente_ = std::chrono::milliseconds::max();
   std::chrono::system_clock::time_point Annoncé_;  ///< when either was told
   std::optional<std::chrono::system_clock::time_point> SuspendueDepuis_;
-  std::optional<double> Horloges_;  ///< when they were last told to differ, in days
-  std::string Tampon_;              ///< what came over the line last
-  std::string Trame_;               ///< the last whole load record
-  std::size_t Passage_ = 0;         ///< counts them
-  std::string Panne_;               ///< why a holding couldn't be looked for
+  std::chrono::steady_clock::time_point RefusGardés_{};  ///< when they were written last
+  std::optional<double> Horloges_;                       ///< when they were last told to differ, in days
+  std::string Tampon_;                                   ///< what came over the line last
+  std::string Trame_;                                    ///< the last whole load record
+  std::size_t Passage_ = 0;                              ///< counts them
+  std::string Panne_;                                    ///< why a holding couldn't be looked for
   std::size_t PassageDePanne_ = 0;
 };
 

@@ -18,13 +18,14 @@ const std::string Plainte = "tarvel : ";  ///< stands ahead of what the program 
 
 TravauxÀCôté::~TravauxÀCôté() {
   if (Ombrey::SignauxFin::EstDemandée()) Abandonner();
-  for (Fils_.reset(); !File_.empty(); Fils_.reset()) Lancer();
+  for (Voie* Une : Voies_)
+    for (Une->Fils.reset(); !Une->File.empty(); Une->Fils.reset()) Lancer(*Une);
 }
 
-std::size_t TravauxÀCôté::Confier(std::vector<std::string> Mots, Dire Quoi, Achèvement Fin) {
+std::size_t TravauxÀCôté::Confier(Voie& Sienne, std::vector<std::string> Mots, Dire Quoi, Achèvement Fin) {
   if (!Options_.Base.empty()) Mots.insert(Mots.begin(), {"--base", Options_.Base});
-  File_.push_back({++Dernier_, std::move(Mots), std::move(Quoi), std::move(Fin)});
-  Départ_ = Boucle_.Après(std::chrono::milliseconds(0), [this] { Lancer(); });
+  Sienne.File.push_back({++Dernier_, std::move(Mots), std::move(Quoi), std::move(Fin)});
+  Sienne.Départ = Boucle_.Après(std::chrono::milliseconds(0), [this, &Sienne] { Lancer(Sienne); });
   return Dernier_;
 }
 
@@ -35,49 +36,55 @@ std::size_t TravauxÀCôté::Diagnostiquer(Dire Quoi, Achèvement Fin) {
                                     {"--site", Options_.CodeSite},
                                     {"--greffon", Ombrey::TexteChemin(Options_.Greffon)}})
     if (!Valeur.empty()) Mots.insert(Mots.end(), {Nom, Valeur});
-  return Confier(std::move(Mots), std::move(Quoi), std::move(Fin));
+  return Confier(Diagnostics_, std::move(Mots), std::move(Quoi), std::move(Fin));
 }
 
 void TravauxÀCôté::Abandonner(std::size_t Lequel) {
-  if (Fils_ && EnCours_.Numéro == Lequel) return Fils_->Arrêter();
-  const auto Sien = std::ranges::find(File_, Lequel, &Travail::Numéro);
-  if (Sien == File_.end()) return;
-  const Achèvement Fin = std::move(Sien->Fin);
-  File_.erase(Sien);
-  Fin(false);
+  for (Voie* Une : Voies_) {
+    if (Une->Fils && Une->EnCours.Numéro == Lequel) return Une->Fils->Arrêter();
+    const auto Sien = std::ranges::find(Une->File, Lequel, &Travail::Numéro);
+    if (Sien == Une->File.end()) continue;
+    const Achèvement Fin = std::move(Sien->Fin);
+    Une->File.erase(Sien);
+    return Fin(false);
+  }
 }
 
 bool TravauxÀCôté::Abandonner() {
-  if (!Fils_ && File_.empty()) return false;
-  while (!File_.empty()) Abandonner(File_.back().Numéro);
-  if (Fils_) Fils_->Arrêter();
-  return true;
+  bool EnAvait = false;
+  for (Voie* Une : Voies_) {
+    EnAvait = EnAvait || Une->Fils || !Une->File.empty();
+    while (!Une->File.empty()) Abandonner(Une->File.back().Numéro);
+    if (Une->Fils) Une->Fils->Arrêter();
+  }
+  return EnAvait;
 }
 
-void TravauxÀCôté::Lancer() {
-  if (Fils_ || File_.empty()) return;
-  EnCours_ = std::move(File_.front());
-  File_.pop_front();
-  std::vector<std::string> Mots = std::move(EnCours_.Mots);
+void TravauxÀCôté::Lancer(Voie& Sienne) {
+  if (Sienne.Fils || Sienne.File.empty()) return;
+  Sienne.EnCours = std::move(Sienne.File.front());
+  Sienne.File.pop_front();
+  std::vector<std::string> Mots = std::move(Sienne.EnCours.Mots);
   Mots.insert(Mots.begin(), Programme_);
   Ombrey::ErreurEnAttente Échec;
-  const auto Redire = [this](const std::string& Ligne) {
-    EnCours_.Quoi(Ligne.substr(Ligne.starts_with(Plainte) ? Plainte.size() : 0));
+  const auto Redire = [&Sienne](const std::string& Ligne) {
+    Sienne.EnCours.Quoi(Ligne.substr(Ligne.starts_with(Plainte) ? Plainte.size() : 0));
   };
   if (Garder(Échec, [&] {
-        Fils_ = std::make_unique<Ombrey::ProgrammeFils>(Boucle_, std::move(Mots), Redire, [this](bool EstRéussi) {
-          Fils_.reset();
-          Achever(EstRéussi);
-        });
+        Sienne.Fils =
+            std::make_unique<Ombrey::ProgrammeFils>(Boucle_, std::move(Mots), Redire, [this, &Sienne](bool EstRéussi) {
+              Sienne.Fils.reset();
+              Achever(Sienne, EstRéussi);
+            });
       }))
     return;
-  EnCours_.Quoi(Échec.Texte());
-  Achever(false);
+  Sienne.EnCours.Quoi(Échec.Texte());
+  Achever(Sienne, false);
 }
 
-void TravauxÀCôté::Achever(bool EstRéussi) {
-  const Achèvement Fin = std::move(EnCours_.Fin);
-  Lancer();
+void TravauxÀCôté::Achever(Voie& Sienne, bool EstRéussi) {
+  const Achèvement Fin = std::move(Sienne.EnCours.Fin);
+  Lancer(Sienne);
   Fin(EstRéussi);
 }
 

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <exception>
 #include <functional>
+#include <string_view>
 #include <thread>
 #include <utility>
 
@@ -36,7 +37,9 @@ class ÉchoHôte final : public Ombrey::IEventPlugin {
   explicit ÉchoHôte(IÉdition& Édition) : Édition_(Édition) {}
   void Signaler(const std::string& Texte) override {
     const bool EstReçu = Texte.starts_with(Ombrey::Phrase::ChargementAjouté);
-    const std::string Horloges = EstReçu ? Édition_.LAperçu().NoterReçu() : "";
+    const std::string Horloges =
+        EstReçu ? Édition_.LAperçu().NoterReçu(Texte.substr(std::string_view(Ombrey::Phrase::ChargementAjouté).size()))
+                : "";
     Édition_.Dire(Texte);
     if (!Horloges.empty()) Édition_.Dire(Horloges);
   }

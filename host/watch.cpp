@@ -30,11 +30,12 @@ constexpr SigneLiaison SignesLiaison[] = {
 struct SigneRefus {
   const char* Texte;
   const char* ÀFaire;
+  bool EstAbîmé = false;
 };
 constexpr const char* TrameAbîmée = "Rien d'abord : le RG80 le renvoie. Si cela dure, faire vérifier le câble.";
 constexpr SigneRefus SignesRefus[] = {
-    {Phrase::ChecksumFaux, TrameAbîmée},
-    {Phrase::TropCourt, TrameAbîmée},
+    {Phrase::ChecksumFaux, TrameAbîmée, true},
+    {Phrase::TropCourt, TrameAbîmée, true},
     {Phrase::ExploitationIntrouvable,
      "Vérifier au RG80 les codes du propriétaire et du récoltant, et les créer au bureau s'ils manquent."},
     {Phrase::TrameEnÉchec, RemèdeValeur},
@@ -42,6 +43,11 @@ constexpr SigneRefus SignesRefus[] = {
 
 constexpr Secondes Minute = 60;
 constexpr Secondes Heure = 60 * Minute;
+
+/// A sentence that goes on.
+std::string SansPointFinal(const std::string& Phrase) {
+  return Phrase.ends_with('.') ? Phrase.substr(0, Phrase.size() - 1) : Phrase;
+}
 
 std::string Durée(Secondes Passées) {
   if (Passées < Minute) return "moins d'une minute";
@@ -82,7 +88,7 @@ std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
     case SantéLiaison::Muette:
       return "Le RG80 est muet" + Depuis;
     case SantéLiaison::PortEnPanne:
-      return (Raison_.empty() ? "Le port est en panne" : Raison_) + " (" + Depuis.substr(1) + ")";
+      return (Raison_.empty() ? "Le port est en panne" : SansPointFinal(Raison_)) + " (" + Depuis.substr(1) + ")";
     case SantéLiaison::SansPort:
       return Phrase::AucunPort;
     case SantéLiaison::Suspendue:
@@ -92,10 +98,13 @@ std::string ÉtatLiaison::Texte(Secondes Maintenant) const {
   return "Le RG80 n'a pas encore été interrogé";
 }
 
-void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait) {
-  const auto Connu = std::ranges::find_if(Faits_, [&](const FaitRépété& Un) {
-    return Un.Sujet == Fait.Sujet && (Par_ == Unicité::Sujet || Un.Texte == Fait.Texte);
-  });
+bool FaitsRépétés::EstLeMême(const FaitRépété& Un, const FaitRépété& Autre) const {
+  return Un.Sujet == Autre.Sujet && MêmeArrivée(Un, Autre) && (Par_ == Unicité::Sujet || Un.Texte == Autre.Texte);
+}
+
+bool FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait) {
+  const auto Connu = std::ranges::find_if(Faits_, [&](const FaitRépété& Un) { return EstLeMême(Un, Fait); });
+  const bool EstNouveau = Connu == Faits_.end() || Connu->Partie;
   Fait.Fois = 1;
   Fait.Premier = Fait.Dernier = Quand;
   if (Connu != Faits_.end()) {
@@ -104,15 +113,19 @@ void FaitsRépétés::Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait) 
     Fait.Premier = Connu->Premier;
     if (Fait.Détail.empty()) Fait.Détail = std::move(Connu->Détail);
     if (Fait.Contenu.empty()) Fait.Contenu = std::move(Connu->Contenu);
+    if (Fait.Arrivée.empty()) Fait.Arrivée = std::move(Connu->Arrivée);
+    Fait.EstAbîmé = Fait.EstAbîmé && Connu->EstAbîmé;
     Faits_.erase(Connu);
   }
   Faits_.insert(Faits_.begin(), std::move(Fait));
+  if (Faits_.size() > AuPlus) Faits_.pop_back();
+  return EstNouveau;
 }
 
-bool FaitsRépétés::LaisserPartir(const Ombrey::DateHeure& Quand, const std::string& Hormis) {
+bool FaitsRépétés::LaisserPartir(const Ombrey::DateHeure& Quand, const FaitRépété& Hormis) {
   bool EstNouveau = false;
   for (FaitRépété& Un : Faits_) {
-    if (Un.Partie || Un.Sujet == Hormis) continue;
+    if (Un.Partie || EstLeMême(Un, Hormis)) continue;
     Un.Partie = Quand;
     EstNouveau = true;
   }
@@ -124,7 +137,7 @@ Refus LireRefus(const std::string& Texte) {
     const std::size_t Début = Texte.find(Signe.Texte);
     if (Début == std::string::npos) continue;
     const std::size_t Numéro = Texte.find(Phrase::DuChargement, Début);
-    Refus Lu{SansNuméro, Texte.substr(Début), Signe.ÀFaire};
+    Refus Lu{SansNuméro, Texte.substr(Début), Signe.ÀFaire, Signe.EstAbîmé};
     if (Numéro != std::string::npos) Lu.Sujet = Texte.substr(Numéro + std::string(Phrase::DuChargement).size());
     return Lu;
   }

@@ -49,25 +49,41 @@ struct FaitRépété {
   Ombrey::DateHeure Premier{}, Dernier{};
   std::size_t Passage = 0;                    ///< of the terminal's frame in which it happened last
   std::optional<Ombrey::DateHeure> Partie{};  ///< since when the terminal no longer offers what this tells of
+  std::string Arrivée{};                      ///< of the load that it tells of, at the terminal; empty when unknown
+  bool EstAbîmé = false;                      ///< a frame was spoilt on its way, the load isn't at fault
 };
+
+/// Whether both may tell of the same load, as far as its arrival goes.
+[[nodiscard]] inline bool MêmeArrivée(const FaitRépété& Un, const FaitRépété& Autre) {
+  return Un.Arrivée == Autre.Arrivée || Un.Arrivée.empty() || Autre.Arrivée.empty();
+}
 
 /// What makes two facts one row.
 enum class Unicité { SujetEtTexte, Sujet };
 
-/// One row for each different fact, the latest on top.
+/// One row for each different fact, the latest on top; beyond so many the oldest goes.
 class FaitsRépétés {
  public:
+  static constexpr std::size_t AuPlus = 2000;
   explicit FaitsRépétés(Unicité Par) : Par_(Par) {}
   /// Of a fact that is known already, count and first moment stay, and what the new one leaves empty. The same frame
-  /// counts once, however often it is told; Passage 0 belongs to none.
-  void Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
+  /// counts once, however often it is told; Passage 0 belongs to none. True when the row is new, or was no longer
+  /// offered.
+  bool Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
   void Vider() { Faits_.clear(); }
-  /// What these facts tell of is no longer offered, but for this subject; true when that is new of one.
-  bool LaisserPartir(const Ombrey::DateHeure& Quand, const std::string& Hormis = "");
+  /// Removes those for which Lequel is true.
+  template <class Choix>
+  void Retirer(Choix Lequel) {
+    std::erase_if(Faits_, Lequel);
+  }
+  /// What these facts tell of is no longer offered, but for this one; true when that is new of one.
+  bool LaisserPartir(const Ombrey::DateHeure& Quand, const FaitRépété& Hormis = {});
   void Reprendre(std::vector<FaitRépété> Faits) { Faits_ = std::move(Faits); }
   [[nodiscard]] const std::vector<FaitRépété>& Tous() const { return Faits_; }
 
  private:
+  [[nodiscard]] bool EstLeMême(const FaitRépété& Un, const FaitRépété& Autre) const;
+
   Unicité Par_;
   std::vector<FaitRépété> Faits_;
 };
@@ -90,6 +106,7 @@ struct Refus {
   std::string Sujet;  ///< the load's number, or what is known of it
   std::string Motif;
   std::string ÀFaire;
+  bool EstAbîmé = false;  ///< as in FaitRépété
 };
 [[nodiscard]] Refus LireRefus(const std::string& Texte);
 

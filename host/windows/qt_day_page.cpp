@@ -10,6 +10,7 @@
 #include <ranges>
 #include <utility>
 
+#include "base/text_helpers.h"
 #include "platform/qt/qt_load_grid.h"
 #include "platform/qt/qt_measures.h"
 
@@ -78,7 +79,7 @@ PageJournéeQt::PageJournéeQt(QWidget* Parent, const ContexteQt& Contexte, cons
     : QWidget(Parent),
       Formes_(Formes),
       Filtre_(new QLineEdit(this)),
-      Tous_(new QCheckBox(QStringLiteral("Tous les si&tes"), this)),
+      Tous_(new QCheckBox(Texte(AvecTouche("Tous les sites", 't')), this)),
       Total_(new QLabel(this)),
       Chargements_(new ListeQt(this, Contexte, QString::fromUtf8(ChargementsDuJour))),
       Sommes_(new ListeQt(this, Contexte, QStringLiteral("Sommes par appellation et classe"))),

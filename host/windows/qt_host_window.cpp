@@ -14,6 +14,7 @@
 #include <utility>
 
 #include "base/failures.h"
+#include "base/text_helpers.h"
 #include "base/visible_text.h"
 #include "contracts/phrases.h"
 #include "host/day_view.h"
@@ -36,6 +37,8 @@ constexpr int ToursParLecture = 30;
 constexpr const char* Section = "FenêtrePrincipale";
 constexpr const char* Application = "Tarvel";
 constexpr const char* CléPlace = "Place";
+const std::string TitreRefusés = "&Refusés";
+const std::string TitreNonLues = AvecTouche("À lire", 'i');
 
 /// A page that is one list alone, laid out like those of several parts.
 QWidget* AvecMarge(QWidget* Liste) {
@@ -111,18 +114,20 @@ FenêtrePrincipaleQt::~FenêtrePrincipaleQt() {
 void FenêtrePrincipaleQt::CréerPages() {
   Pages_->setDocumentMode(true);
   Journée_->SurSites = [this] { Actualiser(); };
-  Ajouter(Journée_, QStringLiteral("La &journée"), QStringLiteral("Les chargements d'aujourd'hui et leurs sommes."));
-  Ajouter(Refusés_, QStringLiteral("&Refusés"),
-          QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand la file du RG80 "
-                         "avance."));
-  Ajouter(AvecMarge(Archive_), QStringLiteral("Ar&chive"),
+  Ajouter(Journée_, Texte(AvecTouche("La journée", 'j')),
+          QStringLiteral("Les chargements d'aujourd'hui et leurs sommes."));
+  Ajouter(
+      Refusés_, Texte(TitreRefusés),
+      QStringLiteral("Ce que la station n'a pas pu prendre, et que faire. Une ligne s'en va quand son chargement est "
+                     "reçu ; ce que le RG80 ne propose plus reste jusqu'à « Tout est lu »."));
+  Ajouter(AvecMarge(Archive_), Texte(AvecTouche("Archive", 'c')),
           QStringLiteral("Les 1000 derniers chargements dont un autre a repris le numéro."));
   CréerJournal();
-  Ajouter(AvecMarge(Stations_), QStringLiteral("Statio&ns"),
+  Ajouter(AvecMarge(Stations_), Texte(AvecTouche("Stations", 'n')),
           QStringLiteral("Les stations qui travaillent sur cette base."));
   Pages_->setTabVisible(Pages_->indexOf(Stations_->parentWidget()), false);  // until there are several
   connect(Pages_, &QTabWidget::currentChanged, this, Différé([this] { ActualiserPage(); }));
-  Ajouter(NonLues_, QStringLiteral("À l&ire"), QStringLiteral("Messages auxquels personne n'a répondu."));
+  Ajouter(NonLues_, Texte(TitreNonLues), QStringLiteral("Messages auxquels personne n'a répondu."));
 }
 
 void FenêtrePrincipaleQt::CréerJournal() {
@@ -132,7 +137,7 @@ void FenêtrePrincipaleQt::CréerJournal() {
   Journal_->setTabChangesFocus(true);
   Journal_->setPlaceholderText(QStringLiteral("Ce que le greffon signale s'inscrit ici."));
   Journal_->setAccessibleName(QStringLiteral("Journal"));
-  Ajouter(AvecMarge(Journal_), QStringLiteral("Jo&urnal"),
+  Ajouter(AvecMarge(Journal_), Texte(AvecTouche("Journal", 'u')),
           QStringLiteral("Ce que le greffon a dit, le plus récent en bas."));
 }
 
@@ -196,7 +201,7 @@ void FenêtrePrincipaleQt::CréerAide() {
   Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
     if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
   });
-  Offrir(*Aide, "À &propos…",
+  Offrir(*Aide, AvecTouche("À propos…", 'p'),
          [this] { MontrerBoîte(Contexte_, this, SigneBoîte::Information, ÀPropos_ ? ÀPropos_() : "", "À propos"); });
 }
 
@@ -267,14 +272,14 @@ std::string FenêtrePrincipaleQt::DireReçu(const std::string& Numéro) const {
 }
 
 void FenêtrePrincipaleQt::ActualiserFaits() {
-  const auto Titrer = [this](QWidget* Page, const char* Titre, std::size_t Nombre) {
+  const auto Titrer = [this](QWidget* Page, const std::string& Titre, std::size_t Nombre) {
     const std::string Combien = Nombre == 0 ? "" : " (" + std::to_string(Nombre) + ")";
     const int Rang = Pages_->indexOf(Page);
     // Qt lays all tabs out anew, even for the text that they have.
     if (const QString Dit = Texte(Titre + Combien); Pages_->tabText(Rang) != Dit) Pages_->setTabText(Rang, Dit);
   };
-  Titrer(Refusés_, "&Refusés", Aperçu_.NombreRefusés());
-  Titrer(NonLues_, "À l&ire", Aperçu_.NombreNonLus());
+  Titrer(Refusés_, TitreRefusés, Aperçu_.NombreRefusés());
+  Titrer(NonLues_, TitreNonLues, Aperçu_.NombreNonLus());
   if (Refusés_->isVisible()) Refusés_->Montrer();
   if (NonLues_->isVisible()) NonLues_->Montrer();
 }
@@ -290,7 +295,7 @@ void FenêtrePrincipaleQt::Actualiser() {
     Lire(*Base, Exiger(Base_->KVSynchro())->CodeSiteCourant());
   });
   Bandeau_->DireBase(Texte(Laquelle), Lue ? QString() : Texte(Erreur.Texte()));
-  if (!Lue) État_->Dire(QStringLiteral("La base ne répond pas : ") + Texte(SurUneLigne(Erreur.Texte())));
+  if (!Lue) État_->Dire(Texte(SurUneLigne(Tarvel::TexteBaseMuette(Erreur.Texte()))));
 }
 
 void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
@@ -298,6 +303,7 @@ void FenêtrePrincipaleQt::Lire(IDatabase& Base, const std::string& Site) {
   Tarvel::Journée Jour = Tarvel::LireJournée(Base, Journée_->TousLesSites() ? "" : Site);
   Bandeau_->DireDernier(Texte(TexteDernier(Jour, Site)));
   Journée_->Montrer(std::move(Jour));
+  DireNouveauté(*this);
   Pages_->setTabVisible(Pages_->indexOf(Stations_->parentWidget()), Tarvel::SontPlusieurs(Base));
   // In a turn of the loop of its own.
   Différé([this] { ActualiserPage(); })();

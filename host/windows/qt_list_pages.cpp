@@ -1,7 +1,6 @@
 // The main window's lists beside the day.
 #include "host/windows/qt_list_pages.h"
 
-#include <QPushButton>
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -23,6 +22,15 @@ QPlainTextEdit* TexteÀLire(QWidget* Parent, const QString& Nom) {
   Zone->setTabChangesFocus(true);
   Zone->setAccessibleName(Nom);
   return Zone;
+}
+
+/// Behind the list that it is about.
+QPushButton* BoutonLu(QWidget* Page, QVBoxLayout& Plan, const char* Infobulle, const std::function<void()>& Faire) {
+  auto* const Lu = new QPushButton(QStringLiteral("&Tout est lu"), Page);
+  Lu->setToolTip(QString::fromUtf8(Infobulle));
+  QObject::connect(Lu, &QPushButton::clicked, Page, Faire);
+  Plan.addWidget(Lu, 0, Qt::AlignRight);
+  return Lu;
 }
 
 std::string RangéeEntière(const QAbstractItemModel& Modèle, int Rang) {
@@ -49,7 +57,7 @@ ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom
   });
 }
 
-PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Aperçu& Aperçu)
+PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu)
     : QWidget(Parent),
       Aperçu_(Aperçu),
       Liste_(new ListeQt(this, Contexte, QStringLiteral("Chargements refusés"))),
@@ -58,13 +66,17 @@ PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, cons
   Moitiés->addWidget(Liste_);
   Moitiés->addWidget(Détail_);
   Moitiés->setChildrenCollapsible(false);
-  (new QVBoxLayout(this))->addWidget(Moitiés);
+  auto* const Plan = new QVBoxLayout(this);
+  Plan->addWidget(Moitiés);
+  Lu_ = BoutonLu(this, *Plan, "Retire ce que le RG80 ne propose plus ; ce qu'il propose encore reste.",
+                 [this] { Aperçu_.RefusésLus(); });
   Montrer();
   connect(Liste_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { MontrerDétail(); });
 }
 
 void PageRefusésQt::Montrer() {
   Remplir(*Liste_, Aperçu_.Refusés());
+  Lu_->setEnabled(static_cast<std::size_t>(Liste_->model()->rowCount()) > Aperçu_.NombreRefusés());
   MontrerDétail();
 }
 
@@ -84,12 +96,9 @@ PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel
     : QWidget(Parent),
       Aperçu_(Aperçu),
       Liste_(new ListeQt(this, Contexte, QStringLiteral("Messages que personne n'a lus"))) {
-  auto* const Lu = new QPushButton(QStringLiteral("&Tout est lu"), this);
-  Lu->setToolTip(QStringLiteral("Vide cette liste."));
-  connect(Lu, &QPushButton::clicked, this, [this] { Aperçu_.ToutEstLu(); });
   auto* const Plan = new QVBoxLayout(this);
   Plan->addWidget(Liste_);
-  Plan->addWidget(Lu, 0, Qt::AlignRight);
+  BoutonLu(this, *Plan, "Vide cette liste.", [this] { Aperçu_.ToutEstLu(); });
   Montrer();
 }
 

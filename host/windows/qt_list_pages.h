@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QWidget>
 #include <functional>
 
@@ -23,7 +24,7 @@ class ListeQt : public GrilleChargements {
 /// Refused loads, one a row, and below them what is known of the chosen one.
 class PageRefusésQt : public QWidget {
  public:
-  PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, const Tarvel::Aperçu& Aperçu);
+  PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu);
   void Montrer();
 
  protected:
@@ -32,9 +33,10 @@ class PageRefusésQt : public QWidget {
  private:
   void MontrerDétail();
 
-  const Tarvel::Aperçu& Aperçu_;
+  Tarvel::Aperçu& Aperçu_;
   ListeQt* Liste_;
   QPlainTextEdit* Détail_;
+  QPushButton* Lu_;
 };
 
 class PageNonLuesQt : public QWidget {

@@ -1,18 +1,27 @@
 // The day on paper and in files, and the base's copy, from the main window's menu.
 #include "host/windows/qt_papers.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
+#include <QEvent>
+#include <algorithm>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
+#include "base/failures.h"
+#include "base/text_helpers.h"
 #include "host/load_report.h"
 #include "platform/qt/qt_measures.h"
 
 namespace Ombrey {
 
 namespace {
+/// The base has been read: loads may have come in.
+constexpr QEvent::Type Nouveauté = QEvent::User;
+
 /// Days since 1899-12-30.
 const QDate JourZéro(1899, 12, 30);
 
@@ -43,35 +52,53 @@ class DialoguePapier : public DialogueTravail {
     Saisie().addRow(QStringLiteral("&Jour :"), Jour_);
     Saisie().addRow(QStringLiteral("&Document :"), Quoi_);
     Offrir("&Imprimer", [this] { Mener(Demande(EstTicket() ? "--imprimer-ticket" : "--imprimer-bordereau")); });
-    Offrir("Enregistrer en &PDF…", [this] {
+    Offrir(AvecTouche("Enregistrer en PDF…", 'P').c_str(), [this] {
       const char* const Nom = EstTicket() ? "ticket" : "bordereau";
       Écrire(Nom, "pdf", Demande(EstTicket() ? "--ticket" : "--bordereau"), EstTicket() ? 2 : 1);
     });
-    const auto Relire = [this] { Poser([this] { Lire(); }); };
-    connect(Jour_, &QDateEdit::dateChanged, this, Relire);
-    Relire();
+    const auto Commencer = [this] { Poser([this] { Lire(false); }); };
+    connect(Jour_, &QDateEdit::dateChanged, this, Commencer);
+    Commencer();
+  }
+
+ protected:
+  void customEvent(QEvent* Événement) override {
+    if (Événement->type() != Nouveauté) return;
+    Ignorer([this] { Lire(true); });  // the main window says that the base can't be read
   }
 
  private:
-  void Lire() {
+  /// Choisi: what was chosen stays so; else a day begins with its usual choice.
+  void Lire(bool Choisi) {
     const auto Base = Base_();
     if (!Base) return;
+    const auto Ancien = EstTicket() ? std::optional(LeChargement()) : std::nullopt;
+    const bool AvaitLeChoix = !Chargements_.empty();
     const int Jour = static_cast<int>(JourZéro.daysTo(Jour_->date()));
     Chargements_ = Tarvel::LireChargements(*Base, {Jour, Jour});
     QStringList Textes(Texte("Bordereau : " + Tarvel::DireChargements(Chargements_.size())));
     for (const Tarvel::ChargementRelaté& Un : Chargements_)
       Textes << Texte("Ticket : n° " + Un.Numéro + ", " + HeureDe(Un) + ", " + Un.Propriétaire.Nom + ", " + Un.Masse +
                       " kg");
+    if (std::exchange(Textes_, Textes) == Textes && Choisi) return;
     Quoi_->clear();
     Quoi_->addItems(Textes);
     Quoi_->setCurrentIndex(UnSeul_ ? Quoi_->count() - 1 : 0);
+    if (!Choisi || !AvaitLeChoix) return;
+    const auto Sien = std::ranges::find_if(Chargements_, [&](const Tarvel::ChargementRelaté& Un) {
+      return Ancien && Un.Site == Ancien->Site && Un.Numéro == Ancien->Numéro && Un.Arrivée == Ancien->Arrivée;
+    });
+    Quoi_->setCurrentIndex(Sien == Chargements_.end() ? 0 : static_cast<int>(Sien - Chargements_.begin()) + 1);
   }
   static std::string HeureDe(const Tarvel::ChargementRelaté& Un) { return Tarvel::TexteMoment(Un.Arrivée).substr(11); }
   [[nodiscard]] bool EstTicket() const { return Quoi_->currentIndex() > 0; }
+  [[nodiscard]] const Tarvel::ChargementRelaté& LeChargement() const {
+    return Chargements_.at(static_cast<std::size_t>(Quoi_->currentIndex()) - 1);
+  }
   [[nodiscard]] std::vector<std::string> Demande(const char* Option) const {
     std::vector<std::string> Mots{Option};
     if (EstTicket()) {
-      const auto& Un = Chargements_.at(static_cast<std::size_t>(Quoi_->currentIndex()) - 1);
+      const auto& Un = LeChargement();
       Mots.insert(Mots.end(), {Un.Numéro, "--heure", HeureDe(Un)});
       if (!Un.Site.empty()) Mots.insert(Mots.end(), {"--site", Un.Site});
     }
@@ -82,6 +109,7 @@ class DialoguePapier : public DialogueTravail {
   DonneBase Base_;
   bool UnSeul_;
   std::vector<Tarvel::ChargementRelaté> Chargements_;
+  QStringList Textes_;
   QDateEdit* Jour_;
   QComboBox* Quoi_;
 };
@@ -112,6 +140,12 @@ class DialogueSauvegarde : public DialogueTravail {
   }
 };
 }  // namespace
+
+void DireNouveauté(QWidget& Fenêtre) {
+  QEvent Événement(Nouveauté);
+  for (QObject* Un : Fenêtre.findChildren<QDialog*>(QString(), Qt::FindDirectChildrenOnly))
+    QApplication::sendEvent(Un, &Événement);
+}
 
 void OffrirPapiers(QMenu& Menu, QWidget* Fenêtre, const Atelier& LeSien, const DonneBase& Base, bool EstSurServeur) {
   const auto Ajouter = [&](const char* Nom, const std::function<DialogueTravail*()>& Faire) {

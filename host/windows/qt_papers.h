@@ -17,4 +17,7 @@ using DonneBase = std::function<std::shared_ptr<IDatabase>()>;
 /// own tools make.
 void OffrirPapiers(QMenu& Menu, QWidget* Fenêtre, const Atelier& LeSien, const DonneBase& Base, bool EstSurServeur);
 
+/// The base was read anew: what Fenêtre's dialogs offer of it follows.
+void DireNouveauté(QWidget& Fenêtre);
+
 }  // namespace Ombrey

@@ -8,6 +8,7 @@
 
 #include "base/failures.h"
 #include "base/files.h"
+#include "base/text_helpers.h"
 #include "base/visible_text.h"
 #include "host/long_work.h"
 #include "host/new_file.h"
@@ -93,7 +94,7 @@ void DialogueTravail::Occuper(bool Oui) {
   for (QAbstractButton* Un : Boutons_->buttons()) Un->setEnabled(Un == Fermer_ || !Oui);
   Haut_->setEnabled(!Oui);
   État_->setVisible(Oui);
-  Fermer_->setText(Oui ? QStringLiteral("A&bandonner") : QStringLiteral("&Fermer"));
+  Fermer_->setText(Texte(Oui ? AvecTouche("Abandonner", 'b') : "&Fermer"));
   if (Oui) Fermer_->setFocus();
 }
 

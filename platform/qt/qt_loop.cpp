@@ -17,6 +17,8 @@ using Horloge = std::chrono::steady_clock;
 
 /// Longer waits are cut: a timer of Qt counts in 32 bits.
 constexpr std::chrono::milliseconds AttenteLaPlusLongue = std::chrono::hours(24);
+/// Two programs that meet at the database are apart again within so long: no pointer flickers for that.
+constexpr std::chrono::milliseconds AttenteSansSablier(200);
 /// What Qt's timer holds: 24 days.
 constexpr std::chrono::milliseconds DélaiLePlusLong{std::numeric_limits<int>::max()};
 }  // namespace
@@ -82,7 +84,9 @@ void BoucleQt::Garder(const Action& Faire) {
 
 /// Delays that are due only join the queue here; descriptors wait.
 void BoucleQt::Peindre() {
-  Sablier_.Fixer(true);
+  const auto Maintenant = Horloge::now();
+  if (!AttendDepuis_) AttendDepuis_ = Maintenant;
+  Sablier_.Fixer(Maintenant - *AttendDepuis_ >= AttenteSansSablier);
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
@@ -101,6 +105,7 @@ bool BoucleQt::Pomper(std::chrono::nanoseconds AttenteMax) {
 /// Lets Qt serve what is waiting, or wait for something. True when it served anything but the end of the wait.
 /// Whoever waited without pumping is back when this runs.
 bool BoucleQt::LaisserQt(std::chrono::milliseconds AttenteMax) {
+  AttendDepuis_.reset();
   Sablier_.Fixer(false);
   bool Écoulé = false;
   QTimer Réveil;

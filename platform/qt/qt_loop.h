@@ -4,6 +4,7 @@
 #include <chrono>
 #include <deque>
 #include <memory>
+#include <optional>
 
 #include "platform/loop/loop.h"
 #include "platform/qt/qt_hourglass.h"
@@ -35,7 +36,9 @@ class BoucleQt : public IBoucle {
 
   std::deque<Action> Posées_;
   std::deque<std::shared_ptr<Source>> Prêtes_;
-  SablierQt Sablier_;    ///< held from a painting to the next pump
+  SablierQt Sablier_;  ///< held from a painting to the next pump, when that takes long
+  /// When the first painting was asked for since the last pump.
+  std::optional<std::chrono::steady_clock::time_point> AttendDepuis_;
   int Imbrication_ = 0;  ///< how many times Qt's dispatch stands on the stack
 };
 

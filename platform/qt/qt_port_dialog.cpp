@@ -12,6 +12,7 @@
 #include <exception>
 #include <memory>
 
+#include "base/text_helpers.h"
 #include "platform/qt/qt_dialog.h"
 #include "platform/qt/qt_measures.h"
 
@@ -20,18 +21,18 @@ namespace Ombrey {
 namespace {
 constexpr int LargeurChamps = 420;  // a name from /dev/serial/by-id
 constexpr int LignesCompteRendu = 3;
-constexpr const char* LibelléGarder = "E&nregistrer";
+const std::string LibelléGarder = AvecTouche("Enregistrer", 'n');
 
 struct Champ {
-  const char* Libellé;
+  std::string Libellé;
   std::string RéglagesPort::*Valeur;
   std::vector<std::string> ChoixPort::*Choix;  ///< none for the port itself, whose choice is the machine's
   bool EstNombre = false;
 };
-constexpr std::array<Champ, 5> Champs{{
+const std::array<Champ, 5> Champs{{
     {"&Port :", &RéglagesPort::Port, nullptr},
     {"&Vitesse (bauds) :", &RéglagesPort::Bauds, &ChoixPort::Bauds, true},
-    {"Pa&rité :", &RéglagesPort::Parité, &ChoixPort::Parités},
+    {AvecTouche("Parité :", 'r'), &RéglagesPort::Parité, &ChoixPort::Parités},
     {"&Bits de stop :", &RéglagesPort::BitsStop, &ChoixPort::BitsStop, true},
     {"&Taille des mots :", &RéglagesPort::TailleMots, &ChoixPort::TaillesMots, true},
 }};
@@ -55,7 +56,7 @@ class DialoguePort : public QDialog {
       }
       Saisie->setEditText(Texte(Réglages.*Rangée.Valeur));
       connect(Saisie, &QComboBox::editTextChanged, this, [this] { Vérifier(); });
-      Plan->addRow(QString::fromUtf8(Rangée.Libellé), Saisie);
+      Plan->addRow(Texte(Rangée.Libellé), Saisie);
     }
     CompteRendu_->setTextFormat(Qt::PlainText);
     CompteRendu_->setWordWrap(true);
@@ -64,7 +65,7 @@ class DialoguePort : public QDialog {
     if (Ports.empty()) Dire("Aucun port série n'a été trouvé sur cette machine.");
     Plan->addRow(CompteRendu_);
     BtnEssayer = Boutons_->addButton(QStringLiteral("&Essayer"), QDialogButtonBox::ActionRole);
-    Garder_ = Boutons_->addButton(QString::fromUtf8(LibelléGarder), QDialogButtonBox::AcceptRole);
+    Garder_ = Boutons_->addButton(Texte(LibelléGarder), QDialogButtonBox::AcceptRole);
     QPushButton* const Annuler = Boutons_->addButton(QStringLiteral("&Annuler"), QDialogButtonBox::RejectRole);
     Garder_->setDefault(true);
     connect(Garder_, &QPushButton::clicked, this, [this] { Garder(); });
@@ -117,17 +118,17 @@ class DialoguePort : public QDialog {
     });
     Garder_->setEnabled(Complet);
     BtnEssayer->setEnabled(Complet);
-    Garder_->setText(QString::fromUtf8(LibelléGarder));
+    Garder_->setText(Texte(LibelléGarder));
   }
   /// Settings whose trial failed are kept only when the operator says so a second time.
   void Garder() {
-    const bool Demandé = Garder_->text() != QString::fromUtf8(LibelléGarder);
+    const bool Demandé = Garder_->text() != Texte(LibelléGarder);
     if (Demandé || Saisis() != Manqués_) {
       Retenus = true;
       return hide();
     }
     Dire("L'essai de ces réglages a échoué. Les enregistrer quand même ?");
-    Garder_->setText(QStringLiteral("E&nregistrer quand même"));
+    Garder_->setText(Texte(AvecTouche("Enregistrer quand même", 'n')));
   }
 
   std::array<QComboBox*, Champs.size()> Saisies_{};

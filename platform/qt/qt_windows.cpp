@@ -86,7 +86,7 @@ std::unique_ptr<IImprimante> FenêtresQt::OuvrirImprimante() {
       "Erreurs RG80 " + Moment.toStdString() + ".pdf",
       std::vector<std::filesystem::path>{DossierDocuments(), DossierTravail_}, [this](const std::string& Chemin) {
         Boîte("Aucune imprimante n'est installée. La liste est enregistrée dans le fichier\n" + Chemin,
-              "Liste des erreurs", BoutonsBoîte::Ok);
+              "Impression des erreurs", BoutonsBoîte::Ok);
       });
 }
 

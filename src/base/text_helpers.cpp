@@ -50,6 +50,11 @@ std::string_view SansBlancs(std::string_view Texte) {
   return Texte.substr(Début, Texte.find_last_not_of(Blancs) - Début + 1);
 }
 
+std::string AvecTouche(std::string Texte, char Lettre) {
+  const std::size_t Place = Texte.find(Lettre);
+  return Place == std::string::npos ? Texte : Texte.insert(Place, 1, '&');
+}
+
 std::string MinusculesAscii(std::string_view Texte) {
   std::string Petites(Texte);
   std::ranges::transform(Petites, Petites.begin(), MinusculeAscii);

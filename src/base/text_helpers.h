@@ -35,6 +35,9 @@ template <class Nombre>
   return Erreur == std::errc() && Arrêt == Fin ? std::optional(Lu) : std::nullopt;
 }
 
+/// A button's or a tab's text with "&" ahead of the first letter that is just this one, which becomes its key.
+[[nodiscard]] std::string AvecTouche(std::string Texte, char Lettre);
+
 /// The letters A to Z made small; every other byte stays.
 [[nodiscard]] constexpr char MinusculeAscii(char C) {
   return C >= 'A' && C <= 'Z' ? static_cast<char>(C - 'A' + 'a') : C;

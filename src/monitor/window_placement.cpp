@@ -6,6 +6,7 @@
 
 #include "base/failures.h"
 #include "base/regional_forms.h"
+#include "base/text_helpers.h"
 
 namespace Ombrey {
 namespace {
@@ -56,7 +57,7 @@ std::span<const DessinContrôleSuivi> DessinSuivi() {
       {ListeSuivis, "Suivis", {360, 60, 9135, 2490}},
       {ListeErreurs, "Erreurs", {360, 60, 9135, 2460}},
       {BtnInterroger, "&RG80 ?", {8440, 2055, 795, 495}},
-      {BtnForcerCumulsRG80, "RG80 en attente des &quotas", {6525, 2055, 1815, 495}},
+      {BtnForcerCumulsRG80, AvecTouche("RG80 en attente des quotas", 'q'), {6525, 2055, 1815, 495}},
       {BtnImprimer, "&Imprimer", {8020, 2055, 1215, 495}},
       {BtnMasquer, "Masquer", {0, 0, 1215, 495}},
   }};

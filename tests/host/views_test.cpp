@@ -20,13 +20,14 @@ struct Vues : AvecCoopérative {
         "INSERT INTO Métayage VALUES('10','1','2',33.3333,'5','7');"
         "INSERT INTO Sélection VALUES('05','Aligoté',1),('06','Crémant',1); INSERT INTO Qualité VALUES('9','Saine');"
         "INSERT INTO QuotasGrp VALUES('7','05',5000),('8','05',2500),('7','06',NULL);"
-        "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1),"
-        " ('3', 2, 46287 + 845 / 1440.0, '10', '05', '9', NULL, 520, -1),"
-        " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1), ('3', 3, 46286, '10', '05', '9', 1, 1, -1);"
+        "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1, 9),"
+        " ('3', 2, 46287 + 845 / 1440.0, '10', '05', '9', NULL, 520, -1, 2),"
+        " ('4', 1, 46287 + 846 / 1440.0, '0', '99', '8', 'x', 1000, -1, 10), ('3', 3, 46286, '10', '05', '9', 1, 1, "
+        "-1, 1);"
         "CREATE TABLE ChargementArchive AS SELECT * FROM Chargement WHERE NoChargement = 3;"
-        "INSERT INTO ChargementArchive SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0"
+        "INSERT INTO ChargementArchive SELECT '5', 9, 'hier', Métayage, Sélection, Qualité, Degré, Masse, 0, 0"
         " FROM ChargementArchive; UPDATE Chargement SET Masse = '1 t' WHERE CodeSite = '4';"
-        "INSERT INTO ChargementArchive SELECT '3', 2, DateCh - 0.2, Métayage, Sélection, Qualité, 10, 80, 0"
+        "INSERT INTO ChargementArchive SELECT '3', 2, DateCh - 0.2, Métayage, Sélection, Qualité, 10, 80, 0, 3"
         " FROM Chargement WHERE CodeSite = '3' AND NoChargement = 2");
   }
   /// The rows below the headings.
@@ -66,7 +67,8 @@ TEST_F(Vues, TheDaysLoadsSumsAndQuotasOfASiteOrOfAllAndOfWhatOneLooksFor) {
     EXPECT_EQ(Dire(TableauQuotas(Jour)), "Aligoté|7500|2080|5420|\n") << "the quotas are those of all sites";
     EXPECT_EQ(Jour.MasseParHeure[14], Cas.Après14h);
   }
-  EXPECT_EQ(TexteDernier(LireJournée(Base, ""), "3"), "Dernier : n° 2, 520 kg, 14:05") << "the site's own";
+  EXPECT_EQ(TexteDernier(LireJournée(Base, ""), "3"), "Dernier : n° 1, 1480 kg, 08:05")
+      << "the site's own, which came in behind those that were weighed later";
   EXPECT_EQ(TexteDernier(LireJournée(Base, ""), "5"), "Aucun chargement aujourd'hui");
   EXPECT_EQ(
       Dire(TableauArchive(Base, {})),
@@ -84,7 +86,7 @@ TEST(ÉtatDeLaLiaison, IsReadFromWhatThePlugInSays) {
       {"Module initialisé.", "", "Le RG80 n'a pas encore été interrogé"},
       {"08:30:00 : Aucun chargement à récupérer.", "", "Le RG80 répond"},
       {"Echec de lecture de données du RG80 : Aucune réponse du RG80.", "", "Le RG80 est muet depuis 12 min"},
-      {Panne, "", "Le port est en panne (depuis 12 min)"}, {Panne, Occupé, Occupé + " (depuis 12 min)"},
+      {Panne, "", "Le port est en panne (depuis 12 min)"}, {Panne, Occupé, Occupé.substr(0, Occupé.size() - 1) + " (depuis 12 min)"},
       {"Mise à jour des cumuls : Exploitation : 12", "Le port COM1: (/dev/ttyS0) est absent de cette machine.", "Le RG80 répond"},
       {"Vérification. Erreur " + SansPort, "", SansPort}};
   // clang-format on
@@ -155,15 +157,42 @@ TEST_F(Aperçus, ARefusedLoadIsOneRowWithItsFieldsAndFileUntilTheQueueMovesOn) {
   Vue.NoterLigne("Vérification de nouveaux chargements sur le RG80. Aucun chargement à récupérer.");
   EXPECT_EQ(Vue.NombreRefusés(), 0U) << "deleted at the terminal";
   EXPECT_EQ(Vue.Refusés().at(2).at(5).find(Parti), 0U);
-  const std::string Dit = Vue.NoterReçu();
-  EXPECT_EQ(Dit + Résumé() + Vue.Détail(0), "");
+  Vue.RefusésLus();
+  EXPECT_EQ(Résumé() + Vue.Détail(0), "");
+}
+
+TEST_F(Aperçus, ARefusedLoadsRowGoesWhenThatVeryLoadHasComeInAndOutlivesTheStationUntilThen) {
+  // What is said of the load 12 of another year, as the terminal gives it, the load that comes in, and what stays.
+  const std::string Degré = "TraiterDonnéesReçues : degré du chargement n° 12";
+  const std::tuple<std::string, const char*, const char*, std::string> Cas[] = {
+      {Degré, "26", "12", ""},
+      {Degré, "25", "12", "12 1 " + Degré + "|"},
+      {Degré, "26", "13", "12 1 " + Degré + "|"},
+      {"Erreur de check-sum", "26", "13", ""}};
+  for (const auto& [Dit, Année, Reçu, Reste] : Cas) {
+    Offrir(Année);
+    Vue.NoterBoîte("RG80 Ombrey", Dit);
+    Offrir();
+    EXPECT_EQ(Vue.NoterReçu(Reçu), "");
+    EXPECT_EQ(Résumé(), Reste);
+    Aperçu Suivant;
+    Suivant.Ouvrir(Dossier.Chemin(), Dossier.Chemin());
+    EXPECT_EQ(Suivant.Refusés(), Vue.Refusés());
+    EXPECT_EQ(Suivant.Détail(0), Vue.Détail(0));
+    EXPECT_EQ(Vue.NombreRefusés(), 0U) << "the terminal gives another";
+    Vue.RefusésLus();
+  }
+  FaitsRépétés Faits(Unicité::Sujet);
+  for (std::size_t Fois = 0; Fois < FaitsRépétés::AuPlus + 2; ++Fois) Faits.Noter({}, {std::to_string(Fois), ""});
+  EXPECT_EQ(Faits.Tous().size(), FaitsRépétés::AuPlus);
 }
 
 TEST_F(Aperçus, AClockAheadIsToldOnceAndWhatNobodyHasReadOutlivesTheStation) {
   const std::string Année = std::to_string(Ombrey::HeureLocale().Année % 100 + 1);
   Offrir(Année);
-  EXPECT_TRUE(Vue.NoterReçu().starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
-  EXPECT_EQ(Vue.NoterReçu(), "") << "said once an hour";
+  EXPECT_TRUE(
+      Vue.NoterReçu("12").starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
+  EXPECT_EQ(Vue.NoterReçu("12"), "") << "said once an hour";
   EXPECT_EQ(Vue.NoterBoîte("RG80 Ombrey", "Erreur de check-sum"), "(chargement n° 12, tel que reçu)");
   Vue.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   for (const char* Texte : {"un\ndeux", "trois", "un\ndeux"}) Vue.NoterRetrait("RG80 Ombrey", Texte);

@@ -84,10 +84,10 @@ TEST_F(Suivi, ListsTodaysLoadsAndStaysAsItWasWhenTheDatabaseIsGone) {
       "INSERT INTO Métayage VALUES('10','1','2',33.3333,'5','7'),('11','2','1',100,'6','8'); INSERT INTO Groupement "
       "VALUES('7','Coteaux');"
       "INSERT INTO Sélection VALUES('05','Aligoté',1);"
-      "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1),"
-      " ('3', 2, 46287 + 845 / 1440.0, '11', '99', '9', 12.5, 1480, -1),"  // 22 September 2026, minutes
-      " ('3', 3, 46287 - 1 / 1440.0, '10', '05', '9', 1, 1, -1), ('3', 4, 46287, '0', '05', '9', 1, 1, -1),"
-      " ('3', 5, 46288 + 1 / 1440.0, '10', '05', '9', 1, 1, -1)");
+      "INSERT INTO Chargement VALUES ('3', 1, 46287 + 485 / 1440.0, '10', '05', '9', 12.5, 1480, -1, 1),"
+      " ('3', 2, 46287 + 845 / 1440.0, '11', '99', '9', 12.5, 1480, -1, 2),"  // 22 September 2026, minutes
+      " ('3', 3, 46287 - 1 / 1440.0, '10', '05', '9', 1, 1, -1, 3), ('3', 4, 46287, '0', '05', '9', 1, 1, -1, 4),"
+      " ('3', 5, 46288 + 1 / 1440.0, '10', '05', '9', 1, 1, -1, 5)");
   Réglages = {{"FSuiviChargnt/Colonne 2", "1200"}, {"FSuiviChargnt/Colonne 3", "0"}, {"FSuiviChargnt/Colonne 4", "x"}};
   Fenêtre->Rafraîchir();
   // clang-format off

@@ -102,7 +102,7 @@ TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},
       {[&](const Geste& Faire) { Suivre(Faire, "panne"); },
-       "Chargements du jour|Messages et erreurs|Erreurs|Imprimer|", "Imprimer: Liste des erreurs|Masquer:  ferme|"},
+       "Chargements du jour|Messages et erreurs|Erreurs|Imprimer|", "Imprimer: Impression des erreurs|Masquer:  ferme|"},
       {[&](const Geste& Faire) { Transférer(Faire); },
        "Appelations|Coopérateurs|Badges|Groupements|Observations|Transférer|Fermer|",
        "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: décoche|"

@@ -92,10 +92,10 @@ terminal() {
   pids+=($rg80)
   await "terminal" test -e "$work/rg80"
 }
-# Under what stands in "under", if anything.
+# Under what stands in "under", if anything; its further options stand behind the number of the start.
 under=()
 start() {
-  "${under[@]}" "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" >"$work/tarvel.$1" 2>&1 &
+  "${under[@]}" "$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --dossier "$work/station" "${@:2}" >"$work/tarvel.$1" 2>&1 &
   station=$!
   pids+=($station)
   await "main window" seen '^Tarvel'

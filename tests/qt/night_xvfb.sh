@@ -70,4 +70,15 @@ sleep 1
 shot night
 kill $station
 wait $station || fail "exit code $? at SIGTERM"
+step "an onlooker's base is locked, and he is asked to end: nobody waits for the lock"
+kill $rg80
+await "a base that nobody else has" sqlite3 "$work/cave.db" 'PRAGMA journal_mode = DELETE'
+start 2 --regarder
+sqlite3 "$work/cave.db" '.timeout 20000' 'BEGIN EXCLUSIVE' '.shell sleep 20' &
+pids+=($!)
+sleep 4 # he looks every two seconds, and would wait for eight
+kill $station
+asked=$SECONDS
+wait $station || fail "exit code $? of the onlooker"
+[ $((SECONDS - asked)) -le 3 ] || fail "the onlooker has waited for the lock"
 echo "done"

@@ -64,8 +64,9 @@ TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
        "--sauvegarder faite dans "},
       {"echo 'tarvel : disque plein' >&2; exit 1", false, "disque plein"},
       {"kill -9 $$", false, "Arrêté, rien n'est gardé."},
-      {"trap 'echo arrêtée; exit 1' INT; echo 'tarvel : à 9 %, encore 9 s'; while :; do sleep 0.02; done", true,
-       "arrêtée"},
+      {"case $1 in *diag*) echo vu; exit; esac; trap 'echo arrêtée; exit 1' INT; echo 'tarvel : à 9 %, encore 9 s'; "
+       "while :; do sleep 0.02; done",
+       true, "arrêtée"},
       {nullptr, false, "ne peut pas être lancé"}};
   for (const auto& [Texte, Abandonné, Dit] : Cas) {
     std::filesystem::remove(Programme);
@@ -85,6 +86,9 @@ TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
       const auto Vue = [&] { return Dialogue.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly)->text(); };
       for (int Reste = 1000; Reste > 0 && Vue() != "à 9 %, encore 9 s"; --Reste) Laisser(10ms);
       EXPECT_FALSE(Le<QPushButton>(Dialogue, "&Choisir le fichier…").isEnabled());
+      Travaux.Diagnostiquer([&](const std::string& Ligne) { Trace += Ligne; }, [](bool) {});
+      for (int Reste = 1000; Reste > 0 && Trace.empty(); --Reste) Laisser(10ms);
+      EXPECT_EQ(Trace, "vu") << "a diagnosis doesn't wait for the copy";
       Dialogue.close();
       EXPECT_TRUE(Dialogue.isVisible()) << "it stays until the work has ended";
     }

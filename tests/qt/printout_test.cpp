@@ -61,7 +61,7 @@ TEST_F(Bureau, FiveHundredErrorsComeOntoTheirPagesEachOnceAndWholeOrItIsSaidThat
     Attendu.prepend(QString::fromStdString(Erreur).remove(' '));
     Erreurs.push_back(Erreur);
   }
-  Dès("Liste des erreurs", [&](QWidget& Boîte) {
+  Dès("Impression des erreurs", [&](QWidget& Boîte) {
     Trace = Le<QTextEdit>(Boîte).toPlainText().toStdString();
     Cadre(Boîte);
   });

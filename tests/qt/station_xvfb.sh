@@ -33,11 +33,11 @@ await "eight replies" replies
 picture '^Liste des chargements$' monitoring-errors
 step "print the errors"
 press '^Liste des chargements$' alt+i
-await "box about the file" seen '^Liste des erreurs$'
+await "box about the file" seen '^Impression des erreurs$'
 compgen -G "$work/station/Erreurs RG80 *.pdf" >/dev/null || fail "no printed file"
 [ -z "$pictures" ] || cp "$work"/station/Erreurs*.pdf "$pictures/errors-$dpi.pdf"
-answer '^Liste des erreurs$'
-await "end of the box" gone '^Liste des erreurs$'
+answer '^Impression des erreurs$'
+await "end of the box" gone '^Impression des erreurs$'
 step "place the window, show its messages"
 list=$(window '^Liste des chargements$')
 xdotool windowsize --sync "$list" $((1000 * dpi / 96)) $((640 * dpi / 96)) windowmove --sync "$list" $((90 * dpi / 96)) $((70 * dpi / 96))

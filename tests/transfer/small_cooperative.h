@@ -21,7 +21,7 @@ struct PetiteCoopérative {
         "CREATE TABLE QuotasGrp(IdGrp TEXT, Sélection TEXT, QuotaJournalier REAL);"
         "CREATE TABLE MSysEtats(Titre TEXT, Exportation INTEGER, LongChps TEXT, Format TEXT);"
         "CREATE TABLE Chargement(CodeSite TEXT, NoChargement INTEGER, DateCh REAL, Métayage TEXT, Sélection TEXT,"
-        " Qualité TEXT, Degré REAL, Masse REAL, Synchronisé INTEGER);");
+        " Qualité TEXT, Degré REAL, Masse REAL, Synchronisé INTEGER, IdChargement INTEGER);");
   }
   DossierEssai Dossier;
   std::shared_ptr<ConnexionSqlite> Connexion = ConnexionSqlite::Créer(Dossier.Chemin() / "b", [] { return 46287.5; });
