@@ -10,6 +10,7 @@
 
 #include "base/files.h"
 #include "base/regional_forms.h"
+#include "contracts/system.h"
 #include "platform/system/safe_file.h"
 
 namespace Tarvel {
