@@ -62,6 +62,8 @@ bool TravauxÀCôté::Abandonner() {
 
 void TravauxÀCôté::Lancer(Voie& Sienne) {
   if (Sienne.Fils || Sienne.File.empty()) return;
+  // What is asked for behind a diagnosis is also told behind it.
+  if (&Sienne == &Papiers_ && (Diagnostics_.Fils || !Diagnostics_.File.empty())) return;
   Sienne.EnCours = std::move(Sienne.File.front());
   Sienne.File.pop_front();
   std::vector<std::string> Mots = std::move(Sienne.EnCours.Mots);
@@ -84,7 +86,7 @@ void TravauxÀCôté::Lancer(Voie& Sienne) {
 
 void TravauxÀCôté::Achever(Voie& Sienne, bool EstRéussi) {
   const Achèvement Fin = std::move(Sienne.EnCours.Fin);
-  Lancer(Sienne);
+  for (Voie* Une : Voies_) Lancer(*Une);
   Fin(EstRéussi);
 }
 

@@ -67,7 +67,7 @@ class TravauxÀCôté {
   std::size_t Dernier_ = 0;
   Voie Papiers_;
   Voie Diagnostics_;
-  const std::array<Voie*, 2> Voies_{&Papiers_, &Diagnostics_};
+  const std::array<Voie*, 2> Voies_{&Diagnostics_, &Papiers_};
 };
 
 }  // namespace Tarvel
