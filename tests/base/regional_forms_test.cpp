@@ -7,16 +7,11 @@
 #include <tuple>
 
 #include "base/failures.h"
+#include "tests/support/test_folder.h"
 
 namespace Ombrey {
 const Régional Français{','};
 constexpr double PasUnNombre = std::numeric_limits<double>::quiet_NaN();
-
-std::string DescriptionDe(const std::function<void()>& Faire) {
-  ErreurEnAttente Levée;
-  Garder(Levée, Faire);
-  return Levée.Texte();
-}
 
 // clang-format off
 constexpr std::pair<const char*, double> Réels[] = {
@@ -45,7 +40,7 @@ TEST(Numbers, WhatCountsAsNumeric) {
   for (const char* Texte :
        {"", " ", ",", "-", "1e", "12.5", "1,2,3", "--1", "0x10", "nan", "inf", "1 2", "1e999", "12a", "- 1", "١"}) {
     EXPECT_FALSE(EstNumérique(Texte, Français)) << Texte;
-    EXPECT_EQ(DescriptionDe([&] { static_cast<void>(EnRéel(Texte, Français)); }), "Incompatibilité de type");
+    EXPECT_EQ(Essais::RefusDe([&] { static_cast<void>(EnRéel(Texte, Français)); }), "Incompatibilité de type");
   }
   EXPECT_TRUE(EstNumérique("12.5", {'.'}));
 }
@@ -55,7 +50,7 @@ TEST(Numbers, WholeNumbersRoundHalvesToEvenAndRefuseOverflow) {
   EXPECT_EQ(EnEntier16("32767", Français), 32767);
   EXPECT_EQ(EnEntier16("-32768,5", Français), -32768);
   for (const char* Texte : {"2147483647,5", "-2147483649", "1e300"}) {
-    EXPECT_EQ(DescriptionDe([&] { static_cast<void>(EnEntier32(Texte, Français)); }), "Dépassement de capacité");
+    EXPECT_EQ(Essais::RefusDe([&] { static_cast<void>(EnEntier32(Texte, Français)); }), "Dépassement de capacité");
   }
   EXPECT_THROW(static_cast<void>(EnEntier16("32767,5", Français)), ErreurExécution);
   EXPECT_THROW(static_cast<void>(ArrondirEntier32(PasUnNombre)), ErreurExécution);

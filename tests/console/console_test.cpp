@@ -311,14 +311,13 @@ TEST_P(VieDeStation, GoesWithThePlugInAndLetsItGo) {
   auto Base = std::make_shared<FausseBaseDeD>();
   Base->Dossier = D + "/";
   const Terminal T(C.Tapé);
-  ErreurEnAttente Refus;
-  Garder(Refus, [&] {
+  const std::string Refus = RefusDe([&] {
     Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
     Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
   });
   EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
   EXPECT_EQ(Base->Écouteur, nullptr);
-  const std::string Vu = Refus.Texte() + T.Vu();
+  const std::string Vu = Refus + T.Vu();
   for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
   const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };
   EXPECT_EQ(Repart(Vu), std::ranges::any_of(C.Vus, Repart));

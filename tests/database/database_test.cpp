@@ -164,9 +164,10 @@ TEST_F(BaseVigne, GoesOnWithTheOrdinaryJournalWhereTheDriveCarriesNoOther) {
     const auto Connexion = EstDéjàLà ? Nouvelle() : nullptr;
     if (EstDéjàLà) std::filesystem::copy(Dossier.Chemin(), Ailleurs.Chemin(), std::filesystem::copy_options::recursive);
     const DisqueSansPartage Disque;
-    ErreurEnAttente Refus;  // where another program has it open
-    if (EstDéjàLà) Garder(Refus, [&] { static_cast<void>(ConnexionSqlite::Ouvrir(Fichier)); });
-    EXPECT_EQ(Refus.Texte().find(Dossier.Chemin().string() + " » ne permet pas") != std::string::npos, EstDéjàLà);
+    const std::string Refus = RefusDe([&] {  // where another program has it open
+      if (EstDéjàLà) static_cast<void>(ConnexionSqlite::Ouvrir(Fichier));
+    });
+    EXPECT_EQ(Refus.find(Dossier.Chemin().string() + " » ne permet pas") != std::string::npos, EstDéjàLà);
     const auto Ici = EstDéjàLà ? ConnexionSqlite::Ouvrir(Ailleurs.Chemin() / Fichier.filename()) : Nouvelle();
     const std::string Dit = testing::internal::GetCapturedStderr();
     EXPECT_NE(Dit.find("sans journal anticipé (mode « delete »)"), std::string::npos) << Dit;

@@ -240,8 +240,7 @@ void Cave::Tenir(std::chrono::seconds Patience) {
   std::vector<std::thread> Fils;
   for (Voie* Voie : {&Une_, &Autre_})
     Fils.emplace_back([=, this] {
-      ErreurEnAttente Erreur;
-      EXPECT_TRUE(Garder(Erreur, [&] { Voie->Tenir(Patience); })) << Erreur.Texte();
+      EXPECT_EQ(RefusDe([&] { Voie->Tenir(Patience); }), "");
       --Ouvertes_;
     });
   for (const auto Base = Une_.Lieu().Base(); Ouvertes_ > 0; std::this_thread::sleep_for(1ms * Hasard_(40))) {

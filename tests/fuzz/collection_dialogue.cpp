@@ -4,7 +4,6 @@
 
 #include "base/text_helpers.h"
 #include "import/frame_processing.h"
-#include "link/polling.h"
 #include "link/transmission.h"
 #include "tests/fuzz/input.h"
 #include "tests/fuzz/sample.h"
@@ -47,21 +46,15 @@ class Sceau {
   int Rang_ = 2;  ///< characters since the last ETX, 2 for many
 };
 
-struct Banc : Salles, ITraitementChargement {
+struct Banc : SallesDuLien {
   explicit Banc(Entrée LEntrée) : E(LEntrée) {
-    Système.Dossier = DossierDuBanc.Chemin();
     Hôte->Dossier = (Système.Dossier / "").string();
     Hôte->Base = std::make_shared<BaseLue>(Coopérative());
     Hôte->Cépages = "Syrah";
     Hôte->PendantImport = [this] { Importer(); };
-    État.EtatBdD = Hôte;
-    État.EventPlugin = Événements;
-    UnÉchange.FixerPort(Port);
     Plateforme.PendantRetard = [this](const auto& Faire) { Interroger(Faire); };
     UneInterrogation.FixerPériode(100'000);
     UneInterrogation.Commencer();
-    Port->Client =
-        Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
     Port->SurEcriture = [this](const Octets& Texte) { Ecrit(Texte); };
   }
 
@@ -198,12 +191,9 @@ struct Banc : Salles, ITraitementChargement {
   static constexpr milliseconds Plafond{10'000};
   Entrée E;
   Sceau LeSceau;
-  DossierEssai DossierDuBanc;
   VérificationExploitation Exploitations{État};
   MiseEnFormeImport MiseEnForme{État};
   TraitementTrame Traitement{État, Exploitations, MiseEnForme};
-  Échange UnÉchange{État};
-  Interrogation UneInterrogation{État, UnÉchange, *this};
   std::string Reçu;   ///< since the request
   char Import = 't';  ///< how the next imports end: true, false, with an error text, raising, the plug-in ending
   bool Répondu = false, Accordé = false, Guéri = false;

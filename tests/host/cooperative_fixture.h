@@ -11,6 +11,8 @@
 
 namespace Tarvel {
 
+using Ombrey::Essais::RefusDe;
+
 /// The line of a load that can be imported as it stands.
 inline std::string Ligne(const std::string& Numéro = "12", const std::string& Date = "22/09/26 08:30",
                          const std::string& Métayage = "4", const std::string& Sélection = "05",
@@ -76,11 +78,6 @@ class Coopérative : public testing::Test, public Ombrey::IÉcouteurEtatBdD {
            std::to_string(Base_->CalculerRestantExploit(Exploitation, Vide, Rouge, Vide, {}, {}));
   }
 
-  /// How a call is refused; empty when it isn't.
-  static std::string Refus(const std::function<void()>& Faire) {
-    Ombrey::ErreurEnAttente Erreur;
-    return Garder(Erreur, Faire) ? "" : Erreur.Texte();
-  }
   /// Rows with commas between them, values with blanks.
   std::string Lire(const std::string& Sql) {
     std::string Texte;

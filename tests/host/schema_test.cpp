@@ -58,7 +58,7 @@ TEST_F(Schema, LeavesTheBaseAsItWasWhenItCannotBeBroughtUpToDate) {
 TEST_F(Schema, RefusesALaterProgramsBase) {
   MettreAJourSchéma(*Connexion_);
   Connexion_->Exécuter("UPDATE Schéma SET Numéro = 7");
-  EXPECT_EQ(Refus([&] { MettreAJourSchéma(*Connexion_); }),
+  EXPECT_EQ(RefusDe([&] { MettreAJourSchéma(*Connexion_); }),
             "La base « " + Fichier_.string() +
                 " » est celle d'une version plus récente de tarvel (schéma n° 7, et cette version connaît le n° 6) : "
                 "installez-la sur ce poste");
@@ -140,13 +140,13 @@ TEST_F(Coopérative, ASavedBaseGoesBackAndTheFormerOneIsKept) {
   static_cast<void>(SauvegarderBase(Fichier_, Copie));
   ASSERT_EQ(Importer(Ligne("13")), "");
   Connexion_->Exécuter("UPDATE Chargement SET Masse = 1, CodeSite = '2'");
-  EXPECT_NE(Refus([&] { Restaurer(Copie); }), "") << "a station works on it";
+  EXPECT_NE(RefusDe([&] { Restaurer(Copie); }), "") << "a station works on it";
   Fermer();
-  EXPECT_NE(Refus([&] { Restaurer(Fichier_); }), "");
-  EXPECT_EQ(Refus([&] { Restaurer(Copie); }), "");
+  EXPECT_NE(RefusDe([&] { Restaurer(Fichier_); }), "");
+  EXPECT_EQ(RefusDe([&] { Restaurer(Copie); }), "");
   EXPECT_TRUE(Dit.ends_with("remplacee ». Chargements qu'elle a et que la sauvegarde n'a pas : 1.")) << Dit;
   std::ofstream(Copie) << "no base any more";
-  EXPECT_NE(Refus([&] { Restaurer(Copie); }), "");
+  EXPECT_NE(RefusDe([&] { Restaurer(Copie); }), "");
   for (const auto& [Base, Attendus] : {std::pair("coopé.db", "1"), std::pair("coopé.db.remplacee", "2")}) {
     Connexion_ = Ombrey::ConnexionSqlite::Ouvrir(Dossier_ / Base);
     EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), Attendus) << Base;

@@ -39,7 +39,7 @@ TEST_F(Serveur, ALinkThatIsCutComesBackAndATransactionInItsMidstIsUndone) {
     Ombrey::Transaction Tout(*Connexion_);
     Connexion_->Exécuter("DELETE FROM Chargement");
     Couper();
-    EXPECT_NE(Refus([&] { Tout.Valider(); }), "");
+    EXPECT_NE(RefusDe([&] { Tout.Valider(); }), "");
   }
   EXPECT_EQ(Lire("SELECT count(*) FROM Chargement"), "1");
 }
@@ -110,7 +110,7 @@ TEST_F(Serveur, AnAddressOfSeveralServersIsGoneThroughInTimeWhileWindowsArePaint
   std::string Dit;
   Connexion->FixerPatience([&] {
     ++Peints;
-    Dit = Refus([&] { Connexion->Exécuter("DELETE FROM Métayage"); });
+    Dit = RefusDe([&] { Connexion->Exécuter("DELETE FROM Métayage"); });
     return true;
   });
   Connexion->Exécuter("SELECT pg_sleep(0.3)");
@@ -159,7 +159,8 @@ TEST_F(Serveur, ARoleIsToldWhichRightsItLacksAndTheDiagnosisSaysWhatMendsABase) 
   }
   const auto Compte = OuvrirMoteur(Sous("poste2"));
   EXPECT_NE(SansSigneDeVie(*Compte).find("il manque INSERT, UPDATE sur Station"), std::string::npos);
-  EXPECT_TRUE(Refus([&] { Compte->Exécuter("DELETE FROM Chargement"); }).starts_with("Droit refusé par le serveur ("));
+  EXPECT_TRUE(
+      RefusDe([&] { Compte->Exécuter("DELETE FROM Chargement"); }).starts_with("Droit refusé par le serveur ("));
 }
 
 TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
@@ -192,7 +193,7 @@ TEST_F(Serveur, ACooperativeGoesToAServerAndBackWithAllThatItHas) {
   Départ->Exécuter("UPDATE Métayage SET Surface = '8 ha'");
   const std::string Neuve = NouvelleBase(Moteur_, Gardé_);
   for (const auto& [Vers, Raison] : {std::pair(Autre, "a déjà une table"), {Neuve, "« 8 ha »"}})
-    EXPECT_NE(Refus([&, Où = Vers] { static_cast<void>(CopierBase(Fichier, Où)); }).find(Raison), std::string::npos)
+    EXPECT_NE(RefusDe([&, Où = Vers] { static_cast<void>(CopierBase(Fichier, Où)); }).find(Raison), std::string::npos)
         << Raison;
   EXPECT_TRUE(OuvrirMoteur(Neuve)->ColonnesDe("Métayage").empty());
 }
@@ -205,16 +206,16 @@ TEST_F(Serveur, KeepsTimesAndTruthAsTheDialectMeansThem) {
   const std::pair<const char*, const char*> Cas[] = {
       {"Vu", "46287,3541666667"}, {"Un = 1 AND (1 = 1) = (2 = 2)", "-1"}, {"True & False", "-10"}};
   for (const auto& [Quoi, Attendu] : Cas) EXPECT_EQ(Valeur(Quoi), Attendu);
-  EXPECT_TRUE(Refus([&] { Valeur("vu"); }).starts_with("Colonne introuvable : vu"));
+  EXPECT_TRUE(RefusDe([&] { Valeur("vu"); }).starts_with("Colonne introuvable : vu"));
 }
 
 TEST_P(SurChaqueMoteur, TwoStationsNeverHaveTheSameSite) {
   Connexion_->PrendreSite("Œ 2");
   const auto Autre = OuvrirMoteur(Adresse_);
   Autre->PrendreSite("3");
-  EXPECT_NE(Refus([&] { Autre->PrendreSite("Œ 2"); }).find("code de site « Œ 2 »"), std::string::npos);
+  EXPECT_NE(RefusDe([&] { Autre->PrendreSite("Œ 2"); }).find("code de site « Œ 2 »"), std::string::npos);
   Fermer();
-  EXPECT_EQ(Refus([&] { OuvrirMoteur(Adresse_)->PrendreSite("Œ 2"); }), "");
+  EXPECT_EQ(RefusDe([&] { OuvrirMoteur(Adresse_)->PrendreSite("Œ 2"); }), "");
 }
 
 TEST_P(SurChaqueMoteur, AStationHearsOfWhatOthersCommitAndNotOfItself) {

@@ -7,10 +7,8 @@
 #include <sstream>
 
 #include "link/daily_error_file.h"
-#include "link/polling.h"
 #include "link/transmission.h"
 #include "tests/support/fake_platform.h"
-#include "tests/support/test_folder.h"
 
 namespace Ombrey::Essais {
 
@@ -35,18 +33,12 @@ inline Octets Ligne(std::string_view Dessin) {
 inline constexpr std::uint64_t Début = 0xFFFFFFFFULL - 1500;
 
 /// Frame processing and figures are a script, too.
-struct Banc : testing::Test, Salles, ITraitementChargement {
+struct Banc : testing::Test, SallesDuLien {
   Banc() {
     Système.Horloge = Début;
-    Système.Dossier = Dossier.Chemin();
     std::filesystem::create_directories(Système.Dossier / "import");
     std::filesystem::create_directories(DossierErreurs(Système));
     Hôte->Dossier = (Système.Dossier / "import").string() + "/";
-    État.EventPlugin = Événements;
-    État.EtatBdD = Hôte;
-    UnÉchange.FixerPort(Port);
-    Port->Client =
-        Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
     Canal.Visible = true;
     Répondre("L");
   }
@@ -97,15 +89,12 @@ struct Banc : testing::Test, Salles, ITraitementChargement {
     return std::distance(std::filesystem::directory_iterator(Où), std::filesystem::directory_iterator());
   }
 
-  DossierEssai Dossier;
   std::string Import = "12;Aligoté;", Numéro = "12";
   Octets Accusé = Ligne("^");
   std::function<void()> PendantTrame = [] {}, PendantCumuls = [] {};
   std::function<void()> AutreBase = [this] { État.BaseDeD = std::make_shared<FausseBaseDeD>(); };
   std::function<void()> Fin = [this] { Terminer(UnÉchange); };
   std::function<void()> Panne = [this] { État.Erreur.Noter(ErreurExécution("panne")); };
-  Échange UnÉchange{État};
-  Interrogation UneInterrogation{État, UnÉchange, *this};
 };
 
 inline const std::string Muet = "Aucune réponse du RG80.";

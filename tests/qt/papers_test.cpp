@@ -1,13 +1,6 @@
 // The day as PDF, read back by another program, and the page that shows the line.
 #include <fcntl.h>
 
-#include <QCheckBox>
-#include <QDir>
-#include <QFileDialog>
-#include <QProcess>
-#include <QStandardPaths>
-#include <QTableView>
-
 #include "host/day_slip.h"
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_paper.h"

@@ -2,7 +2,6 @@
 #include <sstream>
 
 #include "platform/serial/line_journal.h"
-#include "terminal/frame.h"
 #include "terminal/trace.h"
 #include "tests/road/post.h"
 

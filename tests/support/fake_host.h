@@ -114,7 +114,6 @@ struct FauxÉvénements : IEventPlugin {
 struct FauxServices : IServicesLiaison {
   std::function<void()> SurInterrogation = [] {};
   std::function<void()> SurCumuls = [] {};
-  std::function<bool()> SurTest = [] { return true; };
   std::function<std::string(std::int32_t, std::vector<Octets>&)> SurTransmission = [](auto, auto&) { return ""; };
   int Interrogations = 0;
   Mots Cumuls;  ///< load numbers
@@ -128,7 +127,7 @@ struct FauxServices : IServicesLiaison {
     Cumuls.push_back(NoChargement);
     SurCumuls();
   }
-  bool TesterConnexion() override { return SurTest(); }
+  bool TesterConnexion() override { return true; }
   std::string TransmettreLignes(std::int32_t NumFichier, std::vector<Octets>& Lignes) override {
     Transmis.emplace_back(NumFichier, Lignes);
     return SurTransmission(NumFichier, Lignes);

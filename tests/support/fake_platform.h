@@ -3,6 +3,7 @@
 
 #include "common/context.h"
 #include "link/exchange.h"
+#include "link/polling.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_windows.h"
 
@@ -176,6 +177,22 @@ struct Salles : Monde {
     État.BaseDeD.reset();
     État.EtatBdD.reset();
   }
+};
+
+/// A station's link and poll among them, with a folder of its own. What becomes of a load is the test's business.
+struct SallesDuLien : Salles, ITraitementChargement {
+  SallesDuLien() {
+    Système.Dossier = Dossier.Chemin();
+    État.EventPlugin = Événements;
+    État.EtatBdD = Hôte;
+    UnÉchange.FixerPort(Port);
+    Port->Client =
+        Plateforme.CréerClientPortComm([this](const Octets& T) { UnÉchange.EventPortComRG80_Lecture(T); }, {});
+  }
+
+  DossierEssai Dossier;
+  Échange UnÉchange{État};
+  Interrogation UneInterrogation{État, UnÉchange, *this};
 };
 
 }  // namespace Ombrey::Essais

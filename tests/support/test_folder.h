@@ -1,10 +1,11 @@
-// A folder of its own for a test.
+// A folder of its own for a test, its files, and how a call is refused.
 #pragma once
 
 #include <sys/resource.h>
 
 #include <csignal>
 #include <cstdlib>
+#include <exception>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -42,6 +43,17 @@ inline void LimiterFichiers(rlim_t Octets) {
 inline std::string Contenu(const std::filesystem::path& Fichier) {
   std::ifstream Flux(Fichier, std::ios::binary);
   return {std::istreambuf_iterator<char>(Flux), {}};
+}
+
+/// What the exception says that Faire raises; empty when it raises none. One of another kind goes on.
+template <class Erreur = std::exception, class Geste>
+std::string RefusDe(Geste&& Faire) {
+  try {
+    Faire();
+    return "";
+  } catch (const Erreur& Raison) {
+    return Raison.what();
+  }
 }
 
 }  // namespace Ombrey::Essais

@@ -6,6 +6,7 @@
 #include <sstream>
 
 #include "terminal/loads.h"
+#include "tests/support/test_folder.h"
 #include "tests/terminal/bytes.h"
 
 namespace Rg80 {
@@ -27,14 +28,12 @@ TEST(Trace, NamesTheLineThatIsNone) {
       {"08:00:00.000\tRG80\t<\n", "Trace f, ligne 1 : ce n'est pas une ligne de trace."}};
   for (const auto& [Text, Message] : Rows) {
     std::istringstream Stream(Text);
-    try {
-      const auto Read = LireTrace(Stream, "f");
-      ASSERT_EQ(Read.size(), 2U);
-      EXPECT_EQ(Read[1].Quand - Read[0].Quand, 200ms);
-      EXPECT_EQ(Message, "");
-    } catch (const ErreurDemande& Error) {
-      EXPECT_EQ(Error.what(), Message);
-    }
+    const auto Read = [&Stream] {
+      const auto Messages = LireTrace(Stream, "f");
+      ASSERT_EQ(Messages.size(), 2U);
+      EXPECT_EQ(Messages[1].Quand - Messages[0].Quand, 200ms);
+    };
+    EXPECT_EQ(Ombrey::Essais::RefusDe<ErreurDemande>(Read), Message);
   }
 }
 

@@ -47,13 +47,12 @@ struct Transfert : AvecCoopérative {
   std::string Construire(std::size_t Rang) {
     Titres.clear();
     std::vector<Octets> Lignes{Octets("left over"), Octets("from before")};
-    ErreurEnAttente Levée;
     const auto Titrer = [this](Mot Titre) { Titres.push_back(Titre); };
-    Garder(Levée, [&] {
+    const std::string Raison = RefusDe([&] {
       static_cast<void>(ConstruireFichier(JeuxDeDonnées()[Rang], {*Hôte->Base, {}}, Titrer, Lignes));
     });
     EXPECT_EQ(Lignes.size(), 1U);
-    return Levée.EstPrésente() ? Levée.Texte() : std::string(Lignes[0].Bruts());
+    return Raison.empty() ? std::string(Lignes[0].Bruts()) : Raison;
   }
   /// Opens the window, lets Geste act in it, and closes it.
   void Ouvrir(const std::function<void(FausseVueChargntDonnées&)>& Geste) {
