@@ -40,9 +40,6 @@ struct Vie : testing::Test, Monde {
       return false;
     };
   }
-  void SecondRelevé() {
-    Dans(10500, [this] { LePlugIn->Retard_FinTempo(""); });
-  }
   void Laisser(int Durée) { Système.Laisser(milliseconds(Durée)); }
   /// A terminal that answers every link test and has no load.
   void TerminalVide() {
@@ -184,31 +181,35 @@ TEST_F(Vie, EndCleansFilesAndReleasesEverything) {
 }
 
 using Geste = std::function<void()>;
-/// A call in which the end comes: by the clock, or where the call itself brings it about.
+/// A call in which the end comes, and how it is brought about there.
 struct Fin {
   const char* Où;
-  void (*Mener)(Vie&, const Geste& Finir);
-  int Délai = 0;  ///< from the start of the call, in milliseconds; 0: not by the clock
+  void (*Préparer)(Vie&, const Geste& Finir);
   bool EstLancé = true;
 };
 /// A poll lasts from 10 to 12 seconds; one that is put off in it, two more.
 // clang-format off
 const Fin Fins[] = {
-    {"start", [](Vie&, const Geste& Finir) { Finir(); }, 0, false},
+    {"start", [](Vie&, const Geste& Finir) { Finir(); }, false},
     {"first question", [](Vie& H, const Geste& Finir) {
        H.Ini.erase("Port");
        H.EnQuestion(Finir);
-       EXPECT_EQ(H.Initialiser(), ""); }, 0, false},
+       EXPECT_EQ(H.Initialiser(), ""); }, false},
     {"question", [](Vie& H, const Geste& Finir) {
        H.EnQuestion(Finir);
        H.LePlugIn->IPlugInTarvel_Configurer(); }},
-    {"question put off", [](Vie& H, const Geste&) {
+    {"question put off", [](Vie& H, const Geste& Finir) {
        H.EnQuestion([] { ADD_FAILURE() << "asked behind the end"; });
        H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
-       H.Dans(19000, [Tenu = H.LePlugIn] {}); }, 10600},
-    {"poll", [](Vie&, const Geste&) {}, 10100},
-    {"poll with another put off", [](Vie& H, const Geste&) { H.SecondRelevé(); }, 11000},
-    {"poll that was put off", [](Vie& H, const Geste&) { H.SecondRelevé(); }, 13000},
+       H.Dans(10600, Finir);
+       H.Dans(19000, [Tenu = H.LePlugIn] {}); }},
+    {"poll", [](Vie& H, const Geste& Finir) { H.Dans(10100, Finir); }},
+    {"poll with another put off", [](Vie& H, const Geste& Finir) {
+       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
+       H.Dans(11000, Finir); }},
+    {"poll that was put off", [](Vie& H, const Geste& Finir) {
+       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
+       H.Dans(13000, Finir); }},
     {"writing", [](Vie& H, const Geste& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }},
     {"box of a poll", [](Vie& H, const Geste& Finir) {
        H.Port->EcritureRefusée = true;
@@ -216,16 +217,25 @@ const Fin Fins[] = {
     {"box of a line", [](Vie& H, const Geste& Finir) {
        H.Fenêtres.PendantBoîte = Finir;
        H.Vue().Gestes.ListeMessages_DblClick(Onglet::Suivis); }},
-    {"figures", [](Vie& H, const Geste&) { H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }, 1000},
-    {"link test", [](Vie& H, const Geste&) { H.Bouton(); }, 1000},
-    {"monitoring window", [](Vie& H, const Geste&) { H.Bouton(); }, 3000},
-    {"link test of the menu", [](Vie& H, const Geste&) { H.Menu(); }, 1000},
+    {"figures", [](Vie& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }},
+    {"link test", [](Vie& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Bouton(); }},
+    {"monitoring window", [](Vie& H, const Geste& Finir) {
+       H.Dans(3000, Finir);
+       H.Bouton(); }},
+    {"link test of the menu", [](Vie& H, const Geste& Finir) {
+       H.Dans(1000, Finir);
+       H.Menu(); }},
     {"box of the menu", [](Vie& H, const Geste& Finir) {
        H.Fenêtres.PendantBoîte = Finir;
        H.Menu(); }},
-    {"transfer window", [](Vie& H, const Geste&) {
+    {"transfer window", [](Vie& H, const Geste& Finir) {
        H.TerminalVide();
-       H.Menu(); }, 3000},
+       H.Dans(3000, Finir);
+       H.Menu(); }},
     {"transfer", [](Vie& H, const Geste& Finir) {
        H.TerminalVide();
        H.Fenêtres.SurVueChargntDonnées = [&](auto& Fenêtre) {
@@ -244,16 +254,14 @@ TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {
   const std::weak_ptr<PlugIn> Faible = LePlugIn;
   std::uint64_t Arrivée = 0;
   std::size_t Ecrits = 0;
-  const Geste Finir = [&] {
+  GetParam().Préparer(*this, [&] {
     if (!LePlugIn) return;
     LePlugIn->IPlugInTarvel_Terminer();
     LePlugIn.reset();  // the host drops its reference at once
     Arrivée = Système.Horloge;
     Ecrits = Port->Ecrits.size();
     Fenêtres.Boîtes.clear();
-  };
-  if (GetParam().Délai > 0) Système.Après(milliseconds(GetParam().Délai), Finir);
-  GetParam().Mener(*this, Finir);
+  });
   if (Arrivée != 0) {
     EXPECT_EQ(Système.Horloge, Arrivée) << "the call goes on behind the end";
   }

@@ -5,6 +5,7 @@
 #include <sys/file.h>
 
 #include <cstdlib>
+#include <vector>
 
 #include "platform/loop/descriptor.h"
 #include "platform/serial/udev_rule.h"
@@ -16,14 +17,12 @@ namespace Ombrey::Essais {
 
 constexpr const char* Commande = BIN_DIR "/tarvel --diagnostic --base cave.db --ini tarvel.ini --dossier poste";
 
-TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
+/// What is done to the post, and as whom it is looked at, up to "…"; how the line begins, what stands in it.
+static std::vector<std::array<std::string, 4>> Fautes(const std::string& NomMuet) {
   const std::string Autre = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
   const std::string Seul = geteuid() == 0 ? "unshare -m" : "unshare -rm";
   const std::string Serré = Seul + " sh -c 'mount -t tmpfs -o size=$0 x poste && exec \"$@\"' ";
-  const Descripteur Muet{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};  // whose far side was never unlocked
-  const std::string NomMuet = ptsname(Muet.Numéro());
-  // What is done to the post, and as whom it is looked at, up to "…"; how the line begins, what stands in it.
-  const std::array<std::string, 4> Cas[] = {
+  return {
       // clang-format off
       {"rm tarvel.ini", "", "mauvais réglages : ", "cp /usr/share/doc/ombrey/examples/site.ini "},
       {"rm tarvel.ini; mkdir tarvel.ini", "", "mauvais réglages : ", "remettez un fichier de texte"},
@@ -49,8 +48,12 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
       {"true", "env sh -c 'exec \"$@\" --greffon absent' - ", "mauvais versions : ", "--reinstall ombrey"},
       // clang-format on
   };
-  std::string Sans;  // what this machine refuses
-  for (const auto& [Acte, Par, Dit, ÀFaire] : Cas) {
+}
+
+TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
+  const Descripteur Muet{posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC)};  // whose far side was never unlocked
+  std::string Sans;                                                     // what this machine refuses
+  for (const auto& [Acte, Par, Dit, ÀFaire] : Fautes(ptsname(Muet.Numéro()))) {
     SCOPED_TRACE(Par + "… " + Acte);
     if (!Par.empty() && std::system((Par.substr(0, Par.find(" sh ")) + " true").c_str()) != 0) {
       Sans += "\n" + Dit + "(" + Par + ")";
@@ -71,18 +74,18 @@ TEST(Diagnostic, NamesEachFaultWithWhatMendsItAndFailsOnWhatIsBad) {
   if (!Sans.empty()) GTEST_SKIP() << "not provoked here:" << Sans;
 }
 
-/// The newest load's day, the schema's number, a port that another program or the station itself holds.
-TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
+static void Constater(const Poste& P, const std::string& Attendu) {
+  Programme Regard("cd " + P.En("") + " && " + Commande);
+  EXPECT_TRUE(Regard.Attendre(Attendu)) << Regard.Dit();
+}
+
+TEST(Diagnostic, KnowsWhoHoldsThePort) {
   Poste P;
   P.LancerTerminal("--hasard 1");
-  const auto Constater = [&](const std::string& Attendu) {
-    Programme Regard("cd " + P.En("") + " && " + Commande);
-    EXPECT_TRUE(Regard.Attendre(Attendu)) << Regard.Dit();
-  };
   const int Autre = open(P.En("ligne").c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
   ASSERT_EQ(flock(Autre, LOCK_EX | LOCK_NB), 0);
-  Constater("est déjà utilisé par un autre programme : test_road, processus " + std::to_string(getpid()));
-  Constater("À faire : arrêtez ce qui le tient\n");
+  Constater(P, "est déjà utilisé par un autre programme : test_road, processus " + std::to_string(getpid()));
+  Constater(P, "À faire : arrêtez ce qui le tient\n");
   {  // asked in the station itself, as from its menu
     P.Faire("$ mkdir poste");
     const VerrouDossier Sien(P.En("poste"));
@@ -91,10 +94,16 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
               std::string::npos);
   }
   close(Autre);
+}
+
+/// The port that the station holds, the newest load's day, the schema's number.
+TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
+  Poste P;
+  P.LancerTerminal("--hasard 1");
   P.LancerStation();
   EXPECT_TRUE(P.Rg80->Attendre("réponse reçue", 60s)) << P.Dit();
-  Constater("bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
-            P.Station->Numéro() + ")");
+  Constater(P, "bon     port : " + P.En("ligne") + " est à la station qui travaille (tarvel, processus " +
+                   P.Station->Numéro() + ")");
   Programme Regard("cd " + P.En("") +
                    " && exec " BIN_DIR "/tarvel --console --regarder --base cave.db --ini tarvel.ini --dossier poste");
   EXPECT_TRUE(Regard.Attendre("sans prendre la ligne, qui est à la station au travail (tarvel, processus "))
@@ -117,7 +126,7 @@ TEST(Diagnostic, KnowsTheStationThatWorksFromAnotherProgram) {
                                       {"UPDATE Schéma SET Numéro = 3", "à voir  schéma : "},
                                       {"UPDATE Schéma SET Numéro = 99", "mauvais schéma : "}}) {
     P.Faire(Acte);
-    Constater(Constat);
+    Constater(P, Constat);
   }
 }
 
