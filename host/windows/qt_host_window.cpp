@@ -28,7 +28,7 @@ namespace Ombrey {
 namespace {
 using namespace std::chrono_literals;
 /// In letters and lines: as much at every resolution.
-constexpr int ColonnesAuDépart = 175;
+constexpr int ColonnesAuDépart = 225;
 constexpr int LignesAuDépart = 42;
 constexpr int CôtéIcône = 24;
 constexpr int LignesGardées = 1000;

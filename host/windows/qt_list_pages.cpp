@@ -1,6 +1,7 @@
 // The main window's lists beside the day.
 #include "host/windows/qt_list_pages.h"
 
+#include <QHeaderView>
 #include <QSplitter>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -15,6 +16,9 @@
 namespace Ombrey {
 
 namespace {
+/// So many rows are looked at: a long list must not slow the station.
+constexpr int LignesPliées = 50;
+
 /// What the operator reads and copies, and doesn't write.
 QPlainTextEdit* TexteÀLire(QWidget* Parent, const QString& Nom) {
   auto* const Zone = new QPlainTextEdit(Parent);
@@ -57,6 +61,18 @@ ListeQt::ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom
   });
 }
 
+void ListeQt::Plier(const std::vector<int>& Colonnes) {
+  setWordWrap(true);
+  for (const int Colonne : Colonnes) horizontalHeader()->setSectionResizeMode(Colonne, QHeaderView::Stretch);
+  connect(horizontalHeader(), &QHeaderView::sectionResized, this, [this] { AjusterHauteurs(); });
+  AjusterHauteurs();
+}
+
+void ListeQt::AjusterHauteurs() {
+  for (int Rang = 0; wordWrap() && Rang < std::min(model()->rowCount(), LignesPliées); ++Rang)
+    resizeRowToContents(Rang);
+}
+
 PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel::Aperçu& Aperçu)
     : QWidget(Parent),
       Aperçu_(Aperçu),
@@ -71,11 +87,13 @@ PageRefusésQt::PageRefusésQt(QWidget* Parent, const ContexteQt& Contexte, Tarv
   Lu_ = BoutonLu(this, *Plan, "Retire ce que le RG80 ne propose plus ; ce qu'il propose encore reste.",
                  [this] { Aperçu_.RefusésLus(); });
   Montrer();
+  Liste_->Plier({4, 5});
   connect(Liste_->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] { MontrerDétail(); });
 }
 
 void PageRefusésQt::Montrer() {
   Remplir(*Liste_, Aperçu_.Refusés());
+  Liste_->AjusterHauteurs();
   Lu_->setEnabled(static_cast<std::size_t>(Liste_->model()->rowCount()) > Aperçu_.NombreRefusés());
   MontrerDétail();
 }
@@ -100,6 +118,7 @@ PageNonLuesQt::PageNonLuesQt(QWidget* Parent, const ContexteQt& Contexte, Tarvel
   Plan->addWidget(Liste_);
   BoutonLu(this, *Plan, "Vide cette liste.", [this] { Aperçu_.ToutEstLu(); });
   Montrer();
+  Liste_->Plier({1});
 }
 
 void PageNonLuesQt::showEvent(QShowEvent* Événement) {
@@ -107,6 +126,9 @@ void PageNonLuesQt::showEvent(QShowEvent* Événement) {
   QWidget::showEvent(Événement);
 }
 
-void PageNonLuesQt::Montrer() { Remplir(*Liste_, Aperçu_.NonLus()); }
+void PageNonLuesQt::Montrer() {
+  Remplir(*Liste_, Aperçu_.NonLus());
+  Liste_->AjusterHauteurs();
+}
 
 }  // namespace Ombrey

@@ -5,6 +5,7 @@
 #include <QPushButton>
 #include <QWidget>
 #include <functional>
+#include <vector>
 
 #include "host/overview.h"
 #include "platform/qt/qt_load_grid.h"
@@ -19,6 +20,10 @@ void Remplir(GrilleChargements& Grille, Tarvel::Rangées Rangées, bool Nouveaut
 class ListeQt : public GrilleChargements {
  public:
   ListeQt(QWidget* Parent, const ContexteQt& Contexte, const QString& Nom);
+  /// Once it has columns: these hold sentences, share the room that the others leave, and break into lines.
+  void Plier(const std::vector<int>& Colonnes);
+  /// Behind each new contents of such a list.
+  void AjusterHauteurs();
 };
 
 /// Refused loads, one a row, and below them what is known of the chosen one.

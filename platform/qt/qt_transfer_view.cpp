@@ -46,6 +46,7 @@ VueChargntDonnéesQt::VueChargntDonnéesQt(const ContexteQt& Contexte, IGestesCh
       Progression_(std::make_shared<ProgressionQt>(&*Fenêtre_)) {
   const int Résolution = Fenêtre_->logicalDpiX();
   Fenêtre_->setWindowTitle(Texte(Titre));
+  Fenêtre_->setToolTip(Texte(Titre).toHtmlEscaped());  // whole, wherever the pointer rests
   Fenêtre_->setFixedSize(EnPixels(Intérieur, Résolution).size());
   std::vector<std::pair<int, QWidget*>> Ordre;
   for (const DessinContrôle& Dessiné : Dessin) {
@@ -125,6 +126,7 @@ void VueChargntDonnéesQt::PoserTitre() {
   if (std::exchange(TitrePosé_, true)) return;
   DepuisTitre_.start();
   Fenêtre_->setWindowTitle(Titre_);
+  Fenêtre_->setToolTip(Titre_.toHtmlEscaped());
   if (Consigne_ != nullptr && !Fenêtre_->isEnabled()) Consigne_->setText(Titre_);
 }
 

@@ -126,6 +126,7 @@ TEST_F(FenêtresDeQt, ALongTextStaysOnTheScreenAndTheStationsEndClosesAllThatSta
 TEST_F(FenêtresDeQt, TheTransferIsAFixedDialogThatTakesNothingMeanwhileAndRetriesFromTheFailedSet) {
   Dès(TitreTransfert, [&](QWidget& Vue) {
     EXPECT_EQ(Vue.minimumSize(), Vue.maximumSize());
+    EXPECT_EQ(Vue.toolTip(), Vue.windowTitle()) << "which a frame cuts off";
     EXPECT_LE(Le<QLabel>(Vue).sizeHint().width(), Le<QLabel>(Vue).width());
     const auto Compter = [Cases = Vue.findChildren<QCheckBox*>()](auto Q) { return std::ranges::count_if(Cases, Q); };
     const auto EnGras = [](const QCheckBox* Case) { return Case->font().bold(); };
