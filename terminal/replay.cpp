@@ -189,7 +189,8 @@ void Rejeu::Prévoir(std::size_t Rang, std::chrono::milliseconds Base, Instant M
   Rang_ = Station(Rang);
   Écartée_ = Rang_ < Messages_.size() && SuitRupture(Messages_[Rang_]);
   for (; Rang < Rang_; ++Rang) {
-    Écartée_ |= SuitRupture(Messages_[Rang]) || EstCopieDouteuse(Rang);
+    // A station that has just started doubts an answer that such a one follows; the one here may not.
+    Écartée_ |= SuitRupture(Messages_[Rang]) || EstCopieDouteuse(Rang) || Messages_[Rang].EstÀUnAutre;
     if (Messages_[Rang].Octets[0] == STX) Offert_ = Messages_[Rang].Octets;
     Dire(Maintenant + std::max(Messages_[Rang].Quand - Base, 0ms), Messages_[Rang].Octets, Messages_[Rang].EstÀUnAutre);
   }

@@ -130,7 +130,8 @@ void MarquerLesAutres(std::vector<MessageTracé>& Lus) {
     } else if (Demande != nullptr) {
       if (EstRéponse(Un.Octets, Demande->Octets)) Demande = nullptr;
     } else {
-      Un.EstÀUnAutre = Départ && !EnRetard && !EstTrame;
+      const bool EstBruit = Un.Octets.find_first_of(std::string{STX, ACK, NAK}) == std::string::npos;
+      Un.EstÀUnAutre = Départ && !EnRetard && !EstTrame && !EstBruit;
     }
   }
 }

@@ -32,7 +32,8 @@ class Voie {
       : Hasard_(Graine),
         Site_(std::move(Site)),
         Offerts_(ChargementsOfferts(Premier, Nombre, Jour_, Hasard_)),
-        VerrouLongDû_(EstLongue && Voisine != nullptr) {
+        VerrouLongDû_(EstLongue && Voisine != nullptr),
+        Cadence_(Graine % 2 == 0 ? " --cadence 9600" : "") {
     if (Voisine != nullptr) P_.Faire("$ ln -sf " + Voisine->P_.En("cave.db") + " cave.db");
     std::ofstream File(P_.En("file.txt"));
     // A busy terminal takes a minute, so that the long run alone meets it, twice; each meets a late answer.
@@ -44,7 +45,7 @@ class Voie {
     File.close();
     P_.Faire("$ sed -i s,/ligne$,/adaptateur, tarvel.ini");
     P_.LancerTerminal("--chargements file.txt --journal journal.txt --jusqu-a-vide --graine " + std::to_string(Graine) +
-                      " --panne " + (EstLongue ? TauxLongs : TauxCourts) + (Graine % 2 == 0 ? " --cadence 9600" : ""));
+                      " --panne " + (EstLongue ? TauxLongs : TauxCourts) + Cadence_);
     Adaptateur_.emplace(P_.En("ligne"), P_.En("adaptateur"));
   }
 
@@ -111,6 +112,7 @@ class Voie {
   std::string Site_;
   std::vector<std::string> Offerts_;
   bool VerrouLongDû_;
+  std::string Cadence_;  ///< the terminal's option, so that what it says takes as long again
   Poste P_;
   std::optional<Adaptateur> Adaptateur_;
   std::string Passé_;              ///< what the stations have said
@@ -171,7 +173,7 @@ void Voie::Vérifier(const Suivi& Changements) {
 void Voie::Rejouer(const std::string& Plus, std::chrono::seconds Patience) const {
   Poste Neuf;
   Neuf.Faire(Suivi::Tables);
-  Neuf.LancerTerminal("--rejouer " + P_.En("trace") + Plus, "");
+  Neuf.LancerTerminal("--rejouer " + P_.En("trace") + Plus + Cadence_, "");
   Neuf.LancerStation("interroger", "--sans-operateur --site " + Site_);
   EXPECT_EQ(Neuf.Rg80->Fin(Patience), 0) << Contenu(P_.En("trace")) << Neuf.Dit();
   EXPECT_EQ(ChargementsRentrés(*Neuf.Base(), Site_), Offerts_);
