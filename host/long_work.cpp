@@ -25,10 +25,6 @@ LongTravail::LongTravail(std::string Nom) : Nom_(std::move(Nom)) {
   for (const int Signal : {SIGINT, SIGTERM}) std::signal(Signal, TarvelFinDemandée);
 }
 
-LongTravail::~LongTravail() {
-  for (const int Signal : {SIGINT, SIGTERM}) std::signal(Signal, SIG_DFL);
-}
-
 void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
   if (FinDemandée != 0) throw Ombrey::ErreurExécution(Nom_ + " : arrêtée, rien n'est gardé");
   const auto Maintenant = Horloge::now();

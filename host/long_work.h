@@ -11,15 +11,15 @@ namespace Tarvel {
 /// Stands in each line that says how far a work is, and in no other.
 inline constexpr std::string_view EncoreTant = " %, encore ";
 
-/// While it lives, SIGINT and SIGTERM ask for the end of the work instead of killing the program in its midst. One at a
-/// time.
+/// SIGINT and SIGTERM ask for the end of the work instead of killing the program in its midst. Behind the work comes
+/// the program's end, and they change nothing any more: the exit code tells whether the work was done. One for each
+/// program.
 class LongTravail {
  public:
   /// Nom: what is under way, as the lines call it.
   explicit LongTravail(std::string Nom);
   LongTravail(const LongTravail&) = delete;
   LongTravail& operator=(const LongTravail&) = delete;
-  ~LongTravail();
 
   /// A line on stderr now and then. Raises ErreurExécution once the end was asked for.
   void Avancer(std::size_t Faits, std::size_t Total);

@@ -80,12 +80,12 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
                            "trace : La trace est dans t.", "trace : Le fichier t existe déjà", "ligne : 0 messages",
                            "Dernier : n° 12, 1234 kg, 08:30. Aujourd'hui 2 chargements, 2,2 t. Base locale : cave.db",
                            "\nDossier de travail : "})
-      EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
+      EXPECT_TRUE(P.Station->Attendre(Vu, 60s)) << P.Dit();
     P.Finir("1 1 1");
     // What is under way when it ends is finished; the terminal, and its line, may have gone by then.
     for (const char* Vu : {"la commande s'écrit « imprimer-bordereau [JOUR] »", "dossier : une station travaille dans ",
                            "bordereau : ", "copie : La base « ", "csv : 2 chargements exportés dans "})
-      EXPECT_TRUE(P.Station->Attendre(Vu)) << P.Dit();
+      EXPECT_TRUE(P.Station->Attendre(Vu, 60s)) << P.Dit();
     EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
                        " FROM (SELECT * FROM ChargementLisible ORDER BY Masse)"),
               Arrivée + "1000archivé," + Arrivée + "1234");
