@@ -18,6 +18,7 @@
 #include "host/base_values.h"
 #include "host/import_layout.h"
 #include "host/load_columns.h"
+#include "platform/system/folder_lock.h"
 
 namespace Tarvel {
 namespace {
@@ -26,7 +27,6 @@ using Ombrey::EstNull;
 using Ombrey::IConnexion;
 using Ombrey::ValeurChamp;
 
-constexpr const char* DossierImport = "import";
 constexpr std::int64_t CodeLePlusHaut = 999'999;  // six digits at the terminal
 constexpr std::int64_t GroupeLePlusHaut = 999;    // three digits at the terminal
 constexpr double PartLaPlusHaute = 999.9999;      // three digits and four decimals at the terminal
@@ -154,7 +154,7 @@ void EtatBdDTarvel::Annoncer(const ChargementImporté& Chargement) {
 }
 
 std::string EtatBdDTarvel::ObtenirFichierImport(std::string& Dossier, std::string& Nom) {
-  const std::filesystem::path Chemin = Système_.CheminApplication() / DossierImport;
+  const std::filesystem::path Chemin = Système_.CheminApplication() / Ombrey::DossierImport;
   Ombrey::CréerDossier(Chemin);
   Dossier = Ombrey::TexteChemin(Chemin / "");
   Nom = "import " + std::to_string(getpid()) + ".txt";  // one process never reads what another one wrote

@@ -98,6 +98,21 @@ void DialogueTravail::Occuper(bool Oui) {
   if (Oui) Fermer_->setFocus();
 }
 
+/// The Tab key goes from what is asked for to the buttons, from top to bottom, whichever came into being first.
+void DialogueTravail::showEvent(QShowEvent* Événement) {
+  QList<QWidget*> Ordre;
+  for (int Rang = 0; Rang < Saisie_->rowCount(); ++Rang)
+    Ordre << Saisie_->itemAt(Rang, QFormLayout::FieldRole)->widget();
+  for (QAbstractButton* Un : Boutons_->buttons())
+    if (Un != Fermer_) Ordre << Un;
+  Ordre << Fermer_;
+  Ordre.removeIf([](const QWidget* Un) { return Un->focusPolicy() == Qt::NoFocus; });
+  for (int Rang = 1; Rang < Ordre.size(); ++Rang) setTabOrder(Ordre[Rang - 1], Ordre[Rang]);
+  Boutons_->setFocusProxy(nullptr);  // the first button, to which the key would come back from the last but one
+  Ordre.first()->setFocus();
+  QDialog::showEvent(Événement);
+}
+
 void DialogueTravail::reject() {
   if (!EnCours_) return QDialog::reject();
   État_->setText(QStringLiteral("On l'arrête…"));

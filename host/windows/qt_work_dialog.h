@@ -34,6 +34,7 @@ class DialogueTravail : public QDialog {
   void reject() override;
 
  protected:
+  void showEvent(QShowEvent* Événement) override;
   [[nodiscard]] QFormLayout& Saisie() const { return *Saisie_; }
   /// Another button, which runs Faire in the pump; what it raises is told in a box.
   void Offrir(const char* Texte, std::function<void()> Faire);

@@ -121,7 +121,10 @@ void FSuiviChargnt::Rafraîchir() {
 void FSuiviChargnt::RelireListe() {
   ÀRelire_ = false;
   // A pending error here would be told to the operator as one of the dialogue that asked for the list.
+  const auto PlugIn = État_.PlugInCourant;
+  const std::weak_ptr<const void> Vie = Vie_;
   Ignorer([this] { RemplirGrille(); });
+  if (Vie.expired()) return;  // the host has ended the plug-in when it was asked for its base
   Ignorer([this] {
     const RéglagesPlacement Placement(État_.Plateforme.Réglages(), État_.Formes());
     const std::size_t Colonnes = Vue_->NombreColonnes();
@@ -133,7 +136,10 @@ void FSuiviChargnt::RelireListe() {
 }
 
 void FSuiviChargnt::RemplirGrille() {
-  auto Tableau = LireChargementsDuJour(*État_.BaseDAO(), État_.Formes());
+  const std::weak_ptr<const void> Vie = Vie_;
+  const Régional Formes = État_.Formes();
+  auto Tableau = LireChargementsDuJour(*État_.BaseDAO(), Formes);
+  if (Vie.expired()) return;
   Vue_->RemplirGrille(std::move(Tableau.Entêtes), std::move(Tableau.Rangées));
   GrilleRemplie_ = true;
 }
@@ -205,9 +211,10 @@ bool FSuiviChargnt::BoîtePermise(DemandeLiaison Demande, std::function<void()> 
 }
 
 void FSuiviChargnt::Form_Activate() {
+  const std::weak_ptr<const void> Vie = Vie_;
   Ignorer([this] { ReprendrePlace(); });
   Rafraîchir();
-  Ignorer([this] { Vue_->MettreDevant(); });
+  if (!Vie.expired()) Ignorer([this] { Vue_->MettreDevant(); });
 }
 
 void FSuiviChargnt::Form_Resize() { DisposerContrôles(*Vue_); }

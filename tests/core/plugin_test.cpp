@@ -5,8 +5,7 @@
 
 #include "contracts/line_protocol.h"
 #include "link/daily_error_file.h"
-#include "tests/support/fake_platform.h"
-#include "tests/support/test_folder.h"
+#include "tests/transfer/small_cooperative.h"
 
 namespace Ombrey::Essais {
 
@@ -41,14 +40,24 @@ struct Vie : testing::Test, Monde {
     };
   }
   void Laisser(int Durée) { Système.Laisser(milliseconds(Durée)); }
-  /// A terminal that answers every link test and has no load.
+  /// A terminal that answers every link test, takes every file and has no load.
   void TerminalVide() {
     Port->SurEcriture = [this](const Octets& Ecrit) {
-      Port->Envoyer(Octets(1, Ecrit[1] == '8' ? ACK : NAK) + Ecrit.Extrait(1));
+      if (Ecrit.Taille() == 1) return;
+      const Octets Code = Ecrit[0] == ENQ ? Ecrit.Extrait(1) : Octets();
+      Port->Envoyer(Octets(1, Code == Octets("A") ? NAK : ACK) + Code);
     };
+  }
+  void Transférer(std::shared_ptr<IDatabase> Base) {
+    Coopérative.Connexion->ExécuterTout("INSERT INTO Sélection VALUES ('05', 'Aligoté', 1)");
+    Hôte->Base = std::move(Base);
+    TerminalVide();
+    Fenêtres.SurVueChargntDonnées = [](auto& Fenêtre) { Fenêtre.Gestes.BtnTransférer_Click(); };
+    Menu();
   }
 
   DossierEssai Dossier;
+  PetiteCoopérative Coopérative;
   std::map<std::string, std::string>& Ini = Plateforme.Ini;
   std::shared_ptr<PlugIn> LePlugIn = PlugIn::Créer(Plateforme);
   std::int16_t Style = 7;
@@ -120,8 +129,10 @@ TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
     LePlugIn->IPlugInTarvel_FixerBaseDeD(Hôte);
     Lancer();
     TerminalVide();
+    Port->Ecrits.clear();
     Mots Venus;
     const auto Tenir = [&](const char* Quoi) {
+      EXPECT_EQ(std::ranges::count(Port->Ecrits, Octets("\5A")), Venus.empty()) << "polled ahead of the " << Quoi;
       Port->Ecrits.clear();
       Vue().Gestes.BtnInterroger_Click();
       Laisser(5000);
@@ -134,6 +145,7 @@ TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
     };
     Fenêtres.SurVueChargntDonnées = [&](FausseVueChargntDonnées& Fenêtre) {
       Menu();
+      EXPECT_TRUE(Vue().Visible) << "the button comes ahead of the menu";
       Tenir("transfer window");
       Fenêtre.Gestes.BtnFermer_Click();
     };
@@ -141,8 +153,10 @@ TEST_F(Vie, WhatWaitsForTheLineRunsOnceAheadOfTheNextPollWhateverThePeriod) {
       for (int Fois = 0; Fois < 2; ++Fois) {
         LePlugIn->IPlugInTarvel_Configurer();
         Menu();
+        Bouton();
       }
     });
+    Dans(25000, [this] { Vue().Gestes.BtnMasquer_Click(); });
     Laisser(30000);
     EXPECT_EQ(Venus, (Mots{"transfer window", "question"}));
     EXPECT_GT(Port->Ecrits.size(), 2U) << "polling goes on";
@@ -181,68 +195,63 @@ TEST_F(Vie, EndCleansFilesAndReleasesEverything) {
 }
 
 using Geste = std::function<void()>;
-/// A call in which the end comes, and how it is brought about there.
+/// A call, and when the end comes in it: so many milliseconds later, in a box, when the base is
+/// asked for, or where the row has it come.
+constexpr int EnBoîte = -1, EnLecture = -2, OùElleLeDit = 0;
 struct Fin {
   const char* Où;
   void (*Préparer)(Vie&, const Geste& Finir);
+  int Quand;
   bool EstLancé = true;
 };
 /// A poll lasts from 10 to 12 seconds; one that is put off in it, two more.
 // clang-format off
 const Fin Fins[] = {
-    {"start", [](Vie&, const Geste& Finir) { Finir(); }, false},
-    {"first question", [](Vie& H, const Geste& Finir) {
+    {"start", [](Vie&, auto& Finir) { Finir(); }, OùElleLeDit, false},
+    {"first question", [](Vie& H, auto& Finir) {
        H.Ini.erase("Port");
        H.EnQuestion(Finir);
-       EXPECT_EQ(H.Initialiser(), ""); }, false},
-    {"question", [](Vie& H, const Geste& Finir) {
+       EXPECT_EQ(H.Initialiser(), ""); }, OùElleLeDit, false},
+    {"question", [](Vie& H, auto& Finir) {
        H.EnQuestion(Finir);
-       H.LePlugIn->IPlugInTarvel_Configurer(); }},
-    {"question put off", [](Vie& H, const Geste& Finir) {
+       H.LePlugIn->IPlugInTarvel_Configurer(); }, OùElleLeDit},
+    {"question put off", [](Vie& H, auto&) {
        H.EnQuestion([] { ADD_FAILURE() << "asked behind the end"; });
        H.Dans(10500, [&H] { H.LePlugIn->IPlugInTarvel_Configurer(); });
-       H.Dans(10600, Finir);
-       H.Dans(19000, [Tenu = H.LePlugIn] {}); }},
-    {"poll", [](Vie& H, const Geste& Finir) { H.Dans(10100, Finir); }},
-    {"poll with another put off", [](Vie& H, const Geste& Finir) {
-       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
-       H.Dans(11000, Finir); }},
-    {"poll that was put off", [](Vie& H, const Geste& Finir) {
-       H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); });
-       H.Dans(13000, Finir); }},
-    {"writing", [](Vie& H, const Geste& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }},
-    {"box of a poll", [](Vie& H, const Geste& Finir) {
+       H.Dans(19000, [Tenu = H.LePlugIn] {}); }, 10600},
+    {"poll", [](auto&, auto&) {}, 10100},
+    {"poll with another put off", [](Vie& H, auto&) { H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); }); }, 11000},
+    {"poll that was put off", [](Vie& H, auto&) { H.Dans(10500, [&H] { H.LePlugIn->Retard_FinTempo(""); }); }, 13000},
+    {"writing", [](Vie& H, auto& Finir) { H.Port->SurEcriture = [Finir](auto&) { Finir(); }; }, OùElleLeDit},
+    {"box of a poll", [](Vie& H, auto&) { H.Port->EcritureRefusée = true; }, EnBoîte},
+    {"box of a line", [](Vie& H, auto&) { H.Vue().Gestes.ListeMessages_DblClick(Onglet::Suivis); }, EnBoîte},
+    {"figures", [](Vie& H, auto&) { H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }, 1000},
+    {"« RG80 ? »", [](Vie& H, auto&) { H.Vue().Gestes.BtnInterroger_Click(); }, 1000},
+    {"box of « RG80 ? »", [](Vie& H, auto&) {
        H.Port->EcritureRefusée = true;
-       H.Fenêtres.PendantBoîte = Finir; }},
-    {"box of a line", [](Vie& H, const Geste& Finir) {
-       H.Fenêtres.PendantBoîte = Finir;
-       H.Vue().Gestes.ListeMessages_DblClick(Onglet::Suivis); }},
-    {"figures", [](Vie& H, const Geste& Finir) {
-       H.Dans(1000, Finir);
-       H.Vue().Gestes.BtnForcerCumulsRG80_Click(); }},
-    {"link test", [](Vie& H, const Geste& Finir) {
-       H.Dans(1000, Finir);
-       H.Bouton(); }},
-    {"monitoring window", [](Vie& H, const Geste& Finir) {
-       H.Dans(3000, Finir);
-       H.Bouton(); }},
-    {"link test of the menu", [](Vie& H, const Geste& Finir) {
-       H.Dans(1000, Finir);
-       H.Menu(); }},
-    {"box of the menu", [](Vie& H, const Geste& Finir) {
-       H.Fenêtres.PendantBoîte = Finir;
-       H.Menu(); }},
-    {"transfer window", [](Vie& H, const Geste& Finir) {
+       H.Vue().Gestes.BtnInterroger_Click(); }, EnBoîte},
+    {"box of a printout", [](Vie& H, auto&) {
+       for (int Rang = 0; Rang < 60; ++Rang) dynamic_cast<FSuiviChargnt&>(H.Vue().Gestes).AjouterErreur("panne");
+       H.Vue().Gestes.BtnImprimer_Click(); }, EnBoîte},
+    {"event of a load that is in", [](Vie& H, auto& Finir) {
+       H.Coopérative.Connexion->ExécuterTout("INSERT INTO MSysEtats VALUES ('Synchronisation des chargements', 0, 'NoChargement', ';')");
+       H.Hôte->Base = H.Coopérative.Base;
+       H.Événements->SurSignal = [Finir](Mot) { Finir(); };
+       H.Port->SurEcriture = [&H](const Octets& Ecrit) {
+         if (Ecrit == Octets("\5A")) H.Port->Envoyer(Octets("\006A\0020012190908083009150001230004560071000000050112521234007\003<;"));
+       }; }, OùElleLeDit},
+    {"ChargementAjouté", [](Vie& H, auto&) { H.LePlugIn->IPlugInTarvel_ChargementAjouté("1", "12"); }, EnLecture},
+    {"list as its window comes up", [](Vie& H, auto&) { H.Vue().Gestes.Form_Activate(); }, EnLecture},
+    {"link test", [](Vie& H, auto&) { H.Bouton(); }, 1000},
+    {"monitoring window", [](Vie& H, auto&) { H.Bouton(); }, 3000},
+    {"link test of the menu", [](Vie& H, auto&) { H.Menu(); }, 1000},
+    {"box of the menu", [](Vie& H, auto&) { H.Menu(); }, EnBoîte},
+    {"transfer window", [](Vie& H, auto&) {
        H.TerminalVide();
-       H.Dans(3000, Finir);
-       H.Menu(); }},
-    {"transfer", [](Vie& H, const Geste& Finir) {
-       H.TerminalVide();
-       H.Fenêtres.SurVueChargntDonnées = [&](auto& Fenêtre) {
-         H.Dans(100, Finir);
-         Fenêtre.Gestes.BtnTransférer_Click();
-       };
-       H.Menu(); }},
+       H.Menu(); }, 3000},
+    {"sending of a set", [](Vie& H, auto&) { H.Transférer(H.Coopérative.Base); }, 12},
+    {"pause between two sets", [](Vie& H, auto&) { H.Transférer(H.Coopérative.Base); }, 500},
+    {"box of a set", [](Vie& H, auto&) { H.Transférer(nullptr); }, EnBoîte},
 };
 // clang-format on
 struct Finit : Vie, testing::WithParamInterface<Fin> {};
@@ -254,14 +263,18 @@ TEST_P(Finit, AtOnceAndForGoodInTheMidstOfACall) {
   const std::weak_ptr<PlugIn> Faible = LePlugIn;
   std::uint64_t Arrivée = 0;
   std::size_t Ecrits = 0;
-  GetParam().Préparer(*this, [&] {
+  const Geste Finir = [&] {
     if (!LePlugIn) return;
     LePlugIn->IPlugInTarvel_Terminer();
     LePlugIn.reset();  // the host drops its reference at once
     Arrivée = Système.Horloge;
     Ecrits = Port->Ecrits.size();
     Fenêtres.Boîtes.clear();
-  });
+  };
+  if (GetParam().Quand == EnLecture) Hôte->PendantBase = Finir;
+  if (GetParam().Quand == EnBoîte) Fenêtres.PendantBoîte = Finir;
+  if (GetParam().Quand > 0) Dans(static_cast<std::uint64_t>(GetParam().Quand), Finir);
+  GetParam().Préparer(*this, Finir);
   if (Arrivée != 0) {
     EXPECT_EQ(Système.Horloge, Arrivée) << "the call goes on behind the end";
   }

@@ -147,6 +147,10 @@ struct DisqueSansPartage {
       Fichier->pMethods = &Opérations;
       return Code;
     };
+    Lui.xDelete = [](sqlite3_vfs*, const char* Nom, int AvecDossier) {
+      Retirés += (AvecDossier ? "synced " : "") + std::filesystem::path(Nom).filename().string() + "|";
+      return Habituel->xDelete(Habituel, Nom, AvecDossier);
+    };
     sqlite3_vfs_register(&Lui, 1);
     testing::internal::CaptureStderr();
   }
@@ -154,6 +158,7 @@ struct DisqueSansPartage {
   DisqueSansPartage(const DisqueSansPartage&) = delete;
   DisqueSansPartage& operator=(const DisqueSansPartage&) = delete;
 
+  static inline std::string Retirés;  ///< files, and whether their folder was put on the disk behind it
   static inline sqlite3_vfs* Habituel = sqlite3_vfs_find(nullptr);
   sqlite3_vfs Lui{};
 };
@@ -174,7 +179,9 @@ TEST_F(BaseVigne, GoesOnWithTheOrdinaryJournalWhereTheDriveCarriesNoOther) {
     EXPECT_EQ(Nombre(*Ici), 4);
     // The journal's removal is on the disk before the commit returns, and others may write as well.
     EXPECT_EQ(std::get<std::int64_t>(Ici->Lire("PRAGMA synchronous")), 3);
+    DisqueSansPartage::Retirés.clear();
     ConnexionSqlite::Ouvrir(Ici->Fichier())->ExécuterTout("DELETE FROM Vigne");
+    EXPECT_EQ(DisqueSansPartage::Retirés, "synced coopé.db-journal|");
     EXPECT_EQ(Nombre(*Ici), 0);
     std::filesystem::remove(Fichier);
   }

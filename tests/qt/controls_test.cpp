@@ -9,25 +9,43 @@
 namespace Ombrey::Essais {
 
 std::string Nom(const QWidget& Un) {
+  if (qobject_cast<const QDateEdit*>(&Un)) return "date";
   for (const QString& Texte :
        {Un.property("text").toString(), Un.property("currentText").toString(), Un.accessibleName()})
     if (!Texte.isEmpty()) return QString(Texte).remove('&').toStdString();
   return Un.metaObject()->className() + 1;
 }
 
-std::string Tour(const QWidget& Fenêtre) {
+/// The way of the Tab key from what has the keys first.
+std::string Tour(QWidget& Fenêtre) {
   std::string Noms;
-  const QWidget* const Premier = Fenêtre.focusWidget();
-  for (int Fois = 0; Fois < 30 && (Fois == 0 || Fenêtre.focusWidget() != Premier); ++Fois) {
-    Noms += Nom(*Fenêtre.focusWidget()) + "|";
-    QTest::keyClick(Fenêtre.focusWidget(), Qt::Key_Tab);
+  QList<QWidget*> Vus;
+  for (int Fois = 0; Fois < 30; ++Fois) {
+    QWidget* const Ici = Fenêtre.focusWidget() ? Fenêtre.focusWidget() : &Fenêtre;
+    if (Vus.size() > 1 && Ici == Vus.first()) break;
+    if (Vus.isEmpty() || Ici != Vus.last()) Noms += Nom(*Vus.emplaceBack(Ici)) + "|";
+    QTest::keyClick(Ici, Qt::Key_Tab);
   }
   return Noms;
+}
+
+/// The letters that Alt goes with, of all that is in sight.
+QStringList Lettres(const QWidget& Fenêtre) {
+  QStringList Libellés, Toutes;
+  for (const auto* Un : Fenêtre.findChildren<QWidget*>())
+    Libellés << (Un->isVisible() ? Un->property("text").toString() : "");
+  for (const auto* Un : Fenêtre.findChildren<QMenu*>()) Libellés << Un->title();
+  for (const auto* Un : Fenêtre.findChildren<QTabBar*>())
+    for (int Rang = 0; Rang < Un->count(); ++Rang) Libellés << Un->tabText(Rang);
+  for (const QString& Libellé : Libellés) Toutes << QKeySequence::mnemonic(Libellé).toString();
+  return Toutes.filter("Alt");
 }
 
 /// Windows whose buttons write down what they do.
 struct Commandes : BureauAvecBase {
   Commandes() {
+    std::ofstream(Programme) << "#!/bin/sh\ntrap 'exit 1' INT\nwhile :; do sleep 0.02; done\n";
+    std::filesystem::permissions(Programme, std::filesystem::perms::owner_all);
     LesVraies.RépondreSeul();
     LesVraies.Observer({{},
                         [&](const std::string& Titre, const std::string&) {
@@ -40,17 +58,29 @@ struct Commandes : BureauAvecBase {
     Services.SurCumuls = [&] { Trace += "cumule"; };
     Services.SurTransmission = [&](auto, auto&) { return Trace += "transmet ", "refus"; };
   }
-  void Principale(const Geste& Faire, int Page) {
+  /// The main window with a page in front, or what the entry of this name in its menu opens.
+  void Principale(const Geste& Faire, int Page, const char* Entrée) {
     Tarvel::Aperçu Aperçu;
+    const JournalLiaison Journal;
+    Tarvel::TravauxÀCôté Travaux(Boucle, Choisies, Programme);
     FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
+    Fenêtre.Présenter([] { return "version"; }, Travaux);
     Fenêtre.Raccorder({[&] { Trace += "bouton"; }, {}, {}, {}});
     Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
+    Fenêtre.SuivreLiaison(Journal);
     Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
     Fenêtre.show();
-    Le<QTabWidget>(Fenêtre).setCurrentIndex(Page);
+    auto& Pages = Le<QTabWidget>(Fenêtre);
+    Pages.setTabVisible(Page, true);  // that of the stations comes with the second of them
+    Pages.setCurrentIndex(Page);
+    for (QAction* Une : Fenêtre.findChildren<QAction*>())
+      if (Une->text().startsWith(Entrée)) Une->trigger();
     Vider();
-    Faire(Fenêtre);
-    if (Page == 5) Trace += " " + Le<QTabWidget>(Fenêtre).tabText(5).toStdString();
+    QWidget* Devant = &Fenêtre;
+    for (QWidget* Une : QApplication::topLevelWidgets())
+      if (Une->isVisible() && Une != &Fenêtre) Devant = Une;
+    Faire(*Devant);
+    if (Page == 6) Trace += " " + Pages.tabText(6).toStdString();
   }
   void Suivre(const Geste& Faire, const std::string& Erreur) {
     FSuiviChargnt Suivi(État, Services);
@@ -73,31 +103,57 @@ struct Commandes : BureauAvecBase {
     QList<QAbstractButton*> Boutons;
     for (auto* Un : Fenêtre.findChildren<QAbstractButton*>())
       if (Un->isVisible() && Un->isEnabled() && !Nom(*Un).starts_with("ToolButton")) Boutons << Un;
-    const QPointer<QAbstractButton> Cliqué = Boutons[Rang];
-    const bool Coché = Cliqué->isChecked();
-    Trace = Nom(*Cliqué) + ": ";
-    QTest::mouseClick(Cliqué, Qt::LeftButton, {}, {8, Cliqué->height() / 2});
+    auto* const Cliqué = Boutons.value(Rang);
+    const QPointer<QWidget> Tenue(&Fenêtre);
+    const bool Coché = Cliqué && Cliqué->isChecked();
+    QApplication::clipboard()->clear();
+    Trace = Cliqué ? Nom(*Cliqué) + ": " : "Échap: ";
+    Cliqué ? QTest::mouseClick(Cliqué, Qt::LeftButton, {}, {8, Cliqué->height() / 2})
+           : QTest::keyClick(&Fenêtre, Qt::Key_Escape);
     Vider();
-    if (Cliqué->isCheckable() && Cliqué->isChecked() != Coché) Trace += Coché ? "décoche" : "coche";
-    if (Fenêtre.isVisible())
-      Cadre(Fenêtre);
-    else
+    if (!Tenue || !Fenêtre.isVisible()) {
       Trace += " ferme";
+      return Boutons.size();
+    }
+    if (Cliqué && Cliqué->isChecked() != Coché) Trace += Coché ? "décoche" : "coche";
+    Trace += QApplication::clipboard()->text().toStdString();
+    if (Fenêtre.findChild<QFileDialog*>()) Trace += "demande un nom";
+    for (const auto* Un : Fenêtre.findChildren<QLabel*>())
+      if (Un->isVisible() && Un->accessibleName() == "Avancement") Trace += Un->text().toStdString();
+    Cadre(Fenêtre);
     return Boutons.size();
   }
 
+  const Tarvel::Options Choisies;
+  const std::string Programme = Dossier.Chemin() / "programme";
   QuestionnairePortQt Questionnaire{LesVraies.Contexte(), [] { return std::vector<PortTrouvé>(); }, ChoixUsuels()};
 };
 
 TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
   // The window, the way of the Tab key, and what each button does.
+  const auto Page = [this](int Rang, const char* Entrée = "none") {
+    return [=, this](const Geste& Faire) { Principale(Faire, Rang, Entrée); };
+  };
   // clang-format off
   const std::tuple<std::function<void(const Geste&)>, std::string, std::string> Table[] = {
-      {[&](const Geste& Faire) { Principale(Faire, 0); },
-       "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|",
+      {Page(0), "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
-      {[&](const Geste& Faire) { Principale(Faire, 5); },
-       "TabBar|Messages que personne n'a lus|Tout est lu|", "Comm. au RG80: bouton À l&ire (1)|Tout est lu:  À l&ire|"},
+      {Page(1), "TabBar|Chargements refusés|Le chargement refusé|", "Comm. au RG80: bouton|"},
+      {Page(2), "TabBar|Archive|", "Comm. au RG80: bouton|"},
+      {Page(3), "TabBar|Ce qui passe sur la ligne|Fautes seules|Enregistrer la trace…|",
+       "Comm. au RG80: bouton|Fautes seules: coche|Enregistrer la trace…: demande un nom|"},
+      {Page(4), "TabBar|Journal|", "Comm. au RG80: bouton|"},
+      {Page(5), "TabBar|Stations|", "Comm. au RG80: bouton|"},
+      {Page(6), "TabBar|Messages que personne n'a lus|Tout est lu|",
+       "Comm. au RG80: bouton À l&ire (1)|Tout est lu:  À l&ire|"},
+      {Page(0, "&Bordereau"), "date|ComboBox|Imprimer|Enregistrer en PDF…|Fermer|",
+       "Fermer:  ferme|Imprimer: En cours ; la station continue.|Enregistrer en PDF…: demande un nom|"},
+      {Page(0, "&Exporter"), "date|date|Enregistrer en CSV…|Fermer|",
+       "Fermer:  ferme|Enregistrer en CSV…: demande un nom|"},
+      {Page(0, "&Sauvegarder"), "Choisir le fichier…|Fermer|", "Fermer:  ferme|Choisir le fichier…: demande un nom|"},
+      {Page(0, "&Diagnostic"), "Diagnostic|Copier|Fermer|", "Copier: Diagnostic en cours ; la station continue…|Fermer:  ferme|"},
+      {Page(0, "À &propos"), "OK|", "OK:  ferme|"},
+      {Page(0, "&Guide"), "TextBrowser|", "Échap:  ferme|"},
       {[&](const Geste& Faire) { Suivre(Faire, ""); },
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},
@@ -119,6 +175,7 @@ TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       Trace.clear();
       Montrer([&](QWidget& Fenêtre) {
         if (Rang == 0) Ordre = Tour(Fenêtre);
+        EXPECT_EQ(Lettres(Fenêtre).removeDuplicates(), 0) << Lettres(Fenêtre).join('|').toStdString();
         Nombre = Presser(Fenêtre, Rang);
       });
       Effets += Trace + "|";

@@ -82,6 +82,8 @@ TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
       Travaux.Diagnostiquer([&](const std::string& Ligne) { Trace += Ligne; }, [](bool) {});
       for (int Reste = 1000; Reste > 0 && Trace.empty(); --Reste) Laisser(10ms);
       EXPECT_EQ(Trace, "vu") << "a diagnosis doesn't wait for the copy";
+      EXPECT_EQ(Dialogue.focusWidget(), &Le<QPushButton>(Dialogue, "A&bandonner"));
+      Clic("A&bandonner")(Dialogue);
       Dialogue.close();
       EXPECT_TRUE(Dialogue.isVisible()) << "it stays until the work has ended";
     }

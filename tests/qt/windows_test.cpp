@@ -241,8 +241,6 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   for (int Reste = 1000; Reste > 0 && !Textes.contains("--diagnostic"); --Reste, Laisser(10ms))
     for (const auto* Zone : Fenêtre.findChildren<QPlainTextEdit*>()) Textes << Zone->toPlainText();
   EXPECT_TRUE(Textes.contains("--diagnostic")) << "the diagnosis isn't filled in";
-  Le<QPushButton>(Fenêtre, "&Copier").click();
-  EXPECT_EQ(QApplication::clipboard()->text(), "--diagnostic");
   EXPECT_TRUE(Fenêtre.isVisible());
   EXPECT_EQ(Trace, "bcqbmq");
   for (auto* Liste : Fenêtre.findChildren<QTableView*>()) Q_EMIT Liste->activated(Liste->model()->index(0, 0));

@@ -52,12 +52,15 @@ struct FausseBaseDeD : IBaseDeD, IEtatBdD, IKVSynchro {
   std::string Erreur;
   bool Importe = true;
   bool Lève = false;
-  std::function<void()> PendantImport = [] {};
+  std::function<void()> PendantImport = [] {}, PendantBase = [] {};
   Mots Importés;  ///< contents of the imported files
 
   std::shared_ptr<IEtatBdD> EtatBdD() override { return {std::shared_ptr<void>(), this}; }
   std::shared_ptr<IKVSynchro> KVSynchro() override { return {std::shared_ptr<void>(), this}; }
-  std::shared_ptr<IDatabase> BaseDAO() override { return Base; }
+  std::shared_ptr<IDatabase> BaseDAO() override {
+    PendantBase();
+    return Base;
+  }
   void ActiverBase(bool&) override { ++Activations; }
   void Actualiser() override { ++Actualisations; }
   std::string ListeCépages(std::optional<std::string>, std::string&, bool) override { return Cépages; }
@@ -107,7 +110,8 @@ struct FausseBaseDeD : IBaseDeD, IEtatBdD, IKVSynchro {
 
 struct FauxÉvénements : IEventPlugin {
   Mots Signalés;
-  void Signaler(Mot Texte) override { Signalés.push_back(Texte); }
+  std::function<void(Mot)> SurSignal = [](Mot) {};
+  void Signaler(Mot Texte) override { SurSignal(Signalés.emplace_back(Texte)); }
 };
 
 /// What the windows ask of the plug-in, scripted.

@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The two commands where they could pass for more than they did: ./test on a machine that lacks packages and can't have
 # them, or has them since, and the list that ends ./run when midnight has passed meanwhile.
+# And the programs as another account: whose working folder it is.
 #
 #   commands.sh BIN. Exit code 77: midnight wasn't tried, for want of a tool.
 set -euo pipefail
@@ -52,6 +53,36 @@ for windows in OFF ON; do
   (cd "$work/tree" && PATH=$work/bin bash -c "source '$OLDPWD/packaging/prepare.sh'; have_file() { [ $windows = ON ]; }; build dev")
   grep -q -e "^--preset dev -DOMBREY_WINDOWS=$windows\$" "$work/configured" || fail "isn't configured with windows $windows" "$(<"$work/configured")"
 done
+
+# Two stations of an account that may write into a working folder's imports, and not into the folder itself; and one that
+# may write nowhere in it.
+account=()
+post=$work/account/post
+mkdir -p "$post/import" && chmod 755 "$work"
+[ "$(id -u)" != 0 ] || { account=(setpriv --reuid=65534 --clear-groups); chown -R 65534 "$work/account"; }
+"${account[@]}" "$bin/tarvel" --creer-base "$work/account/cave.db"
+printf '[PlugInOmbrey]\nPort=/dev/absent\nBauds=9600\nParité=aucune\nBitsStop=1\nTailleMots=8\n' >"$work/tarvel.ini"
+station() {
+  exec env XDG_CONFIG_HOME="$work/account" "${account[@]}" "$bin/tarvel" --base "$work/account/cave.db" --ini "$work/tarvel.ini" \
+    --dossier "$post" --console --sans-operateur --duree "$1" </dev/null
+}
+refused() {
+  ! (station 1) >"$work/said" 2>&1 || fail "not refused: $1" "$(<"$work/said")"
+  grep -q "$1" "$work/said" || fail "not in these words: $1" "$(<"$work/said")"
+}
+chmod 555 "$post/import" "$post"
+refused "n'a pas le droit d'écrire dans $post/import, où passent les chargements"
+chmod 755 "$post/import"
+(station 600) >"$work/first" 2>&1 &
+first=$!
+for _ in {1..600}; do
+  ! grep -q 'commande « menu »' "$work/first" || break
+  sleep 0.1
+done
+refused "Une autre station travaille déjà dans le dossier $post (tarvel, processus "
+kill $first
+wait $first || fail "exit code $? of the first station" "$(<"$work/first")"
+chmod 755 "$post"
 
 command -v faketime >/dev/null && command -v sqlite3 >/dev/null || { echo "midnight isn't tried: faketime or sqlite3 isn't installed"; exit 77; }
 ! ldd "$bin/tarvel" | grep -q libasan || { echo "midnight isn't tried: the sanitizer wants to be loaded first"; exit 77; }

@@ -186,27 +186,4 @@ TEST_F(Transfert, TakesAnyFailureOfASetAsItsReason) {
   EXPECT_EQ(Fenêtres.Dites(), Mots{T + "Appelations\r\nRefusé ␂é␡" + std::string(77, '0') + "… (5003 caractères) ?"});
 }
 
-TEST_F(Transfert, EndsQuietlyInAPauseASendingAndABox) {
-  for (const std::string Ici : {"pause", "sending", "box"}) {
-    État.Abandon = false;
-    FChargntDonnées Fenêtre(État);
-    const auto Finir = [&] {
-      État.Abandon = true;
-      Fenêtre.Décharger();
-    };
-    if (Ici == "pause") Système.Après(milliseconds(500), Finir);
-    Services.SurTransmission = [&](auto, auto&) {
-      if (Ici == "sending") Finir();
-      return Ici == "box" ? Muet : "";
-    };
-    Fenêtres.PendantBoîte = Finir;
-    Fenêtres.SurVueChargntDonnées = Transférer;
-    Fenêtre.Afficher(Services);
-    EXPECT_EQ(Fenêtres.Dites().size(), Ici == "box") << Ici;
-    EXPECT_FALSE(Fenêtres.Sablier) << Ici;
-    EXPECT_EQ(Fenêtres.VueChargntDonnées, nullptr) << Ici;
-  }
-  EXPECT_EQ(Services.Transmis.size(), 3U);
-}
-
 }  // namespace Ombrey::Essais

@@ -222,7 +222,7 @@ std::string ConnexionSqlite::DateLisible(const std::string& Colonne) const {
 /// no part of it to the engine. Nobody else may lengthen it meanwhile; who is at work isn't waited for.
 void ConnexionSqlite::AllongerJournal() {
   constexpr sqlite3_int64 Longueur = 2LL * 1024 * 1024;
-  constexpr std::array<char, 64UL * 1024> Zéros{};
+  constexpr std::array<char, 8UL * 1024> Zéros{};  // the stack keeps what it once took
   sqlite3_busy_handler(Base_.get(), nullptr, nullptr);
   const int Code = sqlite3_exec(Base_.get(), "BEGIN IMMEDIATE", nullptr, nullptr, nullptr);
   sqlite3_busy_handler(Base_.get(), &PatienterVerrou, &Patience_);
