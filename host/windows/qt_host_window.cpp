@@ -179,38 +179,6 @@ std::function<void()> FenêtrePrincipaleQt::Différé(std::function<void()> Gest
   };
 }
 
-void FenêtrePrincipaleQt::Raccorder(Gestes LesGestes) {
-  Gestes_ = std::move(LesGestes);
-  QMenu* const Station = menuBar()->addMenu(QStringLiteral("&Station"));
-  Offrir(*Station, "&Configurer le port…", Gestes_.Configurer);
-  if (Travaux_) {
-    Offrir(*Station, "&Diagnostic…", [this] { MontrerDiagnostic(this, *Travaux_); });
-    Station->addSeparator();
-    OffrirPapiers(
-        *Station, this, {Contexte_, *Travaux_}, [this] { return Base_ ? Base_->BaseDAO() : nullptr; },
-        Sujet_.EstSurServeur);
-  }
-  Station->addSeparator();
-  Offrir(*Station, "&Quitter", Gestes_.Quitter)->setShortcut(QKeySequence(QStringLiteral("Ctrl+Q")));
-  MenuGreffons().menuAction()->setVisible(false);  // until there is one
-  CréerAide();
-}
-
-void FenêtrePrincipaleQt::CréerAide() {
-  QMenu* const Aide = menuBar()->addMenu(QStringLiteral("&Aide"));
-  Offrir(*Aide, "&Guide de l'opérateur\tF1", [this] {
-    if (!Aide_.Montrer()) Dire("Le guide de l'opérateur n'est pas installé (paquet ombrey-doc).");
-  });
-  Offrir(*Aide, AvecTouche("À propos…", 'p'),
-         [this] { MontrerBoîte(Contexte_, this, SigneBoîte::Information, ÀPropos_ ? ÀPropos_() : "", "À propos"); });
-}
-
-QAction* FenêtrePrincipaleQt::Offrir(QMenu& Menu, const std::string& Titre, std::function<void()> Geste) {
-  QAction* const Entrée = Menu.addAction(Texte(Titre));
-  connect(Entrée, &QAction::triggered, this, Différé(std::move(Geste)));
-  return Entrée;
-}
-
 void FenêtrePrincipaleQt::Présenter(std::function<std::string()> ÀPropos, Tarvel::TravauxÀCôté& Travaux) {
   ÀPropos_ = std::move(ÀPropos);
   Travaux_ = &Travaux;
@@ -230,22 +198,6 @@ void FenêtrePrincipaleQt::VenirDevant() {
   Devant->raise();
   Devant->activateWindow();
   Appeler(*Devant);
-}
-
-void FenêtrePrincipaleQt::OffrirBouton(const QIcon& Icône, const std::string& Infobulle) {
-  QAction* const Bouton = Barre_->addAction(Icône, Texte(Infobulle));
-  Bouton->setShortcut(Qt::Key_F5);
-  Bouton->setToolTip(Texte(Infobulle) + QStringLiteral(" (F5) : essaie la liaison et montre les chargements"));
-  MenuGreffons().addAction(Bouton);
-  connect(Bouton, &QAction::triggered, this, Différé(Gestes_.Bouton));
-}
-
-void FenêtrePrincipaleQt::OffrirMenu(const std::string& Entrée) { Offrir(MenuGreffons(), Entrée, Gestes_.Menu); }
-
-QMenu& FenêtrePrincipaleQt::MenuGreffons() {
-  if (Greffons_ == nullptr) Greffons_ = menuBar()->addMenu(QStringLiteral("&Greffons"));
-  Greffons_->menuAction()->setVisible(true);
-  return *Greffons_;
 }
 
 void FenêtrePrincipaleQt::Suivre(std::shared_ptr<IBaseDeD> Base) {
