@@ -1,12 +1,6 @@
 // A lane of the endurance run: one terminal with its queue, one station, and what befalls them.
 #pragma once
 
-#include <map>
-#include <optional>
-#include <set>
-#include <string>
-#include <vector>
-
 #include "platform/system/machine_system.h"
 #include "tests/endurance/adapter.h"
 #include "tests/endurance/offered_loads.h"

@@ -44,8 +44,7 @@ QStringList Lettres(const QWidget& Fenêtre) {
 /// Windows whose buttons write down what they do.
 struct Commandes : BureauAvecBase {
   Commandes() {
-    std::ofstream(Programme) << "#!/bin/sh\ntrap 'exit 1' INT\nwhile :; do sleep 0.02; done\n";
-    std::filesystem::permissions(Programme, std::filesystem::perms::owner_all);
+    ÉcrireProgramme("trap 'exit 1' INT\nwhile :; do sleep 0.02; done");
     LesVraies.RépondreSeul();
     LesVraies.Observer({{},
                         [&](const std::string& Titre, const std::string&) {
@@ -62,7 +61,6 @@ struct Commandes : BureauAvecBase {
   void Principale(const Geste& Faire, int Page, const char* Entrée) {
     Tarvel::Aperçu Aperçu;
     const JournalLiaison Journal;
-    Tarvel::TravauxÀCôté Travaux(Boucle, Choisies, Programme);
     FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
     Fenêtre.Présenter([] { return "version"; }, Travaux);
     Fenêtre.Raccorder({[&] { Trace += "bouton"; }, {}, {}, {}});
@@ -123,19 +121,36 @@ struct Commandes : BureauAvecBase {
     Cadre(Fenêtre);
     return Boutons.size();
   }
+  /// The window, the way of the Tab key, and what each button does.
+  using Rangée = std::tuple<std::function<void(const Geste&)>, std::string, std::string>;
+  void Parcourir(const std::vector<Rangée>& Table) {
+    for (const auto& [Montrer, OrdreVoulu, EffetsVoulus] : Table) {
+      SCOPED_TRACE(OrdreVoulu);
+      std::string Ordre, Effets;
+      qsizetype Nombre = 1;
+      for (qsizetype Rang = 0; Rang < Nombre; ++Rang) {
+        Trace.clear();
+        Montrer([&](QWidget& Fenêtre) {
+          if (Rang == 0) Ordre = Tour(Fenêtre);
+          EXPECT_EQ(Lettres(Fenêtre).removeDuplicates(), 0) << Lettres(Fenêtre).join('|').toStdString();
+          Nombre = Presser(Fenêtre, Rang);
+        });
+        Effets += Trace + "|";
+      }
+      EXPECT_EQ(Ordre, OrdreVoulu);
+      EXPECT_EQ(Effets, EffetsVoulus);
+    }
+  }
 
-  const Tarvel::Options Choisies;
-  const std::string Programme = Dossier.Chemin() / "programme";
   QuestionnairePortQt Questionnaire{LesVraies.Contexte(), [] { return std::vector<PortTrouvé>(); }, ChoixUsuels()};
 };
 
-TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
-  // The window, the way of the Tab key, and what each button does.
+TEST_F(Commandes, EachButtonOfTheStationsWindowsDoesItsWorkAndTabGoesRoundThemAll) {
   const auto Page = [this](int Rang, const char* Entrée = "none") {
     return [=, this](const Geste& Faire) { Principale(Faire, Rang, Entrée); };
   };
   // clang-format off
-  const std::tuple<std::function<void(const Geste&)>, std::string, std::string> Table[] = {
+  Parcourir({
       {Page(0), "TabBar|Chercher dans la journée|Tous les sites|Chargements du jour|Sommes par appellation et classe|",
        "Comm. au RG80: bouton|Tous les sites: coche|"},
       {Page(1), "TabBar|Chargements refusés|Le chargement refusé|", "Comm. au RG80: bouton|"},
@@ -153,7 +168,13 @@ TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
       {Page(0, "&Sauvegarder"), "Choisir le fichier…|Fermer|", "Fermer:  ferme|Choisir le fichier…: demande un nom|"},
       {Page(0, "&Diagnostic"), "Diagnostic|Copier|Fermer|", "Copier: Diagnostic en cours ; la station continue…|Fermer:  ferme|"},
       {Page(0, "À &propos"), "OK|", "OK:  ferme|"},
-      {Page(0, "&Guide"), "TextBrowser|", "Échap:  ferme|"},
+      {Page(0, "&Guide"), "TextBrowser|", "Échap:  ferme|"}});
+  // clang-format on
+}
+
+TEST_F(Commandes, EachButtonOfThePlugInsWindowsLikewise) {
+  // clang-format off
+  Parcourir({
       {[&](const Geste& Faire) { Suivre(Faire, ""); },
        "Chargements du jour|Messages et erreurs|Messages|RG80 en attente des quotas|RG80 ?|",
        "RG80 ?: interroge|RG80 en attente des quotas: cumule|Masquer:  ferme|"},
@@ -164,25 +185,8 @@ TEST_F(Commandes, EachButtonOfEachWindowDoesItsWorkAndTabGoesRoundThemAll) {
        "Appelations: décoche|Coopérateurs: décoche|Badges: décoche|Groupements: décoche|Observations: décoche|"
        "Transférer: transmet Transmission des données|Fermer:  ferme|"},
       {[&](const Geste& Faire) { Régler(Faire); },
-       "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"},
-  };
+       "COM2:|9600|N|1|8|Enregistrer|Essayer|Annuler|", "Essayer: essaie|Enregistrer:  ferme garde|Annuler:  ferme|"}});
   // clang-format on
-  for (const auto& [Montrer, OrdreVoulu, EffetsVoulus] : Table) {
-    SCOPED_TRACE(OrdreVoulu);
-    std::string Ordre, Effets;
-    qsizetype Nombre = 1;
-    for (qsizetype Rang = 0; Rang < Nombre; ++Rang) {
-      Trace.clear();
-      Montrer([&](QWidget& Fenêtre) {
-        if (Rang == 0) Ordre = Tour(Fenêtre);
-        EXPECT_EQ(Lettres(Fenêtre).removeDuplicates(), 0) << Lettres(Fenêtre).join('|').toStdString();
-        Nombre = Presser(Fenêtre, Rang);
-      });
-      Effets += Trace + "|";
-    }
-    EXPECT_EQ(Ordre, OrdreVoulu);
-    EXPECT_EQ(Effets, EffetsVoulus);
-  }
 }
 
 }  // namespace Ombrey::Essais

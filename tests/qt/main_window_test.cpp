@@ -26,8 +26,6 @@ struct Principale : BureauAvecBase {
   }
 
   FChargntDonnées Transfert{État};
-  const Tarvel::Options Choisies;
-  Tarvel::TravauxÀCôté Travaux{Boucle, Choisies, "/bin/echo"};
   Tarvel::Aperçu Aperçu;
   std::unique_ptr<FenêtrePrincipaleQt> Fenêtre = std::make_unique<FenêtrePrincipaleQt>(
       LesVraies.Contexte(), FenêtrePrincipaleQt::Sujet{"cave.db"}, LesRéglages, Aperçu);

@@ -50,8 +50,7 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
 
 /// A program of this text does the work.
 TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
-  const std::string Programme = Dossier.Chemin() / "programme", Copie = Dossier.Chemin() / "copie.db";
-  const Tarvel::Options Choisies;
+  const std::string Copie = Dossier.Chemin() / "copie.db";
   const std::tuple<const char*, bool, const char*> Cas[] = {
       {"echo 'tarvel : sauvegarde : 9 %, encore 9 s' >&2; echo \"$1 faite dans $2\"", false,
        "--sauvegarder faite dans "},
@@ -63,9 +62,7 @@ TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
       {nullptr, false, "ne peut pas être lancé"}};
   for (const auto& [Texte, Abandonné, Dit] : Cas) {
     std::filesystem::remove(Programme);
-    if (Texte != nullptr) std::ofstream(Programme) << "#!/bin/sh\n" << Texte << "\n";
-    if (Texte != nullptr) std::filesystem::permissions(Programme, std::filesystem::perms::owner_all);
-    Tarvel::TravauxÀCôté Travaux(Boucle, Choisies, Programme);
+    if (Texte != nullptr) ÉcrireProgramme(Texte);
     QWidget Page;
     QMenu Menu;
     OffrirPapiers(

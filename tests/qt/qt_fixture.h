@@ -6,6 +6,7 @@
 #include <QtTest>
 #include <QtWidgets>
 
+#include "host/side_work.h"
 #include "platform/qt/qt_windows.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/fake_platform.h"
@@ -72,8 +73,16 @@ struct Bureau : testing::Test, FaussePlateforme {
   void Vider() {
     for (int Reste = 50; Reste > 0 && Boucle.Pomper(5ms);) --Reste;
   }
+  /// What the program does that stands in for this one beside the station.
+  void ÉcrireProgramme(const std::string& Texte) const {
+    std::ofstream(Programme) << "#!/bin/sh\n" << Texte << "\n";
+    std::filesystem::permissions(Programme, std::filesystem::perms::owner_all);
+  }
   DossierEssai Dossier;
+  const std::string Programme = Dossier.Chemin() / "programme";
+  const Tarvel::Options Choisies;
   BoucleQt Boucle;
+  Tarvel::TravauxÀCôté Travaux{Boucle, Choisies, Programme};
   FenêtresQt LesVraies{Boucle, Dossier.Chemin()};
   FauxCanal Canal;
   ÉtatPartagé État{*this, Canal};

@@ -1,10 +1,8 @@
 // Boxes, dialogs and windows on Qt and the ways out of them; pictures.
-#include "base/files.h"
 #include "host/windows/qt_host_window.h"
 #include "monitor/monitoring_window.h"
 #include "platform/qt/qt_measures.h"
 #include "platform/qt/qt_port_dialog.h"
-#include "tests/host/cooperative_fixture.h"
 #include "tests/qt/qt_fixture.h"
 #include "transfer/transfer_window.h"
 
@@ -29,8 +27,6 @@ struct FenêtresDeQt : BureauAvecBase {
   std::function<std::string(const RéglagesPort&)> Essayer;
   std::function<bool()> DemanderPort = [this] { return Questionnaire.Demander(Ligne, Essayer); };
   FChargntDonnées Transfert{État};
-  const Tarvel::Options Choisies;
-  Tarvel::TravauxÀCôté Travaux{Boucle, Choisies, "/bin/echo"};
   std::function<bool()> Transférer = [this] {
     Transfert.Afficher(Services);
     return false;
@@ -224,6 +220,7 @@ TEST_F(FenêtresDeQt, EachWayIntoThePlugInAndTheEndRunInThePump) {
   Tarvel::Aperçu Aperçu;
   Aperçu.NoterRetrait("RG80 Ombrey", "Erreur de check-sum");
   FenêtrePrincipaleQt Fenêtre(LesVraies.Contexte(), {"cave.db"}, LesRéglages, Aperçu);
+  ÉcrireProgramme("echo $1");
   Fenêtre.Présenter([] { return "version"; }, Travaux);
   Fenêtre.Raccorder({[&] { Trace += 'b'; }, [&] { Trace += 'm'; }, [&] { Trace += 'c'; }, [&] { Trace += 'q'; }});
   Fenêtre.OffrirBouton(QIcon(), "Comm. au RG80");
