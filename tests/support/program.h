@@ -1,6 +1,7 @@
 // A program that a test starts, talks to and ends.
 #pragma once
 
+#include <sys/prctl.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -22,12 +23,14 @@ bool Bientôt(Condition Vrai, std::chrono::milliseconds Patience) {
   return true;
 }
 
-/// Runs until it ends by itself or the object goes. Its standard output and error come in as one text.
+/// Runs until it ends by itself or the object goes, or the thread that started it: a station that outlived its test
+/// would take the loads of the next one's terminal. Its standard output and error come in as one text.
 class Programme {
  public:
   explicit Programme(const std::string& CommandeDuShell) {
     int Fils[2] = {-1, -1};
     if (socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, Fils) == 0 && (Enfant_ = fork()) == 0) {
+      prctl(PR_SET_PDEATHSIG, SIGKILL);
       for (int Bout = STDIN_FILENO; Bout <= STDERR_FILENO; ++Bout) dup2(Fils[1], Bout);
       _exit(execl("/bin/sh", "sh", "-c", CommandeDuShell.c_str(), nullptr));
     }
