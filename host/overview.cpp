@@ -249,13 +249,13 @@ void Aperçu::Refuser(Refus Lu, std::string Contenu) {
 
 std::string Aperçu::NoterReçu(const std::string& LeSien) {
   const FaitRépété Reçu{.Sujet = LeSien, .Texte = {}, .Arrivée = Numéro(Trame_) == LeSien ? ArrivéeBrute(Trame_) : ""};
-  Refus_.Retirer([&](const FaitRépété& Un) {
+  const bool EstRentré = Refus_.Retirer([&](const FaitRépété& Un) {
     // A frame that was spoilt comes again by itself, and this is it.
     const bool ÉtaitEnTête = !Un.Partie && (Un.EstAbîmé || Un.Sujet == SansNuméro);
     return MêmeArrivée(Un, Reçu) && (ÉtaitEnTête || Un.Sujet == Reçu.Sujet);
   });
-  Refus_.LaisserPartir(HeureLocale());
-  GarderRefus();
+  // Most loads have never been refused: the disk is left alone.
+  if (Refus_.LaisserPartir(HeureLocale()) || EstRentré) GarderRefus();
   Changer();
   const double Maintenant = NuméroDeJour(HeureLocale());
   const double Avance = ArrivéeDe(Trame_).value_or(Maintenant) - Maintenant;

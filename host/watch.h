@@ -71,10 +71,10 @@ class FaitsRépétés {
   /// offered.
   bool Noter(const Ombrey::DateHeure& Quand, FaitRépété Fait);
   void Vider() { Faits_.clear(); }
-  /// Removes those for which Lequel is true.
+  /// Removes those for which Lequel is true; true when there was one.
   template <class Choix>
-  void Retirer(Choix Lequel) {
-    std::erase_if(Faits_, Lequel);
+  bool Retirer(Choix Lequel) {
+    return std::erase_if(Faits_, Lequel) != 0;
   }
   /// What these facts tell of is no longer offered, but for this one; true when that is new of one.
   bool LaisserPartir(const Ombrey::DateHeure& Quand, const FaitRépété& Hormis = {});

@@ -43,9 +43,8 @@ void Cave::Tenir(std::chrono::seconds Patience) {
       EXPECT_EQ(RefusDe([&] { Voie->Tenir(Patience); }), "");
       --Ouvertes_;
     });
-  for (const auto Base = Une_.Lieu().Base(); Ouvertes_ > 0; std::this_thread::sleep_for(1ms * Hasard_(40))) {
+  for (const auto Base = Une_.Lieu().Base(); Ouvertes_ > 0; std::this_thread::sleep_for(1ms * Hasard_(40)))
     Ignorer([&] { Corriger(*Base); });
-  }
   for (std::thread& Fil : Fils) Fil.join();
 }
 

@@ -125,29 +125,25 @@ TEST(Papers, StandUnderTheirNameWholeOrNotAtAll) {
       "INSERT INTO Chargement (CodeSite, NoChargement, DateCh, Métayage) WITH RECURSIVE N(I) AS (SELECT 1 UNION ALL"
       " SELECT I + 1 FROM N WHERE I < 1500) SELECT '1', I, 46349.5, '4' FROM N;"
       "CREATE TABLE Lest AS SELECT zeroblob(40000000) AS Tout");
-  // The order, the signal, and what shows that the paper is whole.
-  const char* const DuPdf = "$ tail -c 7 neuf/f | grep -q EOF";
-  const char* const DuCsv = "$ [ $(wc -l < neuf/f) -eq 1501 ]";
-  const char* const DeLaCopie =
-      "$ " BIN_DIR "/tarvel --base neuf/f --exporter-csv neuf/l && [ $(wc -l < neuf/l) -eq 1501 ]";
-  const std::tuple<const char*, int, const char*> Cas[] = {{"--bordereau neuf/f --du 23/11/2026", SIGINT, DuPdf},
-                                                           {"--bordereau neuf/f --du 23/11/2026", SIGKILL, DuPdf},
-                                                           {"--exporter-csv neuf/f", SIGINT, DuCsv},
-                                                           {"--exporter-csv neuf/f", SIGKILL, DuCsv},
-                                                           {"--sauvegarder neuf/f", SIGINT, DeLaCopie},
-                                                           {"--sauvegarder neuf/f", SIGKILL, DeLaCopie}};
-  for (const auto& [Quoi, Signal, Entier] : Cas) {
-    P.Faire("$ rm -rf neuf; mkdir neuf");
-    Programme Tarvel("cd " + P.En("") + " && exec " BIN_DIR "/tarvel --base cave.db " + Quoi);
-    EXPECT_TRUE(Bientôt([&] { return !std::filesystem::is_empty(P.En("neuf")); }, 60s)) << Quoi << Tarvel.Dit();
-    Tarvel.Signaler(Signal);
-    const int Code = Tarvel.Fin(60s);
-    const bool EstLà = std::filesystem::exists(P.En("neuf/f"));
-    if (EstLà) P.Faire(Entier);
-    if (Signal == SIGKILL) continue;  // nobody was left to tidy up, or to say that it was done
-    EXPECT_EQ(EstLà, Code == 0) << Quoi << Tarvel.Dit();
-    EXPECT_EQ(std::filesystem::is_empty(P.En("neuf")), Code != 0) << Quoi;
-  }
+  // The order, and what shows that the paper is whole.
+  const std::pair<const char*, const char*> Cas[] = {
+      {"--bordereau neuf/f --du 23/11/2026", "$ tail -c 7 neuf/f | grep -q EOF"},
+      {"--exporter-csv neuf/f", "$ [ $(wc -l < neuf/f) -eq 1501 ]"},
+      {"--sauvegarder neuf/f",
+       "$ " BIN_DIR "/tarvel --base neuf/f --exporter-csv neuf/l && [ $(wc -l < neuf/l) -eq 1501 ]"}};
+  for (const int Signal : {SIGINT, SIGKILL})
+    for (const auto& [Quoi, Entier] : Cas) {
+      P.Faire("$ rm -rf neuf; mkdir neuf");
+      Programme Tarvel("cd " + P.En("") + " && exec " BIN_DIR "/tarvel --base cave.db " + Quoi);
+      EXPECT_TRUE(Bientôt([&] { return !std::filesystem::is_empty(P.En("neuf")); }, 60s)) << Quoi << Tarvel.Dit();
+      Tarvel.Signaler(Signal);
+      const int Code = Tarvel.Fin(60s);
+      const bool EstLà = std::filesystem::exists(P.En("neuf/f"));
+      if (EstLà) P.Faire(Entier);
+      if (Signal == SIGKILL) continue;  // nobody was left to tidy up, or to say that it was done
+      EXPECT_EQ(EstLà, Code == 0) << Quoi << Tarvel.Dit();
+      EXPECT_EQ(std::filesystem::is_empty(P.En("neuf")), Code != 0) << Quoi;
+    }
 }
 
 /// The superuser may write everything, until he gives that up.
