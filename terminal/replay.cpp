@@ -223,7 +223,9 @@ bool Rejeu::EstDeLaBase(const std::string& Message) const {
 }
 
 void Rejeu::Différer(const std::string& Message) {
-  if (Écartée_) {
+  // A terminal that goes with its last answer leaves no line for the EOT behind it.
+  const bool EstClôture = Rang_ == Messages_.size() && Message[0] == EOT && Messages_.back().Octets[0] == ACK;
+  if (Écartée_ || EstClôture) {
     ++HorsDialogue_;
     return;
   }

@@ -96,6 +96,9 @@ const Row Rows[] = {
     // A late answer to the one that was stopped; the one here asks ahead of it.
     {"<ENQ>A<ENQ>A", "<NAK>A@1 <NAK>A@2 ", "s'était arrêtée là : 1|station 2, différences 0",
      "00 s<ENQ>A 01 p 02 # 03 p 04 s<ENQ>A 05 r<NAK>A 40 r<ACK>A<STX>L<ETX>xx 60 s<ENQ>A 62 r<NAK>A"},
+    // The terminal went with its last answer: the EOT behind it found no line.
+    {"<ENQ>A <ACK> <ENQ>8 <STX>12<ETX>68<EOT>", "<ACK>A@1 <STX>L<ETX>xx@2 <ACK>8@201 <ACK>@301 ",
+     "s'était arrêtée là : 1|station 5, différences 0", Figures.substr(0, Figures.find(" 08"))},
     {OtherFigures, AnsweredAlike, "à l'autre base, non comptés : 2|différences 0", Figures, true},
     {OtherFigures, AnsweredAlike, "différences 3", Figures},
 };
