@@ -50,7 +50,6 @@ TEST_F(Bureau, TheDaysSlipHasEachLoadOnceItsSumsAndTheNumbersOfItsPages) {
 
 /// A program of this text does the work.
 TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
-  const std::string Copie = Dossier.Chemin() / "copie.db";
   const std::tuple<const char*, bool, const char*> Cas[] = {
       {"echo 'tarvel : sauvegarde : 9 %, encore 9 s' >&2; echo \"$1 faite dans $2\"", false,
        "--sauvegarder faite dans "},
@@ -71,7 +70,7 @@ TEST_F(Bureau, ACopyOfTheBaseRunsBesideTheStationAndItsEndIsToldWhateverItIs) {
     auto& Dialogue = *Page.findChild<DialogueTravail*>();
     Clic("&Choisir le fichier…")(Dialogue);
     Vider();
-    Q_EMIT Dialogue.findChild<QFileDialog*>()->fileSelected(QString::fromStdString(Copie));
+    Q_EMIT Dialogue.findChild<QFileDialog*>()->fileSelected(QString::fromStdString(Dossier.Chemin() / "copie.db"));
     if (Abandonné) {
       const auto Vue = [&] { return Dialogue.findChild<QLabel*>(QString(), Qt::FindDirectChildrenOnly)->text(); };
       for (int Reste = 1000; Reste > 0 && Vue() != "à 9 %, encore 9 s"; --Reste) Laisser(10ms);
