@@ -10,6 +10,7 @@
 #include "contracts/line_protocol.h"
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
+#include "platform/loop/signals.h"
 #include "platform/serial/line_device.h"
 #include "platform/serial/line_settings.h"
 
@@ -118,8 +119,10 @@ std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
   const auto Délai = Boucle.Après(DélaiEssai, [&Fini] { Fini = true; });
   const char Requête[] = {ENQ, CodeEssai};
   static_cast<void>(Appareil.Ecrire({Requête, sizeof Requête}));
-  while (!Fini && !Répond(Reçu)) Boucle.Pomper(DélaiEssai);
-  return Répond(Reçu) ? "" : "Le port " + Réglages.Port + " s'ouvre, mais le RG80 n'y répond pas.";
+  while (!Fini && !Répond(Reçu) && !SignauxFin::EstDemandée()) Boucle.Pomper(DélaiEssai);
+  if (Répond(Reçu)) return "";
+  return "Le port " + Réglages.Port + " s'ouvre, mais " +
+         (Fini ? "le RG80 n'y répond pas." : "l'essai est arrêté : le programme se termine.");
 }
 }  // namespace
 

@@ -4,11 +4,13 @@
 #include <sys/stat.h>
 #include <sys/un.h>
 
+#include <csignal>
 #include <cstring>
 
 #include "base/regional_forms.h"
 #include "host/machine_platform.h"
 #include "platform/loop/poll_loop.h"
+#include "platform/loop/signals.h"
 #include "platform/system/ini_text.h"
 #include "platform/system/safe_file.h"
 #include "platform/system/service_notice.h"
@@ -236,6 +238,12 @@ TEST_F(Machine, ATrialAsksTheTerminalAndLeavesThePortToItsOwner) {
   EXPECT_TRUE(Port->Configurer(Ini_, "S")) << "who holds the port may try it";
   EXPECT_EQ(Loin_.Recevoir(), "\0058");
   EXPECT_TRUE(Port->Ecrire(Octets("x")));
+  const SignauxFin Signaux(Boucle_, [] {});
+  Opérateur_ = [&](const RéglagesPort&, const Essai& Essayer) {
+    EXPECT_EQ(std::raise(SIGTERM), 0);
+    return Essayer({Libre.Nom(), "9600", "N", "1", "8"}).ends_with("le programme se termine.");
+  };
+  EXPECT_TRUE(Port->Configurer(Ini_, "S"));
 }
 
 /// The manager's socket; '@' ahead of its name stands for the zero byte.
