@@ -97,23 +97,24 @@ std::string PiloteDe(const fs::path& Entrée) {
   return fs::read_symlink(Entrée / "device/driver", Erreur).filename().string();
 }
 
-std::string SignalementDe(const fs::path& Entrée) {
+std::string SignalementDe(const fs::path& Entrée, bool AvecPrise) {
   std::error_code Erreur;
   const auto Adaptateur = AdaptateurDe(Entrée);
   if (!Adaptateur) return fs::canonical(Entrée, Erreur).string();
-  return Adaptateur->Marque + ":" + Adaptateur->Modèle + ":" +
-         (Adaptateur->Numéro.empty() ? Adaptateur->Dossier.string() : Adaptateur->Numéro) + ":" +
-         Adaptateur->Interface + ":" + PremièreLigne(Entrée / "device/port_number");
+  const bool Prise = AvecPrise || Adaptateur->Numéro.empty();
+  return Adaptateur->Marque + ":" + Adaptateur->Modèle + ":" + Adaptateur->Numéro + ":" +
+         (Prise ? Adaptateur->Dossier.string() : "") + ":" + Adaptateur->Interface + ":" +
+         PremièreLigne(Entrée / "device/port_number");
 }
 
-fs::path AppareilSignalé(const RacinesSystème& Racines, const std::string& Signalement) {
-  fs::path Trouvé;
+std::string PortSignalé(const fs::path& Classe, const std::string& Signalement) {
+  std::string Trouvé;
   std::error_code Erreur;
-  for (fs::directory_iterator Entrée(Racines.Sys / "class/tty", Erreur), Fin; !Erreur && Entrée != Fin;
-       Entrée.increment(Erreur)) {
-    if (SignalementDe(Entrée->path()) != Signalement) continue;
+  for (fs::directory_iterator Entrée(Classe, Erreur), Fin; !Erreur && Entrée != Fin; Entrée.increment(Erreur)) {
+    const fs::path& Ici = Entrée->path();
+    if (SignalementDe(Ici) != Signalement && SignalementDe(Ici, true) != Signalement) continue;
     if (!Trouvé.empty()) return {};
-    Trouvé = Racines.Dev / Entrée->path().filename();
+    Trouvé = Ici.filename();
   }
   return Trouvé;
 }

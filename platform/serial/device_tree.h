@@ -49,10 +49,11 @@ struct AdaptateurUsb {
 
 /// What tells a port's device from every other one, whatever name the system gives it: the adapter's serial number, for
 /// one that bears none the socket where it is plugged in, for a port of the machine its place. Empty when the system
-/// doesn't know the device.
-[[nodiscard]] std::string SignalementDe(const std::filesystem::path& Entrée);
+/// doesn't know the device. AvecPrise: with the socket whatever it bears, as copies of an adapter have one number.
+[[nodiscard]] std::string SignalementDe(const std::filesystem::path& Entrée, bool AvecPrise = false);
 
-/// The device file of the one port that this is the description of; empty when there is none or more than one.
-[[nodiscard]] std::filesystem::path AppareilSignalé(const RacinesSystème& Racines, const std::string& Signalement);
+/// The name of the one port that this is the description of, of either kind, such as ttyUSB0; empty when there is none
+/// or more than one. Classe is made like /sys/class/tty.
+[[nodiscard]] std::string PortSignalé(const std::filesystem::path& Classe, const std::string& Signalement);
 
 }  // namespace Ombrey

@@ -35,9 +35,13 @@ AdressePort PortSérie::Adresse() const {
   const RacinesSystème& Racines = Contexte_.Racines;
   const std::string Chemin = CheminDuPort(Nom_);
   const dev_t Présent = IdentitéAppareil(Chemin);
-  if (Signalement_.empty() || (Présent != 0 && SignalementDe(EntréeDe(Racines, Présent)) == Signalement_))
-    return {Nom_, Chemin};
-  if (const auto Ailleurs = AppareilSignalé(Racines, Signalement_); !Ailleurs.empty()) return {Nom_, Ailleurs};
+  if (Signalement_.empty()) return {Nom_, Chemin};
+  for (const std::string& Signe : {Signalement_, Prise_}) {
+    const std::string Sien = PortSignalé(Racines.Sys / "class/tty", Signe);
+    if (Sien.empty()) continue;
+    const std::string Ailleurs = Racines.Dev / Sien;
+    return {Nom_, IdentitéAppareil(Ailleurs) == Présent ? Chemin : Ailleurs};
+  }
   if (Présent == 0) return {Nom_, Chemin};
   throw ErreurExécution("Le port " + Nom_ +
                         " est maintenant celui d'un autre appareil, qui n'a pas été ouvert : rebranchez celui du RG80, "
@@ -66,7 +70,7 @@ bool PortSérie::Prendre() {
   } catch (const ErreurExécution& Erreur) {
     return Échouer(Erreur.what());
   }
-  Signalement_ = SignalementDe(EntréeDe(Contexte_.Racines, Appareil_->Identité()));
+  Reconnaître(EntréeDe(Contexte_.Racines, Appareil_->Identité()));
   Rafale_ = Rafale(TempsCaractère_);
   Veille_ = Contexte_.Boucle.Surveiller(Appareil_->Numéro(), IBoucle::Sens::Entrée, [Faible = weak_from_this()] {
     if (const auto Moi = Faible.lock()) Moi->Recevoir();
@@ -78,6 +82,14 @@ bool PortSérie::Prendre() {
                          true);
   }
   return Appareil_ != nullptr;
+}
+
+/// Keeps what the device is known by until the next Ouvrir. One that has a copy beside it is known by its socket from
+/// then on: after a power cut the copy may come back alone.
+void PortSérie::Reconnaître(const std::filesystem::path& Entrée) {
+  if (Signalement_.empty()) Signalement_ = SignalementDe(Entrée);
+  Prise_ = SignalementDe(Entrée, true);
+  if (PortSignalé(Contexte_.Racines.Sys / "class/tty", Signalement_).empty()) Signalement_ = Prise_;
 }
 
 void PortSérie::Fermer() {

@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string>
@@ -63,6 +64,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   [[nodiscard]] AdressePort Adresse() const;
   bool Rouvrir();
   bool Prendre();
+  void Reconnaître(const std::filesystem::path& Entrée);
   void Libérer();
   void Perdre(int Numéro);
   void Recevoir();
@@ -87,6 +89,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
 
   std::unique_ptr<AppareilLiaison> Appareil_;
   std::string Signalement_;    ///< of the device that Ouvrir took: a lost port is opened again as this one alone
+  std::string Prise_;          ///< its description with the socket, which alone tells it from a copy with its number
   std::uint64_t Session_ = 0;  ///< changes each time that the device is released
   std::chrono::nanoseconds TempsCaractère_{};
   Horloge::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account

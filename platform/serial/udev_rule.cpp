@@ -29,6 +29,8 @@ std::string Clause(const char* Clé, const std::string& Valeur) {
   return Valeur.empty() ? "" : std::string(Clé) + "==\"" + Simplifié(Valeur, '?') + "\", ";
 }
 
+std::string NomSimple(std::string_view Site) { return Simplifié(std::string(Site), '_'); }
+
 /// What the rule knows the device by, and in French how.
 struct Signe {
   std::string Clauses;
@@ -40,9 +42,16 @@ Signe SigneDe(const std::string& Nom, const fs::path& Classe) {
   if (!Adaptateur) return {Clause("KERNEL", Nom), "son nom"};
   const auto& [Dossier, Interface, Marque, Modèle, Numéro, NomAdaptateur] = *Adaptateur;
   const std::string Place = Simplifié(Dossier.filename().string(), '?');
-  return {Clause("ENV{ID_USB_INTERFACE_NUM}", Interface) + (Numéro.empty() ? Clause("KERNELS", Place) : "") +
-              Clause("ATTRS{idVendor}", Marque) + Clause("ATTRS{idProduct}", Modèle) + Clause("ATTRS{serial}", Numéro),
-          Numéro.empty() ? "sa prise " + Place + " (il n'a pas de numéro de série)" : "son numéro de série"};
+  const bool Seul = !Numéro.empty() && !PortSignalé(Classe, SignalementDe(Classe / Nom)).empty();
+  // An adapter's ports on one interface have a number of their own, which the system's rules keep under this name.
+  return {Clause("ENV{ID_USB_INTERFACE_NUM}", Interface) +
+              Clause("ENV{.ID_PORT}", PremièreLigne(Classe / Nom / "device/port_number")) +
+              (Seul ? "" : Clause("KERNELS", Place)) + Clause("ATTRS{idVendor}", Marque) +
+              Clause("ATTRS{idProduct}", Modèle) + Clause("ATTRS{serial}", Numéro),
+          Seul ? "son numéro de série"
+               : "sa prise " + Place +
+                     (Numéro.empty() ? " (il n'a pas de numéro de série)"
+                                     : " (un autre adaptateur a le même numéro de série)")};
 }
 
 }  // namespace
@@ -52,15 +61,15 @@ std::string RègleUdev(const fs::path& Appareil, std::string_view Site, const fs
   const fs::path Réel = fs::canonical(Appareil, Erreur);
   const std::string Nom = Simplifié((Erreur ? Appareil : Réel).filename().string(), '?');
   if (!fs::exists(Classe / Nom, Erreur)) return "";
-  const std::string Instance = Simplifié(std::string(Site), '_');
+  const std::string Instance = NomSimple(Site);
   const auto [Clauses, Dit] = SigneDe(Nom, Classe);
   return "# Le port du site " + Instance + ", reconnu par " + Dit + ".\n" + "SUBSYSTEM==\"tty\", " + Clauses +
-         "SYMLINK+=\"ombrey-" + Instance + "\", TAG+=\"systemd\", ENV{SYSTEMD_WANTS}+=\"ombrey-port@" + Instance +
-         ".service\"\n";
+         "SYMLINK+=\"" + fs::path(LienDuSite(Site)).filename().string() +
+         "\", TAG+=\"systemd\", ENV{SYSTEMD_WANTS}+=\"ombrey-port@" + Instance + ".service\"\n";
 }
 
-fs::path FichierRègleUdev(std::string_view Site) {
-  return "/etc/udev/rules.d/70-ombrey-" + Simplifié(std::string(Site), '_') + ".rules";
-}
+std::string LienDuSite(std::string_view Site) { return "/dev/ombrey-" + NomSimple(Site); }
+
+fs::path FichierRègleUdev(std::string_view Site) { return "/etc/udev/rules.d/70-ombrey-" + NomSimple(Site) + ".rules"; }
 
 }  // namespace Ombrey

@@ -110,22 +110,25 @@ TEST(RègleUdev, KnowsAnAdapterByWhatStaysItsOwn) {
   // The device, the site and its name in the rule, what the device is known by.
   // clang-format off
   const std::tuple<Adaptateur, const char*, const char*, const char*> Cas[] = {
-      {{"ttyUSB3", "1-1.2", "A50 \"69\" ", "01"}, "chai", "chai",
-       R"(ENV{ID_USB_INTERFACE_NUM}=="01", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", ATTRS{serial}=="A50??69?", )"},
+      {{"ttyUSB3", "1-1.2", "A50 \"69\" ", "01", "mxuport", "2"}, "chai", "chai",
+       R"(ENV{ID_USB_INTERFACE_NUM}=="01", ENV{.ID_PORT}=="2", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", ATTRS{serial}=="A50??69?", )"},
       {{"ttyUSB0", "1-1.2", "", ""}, "chai", "chai", R"(KERNELS=="1-1.2", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", )"},
+      {{"ttyUSB0", "1-1.2", "0001"}, "chai", "chai",
+       R"(ENV{ID_USB_INTERFACE_NUM}=="00", KERNELS=="1-1.2", ATTRS{idVendor}=="1a86", ATTRS{idProduct}=="7523", ATTRS{serial}=="0001", )"},
       {{"ttyS0"}, "un \"site\"/..", "un__site__..", R"(KERNEL=="ttyS0", )"}};
   // clang-format on
   for (const auto& [Appareil, Site, Instance, Clauses] : Cas) {
     const DossierEssai Dossier;
     const ArbreUsb Usb(Dossier.Chemin());
     const std::filesystem::path Classe = Usb.Racines.Sys / "class/tty";
+    Usb.Brancher({"ttyUSB9", "1-9", "0001"}, "");
     if (Appareil.Nom != "ttyS0") Usb.Brancher(Appareil, "");
     std::filesystem::create_directories(Classe / Appareil.Nom);
     const std::string Règle = RègleUdev("/dev/" + Appareil.Nom, Site, Classe), Nom = Instance;
     EXPECT_EQ(Règle.substr(Règle.find('\n') + 1),
               std::string(R"(SUBSYSTEM=="tty", )") + Clauses + R"(SYMLINK+="ombrey-)" + Nom +
                   R"(", TAG+="systemd", ENV{SYSTEMD_WANTS}+="ombrey-port@)" + Nom + ".service\"\n");
-    EXPECT_EQ(RègleUdev("/dev/ttyUSB9", Site, Classe), "");
+    EXPECT_EQ(RègleUdev("/dev/ttyUSB8", Site, Classe), "");
     EXPECT_EQ(FichierRègleUdev(Site), "/etc/udev/rules.d/70-ombrey-" + Nom + ".rules");
   }
 }

@@ -178,12 +178,15 @@ TEST_F(Port, LostIsOpenedAgainAsTheSameDeviceOnly) {
       {"without a number, in its socket", {"ttyUSB0"}, {{"ttyUSB3"}}, 0, "/dev/ttyUSB3.\n"},
       {"without a number, in another socket", {"ttyUSB0"}, {{"ttyUSB0", "1-2"}}, -1, "un autre appareil"},
       {"its second port", {"ttyUSB0", "1-1", "A1", "00"}, {{"ttyUSB0", "1-1", "A1", "01"}}, -1, "un autre appareil"},
-      {"two that can't be told apart", {"ttyUSB0", "1-1", "0001"}, {{"ttyUSB1", "1-1", "0001"}, {"ttyUSB2", "1-2", "0001"}}, -1, "est absent"},
+      {"two that can't be told apart", {"ttyUSB0", "1-1", "0002"}, {{"ttyUSB1", "1-3", "0002"}, {"ttyUSB2", "1-2", "0002"}}, -1, "est absent"},
+      {"with a copy of it under its name", {"ttyUSB0", "1-1", "0002"}, {{"ttyUSB0", "1-2", "0002"}, {"ttyUSB1", "1-1", "0002"}}, 1, "/dev/ttyUSB1.\n"},
+      {"the copy alone that stood beside it", {"ttyUSB0", "1-1", "0001"}, {{"ttyUSB0", "1-2", "0001"}}, -1, "un autre appareil"},
       {"none", {"ttyUSB0", "1-1", "A1"}, {}, -1, "est absent"}};
   // clang-format on
   for (const auto& [Quoi, Avant, Après, Ouvert, Mots] : Table) {
     SCOPED_TRACE(Quoi);
     PseudoTerminal Premier;
+    Usb_.Brancher({"ttyUSB9", "1-9", "0001"}, "");
     Usb_.Brancher(Avant, Premier.Nom());
     const std::string Nom = Usb_.Racines.Dev / "ttyUSB0";
     LePort_ = Obtenir(Nom);
@@ -192,7 +195,7 @@ TEST_F(Port, LostIsOpenedAgainAsTheSameDeviceOnly) {
     Premier.Maître.Fermer();
     while (États_.empty()) ASSERT_TRUE(Boucle_.Pomper(5s));
     EXPECT_EQ(États_, "[ ] Le port " + Nom + " a été perdu.\n");
-    Usb_.Débrancher("ttyUSB0");
+    for (const char* Parti : {"ttyUSB0", "ttyUSB9"}) Usb_.Débrancher(Parti);
     const PseudoTerminal Suivants[2];
     for (std::size_t Rang = 0; Rang < Après.size(); ++Rang) Usb_.Brancher(Après[Rang], Suivants[Rang].Nom());
     for (int Fois = 0; Fois < 2; ++Fois)  // a second writing changes nothing

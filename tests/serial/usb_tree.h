@@ -16,6 +16,7 @@ struct Adaptateur {
   std::string Numéro{};  ///< none: it bears no serial number
   std::string Interface = "00";
   std::string Pilote = "ch341-uart";
+  std::string Port{};  ///< its number among those of the interface
 };
 
 struct ArbreUsb {
@@ -35,7 +36,8 @@ struct ArbreUsb {
                                                           {Usb / "idProduct", "7523"},
                                                           {Usb / "product", "RS232 " + Un.Prise},
                                                           {Usb / "serial", Un.Numéro},
-                                                          {Port.parent_path() / "bInterfaceNumber", Un.Interface}};
+                                                          {Port.parent_path() / "bInterfaceNumber", Un.Interface},
+                                                          {Port / "port_number", Un.Port}};
     for (const auto& [Fichier, Texte] : Attributs) std::ofstream(Fichier) << Texte << '\n';
     fs::create_symlink(Entrée, Racines.Sys / "class/tty" / Un.Nom);
     struct stat État {};
