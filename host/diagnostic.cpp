@@ -52,15 +52,32 @@ std::string NomCompte(uid_t Numéro) {
   return Compte ? Compte->pw_name : std::to_string(Numéro);
 }
 
-std::string DonnerÀCeCompte(const fs::path& Quoi) {
-  return "sudo chown -R " + NomCompte(geteuid()) + " " + PourCommande(TexteChemin(Quoi));
+/// The superuser where this account can't tell.
+uid_t PropriétaireDe(const fs::path& Quoi) {
+  struct stat État {};
+  return stat(Quoi.c_str(), &État) == 0 ? État.st_uid : 0;
 }
 
-/// The folder, or the nearest one above it that is there.
-fs::path DossierPrésent(fs::path Dossier) {
+/// For a file or folder that this account can't write, though it is its own or the superuser's.
+std::string DonnerÀCeCompte(const fs::path& Quoi) {
+  const std::string Nom = PourCommande(TexteChemin(Quoi));
+  if (PropriétaireDe(Quoi) == geteuid()) return "chmod u+rwX " + Nom;
+  std::error_code Code;  // a folder that no station has worked in may hold anything
+  return (fs::exists(Quoi / Ombrey::DossierImport, Code) ? "sudo chown -R " : "sudo chown ") + NomCompte(geteuid()) +
+         " " + Nom;
+}
+
+/// The file or folder, or the nearest folder above it that this account sees.
+fs::path LePlusProche(fs::path Quoi) {
   std::error_code Code;
-  while (!fs::exists(Dossier, Code) && Dossier.has_relative_path()) Dossier = Dossier.parent_path();
-  return Dossier;
+  while (!fs::exists(Quoi, Code) && Quoi.has_relative_path()) Quoi = Quoi.parent_path();
+  return Quoi;
+}
+
+/// A station's own account keeps what it works with: given to whoever looks on, it would take no load any more.
+bool EstÀUnAutre(const fs::path& Quoi, const Options& Choisies) {
+  const uid_t Lui = PropriétaireDe(Quoi);
+  return Lui != geteuid() && (Lui != 0 || Ombrey::OccupantDossier(Choisies.Dossier));
 }
 
 Constat ExaminerVersions(const Options& Choisies) {
@@ -76,12 +93,12 @@ Constat ExaminerVersions(const Options& Choisies) {
 
 /// The rights of the superuser say nothing about those of the account that the station runs under.
 void ExaminerCompte(const Options& Choisies, std::vector<Constat>& Constats) {
-  struct stat État {};
-  if (geteuid() != 0 || stat(DossierPrésent(Choisies.Dossier).c_str(), &État) != 0 || État.st_uid == 0) return;
-  const std::string Ini = PourCommande(TexteChemin(Choisies.Ini));
+  const fs::path Dossier = LePlusProche(Choisies.Dossier);
+  const uid_t Lui = PropriétaireDe(Dossier);
+  if (geteuid() != 0 || Lui == 0) return;
   Constats.push_back({Jugement::ÀVoir, "compte",
-                      "le dossier est au compte « " + NomCompte(État.st_uid) + " », et root a tous les droits.",
-                      "runuser -u " + NomCompte(État.st_uid) + " -- tarvel --diagnostic --ini " + Ini});
+                      "le dossier est au compte « " + NomCompte(Lui) + " », et root a tous les droits.",
+                      ParSonCompte(Dossier, Choisies)});
 }
 
 /// A tool that works around the engine's triggers leaves figures that nobody sees to be wrong.
@@ -199,10 +216,18 @@ double ExaminerBase(const Options& Choisies, const LieuxMachine& Lieux, std::vec
                         "mettez Base= dans la section [Tarvel] des réglages, ou donnez --base"});
     return 0;
   }
+  const auto Fichier = FichierDeBase(Choisies.Base);
+  const fs::path Présent = Fichier ? LePlusProche(*Fichier) : "";
+  const bool EstFermé =  // SQLite writes beside the file as well
+      access(Présent.c_str(), W_OK) != 0 || access(Présent.parent_path().c_str(), W_OK) != 0;
+  const bool DUnAutre = Fichier && EstFermé && EstÀUnAutre(Présent, Choisies);
   try {
     const auto Connexion = OuvrirCoopérative(Choisies.Base, {}, Lieux.Montages);
     const auto Nombre = Ombrey::TexteOuVide(Connexion->Lire("SELECT COUNT(*) FROM Chargement"), {});
-    if (Connexion->EstEnLectureSeule())
+    if (Connexion->EstEnLectureSeule() && DUnAutre)
+      Constats.push_back({Jugement::ÀVoir, Sujet, Choisies.Base + " ne peut être que lue par ce compte.",
+                          ParSonCompte(Présent, Choisies)});
+    else if (Connexion->EstEnLectureSeule())
       Constats.push_back({Jugement::Mauvais, Sujet,
                           Choisies.Base + " ne peut être que lue : rien n'y serait enregistré.",
                           RemèdeLectureSeule(Choisies)});
@@ -213,14 +238,15 @@ double ExaminerBase(const Options& Choisies, const LieuxMachine& Lieux, std::vec
     ExaminerHorlogeServeur(*Connexion, Constats);
     return Avance(*Connexion, Ombrey::HeureLocale());
   } catch (const Ombrey::ErreurExécution& Erreur) {
-    Constats.push_back({Jugement::Mauvais, Sujet, Erreur.what(), RemèdeOuverture(Choisies, Lieux)});
+    Constats.push_back({DUnAutre ? Jugement::ÀVoir : Jugement::Mauvais, Sujet, Erreur.what(),
+                        DUnAutre ? ParSonCompte(Présent, Choisies) : RemèdeOuverture(Choisies, Lieux)});
     return 0;
   }
 }
 
 void ExaminerDisque(const Options& Choisies, std::vector<Constat>& Constats) {
-  std::set<fs::path> Dossiers = {DossierPrésent(Choisies.Dossier)};
-  if (const auto Fichier = FichierDeBase(Choisies.Base)) Dossiers.insert(DossierPrésent(Fichier->parent_path()));
+  std::set<fs::path> Dossiers = {LePlusProche(Choisies.Dossier)};
+  if (const auto Fichier = FichierDeBase(Choisies.Base)) Dossiers.insert(LePlusProche(Fichier->parent_path()));
   for (const fs::path& Dossier : Dossiers) {
     std::error_code Code;
     const std::uintmax_t Libre = fs::space(Dossier, Code).available;
@@ -237,20 +263,34 @@ void ExaminerDisque(const Options& Choisies, std::vector<Constat>& Constats) {
 Constat ExaminerDossier(const Options& Choisies) {
   constexpr const char* Sujet = "dossier";
   const std::string Nom = TexteChemin(Choisies.Dossier);
-  const fs::path Présent = DossierPrésent(Choisies.Dossier);
+  const fs::path Présent = LePlusProche(Choisies.Dossier);
   std::error_code Code;
   if (!fs::is_directory(Présent, Code))
     return {Jugement::Mauvais, Sujet, TexteChemin(Présent) + " n'est pas un dossier.",
             "choisissez-en un par --dossier"};
-  if (access(Présent.c_str(), W_OK | X_OK) != 0)
-    return {Jugement::Mauvais, Sujet, "ce compte ne peut pas écrire dans " + TexteChemin(Présent) + ".",
-            DonnerÀCeCompte(Présent)};
-  if (const auto Station = Ombrey::OccupantDossier(Choisies.Dossier))
-    return {Jugement::Bon, Sujet, "une station travaille dans " + Nom + " (" + *Station + ")."};
+  const auto Station = Ombrey::OccupantDossier(Choisies.Dossier);
+  const std::string AuTravail = Station ? "une station travaille dans " + Nom + " (" + *Station + ")" : "";
+  if (access(Présent.c_str(), W_OK | X_OK) != 0) {
+    const std::string Refus = "ce compte ne peut pas écrire dans " + TexteChemin(Présent);
+    if (EstÀUnAutre(Présent, Choisies))
+      return {Jugement::ÀVoir, Sujet, Refus + (Station ? " ; " + AuTravail : "") + ".",
+              ParSonCompte(Présent, Choisies)};
+    return {Jugement::Mauvais, Sujet, Refus + ".",
+            Présent == Choisies.Dossier ? DonnerÀCeCompte(Présent)
+            : access(Présent.c_str(), X_OK) != 0
+                ? "choisissez-en un autre par --dossier"
+                : "sudo install -d -o " + NomCompte(geteuid()) + " -m 0750 " + PourCommande(Nom)};
+  }
+  if (Station) return {Jugement::Bon, Sujet, AuTravail + "."};
   return {Jugement::Bon, Sujet, Nom + (Présent == Choisies.Dossier ? " est libre." : " sera créé au démarrage.")};
 }
 
 }  // namespace
+
+std::string ParSonCompte(const fs::path& Quoi, const Options& Choisies) {
+  return "sudo runuser -u " + NomCompte(PropriétaireDe(Quoi)) + " -- tarvel --diagnostic --ini " +
+         PourCommande(TexteChemin(Choisies.Ini));
+}
 
 std::string PourCommande(const std::string& Texte) {
   constexpr const char* Simples = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789/._-:@";

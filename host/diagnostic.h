@@ -42,6 +42,9 @@ struct LieuxMachine {
 /// A text in the single quotes of a shell where it needs them.
 [[nodiscard]] std::string PourCommande(const std::string& Texte);
 
+/// The command that has the account look that the file or folder belongs to.
+[[nodiscard]] std::string ParSonCompte(const std::filesystem::path& Quoi, const Options& Choisies);
+
 /// The part that concerns the settings file and the line, added to the findings.
 void ExaminerLigne(const Options& Choisies, const LieuxMachine& Lieux, std::vector<Constat>& Constats);
 

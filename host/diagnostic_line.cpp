@@ -2,6 +2,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <filesystem>
 #include <optional>
 #include <string>
@@ -108,8 +109,17 @@ void ExaminerPort(const Ombrey::RéglagesPort& Réglages, const Options& Choisie
     return;
   }
   const std::string Refus = EssayerPort(Réglages, [](const std::string&) { return false; });
+  // Who looks on from another account than the station's can't tell who has its port, and needn't have a right to it.
+  const bool EstFermé = Refus.find(" est déjà utilisé ") != std::string::npos ||
+                        (!Refus.empty() && access(Appareil.c_str(), R_OK | W_OK) != 0 && errno == EACCES);
   if (Refus.empty())
     Constats.push_back({Jugement::Bon, Sujet, Appareil + " est libre et s'ouvre."});
+  else if (Station && Eux.empty() && EstFermé)
+    Constats.push_back({Jugement::ÀVoir, Sujet,
+                        Appareil +
+                            " : ce compte ne peut pas l'essayer et ne voit pas qui le tient ; une station travaille (" +
+                            *Station + ").",
+                        ParSonCompte(Choisies.Dossier, Choisies)});
   else
     Constats.push_back({Jugement::Mauvais, Sujet, Refus, RemèdePort(Appareil, Refus, Eux, Lieux)});
 }
@@ -142,7 +152,7 @@ void ExaminerNom(const std::string& Port, const Options& Choisies, const LieuxMa
     return;
   }
   const fs::path Fichier = Lieux.Règles / Ombrey::FichierRègleUdev(Site).filename();
-  const std::string NomStable = std::string(DébutNomStable) + Site;
+  const std::string NomStable = Ombrey::LienDuSite(Site);
   const std::string Ensuite = Port == NomStable ? "" : ", puis mettez Port=" + NomStable + " dans les réglages";
   const std::string Relire = "sudo udevadm control --reload && sudo udevadm trigger --subsystem-match=tty";
   std::error_code Code;
@@ -162,10 +172,16 @@ void ExaminerNom(const std::string& Port, const Options& Choisies, const LieuxMa
            Relire + Ensuite});
     }
   } catch (const Ombrey::ErreurExécution&) {
-    Constats.push_back(
-        {Jugement::ÀVoir, Sujet,
-         Appareil + " n'a pas de nom qui lui reste, et ce compte ne peut pas écrire " + TexteChemin(Fichier) + ".",
-         "sudo tarvel --diagnostic --ini " + PourCommande(TexteChemin(Choisies.Ini))});
+    const std::string Commande = "sudo tarvel --diagnostic --ini " + PourCommande(TexteChemin(Choisies.Ini));
+    if (Port.starts_with("/dev/serial/by-"))
+      Constats.push_back({Jugement::Bon, Sujet,
+                          Port + " reste à l'adaptateur ; il n'en faut un autre que pour un service ombrey@SITE, et " +
+                              Commande + " le donne."});
+    else
+      Constats.push_back(
+          {Jugement::ÀVoir, Sujet,
+           Appareil + " n'a pas de nom qui lui reste, et ce compte ne peut pas écrire " + TexteChemin(Fichier) + ".",
+           Commande});
   }
 }
 

@@ -19,7 +19,7 @@ constexpr const char* Commande = BIN_DIR "/tarvel --diagnostic --base cave.db --
 
 /// What is done to the post, and as whom it is looked at, up to "…"; how the line begins, what stands in it.
 static std::vector<std::array<std::string, 4>> Fautes(const std::string& NomMuet) {
-  const std::string Autre = geteuid() == 0 ? "setpriv --reuid=65534 --clear-groups " : "";
+  const std::string Tiers = "setpriv --reuid=65534 --clear-groups ", Autre = geteuid() == 0 ? Tiers : "";
   const std::string Seul = geteuid() == 0 ? "unshare -m" : "unshare -rm";
   const std::string Serré = Seul + " sh -c 'mount -t tmpfs -o size=$0 x poste && exec \"$@\"' ";
   return {
@@ -38,12 +38,17 @@ static std::vector<std::array<std::string, 4>> Fautes(const std::string& NomMuet
       {"chmod 000 $(readlink -f ligne)", Autre, "mauvais port : Vous n'avez pas le droit", " À faire : "},
       {"rm cave.db", "", "mauvais base : ", "tarvel --creer-base "},
       {"yes | head -c 5000 > cave.db", "", "mauvais base : ", "--restaurer SAUVEGARDE"},
-      {"chmod 444 cave.db", Autre, "mauvais base : ", "sudo chown -R "},
+      {"chmod 444 cave.db", Autre, "mauvais base : ", "chmod u+rwX "},
+      {"chmod 644 cave.db; chown 1 cave.db", Tiers, "à voir  base : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
+      {"chmod 755 .; chmod 660 cave.db; chown 1:65534 . cave.db", Tiers + "--regid=65534 ", "à voir  base : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
       {"true", Serré + "9m ", "mauvais disque : ", "df -h "},
       {"true", Serré + "200m ", "à voir  disque : ", "df -h "},
       {"true", "faketime 2001-01-01 ", "mauvais horloge : ", "timedatectl set-ntp"},
       {"rmdir poste; : > poste", "", "mauvais dossier : ", "--dossier"},
-      {"chmod 555 poste", Autre, "mauvais dossier : ", "sudo chown -R "},
+      {"chmod 555 poste", Autre, "mauvais dossier : ", "chmod u+rwX "},
+      {"chmod 755 poste; chown 0 poste", Tiers, "mauvais dossier : ", "sudo chown nobody "},
+      {"chmod 755 poste; chown 1 poste", Tiers, "à voir  dossier : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
+      {"rmdir poste; chmod 755 .; chown 0 .", Tiers, "mauvais dossier : ", "sudo install -d -o nobody -m 0750 "},
       {"true", "", "bon     schéma : ", ""},
       {"true", "env sh -c 'exec \"$@\" --greffon absent' - ", "mauvais versions : ", "--reinstall ombrey"},
       // clang-format on
@@ -87,11 +92,18 @@ TEST(Diagnostic, KnowsWhoHoldsThePort) {
   Constater(P, "est déjà utilisé par un autre programme : test_road, processus " + std::to_string(getpid()));
   Constater(P, "À faire : arrêtez ce qui le tient\n");
   {  // asked in the station itself, as from its menu
-    P.Faire("$ mkdir poste");
+    P.Faire("$ mkdir -m 755 poste; chmod 755 .");
     const VerrouDossier Sien(P.En("poste"));
     std::string Mots[] = {"--diagnostic", "--ini", P.En("tarvel.ini"), "--dossier", P.En("poste")};
     EXPECT_NE(TexteConstats(Tarvel::Diagnostiquer(Tarvel::LireOptions(Mots))).find("bon     port : "),
               std::string::npos);
+    for (const std::string Droit : {"a+rw", "go="}) {  // and by an account that only looks on
+      if (geteuid() != 0) continue;
+      P.Faire("$ chmod " + Droit + " $(readlink -f ligne)");
+      Programme Regard("cd " + P.En("") + " && setpriv --reuid=65534 --clear-groups " + Commande);
+      for (const char* Sujet : {"à voir  port : ", "à voir  dossier : "})
+        EXPECT_TRUE(Regard.Attendre(Sujet)) << Regard.Dit();
+    }
   }
   close(Autre);
 }
@@ -152,19 +164,23 @@ TEST(Diagnostic, WritesTheRuleOfTheAdapterAtHandOnce) {
   Poste P;
   P.Faire(
       "$ mkdir -p usb/ttyUSB0 tty/ttyUSB0 && : > regles && ln -s ../../usb tty/ttyUSB0/device && "
-      "printf 0403 > usb/idVendor && printf A1 > usb/serial && sed -i s,=/.*,=/dev/ombrey-tarvel, tarvel.ini");
+      "printf 0403 > usb/idVendor && printf A1 > usb/serial && sed s,=/.*,=/dev/ombrey-cave_1, tarvel.ini > 'cave "
+      "1.ini'");
   Tarvel::Options Choisies;
-  Choisies.Ini = P.En("tarvel.ini");
+  Choisies.Ini = P.En("cave 1.ini");
   const Tarvel::LieuxMachine Lieux{P.En("tty"), P.En("regles"), P.En("montages")};
   const auto Constater = [&](const std::string& Attendu) {
     const std::string Textes = TexteConstats(Tarvel::Diagnostiquer(Choisies, Lieux));
     EXPECT_NE(Textes.find(Attendu), std::string::npos) << Textes;
   };
   Constater("n'a pas de nom qui lui reste, et ce compte ne peut pas écrire ");
+  P.Faire("$ sed -i s,ombrey-cave_1,serial/by-id/A1, cave*.ini");
+  Constater("bon     règle udev : /dev/serial/by-id/A1 reste à l'adaptateur");
   P.Faire("$ rm regles && mkdir regles");
-  Constater("70-ombrey-tarvel.rules vient d'être écrite");
-  P.Faire("$ grep -q 'ATTRS{serial}==\"A1\", SYMLINK+=\"ombrey-tarvel\"' regles/70-ombrey-tarvel.rules");
-  Constater("bon     règle udev : ");
+  Constater("70-ombrey-cave_1.rules vient d'être écrite");
+  P.Faire("$ grep -q 'ATTRS{serial}==\"A1\", SYMLINK+=\"ombrey-cave_1\"' regles/70-ombrey-cave_1.rules");
+  Constater("donne à l'adaptateur le nom /dev/ombrey-cave_1\n");
+  P.Faire("$ sed -i s,serial/by-id/A1,ombrey-cave_1, cave*.ini");
   P.Faire("$ printf B2 > usb/serial");
   Constater("à voir  règle udev : ");
   P.Faire("$ cp -a tty/ttyUSB0 tty/ttyUSB1 && rm regles/*");
