@@ -5,6 +5,7 @@
 #include <cstdlib>
 #include <set>
 #include <string_view>
+#include <system_error>
 
 #include "base/failures.h"
 #include "base/files.h"
@@ -223,7 +224,9 @@ void PréciserChemins(Options& Lues) {
   if (const auto Fichier = FichierDeBase(Lues.Vers)) Lues.Vers = Ombrey::TexteChemin(fs::absolute(*Fichier));
   if (const auto Fichier = FichierDeBase(Lues.Base)) {
     // By whatever link it is called, it is one base, with one lock for each site.
-    const fs::path Vrai = fs::weakly_canonical(fs::absolute(*Fichier));
+    fs::path Vrai = fs::absolute(*Fichier);
+    std::error_code Fermé;  // to this account: the opening tells it
+    if (const fs::path Canonique = fs::weakly_canonical(Vrai, Fermé); !Fermé) Vrai = Canonique;
     Lues.Base = Ombrey::TexteChemin(Vrai);
     if (Lues.Dossier.empty()) Lues.Dossier = Vrai.parent_path();
   } else if (!Lues.Base.empty()) {

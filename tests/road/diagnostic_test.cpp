@@ -39,6 +39,7 @@ static std::vector<std::array<std::string, 4>> Fautes(const std::string& NomMuet
       {"rm cave.db", "", "mauvais base : ", "tarvel --creer-base "},
       {"yes | head -c 5000 > cave.db", "", "mauvais base : ", "--restaurer SAUVEGARDE"},
       {"chmod 444 cave.db", Autre, "mauvais base : ", "chmod u+rwX "},
+      {"chmod 700 .; chown 1 .", Tiers, "à voir  base : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
       {"chmod 644 cave.db; chown 1 cave.db", Tiers, "à voir  base : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
       {"chmod 755 .; chmod 660 cave.db; chown 1:65534 . cave.db", Tiers + "--regid=65534 ", "à voir  base : ", "sudo runuser -u daemon -- tarvel --diagnostic"},
       {"true", Serré + "9m ", "mauvais disque : ", "df -h "},
