@@ -37,7 +37,7 @@ using Ombrey::QuandPermise;
   Fenêtres_.SurDisponibilité([this] { Entrée_.Relancer(); });
   Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes);
   Fenêtres_.Observer(Aperçu_.Témoins());
-  Aperçu_.SurChangement([this] { RappelerTransfert(); });
+  Aperçu_.SurChangement([this] { RappelerSuspension(); });
 }
 
 std::filesystem::path ÉditionConsole::FichierRéglages() const {
@@ -96,12 +96,11 @@ void ÉditionConsole::DireEnLignes(const std::string& Texte) {
     if (!Ligne.empty()) Sortie_.Ligne(Ligne);
 }
 
-/// A transfer window that was forgotten keeps every load waiting.
-void ÉditionConsole::RappelerTransfert() {
+/// A transfer window or a question that was forgotten keeps every load waiting.
+void ÉditionConsole::RappelerSuspension() {
   if (std::exchange(Suspendue_, Aperçu_.SuspendueDepuis()) == Aperçu_.SuspendueDepuis()) return;
   Rappel_.reset();
-  if (Suspendue_)
-    Rappel_ = Boucle_.Après(RappelTransfert, [this] { Dire(Aperçu_.TexteLiaison() + " (« fermer » la ferme)."); });
+  if (Suspendue_) Rappel_ = Boucle_.Après(RappelSuspension, [this] { Dire(Aperçu_.TexteRappel()); });
 }
 
 void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, const char* Aide,

@@ -49,7 +49,7 @@ class ÉditionConsole final : public IÉdition {
  private:
   /// Choix: how many of the last messages, and whether faults alone.
   void MontrerLigne(const Ombrey::JournalLiaison& Journal, const std::string& Choix);
-  void RappelerTransfert();
+  void RappelerSuspension();
   /// Blank ones apart.
   void DireEnLignes(const std::string& Texte);
   void AjouterVues();
@@ -73,7 +73,7 @@ class ÉditionConsole final : public IÉdition {
   PapiersConsole Papiers_;
   Ombrey::EntréeConsole Entrée_;
   Aperçu Aperçu_;
-  std::optional<std::chrono::system_clock::time_point> Suspendue_;  ///< what RappelerTransfert knows of
+  std::optional<std::chrono::system_clock::time_point> Suspendue_;  ///< what RappelerSuspension knows of
   Ombrey::IBoucle::Jeton Rappel_;
   std::shared_ptr<Ombrey::IBaseDeD> Base_;
 };

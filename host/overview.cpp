@@ -128,7 +128,7 @@ Ombrey::TémoinsFenêtres Aperçu::Témoins() {
   return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
           [this](const std::string& Titre, const std::string& Message) { return NoterBoîte(Titre, Message); },
           [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); },
-          [this](bool Ouverte) { NoterTransfert(Ouverte); }};
+          [this](bool Ouverte) { NoterSuspension(Ouverte ? &Transfert : nullptr); }};
 }
 
 void Aperçu::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
@@ -199,9 +199,10 @@ void Aperçu::NoterRelevé(std::optional<std::int32_t> Attente) {
   Annoncé_ = system_clock::now();
 }
 
-void Aperçu::NoterTransfert(bool Ouverte) {
+void Aperçu::NoterSuspension(const Suspension* Laquelle) {
+  Suspension_ = Laquelle;
   SuspendueDepuis_.reset();
-  if (Ouverte) SuspendueDepuis_ = system_clock::now();
+  if (Laquelle != nullptr) SuspendueDepuis_ = system_clock::now();
   Changer();
 }
 
@@ -284,8 +285,11 @@ void Aperçu::Changer() const {
 
 std::string Aperçu::TexteLiaison() const {
   if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
-  return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") +
-         " : la fenêtre de transfert est ouverte";
+  return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") + " : " + Suspension_->Par;
+}
+
+std::string Aperçu::TexteRappel() const {
+  return TexteLiaison() + (Suspension_ == nullptr ? "" : std::string(" (") + Suspension_->Remède + ")") + ".";
 }
 
 std::string Aperçu::TexteRelevé() const {

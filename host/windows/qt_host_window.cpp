@@ -276,7 +276,7 @@ void FenêtrePrincipaleQt::ActualiserBandeau() {
   Bandeau_->DireRelevé(Texte(Aperçu_.TexteRelevé()));
   Bandeau_->MontrerLiaison(Aperçu_.État(), Texte(Aperçu_.TexteLiaison()));
   const auto Depuis = Aperçu_.SuspendueDepuis();
-  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelTransfert) return;
+  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelSuspension) return;
   Rappelée_ = Depuis;
   Appeler(*this);
 }
