@@ -55,7 +55,7 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
           &IGestesStation::Menu);
   Ajouter("configurer", "change les réglages du port", QuandPermise::HorsDialogue, &IGestesStation::Configurer);
   AjouterVues();
-  Papiers_.Offrir(Commandes_);
+  Papiers_.Offrir(Commandes_, [this] { return Site(); });
   Ajouter("fin", "arrête la station", QuandPermise::Toujours, &IGestesStation::Finir);
 }
 
@@ -117,12 +117,15 @@ void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, cons
        }});
 }
 
+std::string ÉditionConsole::Site() const {
+  return Ombrey::Exiger(Ombrey::Exiger(Base_)->KVSynchro())->CodeSiteCourant();
+}
+
 Journée ÉditionConsole::LireJour(const std::string& Mots) const {
   const std::size_t FinMot = std::min(Mots.find_first_of(Ombrey::Blancs), Mots.size());
   const bool Tous = Ombrey::FormeComparable(Mots.substr(0, FinMot)) == "tous";
   const auto Base = Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO());
-  const std::string Site = Tous ? "" : Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant();
-  return Filtrer(LireJournée(*Base, Site), Tous ? Mots.substr(FinMot) : Mots);
+  return Filtrer(LireJournée(*Base, Tous ? "" : Site()), Tous ? Mots.substr(FinMot) : Mots);
 }
 
 /// A base that can't be read is said to be so, and the link told all the same.
@@ -136,7 +139,7 @@ std::string ÉditionConsole::TexteÉtat() const {
     Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
     const Journée Jour = LireJour("");
     if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;
-    Laquelle = TexteDernier(Jour, Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant()) + ". " + Laquelle;
+    Laquelle = TexteDernier(Jour, Site()) + ". " + Laquelle;
   });
   return Liaison + Laquelle + (Lue ? "" : ". " + TexteBaseMuette(Erreur.Texte()));
 }

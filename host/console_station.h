@@ -58,6 +58,7 @@ class ÉditionConsole final : public IÉdition {
                       std::function<Rangées(const std::string&)> Lire);
   /// The state of the link, the last load and the base.
   [[nodiscard]] std::string TexteÉtat() const;
+  [[nodiscard]] std::string Site() const;
   /// This site's loads, behind the word « tous » those of all, in which all other words stand.
   [[nodiscard]] Journée LireJour(const std::string& Mots) const;
   [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
