@@ -262,8 +262,9 @@ std::string Aperçu::NoterReçu(const std::string& LeSien) {
   const double Avance = ArrivéeDe(Trame_).value_or(Maintenant) - Maintenant;
   if (Avance < AvanceDHorloge || (Horloges_ && std::abs(Maintenant - *Horloges_) < EntreAvis)) return {};
   Horloges_ = Maintenant;
-  return "Le chargement n° " + LeSien + " est arrivé au RG80 à " + TexteMoment(Maintenant + Avance) +
-         ", et cette station n'en est qu'à " + TexteMoment(Maintenant) +
+  const auto Dire = [](double Moment) { return TexteMoment(Moment).replace(10, 1, " à "); };
+  return "Le chargement n° " + LeSien + " est arrivé au RG80 le " + Dire(Maintenant + Avance) +
+         ", et cette station n'en est qu'au " + Dire(Maintenant) +
          " : comparez l'heure et le fuseau des deux, sinon des chargements manquent dans la liste du jour.";
 }
 
