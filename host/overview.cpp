@@ -285,6 +285,7 @@ void Aperçu::Changer() const {
 }
 
 std::string Aperçu::TexteLiaison() const {
+  if (!AutreLiaison_.empty()) return AutreLiaison_;
   if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
   return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") + " : " + Suspension_->Par;
 }
@@ -294,6 +295,7 @@ std::string Aperçu::TexteRappel() const {
 }
 
 std::string Aperçu::TexteRelevé() const {
+  if (!AutreLiaison_.empty()) return "On ne fait que regarder";
   if (SuspendueDepuis_) return "Aucun relevé d'ici là";
   if (Attente_ < Rapproché && system_clock::now() < Annoncé_ + Rapproché)
     return "Relevés à " + std::to_string(std::chrono::ceil<std::chrono::seconds>(Attente_).count()) + " s d'intervalle";

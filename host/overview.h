@@ -51,6 +51,8 @@ class Aperçu {
   void NoterRelevé(std::optional<std::int32_t> Attente);
   /// Nothing is collected from now on; nullptr: it goes on. Laquelle outlives that.
   void NoterSuspension(const Suspension* Laquelle);
+  /// The line isn't this program's: what is to be said of it.
+  void NoterAutreLiaison(std::string Phrase) { AutreLiaison_ = std::move(Phrase); }
   void NoterRefus(const ImportRefusé& Import);
   /// The load of this number has come in: its own row goes. The terminal offers the head of its queue alone, so what it
   /// offered before is gone from there, which its row says until RefusésLus. What is to be said of the terminal's
@@ -105,6 +107,7 @@ class Aperçu {
   std::filesystem::path DossierConservés_;
   std::filesystem::path Dossier_;  ///< where the lists are kept; none, until Ouvrir
   ÉtatLiaison Liaison_;
+  std::string AutreLiaison_;
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
   bool EnRelevé_ = true;
