@@ -280,18 +280,10 @@ void Aperçu::RefusésLus() {
   Changer();
 }
 
-void Aperçu::Changer() const {
-  if (Dire_) Dire_();
-}
-
 std::string Aperçu::TexteLiaison() const {
   if (!AutreLiaison_.empty()) return AutreLiaison_;
   if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
   return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") + " : " + Suspension_->Par;
-}
-
-std::string Aperçu::TexteRappel() const {
-  return TexteLiaison() + (Suspension_ == nullptr ? "" : std::string(" (") + Suspension_->Remède + ")") + ".";
 }
 
 std::string Aperçu::TexteRelevé() const {

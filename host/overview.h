@@ -79,7 +79,9 @@ class Aperçu {
   [[nodiscard]] std::string TexteLiaison() const;
   [[nodiscard]] std::string TexteRelevé() const;
   /// The same as TexteLiaison for who has forgotten what he opened on a console, and how he closes it.
-  [[nodiscard]] std::string TexteRappel() const;
+  [[nodiscard]] std::string TexteRappel() const {
+    return TexteLiaison() + (Suspension_ == nullptr ? "" : std::string(" (") + Suspension_->Remède + ")") + ".";
+  }
   /// Rows with their headings first, the latest on top.
   [[nodiscard]] Rangées Refusés() const;
   [[nodiscard]] Rangées NonLus() const;
@@ -97,7 +99,9 @@ class Aperçu {
   /// True when this frame's holding couldn't be looked for.
   [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);
-  void Changer() const;
+  void Changer() const {
+    if (Dire_) Dire_();
+  }
   void GarderNonLus() const { Garder(FichierNonLus, NonLus_); }
   void GarderRefus();
   void Garder(const char* Fichier, const FaitsRépétés& Faits) const;
