@@ -2,6 +2,7 @@
 #include "host/console_papers.h"
 
 #include <algorithm>
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -22,9 +23,11 @@ struct Papier {
 
 constexpr Papier Papiers[] = {
     {"bordereau", "FICHIER [JOUR]", "écrit le bordereau de la journée en PDF", "--bordereau", false, true, 1},
-    {"ticket", "N FICHIER [JOUR]", "écrit le ticket du chargement n° N en PDF", "--ticket", true, true, 1},
+    {"ticket", "N [HH:MM] FICHIER [JOUR]", "écrit le ticket du chargement n° N de ce site en PDF", "--ticket", true,
+     true, 1},
     {"imprimer-bordereau", "[JOUR]", "imprime le bordereau de la journée", "--imprimer-bordereau", false, false, 1},
-    {"imprimer-ticket", "N [JOUR]", "imprime le ticket du chargement n° N", "--imprimer-ticket", true, false, 1},
+    {"imprimer-ticket", "N [HH:MM] [JOUR]", "imprime le ticket du chargement n° N de ce site", "--imprimer-ticket",
+     true, false, 1},
     {"csv", "FICHIER [DU [AU]]", "écrit les chargements en CSV, tous ou ceux de ces jours", "--exporter-csv", false,
      true, 2},
     {"copie", "FICHIER", "copie la base entière dans un fichier neuf", "--sauvegarder", false, true, 0},
@@ -39,13 +42,31 @@ std::string JourFinal(std::string& Tapé) {
   return Jour;
 }
 
+/// The first word, taken away.
+std::string PremierMot(std::string& Tapé) {
+  const std::size_t Fin = std::min(Tapé.find_first_of(Ombrey::Blancs), Tapé.size());
+  const std::string Mot = Tapé.substr(0, Fin);
+  Tapé = Ombrey::SansBlancs(Tapé.substr(Fin));
+  return Mot;
+}
+
+bool EstHeure(const std::string& Mot) {
+  constexpr const char* Chiffres = "0123456789";
+  return Mot.size() == 5 && Mot.find_first_not_of(Chiffres) == 2 && Mot[2] == ':' &&
+         Mot.find_first_not_of(Chiffres, 3) == std::string::npos;
+}
+
 /// The command line that a typed command stands for. A file's name may have blanks; the days come behind it.
-std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
+std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé, const std::function<std::string()>& Site) {
   std::vector<std::string> Mots{Lequel.Option};
   if (Lequel.VeutNuméro) {
-    const std::size_t Fin = std::min(Tapé.find_first_of(Ombrey::Blancs), Tapé.size());
-    Mots.push_back(Tapé.substr(0, Fin));
-    Tapé = Ombrey::SansBlancs(Tapé.substr(Fin));
+    Mots.push_back(PremierMot(Tapé));
+    Mots.insert(Mots.begin(), {"--site", Site()});  // each site counts from 1
+    std::string Reste = Tapé;
+    if (const std::string Heure = PremierMot(Reste); EstHeure(Heure)) {
+      Mots.insert(Mots.begin(), {"--heure", Heure});
+      Tapé = Reste;
+    }
   }
   if (!Lequel.VeutFichier) Tapé.insert(0, " ");
   std::vector<std::string> Jours;
@@ -65,12 +86,13 @@ std::vector<std::string> MotsPour(const Papier& Lequel, std::string Tapé) {
 
 }  // namespace
 
-void PapiersConsole::Offrir(Ombrey::CommandesConsole& Commandes) {
+void PapiersConsole::Offrir(Ombrey::CommandesConsole& Commandes, const std::function<std::string()>& Site) {
   for (const Papier& Un : Papiers)
-    Commandes.Ajouter({Un.Nom, Un.Argument, Un.Aide, QuandPermise::EntreDeux, [this, &Un](const std::string& Tapé) {
-                         const auto [Dire, Achever] = Paroles(Un.Nom);
-                         Travaux_.Confier(MotsPour(Un, Tapé), Dire, Achever);
-                       }});
+    Commandes.Ajouter(
+        {Un.Nom, Un.Argument, Un.Aide, QuandPermise::EntreDeux, [this, &Un, Site](const std::string& Tapé) {
+           const auto [Dire, Achever] = Paroles(Un.Nom);
+           Travaux_.Confier(MotsPour(Un, Tapé, Site), Dire, Achever);
+         }});
   Commandes.Ajouter({"diagnostic", "", "examine réglages, port, base et dossier", QuandPermise::EntreDeux,
                      [this](const std::string&) {
                        const auto [Dire, Achever] = Paroles("diagnostic");

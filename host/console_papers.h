@@ -1,6 +1,7 @@
 // The day on paper and in files, the base's copy and the diagnosis, from the console.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 
@@ -19,7 +20,8 @@ class PapiersConsole {
   PapiersConsole(Ombrey::IBoucle& Boucle, Ombrey::SortieConsole& Sortie, const Options& Choisies)
       : Sortie_(Sortie), Travaux_(Boucle, Choisies) {}
 
-  void Offrir(Ombrey::CommandesConsole& Commandes);
+  /// Site: the code of the site whose tickets are asked for.
+  void Offrir(Ombrey::CommandesConsole& Commandes, const std::function<std::string()>& Site);
 
  private:
   /// What a work of this name says, and its end where it has said nothing.

@@ -37,7 +37,7 @@ using Ombrey::QuandPermise;
   Fenêtres_.SurDisponibilité([this] { Entrée_.Relancer(); });
   Fenêtres_.RéglerBoîtes(Choisies.DuréeBoîtes);
   Fenêtres_.Observer(Aperçu_.Témoins());
-  Aperçu_.SurChangement([this] { RappelerTransfert(); });
+  Aperçu_.SurChangement([this] { RappelerSuspension(); });
 }
 
 std::filesystem::path ÉditionConsole::FichierRéglages() const {
@@ -55,7 +55,7 @@ void ÉditionConsole::Raccorder(IGestesStation& Gestes) {
           &IGestesStation::Menu);
   Ajouter("configurer", "change les réglages du port", QuandPermise::HorsDialogue, &IGestesStation::Configurer);
   AjouterVues();
-  Papiers_.Offrir(Commandes_);
+  Papiers_.Offrir(Commandes_, [this] { return Site(); });
   Ajouter("fin", "arrête la station", QuandPermise::Toujours, &IGestesStation::Finir);
 }
 
@@ -96,12 +96,11 @@ void ÉditionConsole::DireEnLignes(const std::string& Texte) {
     if (!Ligne.empty()) Sortie_.Ligne(Ligne);
 }
 
-/// A transfer window that was forgotten keeps every load waiting.
-void ÉditionConsole::RappelerTransfert() {
+/// A transfer window or a question that was forgotten keeps every load waiting.
+void ÉditionConsole::RappelerSuspension() {
   if (std::exchange(Suspendue_, Aperçu_.SuspendueDepuis()) == Aperçu_.SuspendueDepuis()) return;
   Rappel_.reset();
-  if (Suspendue_)
-    Rappel_ = Boucle_.Après(RappelTransfert, [this] { Dire(Aperçu_.TexteLiaison() + " (« fermer » la ferme)."); });
+  if (Suspendue_) Rappel_ = Boucle_.Après(RappelSuspension, [this] { Dire(Aperçu_.TexteRappel()); });
 }
 
 void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, const char* Aide,
@@ -118,12 +117,15 @@ void ÉditionConsole::AjouterTableau(const char* Nom, const char* Argument, cons
        }});
 }
 
+std::string ÉditionConsole::Site() const {
+  return Ombrey::Exiger(Ombrey::Exiger(Base_)->KVSynchro())->CodeSiteCourant();
+}
+
 Journée ÉditionConsole::LireJour(const std::string& Mots) const {
   const std::size_t FinMot = std::min(Mots.find_first_of(Ombrey::Blancs), Mots.size());
   const bool Tous = Ombrey::FormeComparable(Mots.substr(0, FinMot)) == "tous";
   const auto Base = Ombrey::Exiger(Ombrey::Exiger(Base_)->BaseDAO());
-  const std::string Site = Tous ? "" : Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant();
-  return Filtrer(LireJournée(*Base, Site), Tous ? Mots.substr(FinMot) : Mots);
+  return Filtrer(LireJournée(*Base, Tous ? "" : Site()), Tous ? Mots.substr(FinMot) : Mots);
 }
 
 /// A base that can't be read is said to be so, and the link told all the same.
@@ -137,7 +139,7 @@ std::string ÉditionConsole::TexteÉtat() const {
     Laquelle = TexteBase(Options_.NomBase(), EstSurServeur, Ombrey::Exiger(Base_->BaseDAO()).get());
     const Journée Jour = LireJour("");
     if (!Jour.Chargements.empty()) Laquelle = "Aujourd'hui " + TexteTotal(Jour) + ". " + Laquelle;
-    Laquelle = TexteDernier(Jour, Ombrey::Exiger(Base_->KVSynchro())->CodeSiteCourant()) + ". " + Laquelle;
+    Laquelle = TexteDernier(Jour, Site()) + ". " + Laquelle;
   });
   return Liaison + Laquelle + (Lue ? "" : ". " + TexteBaseMuette(Erreur.Texte()));
 }

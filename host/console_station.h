@@ -49,7 +49,7 @@ class ÉditionConsole final : public IÉdition {
  private:
   /// Choix: how many of the last messages, and whether faults alone.
   void MontrerLigne(const Ombrey::JournalLiaison& Journal, const std::string& Choix);
-  void RappelerTransfert();
+  void RappelerSuspension();
   /// Blank ones apart.
   void DireEnLignes(const std::string& Texte);
   void AjouterVues();
@@ -58,6 +58,7 @@ class ÉditionConsole final : public IÉdition {
                       std::function<Rangées(const std::string&)> Lire);
   /// The state of the link, the last load and the base.
   [[nodiscard]] std::string TexteÉtat() const;
+  [[nodiscard]] std::string Site() const;
   /// This site's loads, behind the word « tous » those of all, in which all other words stand.
   [[nodiscard]] Journée LireJour(const std::string& Mots) const;
   [[nodiscard]] bool Prendre(const std::optional<std::string>& Ligne);
@@ -73,7 +74,7 @@ class ÉditionConsole final : public IÉdition {
   PapiersConsole Papiers_;
   Ombrey::EntréeConsole Entrée_;
   Aperçu Aperçu_;
-  std::optional<std::chrono::system_clock::time_point> Suspendue_;  ///< what RappelerTransfert knows of
+  std::optional<std::chrono::system_clock::time_point> Suspendue_;  ///< what RappelerSuspension knows of
   Ombrey::IBoucle::Jeton Rappel_;
   std::shared_ptr<Ombrey::IBaseDeD> Base_;
 };

@@ -5,10 +5,12 @@
 #include <cmath>
 #include <cstddef>
 #include <exception>
+#include <memory>
 #include <string>
 
 #include "base/regional_forms.h"
 #include "host/about.h"
+#include "host/cooperative_database.h"
 #include "host/schema.h"
 #include "platform/loop/loop.h"
 #include "platform/loop/signals.h"
@@ -28,16 +30,18 @@ constexpr auto AttenteParPompe = 1h;
 Spectateur::Spectateur(const Options& Choisies, IÉdition& Édition)
     : Options_(Choisies),
       Édition_(Édition),
-      Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }) {}
+      Boucle_(Édition.Boucle(), [&Édition](const std::string& Description) { Édition.Dire(Description); }),
+      Système_(Boucle_) {}
 
 void Spectateur::Exécuter() {
-  Connexion_ = OuvrirCoopérative(Options_.Base);
+  Connexion_ = OuvrirCoopérative(Options_.Base, [] { return Ombrey::NuméroDeJour(Ombrey::HeureLocale()); });
   Connexion_->FixerPatience(PatienceDe(Édition_));
   NoterMoteur(Édition_.LAperçu(), *Connexion_);
   const Ombrey::SignauxFin Signaux(Boucle_, [this] { Finir(); });
   const Ombrey::IBoucle::Jeton Échéance =
       Options_.Durée ? Boucle_.Après(*Options_.Durée, [this] { Finir(); }) : nullptr;
   Édition_.Raccorder(*this);
+  Édition_.Suivre(std::make_shared<BaseDeDTarvel>(Connexion_, Système_, Options_.CodeSite));
   DireCeQuIlEst();
   Regarder();
   while (!EnFin_) Boucle_.Pomper(AttenteParPompe);
@@ -51,22 +55,28 @@ void Spectateur::Finir() {
 }
 
 void Spectateur::DireCeQuIlEst() {
+  Édition_.Dire("On regarde la base « " + Options_.NomBase() + " » sans prendre la ligne, qui est " + TexteLigne() +
+                ".");
+}
+
+std::string Spectateur::TexteLigne() const {
   const auto Station = Ombrey::OccupantDossier(Options_.Dossier);
-  Édition_.Dire("On regarde la base « " + Options_.NomBase() + " » sans prendre la ligne, qui est " +
-                (Station ? "à la station au travail (" + *Station + ")." : "libre : aucune station n'y travaille."));
+  return Station ? "à la station au travail (" + *Station + ")" : "libre : aucune station n'y travaille";
 }
 
 /// A base that is locked, or gone for a moment, is looked at again.
 void Spectateur::Regarder() {
+  Édition_.LAperçu().NoterAutreLiaison("La ligne est " + TexteLigne());
   try {
-    Montrer();
+    if (Montrer()) Édition_.MontrerNouveau();
   } catch (const std::exception& Erreur) {
     Édition_.Dire(Erreur.what());
   }
   if (!EnFin_) Suite_ = Boucle_.Après(Rythme, [this] { Regarder(); });
 }
 
-void Spectateur::Montrer() {
+bool Spectateur::Montrer() {
+  const std::int64_t Avant = Dernier_;
   const double Aujourdhui = std::floor(Ombrey::NuméroDeJour(Ombrey::HeureLocale()));
   auto Requête = Connexion_->Préparer(
       "SELECT IdChargement, NoChargement, DateCh, Métayage, Sélection, Masse FROM Chargement"
@@ -79,6 +89,7 @@ void Spectateur::Montrer() {
     Édition_.Dire((Jour ? Ombrey::TexteHeure(Ombrey::DepuisNuméroDeJour(*Jour)) + " " : "") + "Chargement n° " +
                   Texte(1) + ", exploitation " + Texte(3) + ", appellation " + Texte(4) + ", " + Texte(5) + " kg");
   }
+  return Dernier_ != Avant;
 }
 
 }  // namespace Tarvel

@@ -3,17 +3,20 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "host/edition.h"
 #include "host/guarded_loop.h"
 #include "host/options.h"
 #include "platform/database/connection.h"
 #include "platform/loop/loop.h"
+#include "platform/system/machine_system.h"
 
 namespace Tarvel {
 
-/// Shows today's loads and each one that comes, until the operator or a signal ends it. Takes neither the line nor the
-/// working folder, changes nothing in the base, and says so at its start and to whoever asks for more.
+/// Shows today's loads, each one that comes, and what else an edition reads from the base, until the operator or a
+/// signal ends it. Takes neither the line nor the working folder, changes nothing in the base, and says so at its start
+/// and to whoever asks for more.
 class Spectateur final : public IGestesStation {
  public:
   /// Both outlive the object.
@@ -30,11 +33,15 @@ class Spectateur final : public IGestesStation {
  private:
   void DireCeQuIlEst();
   void Regarder();
-  void Montrer();
+  /// True when there were new ones.
+  [[nodiscard]] bool Montrer();
+  /// Who has the line.
+  [[nodiscard]] std::string TexteLigne() const;
 
   const Options& Options_;
   IÉdition& Édition_;
   BoucleGardée Boucle_;
+  Ombrey::SystèmeMachine Système_;
   std::shared_ptr<Ombrey::IConnexion> Connexion_;
   Ombrey::IBoucle::Jeton Suite_;
   std::int64_t Dernier_ = 0;

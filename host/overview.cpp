@@ -128,7 +128,7 @@ Ombrey::TémoinsFenêtres Aperçu::Témoins() {
   return {[this](const std::string& Ligne) { NoterLigne(Ligne); },
           [this](const std::string& Titre, const std::string& Message) { return NoterBoîte(Titre, Message); },
           [this](const std::string& Titre, const std::string& Message) { NoterRetrait(Titre, Message); },
-          [this](bool Ouverte) { NoterTransfert(Ouverte); }};
+          [this](bool Ouverte) { NoterSuspension(Ouverte ? &Transfert : nullptr); }};
 }
 
 void Aperçu::Ouvrir(const std::filesystem::path& Dossier, std::filesystem::path Conservés) {
@@ -199,9 +199,10 @@ void Aperçu::NoterRelevé(std::optional<std::int32_t> Attente) {
   Annoncé_ = system_clock::now();
 }
 
-void Aperçu::NoterTransfert(bool Ouverte) {
+void Aperçu::NoterSuspension(const Suspension* Laquelle) {
+  Suspension_ = Laquelle;
   SuspendueDepuis_.reset();
-  if (Ouverte) SuspendueDepuis_ = system_clock::now();
+  if (Laquelle != nullptr) SuspendueDepuis_ = system_clock::now();
   Changer();
 }
 
@@ -261,8 +262,9 @@ std::string Aperçu::NoterReçu(const std::string& LeSien) {
   const double Avance = ArrivéeDe(Trame_).value_or(Maintenant) - Maintenant;
   if (Avance < AvanceDHorloge || (Horloges_ && std::abs(Maintenant - *Horloges_) < EntreAvis)) return {};
   Horloges_ = Maintenant;
-  return "Le chargement n° " + LeSien + " est arrivé au RG80 à " + TexteMoment(Maintenant + Avance) +
-         ", et cette station n'en est qu'à " + TexteMoment(Maintenant) +
+  const auto Dire = [](double Moment) { return TexteMoment(Moment).replace(10, 1, " à "); };
+  return "Le chargement n° " + LeSien + " est arrivé au RG80 le " + Dire(Maintenant + Avance) +
+         ", et cette station n'en est qu'au " + Dire(Maintenant) +
          " : comparez l'heure et le fuseau des deux, sinon des chargements manquent dans la liste du jour.";
 }
 
@@ -278,17 +280,14 @@ void Aperçu::RefusésLus() {
   Changer();
 }
 
-void Aperçu::Changer() const {
-  if (Dire_) Dire_();
-}
-
 std::string Aperçu::TexteLiaison() const {
+  if (!AutreLiaison_.empty()) return AutreLiaison_;
   if (!SuspendueDepuis_) return Liaison_.Texte(std::time(nullptr));
-  return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") +
-         " : la fenêtre de transfert est ouverte";
+  return "Collecte suspendue depuis " + TexteFormaté(HeureDe(*SuspendueDepuis_), "hh:nn") + " : " + Suspension_->Par;
 }
 
 std::string Aperçu::TexteRelevé() const {
+  if (!AutreLiaison_.empty()) return "On ne fait que regarder";
   if (SuspendueDepuis_) return "Aucun relevé d'ici là";
   if (Attente_ < Rapproché && system_clock::now() < Annoncé_ + Rapproché)
     return "Relevés à " + std::to_string(std::chrono::ceil<std::chrono::seconds>(Attente_).count()) + " s d'intervalle";

@@ -23,8 +23,15 @@ namespace Tarvel {
 /// is late has waited.
 inline constexpr double AvanceDHorloge = 15 / 1440.;
 
-/// A transfer window that is open for so long calls for attention.
-inline constexpr std::chrono::minutes RappelTransfert(5);
+/// What stops the collection while it is open, and how it is closed on a console.
+struct Suspension {
+  const char *Par, *Remède;
+};
+inline constexpr Suspension Transfert{"la fenêtre de transfert est ouverte", "« fermer » la ferme"};
+inline constexpr Suspension RéglagesDuPort{"les réglages du port sont ouverts", "« annuler » les ferme"};
+
+/// What is open for so long calls for attention.
+inline constexpr std::chrono::minutes RappelSuspension(5);
 
 /// Is told what happens, and words it. Times are those of the machine.
 class Aperçu {
@@ -42,8 +49,10 @@ class Aperçu {
   void OublierLiaison();
   /// The next poll is due in Attente milliseconds; none: one is under way, or the collection stands still.
   void NoterRelevé(std::optional<std::int32_t> Attente);
-  /// Nothing is collected while the transfer window is open.
-  void NoterTransfert(bool Ouverte);
+  /// Nothing is collected from now on; nullptr: it goes on. Laquelle outlives that.
+  void NoterSuspension(const Suspension* Laquelle);
+  /// The line isn't this program's: what is to be said of it.
+  void NoterAutreLiaison(std::string Phrase) { AutreLiaison_ = std::move(Phrase); }
   void NoterRefus(const ImportRefusé& Import);
   /// The load of this number has come in: its own row goes. The terminal offers the head of its queue alone, so what it
   /// offered before is gone from there, which its row says until RefusésLus. What is to be said of the terminal's
@@ -65,10 +74,14 @@ class Aperçu {
   [[nodiscard]] const auto& Versions() const { return Versions_; }
   [[nodiscard]] const std::filesystem::path& DossierConservés() const { return DossierConservés_; }
 
-  [[nodiscard]] SantéLiaison État() const { return SuspendueDepuis_ ? SantéLiaison::Suspendue : Liaison_.État(); }
+  [[nodiscard]] SantéLiaison État() const { return Suspension_ != nullptr ? SantéLiaison::Suspendue : Liaison_.État(); }
   [[nodiscard]] auto SuspendueDepuis() const { return SuspendueDepuis_; }
   [[nodiscard]] std::string TexteLiaison() const;
   [[nodiscard]] std::string TexteRelevé() const;
+  /// The same as TexteLiaison for who has forgotten what he opened on a console, and how he closes it.
+  [[nodiscard]] std::string TexteRappel() const {
+    return TexteLiaison() + (Suspension_ == nullptr ? "" : std::string(" (") + Suspension_->Remède + ")") + ".";
+  }
   /// Rows with their headings first, the latest on top.
   [[nodiscard]] Rangées Refusés() const;
   [[nodiscard]] Rangées NonLus() const;
@@ -86,7 +99,9 @@ class Aperçu {
   /// True when this frame's holding couldn't be looked for.
   [[nodiscard]] bool EstSansRecherche() const { return !Panne_.empty() && PassageDePanne_ == Passage_; }
   void Refuser(Refus Lu, std::string Contenu);
-  void Changer() const;
+  void Changer() const {
+    if (Dire_) Dire_();
+  }
   void GarderNonLus() const { Garder(FichierNonLus, NonLus_); }
   void GarderRefus();
   void Garder(const char* Fichier, const FaitsRépétés& Faits) const;
@@ -96,12 +111,14 @@ class Aperçu {
   std::filesystem::path DossierConservés_;
   std::filesystem::path Dossier_;  ///< where the lists are kept; none, until Ouvrir
   ÉtatLiaison Liaison_;
+  std::string AutreLiaison_;
   FaitsRépétés Refus_{Unicité::Sujet};
   FaitsRépétés NonLus_{Unicité::SujetEtTexte};
   bool EnRelevé_ = true;
   /// Ahead of this poll, or of the next; none has been announced yet.
   std::chrono::milliseconds Attente_ = std::chrono::milliseconds::max();
   std::chrono::system_clock::time_point Annoncé_;  ///< when either was told
+  const Suspension* Suspension_ = nullptr;
   std::optional<std::chrono::system_clock::time_point> SuspendueDepuis_;
   std::chrono::steady_clock::time_point RefusGardés_{};  ///< when they were written last
   std::optional<double> Horloges_;                       ///< when they were last told to differ, in days

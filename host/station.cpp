@@ -12,6 +12,7 @@
 #include "contracts/octets.h"
 #include "contracts/phrases.h"
 #include "host/machine_platform.h"
+#include "host/overview.h"
 #include "host/plugin_loader.h"
 #include "platform/loop/signals.h"
 #include "platform/loop/witnesses.h"
@@ -129,6 +130,10 @@ void Station::Configurer() {
 
 bool Station::Demander(Ombrey::RéglagesPort& Réglages,
                        const std::function<std::string(const Ombrey::RéglagesPort&)>& Essayer) {
+  // The plug-in holds the line until he has answered: no poll comes by.
+  const std::unique_ptr<Aperçu, void (*)(Aperçu*)> Suspendu(&Édition_.LAperçu(),
+                                                            [](Aperçu* Vu) { Vu->NoterSuspension(nullptr); });
+  Suspendu->NoterSuspension(&RéglagesDuPort);
   return Édition_.Questionnaire().Demander(Réglages, Essayer);
 }
 

@@ -122,6 +122,7 @@ void FenêtrePrincipaleQt::CréerPages() {
                      "reçu ; ce que le RG80 ne propose plus reste jusqu'à « Tout est lu »."));
   Ajouter(AvecMarge(Archive_), Texte(AvecTouche("Archive", 'c')),
           QStringLiteral("Les 1000 derniers chargements dont un autre a repris le numéro."));
+  Archive_->IdentifierPar(3);  // numbers begin anew each season: the date is part of it
   CréerJournal();
   Ajouter(AvecMarge(Stations_), Texte(AvecTouche("Stations", 'n')),
           QStringLiteral("Les stations qui travaillent sur cette base."));
@@ -276,7 +277,7 @@ void FenêtrePrincipaleQt::ActualiserBandeau() {
   Bandeau_->DireRelevé(Texte(Aperçu_.TexteRelevé()));
   Bandeau_->MontrerLiaison(Aperçu_.État(), Texte(Aperçu_.TexteLiaison()));
   const auto Depuis = Aperçu_.SuspendueDepuis();
-  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelTransfert) return;
+  if (!Depuis || Rappelée_ == Depuis || std::chrono::system_clock::now() < *Depuis + Tarvel::RappelSuspension) return;
   Rappelée_ = Depuis;
   Appeler(*this);
 }

@@ -104,7 +104,10 @@ int ModèleGrille::columnCount(const QModelIndex& Parent) const {
 QString ModèleGrille::Identité(int Rang) const {
   if (Rang < 0 || Rang >= rowCount()) return {};
   const auto& Rangée = Rangées_[static_cast<std::size_t>(Rang)];
-  return Rangée.size() < 2 ? QString() : Texte(Rangée[0]) + QLatin1Char('\t') + Texte(Rangée[1]);
+  if (Rangée.size() < Identifiantes_) return {};
+  QString Une;
+  for (std::size_t Colonne = 0; Colonne < Identifiantes_; ++Colonne) Une += Texte(Rangée[Colonne]) + QLatin1Char('\t');
+  return Une;
 }
 
 int ModèleGrille::RangDe(const QString& Identité) const {

@@ -3,6 +3,7 @@
 
 #include <QAbstractTableModel>
 #include <QTableView>
+#include <cstddef>
 #include <set>
 #include <string>
 #include <vector>
@@ -24,7 +25,9 @@ class ModèleGrille : public QAbstractTableModel {
                               const std::vector<std::vector<std::string>>& Rangées) const {
     return Entêtes == Entêtes_ && Rangées == Rangées_;
   }
-  /// What a row stands for, whatever its place: its first two texts. Empty where there is no such row.
+  /// The first Colonnes texts tell what a row stands for.
+  void IdentifierPar(std::size_t Colonnes) { Identifiantes_ = Colonnes; }
+  /// What a row stands for, whatever its place. Empty where there is no such row.
   [[nodiscard]] QString Identité(int Rang) const;
   /// The row that stands for this; -1 when it has gone.
   [[nodiscard]] int RangDe(const QString& Identité) const;
@@ -37,6 +40,7 @@ class ModèleGrille : public QAbstractTableModel {
  private:
   std::vector<std::string> Entêtes_;
   std::vector<std::vector<std::string>> Rangées_;
+  std::size_t Identifiantes_ = 2;
   std::set<QString> Nouvelles_;  ///< rows that came with the latest contents that brought any
 };
 
@@ -45,6 +49,8 @@ class GrilleChargements : public QTableView {
   explicit GrilleChargements(QWidget* Parent);
   /// A column widens to what comes to stand in it, until its width is given by FixerLargeur or by hand.
   void Remplir(std::vector<std::string> Entêtes, std::vector<std::vector<std::string>> Rangées, bool Nouveautés = true);
+  /// As those of the model; site and number unless told otherwise.
+  void IdentifierPar(std::size_t Colonnes) { Modèle_.IdentifierPar(Colonnes); }
   [[nodiscard]] int NombreColonnes() const { return Modèle_.columnCount(); }
   void FixerLargeur(int Colonne, int Pixels);
   /// The width that was given to the column; 0 as long as it follows its contents. To remember that of an empty list,

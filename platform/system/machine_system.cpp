@@ -50,9 +50,11 @@ Régional FormesDeLEnvironnement() {
   return Formes;
 }
 
-SystèmeMachine::SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier)
-    : Boucle_(Boucle), Dossier_(Préparé(Dossier)), Verrou_(Dossier_), Formes_(FormesDeLEnvironnement()) {
-  tzset();
+SystèmeMachine::SystèmeMachine(IBoucle& Boucle) : Boucle_(Boucle), Formes_(FormesDeLEnvironnement()) { tzset(); }
+
+SystèmeMachine::SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier) : SystèmeMachine(Boucle) {
+  Dossier_ = Préparé(Dossier);
+  Verrou_.emplace(Dossier_);
 }
 
 std::uint32_t SystèmeMachine::Tics() const {

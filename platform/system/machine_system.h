@@ -4,6 +4,7 @@
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 
 #include "contracts/system.h"
 #include "platform/loop/loop.h"
@@ -19,6 +20,8 @@ class SystèmeMachine final : public ISystème {
   /// Boucle must outlive the object. Dossier is the working folder, this object's own for as long as it lives; it is
   /// made when it is missing, for its owner alone. Raises ErreurExécution when it can't be, or is another station's.
   SystèmeMachine(IBoucle& Boucle, const std::filesystem::path& Dossier);
+  /// For who only looks at a base: without a folder.
+  explicit SystèmeMachine(IBoucle& Boucle);
   [[nodiscard]] std::uint32_t Tics() const override;
   [[nodiscard]] DateHeure Maintenant() const override { return HeureLocale(); }
   [[nodiscard]] Régional FormesRégionales() const override { return Formes_; }
@@ -29,7 +32,7 @@ class SystèmeMachine final : public ISystème {
  private:
   IBoucle& Boucle_;
   std::filesystem::path Dossier_;
-  VerrouDossier Verrou_;
+  std::optional<VerrouDossier> Verrou_;
   Régional Formes_;
 };
 

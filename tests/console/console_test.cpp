@@ -282,7 +282,8 @@ const CasVie Vies[] = {
      {"message [x] ", " : Module initialisé.\n", "commande « bouton » : Comm. au RG80\n",
       "commande « menu » : Charger les données vers le RG80\n", "fenêtre « Liste des chargements » masquée\n",
       "boîte «Transfert de données» (OK) : Il n'y a aucune communication avec le RG80"}, Absent},
-    {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n", {"réglages du port : inchangés.\n"}, Absent},
+    {Absent, "configurer\n/dev/autre\n\n\n\n\nfin\n\n\n\n\n\noui\n",
+     {"réglages du port : inchangés.\n", " : les réglages du port sont ouverts (« annuler » les ferme).\nLe RG80 "}, Absent},
     {Absent, "configurer\n/dev/autre\n\n\n\n\noui\nbouton\nok\nmasquer\nfin\n",
      {"réglages du port : retenus.\nhôte : Les réglages du port ont changé : le greffon repart avec eux.\nmessage [x] ",
       "(OK) : Le port /dev/autre est absent"}, Autre},
@@ -311,13 +312,15 @@ TEST_P(VieDeStation, GoesWithThePlugInAndLetsItGo) {
   auto Base = std::make_shared<FausseBaseDeD>();
   Base->Dossier = D + "/";
   const Terminal T(C.Tapé);
+  std::string Rappels;  // as they would come after five minutes
   const std::string Refus = RefusDe([&] {
     Tarvel::ÉditionConsole Édition(Voulues, T.Console.Numéro(), T.Console.Numéro());
+    Édition.LAperçu().SurChangement([&] { Rappels += Édition.LAperçu().TexteRappel() + "\n"; });
     Tarvel::Station(Voulues, Édition).Exécuter([&](ISystème&) { return Base; });
   });
   EXPECT_EQ(Base.use_count(), 1) << "the plug-in hasn't let go";
   EXPECT_EQ(Base->Écouteur, nullptr);
-  const std::string Vu = Refus + T.Vu();
+  const std::string Vu = Refus + T.Vu() + Rappels;
   for (const auto& Attendu : C.Vus) EXPECT_NE(Vu.find(Attendu), std::string::npos) << Attendu << "\n---\n" << Vu;
   const auto Repart = [](const std::string& Texte) { return Texte.find("repart avec eux") != std::string::npos; };
   EXPECT_EQ(Repart(Vu), std::ranges::any_of(C.Vus, Repart));

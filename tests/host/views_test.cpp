@@ -191,7 +191,7 @@ TEST_F(Aperçus, AClockAheadIsToldOnceAndWhatNobodyHasReadOutlivesTheStation) {
   const std::string Année = std::to_string(Ombrey::HeureLocale().Année % 100 + 1);
   Offrir(Année);
   EXPECT_TRUE(
-      Vue.NoterReçu("12").starts_with("Le chargement n° 12 est arrivé au RG80 à 22/09/20" + Année + " 08:05, et "));
+      Vue.NoterReçu("12").starts_with("Le chargement n° 12 est arrivé au RG80 le 22/09/20" + Année + " à 08:05, et "));
   EXPECT_EQ(Vue.NoterReçu("12"), "") << "said once an hour";
   EXPECT_FALSE(std::filesystem::exists(Dossier.Chemin() / Aperçu::FichierRefus)) << "written for nothing at each load";
   EXPECT_EQ(Vue.NoterBoîte("RG80 Ombrey", "Erreur de check-sum"), "(chargement n° 12, tel que reçu)");

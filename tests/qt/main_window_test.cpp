@@ -55,6 +55,17 @@ TEST_F(Principale, TellsTheStateOfThings) {
   Fenêtre->Suivre(Hôte);
   EXPECT_TRUE(Le<QTabWidget>(*Fenêtre).isTabVisible(4));
   EXPECT_EQ(Onglets(), "La journée|Refusés|Archive|Journal|Stations|À lire (1)|");
+  const auto Archiver = [this](const std::string& Jours) {
+    Coopérative.Connexion->ExécuterTout("INSERT INTO ChargementArchive SELECT CodeSite, NoChargement, DateCh - " +
+                                        Jours + ", Métayage, Sélection, Qualité, Degré, Masse, 0, 0 FROM Chargement");
+    Fenêtre->Suivre(Hôte);
+    Vider();
+  };
+  Le<QTabWidget>(*Fenêtre).setCurrentIndex(2);
+  Archiver("365");
+  Le<ListeQt>(*Fenêtre).selectRow(0);
+  Archiver("0");
+  EXPECT_EQ(Le<ListeQt>(*Fenêtre).currentIndex().row(), 1) << "the last season's, of the same number";
   Coopérative.Connexion->ExécuterTout("DROP TABLE Qualité");
   Fenêtre->Dire("ChargementAjouté:8");
   Vider();

@@ -113,8 +113,10 @@ await "load on the line" said '<STX>0009'
 press '^Tarvel' ctrl+q
 wait $station || fail "exit code $? in the midst of a load"
 [ ! -s "$work/tarvel.3" ] || fail "the station complained"
-"$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --regarder --console --duree 1 >"$work/day" </dev/null
-grep -q ' n° 8,' "$work/day" || fail "the day isn't told"
+"$bin/tarvel" --base "$work/cave.db" --ini "$work/tarvel.ini" --regarder --console --duree 4 >"$work/day" <<<"$(printf 'etat\njournee')"
+for told in ' n° 8,' '^état : La ligne est libre : .* regarder. Dernier : ' '^journee : [89]$'; do
+  grep -q "$told" "$work/day" || fail "the day isn't told: $told"
+done
 ! said 'reçu <ACK>' || grep -q ' n° 9,' "$work/day" || fail "acknowledged and not in"
 step "the main window is closed, and the session ended, in the midst of a transfer"
 anew --f6

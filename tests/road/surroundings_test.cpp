@@ -75,18 +75,18 @@ TEST(Surroundings, TheYearsToComeAreTheirOwn) {
       EXPECT_TRUE(P.Station->Attendre(Vu, 60s)) << P.Dit();
     P.Station->Taper(
         "liste\njournee\njournee Tous zzz\nheures tous côteaux\nrestes\ntrace t\ntrace t\nligne fautes\netat\napropos\n"
-        "diagnostic\nbordereau b\nimprimer-bordereau 1\ncopie c d.db\ncsv e.csv " +
+        "diagnostic\nbordereau b\nimprimer-bordereau 1\nimprimer-ticket 12 08:31\ncopie c d.db\ncsv e.csv " +
         Arrivée.substr(0, 10));
     for (const char* Vu : {"liste : 1\n", "journee : 2\n", "journee : 0\n", "  8 h | 2,2 t |", "restes : 7\n",
                            "trace : La trace est dans t.", "trace : Le fichier t existe déjà", "ligne : 0 messages",
                            "Dernier : n° 12, 1234 kg, 08:30. Aujourd'hui 2 chargements, 2,2 t. Base locale : cave.db",
-                           "\nDossier de travail : "})
+                           "\nDossier de travail : ", "dossier : une station travaille dans "})
       EXPECT_TRUE(P.Station->Attendre(Vu, 60s)) << P.Dit();
     P.Rg80->Signaler(SIGINT);
     P.Finir("1 1 1");
     // What is under way when it ends is finished.
-    for (const char* Vu : {"dossier : une station travaille dans ", "bordereau : ", "copie : La base « ",
-                           "csv : 2 chargements exportés dans "})
+    for (const char* Vu : {"bordereau : ", "ticket : Aucun chargement n° 12 du site 1 de 08:31 le ",
+                           "copie : La base « ", "csv : 2 chargements exportés dans "})
       EXPECT_TRUE(P.Station->Attendre(Vu, 60s)) << P.Dit();
     EXPECT_NE(P.Dit().find("la commande s'écrit « imprimer-bordereau [JOUR] »"), std::string::npos) << P.Dit();
     EXPECT_EQ(P.Valeur("SELECT group_concat(Arrivée || Masse || Archive)"
