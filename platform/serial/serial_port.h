@@ -55,7 +55,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Configurer(const std::string& FichierIni, const std::string& Section) override;
 
  private:
-  using Horloge = std::chrono::steady_clock;
+  using Temps = std::chrono::steady_clock;
   struct Envoi;
 
   bool Échouer(const std::string& Texte);
@@ -89,7 +89,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   std::string Signalement_;    ///< of the device that Ouvrir took: a lost port is opened again as this one alone
   std::uint64_t Session_ = 0;  ///< changes each time that the device is released
   std::chrono::nanoseconds TempsCaractère_{};
-  Horloge::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account
+  Temps::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account
   bool EnvoiEnCours_ = false;
   IBoucle::Jeton Veille_;
   IBoucle::Jeton Silence_;
