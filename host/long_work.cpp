@@ -27,7 +27,7 @@ LongTravail::LongTravail(std::string Nom) : Nom_(std::move(Nom)) {
 
 void LongTravail::Avancer(std::size_t Faits, std::size_t Total) {
   if (FinDemandée != 0) throw Ombrey::ErreurExécution(Nom_ + " : arrêtée, rien n'est gardé");
-  const auto Maintenant = Horloge::now();
+  const auto Maintenant = Temps::now();
   if (Maintenant - Dernière_ < EntreLignes || Faits == 0 || Total < Faits) return;
   Dernière_ = Maintenant;
   const double Fraction = static_cast<double>(Faits) / static_cast<double>(Total);

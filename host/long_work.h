@@ -25,10 +25,10 @@ class LongTravail {
   void Avancer(std::size_t Faits, std::size_t Total);
 
  private:
-  using Horloge = std::chrono::steady_clock;
+  using Temps = std::chrono::steady_clock;
   std::string Nom_;
-  Horloge::time_point Début_ = Horloge::now();
-  Horloge::time_point Dernière_ = Début_;
+  Temps::time_point Début_ = Temps::now();
+  Temps::time_point Dernière_ = Début_;
 };
 
 }  // namespace Tarvel

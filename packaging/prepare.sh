@@ -28,6 +28,7 @@ missing() {
   have ninja || echo "ninja-build"
   have_header sqlite3.h || echo "libsqlite3-dev"
   have_cmake_package Qt6 || echo "qt6-base-dev the windows"
+  have_header xcb/xcb.h || echo "libxcb1-dev the windows"
   if [ -d platform/database/postgresql ]; then have_file '/usr/include/postgresql/libpq-fe.h' || echo "libpq-dev bases on a server"; fi
   [ "$1" = tests ] || return 0
   have_header gtest/gtest.h || echo "libgtest-dev"
@@ -82,7 +83,7 @@ clock_of() {
 # $1: preset; the rest: targets, all of them unless given. Configures each time: a package may have come since.
 build() {
   local preset=$1 targets=() windows=ON
-  have_cmake_package Qt6 || windows=OFF
+  { have_cmake_package Qt6 && have_header xcb/xcb.h; } || windows=OFF
   [ "$preset" != fuzz ] || windows=OFF
   shift
   [ $# -eq 0 ] || targets=(--target "$@")

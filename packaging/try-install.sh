@@ -15,3 +15,6 @@ bin/tarvel --base cave.db --ini site.ini --console --duree 0 | grep 'commande «
 for file in PlgInOmbrey.so tarvel rg80 ombrey@.service site.ini; do
   [ -n "$(find . -name "$file")" ] || { echo "missing: $file" && exit 1; }
 done
+while IFS=: read -r document link; do
+  [ -e "$(dirname "$document")/$link" ] || { echo "$document links $link, which isn't installed" && exit 1; }
+done < <(grep -roP --include='*.md' '\]\(\K(?!https?:)[^)#]+' .)

@@ -4,6 +4,7 @@
 set -euo pipefail
 cd "$(dirname "$(readlink -f "$0")")/.."
 work=$PWD/build/packages
+version=$(dpkg-parsechangelog -S Version)
 source_dir=$PWD
 root=$work/root
 
@@ -31,7 +32,8 @@ build_this_release() {
   done
 }
 
-# The last tree whose bases had the schema before this one, in its console edition.
+# 2.0 in its console edition, the last tree whose bases have no schema number: what stood ahead of the file that brings a
+# base from one number to the next.
 build_former_release() {
   local step
   step=$(git log --diff-filter=A --format=%H -1 -- host/schema_upgrade.cpp 2>/dev/null || true)
@@ -102,7 +104,7 @@ make_root() {
   [ ! -d "$work/former" ] || cp $(packages_of former) "$root/debs/"
   in_root apt-get -qq update
   # Installed once and purged, so that what the packages lean on is there ahead of the list of files.
-  install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
+  install_in_root "/debs/ombrey_${version}_*.deb" "/debs/ombrey-rg80_${version}_*.deb"
   in_root apt-get -qq -y purge ombrey ombrey-rg80 >/dev/null 2>&1
   files_of_root >"$work/files.before"
 }
@@ -169,14 +171,16 @@ live() {
   local done=0
   if [ -d "$work/former" ]; then
     say "The release before at work"
-    install_in_root /debs/ombrey_2*.deb /debs/ombrey-rg80_2*.deb
+    local former
+    former=$(dpkg-parsechangelog -l "$work/former/ombrey/debian/changelog" -S Version)
+    install_in_root "/debs/ombrey_${former}_*.deb" "/debs/ombrey-rg80_${former}_*.deb"
     make_site && collect 3 1 && done=3
     say "Upgrade to this release, with its base"
-    install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
+    install_in_root "/debs/ombrey_${version}_*.deb" "/debs/ombrey-rg80_${version}_*.deb"
     as_service tarvel --diagnostic --ini /etc/ombrey/chai.ini >"$work/diagnostic" || true
     grep '^à voir  schéma' "$work/diagnostic" || fail "$(cat "$work/diagnostic")"
   else
-    install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
+    install_in_root "/debs/ombrey_${version}_*.deb" "/debs/ombrey-rg80_${version}_*.deb"
     make_site
   fi
   say "The service's command line as its user, eight loads"
@@ -197,7 +201,7 @@ live() {
   as_service rm /var/lib/ombrey/chai/cave.db
   as_service tarvel --ini /etc/ombrey/chai.ini --restaurer /var/lib/ombrey/chai/copie.db
   expect_loads $((done + 8))
-  in_root sh -c "apt-get -qq -y --no-install-recommends --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_3*.deb" >/dev/null || fail "ombrey-qt or -doc can't be installed"
+  in_root sh -c "apt-get -qq -y --no-install-recommends --simulate install /debs/ombrey-qt_*.deb /debs/ombrey-doc_${version}_*.deb" >/dev/null || fail "ombrey-qt or -doc can't be installed"
 }
 
 leave() {
@@ -216,7 +220,7 @@ leave() {
 
 # The packages once more, for a systemd that runs.
 prepare_service() {
-  install_in_root /debs/ombrey_3*.deb /debs/ombrey-rg80_3*.deb
+  install_in_root "/debs/ombrey_${version}_*.deb" "/debs/ombrey-rg80_${version}_*.deb"
   rm -r "$root/var/lib/ombrey"
   make_site
   in_root sed -i 's,^Port=.*,Port=/dev/ombrey-chai,' /etc/ombrey/chai.ini
@@ -237,7 +241,7 @@ under_systemd() {
   [ -n "$manager" ] || fail "no systemd can be run here: $(cat "$work/systemd.log")"
   nsenter -t "$manager" -a env PATH=/usr/sbin:/usr/bin:/sbin:/bin LC_ALL=C.UTF-8 timeout 300 sh -c '
     until systemctl is-active --quiet basic.target 2>/dev/null; do sleep 0.2; done
-    sh /debs/try-service.sh 8 /debs/ombrey_3*.deb' && code=0 || code=$?
+    sh /debs/try-service.sh 8 "/debs/ombrey_$1"_*.deb' - "$version" && code=0 || code=$?
   kill "$container"
   wait $container || true
   [ $code = 0 ] || fail "the service isn't sound"

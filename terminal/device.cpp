@@ -96,8 +96,8 @@ void Lier(const std::string& Cible, const std::string& Lien) {
 
 }  // namespace
 
-Ligne Ligne::SurLien(const std::string& Lien) {
-  Ligne Neuve;
+Liaison Liaison::SurLien(const std::string& Lien) {
+  Liaison Neuve;
   Neuve.Principal_ = posix_openpt(O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
   std::array<char, 128> Nom{};
   if (Neuve.Principal_ < 0 || grantpt(Neuve.Principal_) != 0 || unlockpt(Neuve.Principal_) != 0 ||
@@ -115,9 +115,9 @@ Ligne Ligne::SurLien(const std::string& Lien) {
   return Neuve;
 }
 
-Ligne Ligne::SurPort(const std::string& Chemin, unsigned Bauds) {
+Liaison Liaison::SurPort(const std::string& Chemin, unsigned Bauds) {
   const speed_t Code = CodeVitesse(Bauds);
-  Ligne Neuve;
+  Liaison Neuve;
   Neuve.Principal_ = open(Chemin.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC | O_NONBLOCK);
   if (Neuve.Principal_ < 0) throw ErreurDemande("Port " + Chemin + " : " + Cause(errno) + ".");
   if (!MettreEnBrut(Neuve.Principal_, Code)) throw ErreurDemande("Port " + Chemin + " : pas un port série.");
@@ -126,14 +126,14 @@ Ligne Ligne::SurPort(const std::string& Chemin, unsigned Bauds) {
   return Neuve;
 }
 
-Ligne::Ligne(Ligne&& Autre) noexcept
+Liaison::Liaison(Liaison&& Autre) noexcept
     : Principal_(std::exchange(Autre.Principal_, -1)),
       Secondaire_(std::exchange(Autre.Secondaire_, -1)),
       Lien_(std::exchange(Autre.Lien_, {})),
       CheminSecondaire_(std::move(Autre.CheminSecondaire_)),
       Description_(std::move(Autre.Description_)) {}
 
-Ligne::~Ligne() {
+Liaison::~Liaison() {
   if (!Lien_.empty()) {
     std::error_code Erreur;
     if (fs::read_symlink(Lien_, Erreur) == CheminSecondaire_) fs::remove(Lien_, Erreur);
@@ -142,7 +142,7 @@ Ligne::~Ligne() {
   if (Principal_ >= 0) close(Principal_);
 }
 
-std::string Ligne::Lire(std::size_t Max) {
+std::string Liaison::Lire(std::size_t Max) {
   constexpr std::size_t TailleLecture = 65536;
   std::string Octets(std::min(Max, TailleLecture), '\0');
   const ssize_t Lus = read(Principal_, Octets.data(), Octets.size());
@@ -151,7 +151,7 @@ std::string Ligne::Lire(std::size_t Max) {
   return Octets;
 }
 
-std::size_t Ligne::Écrire(std::string_view Octets) {
+std::size_t Liaison::Écrire(std::string_view Octets) {
   const ssize_t Écrits = write(Principal_, Octets.data(), Octets.size());
   if (Écrits < 0 && errno != EAGAIN && errno != EINTR) throw std::runtime_error("Ligne perdue : " + Cause(errno) + ".");
   return static_cast<std::size_t>(std::max<ssize_t>(Écrits, 0));

@@ -7,19 +7,19 @@
 namespace Rg80 {
 
 /// An open line, non-blocking; closed, and its link removed, with the object.
-class Ligne {
+class Liaison {
  public:
   /// Makes a pseudo-terminal and a symbolic link Lien to its other end. A link that an earlier run left is replaced;
   /// anything else in its place is refused. Raises ErreurDemande.
-  static Ligne SurLien(const std::string& Lien);
+  static Liaison SurLien(const std::string& Lien);
   /// Opens a serial device at Bauds, eight bits, no parity, one stop bit. Raises ErreurDemande.
-  static Ligne SurPort(const std::string& Chemin, unsigned Bauds);
+  static Liaison SurPort(const std::string& Chemin, unsigned Bauds);
 
-  Ligne(Ligne&& Autre) noexcept;
-  Ligne& operator=(Ligne&&) = delete;
-  Ligne(const Ligne&) = delete;
-  Ligne& operator=(const Ligne&) = delete;
-  ~Ligne();
+  Liaison(Liaison&& Autre) noexcept;
+  Liaison& operator=(Liaison&&) = delete;
+  Liaison(const Liaison&) = delete;
+  Liaison& operator=(const Liaison&) = delete;
+  ~Liaison();
 
   [[nodiscard]] int Descripteur() const { return Principal_; }
   /// What to tell the person who wants to connect: the device's path, and the link's where there is one.
@@ -30,7 +30,7 @@ class Ligne {
   [[nodiscard]] std::size_t Écrire(std::string_view Octets);
 
  private:
-  Ligne() = default;
+  Liaison() = default;
 
   int Principal_ = -1;
   int Secondaire_ = -1;  // kept open so that the line survives the peer's comings and goings

@@ -51,7 +51,7 @@ std::vector<Chargement> PréparerChargements(const Options& Demande, Hasard& Dé
   return Tous;
 }
 
-int Tenir(const Options& Demande, IInterlocuteur& Engin, Greffier& Témoin, Ligne& Fil) {
+int Tenir(const Options& Demande, IInterlocuteur& Engin, Greffier& Témoin, Liaison& Fil) {
   const bool Réel = !Demande.Port.empty();
   try {
     // A real line keeps its pace by itself.
@@ -64,10 +64,10 @@ int Tenir(const Options& Demande, IInterlocuteur& Engin, Greffier& Témoin, Lign
   }
 }
 
-Ligne OuvrirLigne(const Options& Demande, Greffier& Témoin) {
+Liaison OuvrirLiaison(const Options& Demande, Greffier& Témoin) {
   PréparerSignaux();
-  Ligne Fil = Demande.Port.empty() ? Ligne::SurLien(Demande.Lien)
-                                   : Ligne::SurPort(Demande.Port, Demande.Bauds.value_or(BaudsDuPort));
+  Liaison Fil = Demande.Port.empty() ? Liaison::SurLien(Demande.Lien)
+                                     : Liaison::SurPort(Demande.Port, Demande.Bauds.value_or(BaudsDuPort));
   Témoin.Annoncer("ligne : " + Fil.Description());
   return Fil;
 }
@@ -77,7 +77,7 @@ int Rejouer(const Options& Demande) {
   if (!Flux) throw ErreurDemande("Trace " + Demande.Rejouer + " : lecture impossible.");
   auto Messages = LireTrace(Flux, Demande.Rejouer);
   Greffier Témoin(Demande.Journal, "");
-  Ligne Fil = OuvrirLigne(Demande, Témoin);
+  Liaison Fil = OuvrirLiaison(Demande, Témoin);
   Rejeu Engin(std::move(Messages), Témoin, Demande.AutreBase);
   const int Code = Tenir(Demande, Engin, Témoin, Fil);
   return Engin.Terminer() ? Code : CodeErreur;
@@ -87,7 +87,7 @@ int Exécuter(const Options& Demande) {
   Hasard Dés(Demande.Graine, Demande.Taux);
   auto Chargements = PréparerChargements(Demande, Dés);
   Greffier Témoin(Demande.Journal, Demande.Sortie);
-  Ligne Fil = OuvrirLigne(Demande, Témoin);
+  Liaison Fil = OuvrirLiaison(Demande, Témoin);
   Témoin.Annoncer("chargements en attente : " + std::to_string(Chargements.size()));
   Terminal Engin(std::move(Chargements), Demande.EnFichiers, Dés, Témoin);
   const int Code = Tenir(Demande, Engin, Témoin, Fil);

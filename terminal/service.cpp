@@ -21,8 +21,8 @@ extern "C" void NoterArrêt(int) { ArrêtDemandé = 1; }
 
 class Service {
  public:
-  Service(Ligne& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide)
-      : Ligne_(Fil), Engin_(Engin), ÀÉmettre_(ÀÉmettre), Entrée_(Bauds), Sortie_(Bauds), JusquÀVide_(JusquÀVide) {}
+  Service(Liaison& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide)
+      : Liaison_(Fil), Engin_(Engin), ÀÉmettre_(ÀÉmettre), Entrée_(Bauds), Sortie_(Bauds), JusquÀVide_(JusquÀVide) {}
 
   void Tourner() {
     while (ArrêtDemandé == 0) {
@@ -52,7 +52,7 @@ class Service {
     Retenir(Entrée_.Prochain());
     if (!Bouchée_) Retenir(Sortie_.Prochain());
 
-    pollfd Attendu{Ligne_.Descripteur(), 0, 0};
+    pollfd Attendu{Liaison_.Descripteur(), 0, 0};
     if (!Entrée_.Prochain()) Attendu.events |= POLLIN;
     if (Bouchée_) Attendu.events |= POLLOUT;
     timespec Durée{};
@@ -74,7 +74,7 @@ class Service {
     if ((Prêts_ & POLLIN) != 0) Entrée_.Éveiller(Maintenant);
     const std::size_t Dus = Entrée_.Libre() && (Prêts_ & POLLIN) == 0 ? 0 : Entrée_.Dus(Maintenant);
     if (Dus == 0) return;
-    const std::string Octets = Ligne_.Lire(Dus);
+    const std::string Octets = Liaison_.Lire(Dus);
     Engin_.Recevoir(Octets, Maintenant);
     Entrée_.Compter(Octets.size());
     if (Octets.size() < Dus) Entrée_.Endormir();
@@ -85,14 +85,14 @@ class Service {
     Sortie_.Éveiller(Maintenant);
     const std::size_t Dus = std::min(Sortie_.Dus(Maintenant), ÀÉmettre_.size());
     if (Dus == 0) return;
-    const std::size_t Écrits = Ligne_.Écrire(std::string_view(ÀÉmettre_).substr(0, Dus));
+    const std::size_t Écrits = Liaison_.Écrire(std::string_view(ÀÉmettre_).substr(0, Dus));
     ÀÉmettre_.erase(0, Écrits);
     Bouchée_ = Écrits < Dus;
     Sortie_.Compter(Écrits);
     if (ÀÉmettre_.empty() || Bouchée_) Sortie_.Endormir();
   }
 
-  Ligne& Ligne_;
+  Liaison& Liaison_;
   IInterlocuteur& Engin_;
   std::string& ÀÉmettre_;
   Cadence Entrée_;
@@ -117,7 +117,8 @@ void PréparerSignaux() {
   signal(SIGPIPE, SIG_IGN);
 }
 
-void Servir(Ligne& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide) {
+void Servir(Liaison& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds,
+            bool JusquÀVide) {
   Service(Fil, Engin, ÀÉmettre, Bauds, JusquÀVide).Tourner();
 }
 

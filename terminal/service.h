@@ -15,6 +15,6 @@ void PréparerSignaux();
 /// Serves the line until a signal comes, or until nothing more is expected when JusquÀVide is set. ÀÉmettre is where
 /// the terminal leaves its bytes. Bauds: the pace, in both directions; none: as fast as the line takes it. Sleeps
 /// whenever nothing is due. Raises std::runtime_error when the line is lost.
-void Servir(Ligne& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide);
+void Servir(Liaison& Fil, IInterlocuteur& Engin, std::string& ÀÉmettre, std::optional<unsigned> Bauds, bool JusquÀVide);
 
 }  // namespace Rg80

@@ -190,7 +190,7 @@ class Lecteur {
   // said to the former one.
   void Rompre(MessageTracé& Lu) {
     using enum MessageTracé::Rupture;
-    if (Rompue_ && !Lus_.empty()) Lu.Avant = Départ_ ? Arrêt : Ligne;
+    if (Rompue_ && !Lus_.empty()) Lu.Avant = Départ_ ? Arrêt : DeLaLiaison;
     if (Lu.Avant == Arrêt && !Lu.EstDeStation) return;
     Départ_ = Rompue_ = false;
     if (Lu.Avant == Arrêt) OublierInachevé();

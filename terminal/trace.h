@@ -20,7 +20,7 @@ struct MessageTracé {
   /// The terminal's, to a station that had been stopped by then: the one that heard it had asked for nothing.
   bool EstÀUnAutre = false;
   /// Ahead of it the line was broken, or messages are missing; at Arrêt another start of the station begins.
-  enum class Rupture { Aucune, Ligne, Arrêt } Avant = Rupture::Aucune;
+  enum class Rupture { Aucune, DeLaLiaison, Arrêt } Avant = Rupture::Aucune;
 };
 
 /// All messages that consist of bytes, in their order. A line that was cut off because its writer was is passed over,

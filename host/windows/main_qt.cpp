@@ -12,7 +12,6 @@
 #include <string>
 #include <utility>
 
-#include "base/files.h"
 #include "contracts/host.h"
 #include "contracts/toolkit.h"
 #include "host/about.h"

@@ -22,7 +22,6 @@
 #include "host/windows/qt_line_page.h"
 #include "host/windows/qt_papers.h"
 #include "platform/qt/qt_measures.h"
-#include "platform/qt/qt_message_box.h"
 
 namespace Ombrey {
 namespace {

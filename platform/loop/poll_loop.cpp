@@ -38,12 +38,12 @@ IBoucle::Jeton BouclePoll::Surveiller(int Descripteur, Sens Quoi, Action Faire) 
 IBoucle::Jeton BouclePoll::Après(std::chrono::milliseconds Délai, Action Faire) {
   Entrée Nouvelle;
   Nouvelle.Faire = std::make_shared<const Action>(std::move(Faire));
-  Nouvelle.Échéance = Horloge::now() + std::clamp(Délai, 0ms, DélaiPlafond);
+  Nouvelle.Échéance = Temps::now() + std::clamp(Délai, 0ms, DélaiPlafond);
   return Inscrire(Délais_, std::move(Nouvelle));
 }
 
 bool BouclePoll::Pomper(std::chrono::nanoseconds AttenteMax) {
-  const auto Fin = Horloge::now() + std::clamp<std::chrono::nanoseconds>(AttenteMax, 0ns, AttentePlafond);
+  const auto Fin = Temps::now() + std::clamp<std::chrono::nanoseconds>(AttenteMax, 0ns, AttentePlafond);
   for (;;) {
     const auto Morte = [](const std::shared_ptr<Entrée>& E) { return !E->Faire; };
     std::erase_if(Délais_, Morte);
@@ -54,16 +54,16 @@ bool BouclePoll::Pomper(std::chrono::nanoseconds AttenteMax) {
       (*Faire)();
       return true;
     }
-    if (Horloge::now() >= Fin) return false;
+    if (Temps::now() >= Fin) return false;
   }
 }
 
 /// Waits until a descriptor is ready or Limite is reached.
-void BouclePoll::Sonder(Horloge::time_point Limite) {
+void BouclePoll::Sonder(Temps::time_point Limite) {
   Sondes_.clear();
   for (const auto& Veille : Veilles_) Sondes_.push_back({Veille->Descripteur, Veille->Événements, 0});
   // To the nanosecond: a character takes one millisecond, and a wait rounded up behind each writing would cost as much.
-  const std::chrono::nanoseconds Reste = std::max<std::chrono::nanoseconds>(Limite - Horloge::now(), 0ns);
+  const std::chrono::nanoseconds Reste = std::max<std::chrono::nanoseconds>(Limite - Temps::now(), 0ns);
   const auto Secondes = std::chrono::floor<std::chrono::seconds>(Reste);
   const timespec Durée{Secondes.count(), (Reste - Secondes).count()};
   if (ppoll(Sondes_.data(), Sondes_.size(), &Durée, nullptr) >= 0) return;
@@ -75,7 +75,7 @@ void BouclePoll::Sonder(Horloge::time_point Limite) {
 /// The action that is served next, or none. Here alone an event is marked as served.
 BouclePoll::ActionTenue BouclePoll::Choisir() {
   auto Délai = PremierDélai();
-  if (Délai && Délai->Échéance > Horloge::now()) Délai.reset();
+  if (Délai && Délai->Échéance > Temps::now()) Délai.reset();
   const auto Veille = VeillePrête();
   if (Délai && (!Veille || !DélaiServi_)) {
     DélaiServi_ = true;

@@ -21,22 +21,22 @@ class BouclePoll final : public IBoucle {
   bool Pomper(std::chrono::nanoseconds AttenteMax) override;
 
  private:
-  using Horloge = std::chrono::steady_clock;
+  using Temps = std::chrono::steady_clock;
   /// What runs holds the action, so that it outlives its own entry.
   using ActionTenue = std::shared_ptr<const Action>;
 
   /// A watch or a delay. Its token empties Faire, which marks the entry as dead.
   struct Entrée {
     ActionTenue Faire;
-    Horloge::time_point Échéance{};  ///< of a delay
-    int Descripteur = -1;            ///< of a watch
+    Temps::time_point Échéance{};  ///< of a delay
+    int Descripteur = -1;          ///< of a watch
     short Événements = 0;
     std::uint64_t Tour = 0;  ///< when the watch was served last
   };
   using Entrées = std::vector<std::shared_ptr<Entrée>>;
 
   static Jeton Inscrire(Entrées& Liste, Entrée Nouvelle);
-  void Sonder(Horloge::time_point Limite);
+  void Sonder(Temps::time_point Limite);
   [[nodiscard]] ActionTenue Choisir();
   [[nodiscard]] std::shared_ptr<Entrée> PremierDélai() const;
   [[nodiscard]] std::shared_ptr<Entrée> VeillePrête() const;

@@ -13,7 +13,7 @@
 namespace Ombrey {
 
 namespace {
-using Horloge = std::chrono::steady_clock;
+using Temps = std::chrono::steady_clock;
 
 /// Longer waits are cut: a timer of Qt counts in 32 bits.
 constexpr std::chrono::milliseconds AttenteLaPlusLongue = std::chrono::hours(24);
@@ -84,21 +84,21 @@ void BoucleQt::Garder(const Action& Faire) {
 
 /// Delays that are due only join the queue here; descriptors wait.
 void BoucleQt::Peindre() {
-  const auto Maintenant = Horloge::now();
+  const auto Maintenant = Temps::now();
   if (!AttendDepuis_) AttendDepuis_ = Maintenant;
   Sablier_.Fixer(Maintenant - *AttendDepuis_ >= AttenteSansSablier);
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents | QEventLoop::ExcludeSocketNotifiers);
 }
 
 bool BoucleQt::Pomper(std::chrono::nanoseconds AttenteMax) {
-  const auto Échéance = Horloge::now() + std::clamp<std::chrono::nanoseconds>(
-                                             AttenteMax, std::chrono::nanoseconds::zero(), AttenteLaPlusLongue);
+  const auto Échéance = Temps::now() + std::clamp<std::chrono::nanoseconds>(
+                                           AttenteMax, std::chrono::nanoseconds::zero(), AttenteLaPlusLongue);
   for (;;) {
-    const auto Reste = std::chrono::ceil<std::chrono::milliseconds>(Échéance - Horloge::now());
+    const auto Reste = std::chrono::ceil<std::chrono::milliseconds>(Échéance - Temps::now());
     const bool Servi = LaisserQt(RienEnFile() ? std::max(Reste, std::chrono::milliseconds::zero())
                                               : std::chrono::milliseconds::zero());
     if (ExécuterUne() || Servi) return true;
-    if (Horloge::now() >= Échéance) return false;
+    if (Temps::now() >= Échéance) return false;
   }
 }
 

@@ -8,10 +8,7 @@
 
 #include "base/ansi_text.h"
 #include "base/checksum.h"
-#include "base/text_helpers.h"
 #include "contracts/line_protocol.h"
-#include "contracts/rg80.h"
-#include "platform/system/safe_file.h"
 
 namespace Ombrey {
 namespace {
@@ -22,8 +19,6 @@ struct NomContrôle {
 };
 constexpr auto NomsContrôle = std::to_array<NomContrôle>(
     {{STX, "<STX>"}, {ETX, "<ETX>"}, {EOT, "<EOT>"}, {ENQ, "<ENQ>"}, {ACK, "<ACK>"}, {NAK, "<NAK>"}});
-
-constexpr char CodeRéponse = '0' + FichierRéponse;
 
 const FichierTerminal* Fichier(char Code) {
   const auto* const Connu = std::ranges::find(FichiersTerminal, Code - '0', &FichierTerminal::Numéro);

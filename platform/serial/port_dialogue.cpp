@@ -1,7 +1,6 @@
 // Asking the operator for a port's settings and keeping them in the settings file.
 #include "platform/serial/port_dialogue.h"
 
-#include <chrono>
 #include <cstdint>
 #include <iterator>
 
@@ -30,10 +29,6 @@ constexpr CléPort Clés[] = {
     {"Parité", &RéglagesPort::Parité, "aucune"},    {"BitsStop", &RéglagesPort::BitsStop, "1"},
     {"TailleMots", &RéglagesPort::TailleMots, "8"},
 };
-
-/// The request code that asks the terminal whether it is there, and how long it may take.
-constexpr char CodeEssai = '0' + FichierRéponse;
-constexpr std::chrono::milliseconds DélaiEssai(2000);
 
 RéglagesPort Compléter(RéglagesPort Réglages) {
   if (Réglages.Port.empty()) {
@@ -102,7 +97,7 @@ std::string EssayerPort(const RéglagesPort& Réglages, const std::function<bool
 namespace {
 /// Any answer to the link test will do, a refusal too.
 bool Répond(const std::string& Reçu) {
-  return Reçu.find({ACK, CodeEssai}) != std::string::npos || Reçu.find({NAK, CodeEssai}) != std::string::npos;
+  return Reçu.find({ACK, CodeRéponse}) != std::string::npos || Reçu.find({NAK, CodeRéponse}) != std::string::npos;
 }
 
 /// Asks the terminal on a port that nobody else has. Empty, or why not.
@@ -116,10 +111,10 @@ std::string EssayerLiaison(IBoucle& Boucle, const RéglagesPort& Réglages) {
     Reçu.append(Place, Lus.Nombre);
     Fini = Fini || Lus.Perdu;
   });
-  const auto Délai = Boucle.Après(DélaiEssai, [&Fini] { Fini = true; });
-  const char Requête[] = {ENQ, CodeEssai};
+  const auto Délai = Boucle.Après(DélaiRéponse, [&Fini] { Fini = true; });
+  const char Requête[] = {ENQ, CodeRéponse};
   static_cast<void>(Appareil.Ecrire({Requête, sizeof Requête}));
-  while (!Fini && !Répond(Reçu) && !SignauxFin::EstDemandée()) Boucle.Pomper(DélaiEssai);
+  while (!Fini && !Répond(Reçu) && !SignauxFin::EstDemandée()) Boucle.Pomper(DélaiRéponse);
   if (Répond(Reçu)) return "";
   return "Le port " + Réglages.Port + " s'ouvre, mais " +
          (Fini ? "le RG80 n'y répond pas." : "l'essai est arrêté : le programme se termine.");

@@ -35,8 +35,8 @@ constexpr std::size_t TexteLong = 256;
 struct PortSérie::Envoi {
   std::string_view Reste;
   std::uint64_t Session;
-  Horloge::time_point Progrès;  ///< when the last of what the device took should have left, or one of them did
-  std::size_t EnAttente = 0;    ///< in the driver, as seen last
+  Temps::time_point Progrès;  ///< when the last of what the device took should have left, or one of them did
+  std::size_t EnAttente = 0;  ///< in the driver, as seen last
   std::size_t Total = Reste.size();
 };
 
@@ -52,7 +52,7 @@ bool PortSérie::Ecrire(const Octets& Texte) {
   } const EnCours(EnvoiEnCours_);
   if (!Appareil_ && !Rouvrir()) return false;
   const std::string Tenu(Texte.Bruts());
-  FinDeLigne_ = std::max(FinDeLigne_, Horloge::now());
+  FinDeLigne_ = std::max(FinDeLigne_, Temps::now());
   Envoi Travail{Tenu, Session_, FinDeLigne_};
   if (!Envoyer(Travail)) return false;
   Erreur_.clear();
@@ -65,7 +65,7 @@ bool PortSérie::Envoyer(Envoi& Travail) {
   for (;;) {
     Remettre(Travail);
     if (Session_ != Travail.Session) return false;
-    const auto Maintenant = Horloge::now();
+    const auto Maintenant = Temps::now();
     const std::size_t EnAttente = Appareil_->EnAttente();
     if (EnAttente < Travail.EnAttente) Travail.Progrès = std::max(Travail.Progrès, Maintenant);
     Travail.EnAttente = EnAttente;
@@ -93,7 +93,7 @@ bool PortSérie::EstArrêté(const Envoi& Travail) const {
 /// Pumps once: while bytes are left for the time of a pause, then no longer than is left of the line's time. False when
 /// the port isn't the same any more.
 bool PortSérie::Céder(const Envoi& Travail) {
-  const std::chrono::nanoseconds Ligne = FinDeLigne_ - Horloge::now();
+  const std::chrono::nanoseconds Ligne = FinDeLigne_ - Temps::now();
   const auto EnRoute = Ligne > 0ns ? std::min<std::chrono::nanoseconds>(Ligne, PauseMax) : 1ms;
   Contexte_.Boucle.Pomper(Travail.Reste.empty() ? EnRoute : PauseMax);
   if (Session_ == Travail.Session) return true;
@@ -103,15 +103,14 @@ bool PortSérie::Céder(const Envoi& Travail) {
 
 /// What nobody has waited for leaves ahead of a closing, which would drop it.
 void PortSérie::LaisserPartir() const {
-  const auto Limite = Horloge::now() + DernierDépart;
-  for (auto Ici = Horloge::now(); Ici < Limite && (Ici < FinDeLigne_ || Appareil_->EnAttente() > 0);
-       Ici = Horloge::now())
+  const auto Limite = Temps::now() + DernierDépart;
+  for (auto Ici = Temps::now(); Ici < Limite && (Ici < FinDeLigne_ || Appareil_->EnAttente() > 0); Ici = Temps::now())
     std::this_thread::sleep_for(1ms);
 }
 
 /// Gives the device what it takes for now, and keeps the line's account.
 void PortSérie::Remettre(Envoi& Travail) {
-  const auto Maintenant = Horloge::now();
+  const auto Maintenant = Temps::now();
   // A line that stood idle has lost the time. Behind a pseudo-terminal there is none: a program that was woken late
   // catches up with the clock there.
   if (!Appareil_->EstPseudoTerminal()) FinDeLigne_ = std::max(FinDeLigne_, Maintenant);

@@ -56,7 +56,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   bool Configurer(const std::string& FichierIni, const std::string& Section) override;
 
  private:
-  using Horloge = std::chrono::steady_clock;
+  using Temps = std::chrono::steady_clock;
   struct Envoi;
 
   bool Échouer(const std::string& Texte);
@@ -92,7 +92,7 @@ class PortSérie final : public IPortComm, public std::enable_shared_from_this<P
   std::string Prise_;          ///< its description with the socket, which alone tells it from a copy with its number
   std::uint64_t Session_ = 0;  ///< changes each time that the device is released
   std::chrono::nanoseconds TempsCaractère_{};
-  Horloge::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account
+  Temps::time_point FinDeLigne_{};  ///< when all that was handed over has left, by the line's own account
   bool EnvoiEnCours_ = false;
   IBoucle::Jeton Veille_;
   IBoucle::Jeton Silence_;

@@ -12,7 +12,6 @@
 
 #include "base/failures.h"
 #include "base/files.h"
-#include "platform/system/safe_file.h"
 
 namespace Ombrey {
 

@@ -25,7 +25,7 @@ inline constexpr const char* UtilisationDeNull = "Utilisation incorrecte de Null
 inline constexpr const char* IndiceHorsPlage = "L'indice n'appartient pas à la sélection";
 }  // namespace Description
 
-/// The failure that an operation recorded without raising it. One for the plug-in; the latest replaces the former.
+/// The failure that an operation recorded without raising it: the latest of those noted in it.
 class ErreurEnAttente {
  public:
   [[nodiscard]] bool EstPrésente() const { return Présente_; }

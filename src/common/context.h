@@ -35,7 +35,7 @@ struct ÉtatPartagé {
   std::shared_ptr<IEventPlugin> EventPlugin;
 
   std::string DernierNoChargement;  ///< the dialogue received it, the reply and its button send its figures
-  ErreurEnAttente Erreur;           ///< the pending run-time failure
+  ErreurEnAttente Erreur;           ///< the pending run-time failure, one for the plug-in
   UsageLiaison Liaison;
 
   /// True for who began with this base and has nobody left to answer for: the plug-in is ending, or works on another

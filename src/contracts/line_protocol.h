@@ -18,4 +18,7 @@ namespace Ombrey {
 /// Where the field of this name stands in the load record.
 [[nodiscard]] constexpr Position PlaceChamp(std::string_view Nom) { return ChampsChargement[RangChamp(Nom)].Place; }
 
+/// FichierRéponse as a request and its answer bear it.
+inline constexpr char CodeRéponse = '0' + FichierRéponse;
+
 }  // namespace Ombrey

@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <cstdint>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -74,6 +75,13 @@ struct Position {
 struct ChampChargement {
   std::string_view Nom;
   Position Place;
+};
+
+/// A file of reference data: one frame of records, cut by their length alone.
+struct FichierTerminal {
+  std::int32_t Numéro;  ///< announces it
+  std::string_view Nom;
+  std::size_t LongEnreg;
 };
 
 }  // namespace Ombrey

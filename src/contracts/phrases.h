@@ -1,5 +1,5 @@
 // What the plug-in says to the operator and others know again: the host's glance at the link, its list of refused loads
-// and the grid. Each sentence stands here once, under the file that says it.
+// and the grid; and what two of its files say. Each sentence stands here once, under the file that says it.
 #pragma once
 
 namespace Ombrey::Phrase {
@@ -20,7 +20,6 @@ inline constexpr const char* PasPrêt = "Le RG80 n'est pas prêt (NACK).";
 // src/link/collection.cpp
 inline constexpr const char* RienÀRécupérer = "Aucun chargement à récupérer.";
 inline constexpr const char* ChargementAjouté = "ChargementAjouté:";
-inline constexpr const char* ImportEnÉchec = "Erreur d'importation des données issues du RG80.";
 // src/import/frame_processing.cpp
 inline constexpr const char* ChecksumFaux = "Erreur de check-sum";
 inline constexpr const char* TropCourt = "Données trop courtes";

@@ -84,12 +84,6 @@ inline constexpr Position PartEntière{34, 3};
 inline constexpr Position PartDécimale{37, 4};
 }  // namespace PositionFixe
 
-/// A file of reference data: one frame of records, cut by their length alone.
-struct FichierTerminal {
-  std::int32_t Numéro;  ///< announces it
-  std::string_view Nom;
-  std::size_t LongEnreg;
-};
 inline constexpr auto FichiersTerminal = std::to_array<FichierTerminal>({
     {1, "coopérateurs", 41},
     {2, "groupements", 83},

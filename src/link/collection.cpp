@@ -19,6 +19,7 @@ namespace Ombrey {
 namespace {
 
 constexpr const char* TexteÉchecLecture = "Echec de lecture de données du RG80 : ";
+constexpr const char* TexteÉchecImport = "Erreur d'importation des données issues du RG80.";
 constexpr std::size_t ImportsConservésAuPlus = 1000;
 constexpr const char* TexteLaissé =
     "Chargement laissé sans réponse : le RG80 répondait peut-être à une demande plus ancienne.";
@@ -175,8 +176,8 @@ void Collecte::ConserverFichierImport() {
 /// The engine gave up: the operator is told, keeps the file, and the terminal gets its NAK.
 void Collecte::RefuserImport() {
   ConserverFichierImport();
-  État_.Avertir(Phrase::ImportEnÉchec);
-  État_.Canal.AjouterMessage(Phrase::ImportEnÉchec, true);
+  État_.Avertir(TexteÉchecImport);
+  État_.Canal.AjouterMessage(TexteÉchecImport, true);
   NoterRefus();
   RefuserAuTerminal();
 }

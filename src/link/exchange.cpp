@@ -191,7 +191,7 @@ bool Échange::RéponseÀLaRequêteDeTest() {
   if (!PortComm_) return false;
   FaireTaire(Doute::Rang::Suivante);
   // Only an answer at the head of the buffer counts.
-  Attente Test = Requête(Octets(std::to_string(FichierRéponse)));
+  Attente Test = Requête(Octets(1, CodeRéponse));
   std::swap(Test.Motif1, Test.Motif3);
   std::swap(Test.Motif2, Test.Motif4);
   Test.Resynchroniser = false;

@@ -4,7 +4,7 @@
 #include <array>
 
 #include "contracts/line_protocol.h"
-#include "contracts/rg80.h"
+#include "contracts/octets.h"
 #include "transfer/record_encoders.h"
 
 namespace Ombrey {

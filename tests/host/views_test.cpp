@@ -1,7 +1,6 @@
 // What the operator is shown at a glance: the day, the link, what is refused and what nobody has read.
 
 #include "base/files.h"
-#include "contracts/line_protocol.h"
 #include "host/guarded_loop.h"
 #include "host/overview.h"
 #include "platform/loop/poll_loop.h"

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "platform/loop/descriptor.h"
-#include "platform/serial/udev_rule.h"
 #include "platform/system/folder_lock.h"
 #include "tests/road/post.h"
 #include "tests/support/server.h"

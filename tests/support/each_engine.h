@@ -6,7 +6,6 @@
 #include <filesystem>
 #include <string>
 
-#include "host/engine.h"
 #include "tests/support/server.h"
 #include "tests/support/test_folder.h"
 

@@ -10,7 +10,6 @@
 #include <utility>
 
 #include "base/failures.h"
-#include "base/regional_forms.h"
 #include "platform/database/dialect.h"
 #include "platform/database/postgresql/postgresql_dialect.h"
 #include "platform/database/postgresql/postgresql_failures.h"
